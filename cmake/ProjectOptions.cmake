@@ -1,0 +1,19 @@
+# One interface target carries how every target of the house is compiled.
+add_library(kiv_options INTERFACE)
+target_compile_features(kiv_options INTERFACE cxx_std_20)
+target_compile_definitions(kiv_options INTERFACE
+  QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+target_compile_options(kiv_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi
+  $<$<BOOL:${KIV_WARNINGS_AS_ERRORS}>:-Werror>)
+if(NOT APPLE)
+  # A library that is linked but not used would still be mapped into every session.
+  target_link_options(kiv_options INTERFACE -Wl,--as-needed)
+endif()
+
+if(KIV_SANITIZE)
+  # Recovery is off so that undefined behaviour ends a test as an error.
+  target_compile_options(kiv_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  target_link_options(kiv_options INTERFACE -fsanitize=address,undefined)
+endif()

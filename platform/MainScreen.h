@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/Geometry.h"
+
+#include <QPoint>
+#include <QRect>
+
+#include <optional>
+
+/// The main screen in the agent's own coordinates (platform/Geometry.h), and the one place that converts to Qt's.
+/// Everything is asked of the window system at each call: QScreen lags one event-loop turn behind a size switched by
+/// another process. Main thread only.
+namespace MainScreen
+{
+
+/// The main screen's frame; its origin is (0, 0). Nothing when no display is connected.
+[[nodiscard]] std::optional<NSRect> frame();
+
+/// Where the mouse is, on whichever screen.
+[[nodiscard]] NSPoint mouseLocation();
+
+/// The same point in Qt's global coordinates (device-independent pixels, top-left origin).
+[[nodiscard]] QPoint toQt(NSPoint point);
+
+/// A rectangle of Qt's global coordinates in the agent's own.
+[[nodiscard]] NSRect fromQt(const QRect &rect);
+
+} // namespace MainScreen

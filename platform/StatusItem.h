@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/Geometry.h"
+
+#include <QIcon>
+#include <QObject>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+/// One item of the desktop's status bar: an image that can be pressed.
+///
+/// The item exists from construction to destruction. Where it is drawn is this class's business: in the desktop's tray,
+/// or, where there is none, in the top-right corner of the main screen. It moves by itself when a tray comes, goes or
+/// is replaced. Main thread only.
+class StatusItem final : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit StatusItem(QObject *parent = nullptr);
+    ~StatusItem() override;
+
+    /// A disabled item is drawn faded and does not answer presses. Enabled at first.
+    void setEnabled(bool enabled);
+    [[nodiscard]] bool isEnabled() const;
+
+    void setToolTip(const QString &text);
+    [[nodiscard]] QString toolTip() const;
+
+    /// The text for assistive technology and hosts that list items by name; never drawn.
+    void setTitle(const QString &title);
+    [[nodiscard]] QString title() const;
+
+    void setImage(const QIcon &image);
+    [[nodiscard]] QIcon image() const;
+
+    /// Where the item is on screen, in points; nothing while it is not (yet) embedded, and where the host tells nobody.
+    [[nodiscard]] std::optional<NSRect> frame() const;
+
+Q_SIGNALS:
+    /// The primary button went down on the enabled item. Sent from the event loop, never from inside a host's call.
+    void pressed();
+
+private:
+    class Private;
+    std::unique_ptr<Private> d;
+};

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+#include <cstdint>
+
+/// Numbers and booleans out of strings and property-list values, read as Foundation's NSString and NSNumber read them:
+/// leading white space is skipped, then an optional sign, then as many digits as there are; what follows is ignored;
+/// too large a number saturates; no digits give 0. One place for all, since the preferences file, the feed and the
+/// cache file may each hold a number as a number or as a string. Reentrant.
+namespace StringValues
+{
+
+[[nodiscard]] std::int32_t intValue(const QString &text);
+[[nodiscard]] std::int64_t longLongValue(const QString &text);
+/// Decimal point and exponent included; saturates to infinity.
+[[nodiscard]] float floatValue(const QString &text);
+/// True when the first character after leading white space, sign and zeros is one of Y, y, T, t or 1 to 9.
+[[nodiscard]] bool boolValue(const QString &text);
+
+/// The same for a property-list value: numbers and booleans are converted, strings read as above, all else is 0.
+[[nodiscard]] std::int32_t intValue(const QVariant &value);
+[[nodiscard]] float floatValue(const QVariant &value);
+[[nodiscard]] bool boolValue(const QVariant &value);
+
+} // namespace StringValues

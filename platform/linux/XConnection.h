@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <xcb/xcb.h>
+
+#include <cstdlib>
+#include <memory>
+
+/// A reply, error or event of xcb, which are all released by free().
+struct XcbFree {
+    void operator()(void *block) const noexcept { std::free(block); }
+};
+template <typename T>
+using XcbReply = std::unique_ptr<T, XcbFree>;
+
+/// The X connection that Qt has open (owned by Qt), and the few questions everybody asks on it. Null and nothing when
+/// the program runs without X, as unit tests do. Main thread only.
+namespace XConnection
+{
+
+[[nodiscard]] xcb_connection_t *get();
+[[nodiscard]] int screenNumber();
+[[nodiscard]] xcb_screen_t *screen();
+/// The atom of that name, made if need be. Cached.
+[[nodiscard]] xcb_atom_t atom(const QByteArray &name);
+/// The owner of a selection; XCB_NONE when there is none.
+[[nodiscard]] xcb_window_t selectionOwner(const QByteArray &selection);
+/// "_NET_SYSTEM_TRAY_S" and the screen's number: the selection whose owner is the tray.
+[[nodiscard]] QByteArray traySelection();
+
+} // namespace XConnection

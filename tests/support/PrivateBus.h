@@ -1,0 +1,23 @@
+#pragma once
+
+#include "tests/support/ChildProcess.h"
+
+#include <QTemporaryDir>
+
+/// A message bus of the test's own, at an address that stays the same when the bus is stopped and started again.
+class PrivateBus final
+{
+public:
+    PrivateBus();
+
+    /// Starts the daemon and returns once it listens. False, with a test failure, when it does not.
+    bool start();
+    /// Kills the daemon: every connection to it is lost.
+    void stop();
+
+    [[nodiscard]] QString address() const;
+
+private:
+    QTemporaryDir m_directory;
+    ChildProcess m_daemon;
+};

@@ -17,3 +17,12 @@ if(KIV_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
   target_link_options(kiv_options INTERFACE -fsanitize=address,undefined)
 endif()
+
+if(KIV_BUILD_FUZZERS)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "The fuzzers need clang: set CXX=clang++")
+  endif()
+  target_compile_options(kiv_options INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kiv_options INTERFACE -fsanitize=address,undefined)
+endif()

@@ -12,7 +12,10 @@ class Bundle final
 {
 public:
     /// A bundle whose Info.plist and resources lie in `resources`.
-    explicit Bundle(QString resources);
+    explicit Bundle(const QString &resources);
+
+    /// A bundle whose Info.plist lies elsewhere: on macOS it is one folder above the resources.
+    Bundle(QString resources, const QString &informationFile);
 
     /// The running program's bundle. Read once, at first use.
     [[nodiscard]] static const Bundle &main();
@@ -20,10 +23,12 @@ public:
     /// The information dictionary; nothing when Info.plist is missing or malformed.
     [[nodiscard]] const std::optional<QVariantMap> &infoDictionary() const noexcept { return m_info; }
 
-    /// The string under `key` of the information dictionary; a null string when there is none.
+    /// The string under `key` of the information dictionary, a number as its text: a packager may write a version or a
+    /// date as one. A null string when there is neither.
     [[nodiscard]] QString infoString(const QString &key) const;
 
-    /// The path of the resource `name`.`type`; a null string when there is no such file.
+    /// The path of the resource `name`.`type`, or of `name` alone when `type` is empty; a null string when there is no
+    /// such file.
     [[nodiscard]] QString pathForResource(const QString &name, const QString &type) const;
 
 private:

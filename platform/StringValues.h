@@ -19,9 +19,14 @@ namespace StringValues
 /// True when the first character after leading white space, sign and zeros is one of Y, y, T, t or 1 to 9.
 [[nodiscard]] bool boolValue(const QString &text);
 
-/// The same for a property-list value: numbers and booleans are converted, strings read as above, all else is 0.
+/// The same for a property-list value: numbers and booleans are converted (saturating, too; NaN is the integer 0, and
+/// true), strings read as above, all else is 0.
 [[nodiscard]] std::int32_t intValue(const QVariant &value);
 [[nodiscard]] float floatValue(const QVariant &value);
 [[nodiscard]] bool boolValue(const QVariant &value);
+
+/// The other way round, for texts that a property list may hold as numbers: a string as it is, a number as its decimal
+/// text; nil (a null string) for all else, booleans included.
+[[nodiscard]] QString stringValue(const QVariant &value);
 
 } // namespace StringValues

@@ -1,14 +1,18 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
 #include <QTimer>
 
+#include <chrono>
+#include <optional>
+
 /// The program's one connection to the session bus, kept alive.
 ///
-/// The address is DBUS_SESSION_BUS_ADDRESS, else $XDG_RUNTIME_DIR/bus if that exists; with neither there is no bus, and
-/// no other is ever started. Qt's shared QDBusConnection::sessionBus() is not used: once its bus has died it stays
-/// dead, and it may start stray buses. A lost or missing bus is tried again every 5 s. Main thread only.
+/// Its address is sessionBusAddress(); no bus is ever started. Qt's shared QDBusConnection::sessionBus() is not used:
+/// once its bus has died it stays dead, and it may start stray buses. A lost or missing bus is tried again every 5 s,
+/// and one that takes connections but does not answer within 500 ms counts as missing. Main thread only.
 class SessionBus final : public QObject
 {
     Q_OBJECT
@@ -17,17 +21,38 @@ public:
     /// The one instance, connected (if it can be) at first use.
     [[nodiscard]] static SessionBus &instance();
 
-    SessionBus();
+    /// A connection apart from the one instance, for tests: `retryInterval` is the time from one try to the next.
+    explicit SessionBus(std::chrono::milliseconds retryInterval = std::chrono::seconds(5));
     ~SessionBus() override;
 
     [[nodiscard]] bool isConnected() const;
     /// The present connection; one that is not connected when there is no bus. Ask again after each connected().
     [[nodiscard]] QDBusConnection connection() const;
 
-    /// The process behind a bus name; 0 when nobody owns it. Blocks for at most 500 ms.
-    [[nodiscard]] qint64 processOf(const QString &busName) const;
+    /// The process behind a bus name, unique or well-known; 0 when nobody owns it, none when there is no bus or it does
+    /// not answer. Blocks for at most 500 ms.
+    [[nodiscard]] std::optional<qint64> processOf(const QString &busName) const;
+    /// Takes a bus name for this connection. False when the bus refuses, or another has it. Blocks for at most 500 ms:
+    /// a bus that does not answer by then gets to the request before all that is asked of it later.
+    [[nodiscard]] bool requestName(const QString &busName) const;
+    /// Gives a bus name back, in the same way.
+    void releaseName(const QString &busName) const;
+    /// Waits until the bus has taken what was sent, at most 500 ms. Without it, what a program sends just before it
+    /// ends may be lost: Qt sends from a thread of its own.
+    void flush() const;
 
 Q_SIGNALS:
     void connected();    ///< A connection stands, the first time or again: register objects and names now.
     void disconnected(); ///< The bus has gone.
+
+private Q_SLOTS:
+    void onDisconnected();
+
+private:
+    [[nodiscard]] QDBusMessage ask(const QString &member, const QVariantList &arguments) const;
+    void tryToConnect();
+    void disconnectFromBus();
+
+    QDBusConnection m_connection;
+    QTimer m_retry;
 };

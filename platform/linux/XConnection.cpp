@@ -10,7 +10,9 @@ namespace
 {
 QNativeInterface::QX11Application *x11Application()
 {
-    return qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    // Not qGuiApp, which takes any application object for one with windows.
+    const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
+    return application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
 }
 } // namespace
 

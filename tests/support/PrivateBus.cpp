@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 PrivateBus::PrivateBus() = default;
 
 bool PrivateBus::start()
@@ -23,6 +25,16 @@ void PrivateBus::stop()
 {
     m_daemon.kill();
     QFile::remove(m_directory.filePath(QStringLiteral("bus")));
+}
+
+void PrivateBus::suspend()
+{
+    EXPECT_EQ(::kill(static_cast<pid_t>(m_daemon.pid()), SIGSTOP), 0);
+}
+
+void PrivateBus::resume()
+{
+    EXPECT_EQ(::kill(static_cast<pid_t>(m_daemon.pid()), SIGCONT), 0);
 }
 
 QString PrivateBus::address() const

@@ -14,6 +14,9 @@ public:
     bool start();
     /// Kills the daemon: every connection to it is lost.
     void stop();
+    /// Stops the daemon where it is: connections stand, and nothing is answered.
+    void suspend();
+    void resume();
 
     [[nodiscard]] QString address() const;
 

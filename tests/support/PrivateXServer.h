@@ -12,6 +12,9 @@ class PrivateXServer final
 public:
     /// Starts Xtigervnc and returns once it takes clients. False, with a test failure, when it does not.
     bool start(QSize size = {1280, 800});
+    /// The same for an X server that has no viewers but lists one size at several refresh rates, as a screen does: Xorg
+    /// with its driver for no hardware at all.
+    bool startWithSeveralRates();
     void stop();
 
     /// ":7", for DISPLAY.
@@ -20,10 +23,14 @@ public:
     [[nodiscard]] QString authority() const;
     [[nodiscard]] QString rfbSocket() const;
 
+    [[nodiscard]] qint64 pid() const { return m_server.pid(); }
+
     /// Points DISPLAY and XAUTHORITY of `environment` here.
     void addTo(QProcessEnvironment &environment) const;
 
 private:
+    bool startProgram(const QString &program, const QStringList &arguments);
+
     QTemporaryDir m_directory;
     ChildProcess m_server;
     QString m_display;

@@ -69,6 +69,7 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void **keys, 
 const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 
+/// Values are retained; a null one stands for a missing element.
 CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void **values, CFIndex count,
                          const CFArrayCallBacks *callBacks);
 CFIndex CFArrayGetCount(CFArrayRef array);

@@ -1,0 +1,43 @@
+#include "fuzz/Check.h"
+#include "notify/FeedParser.h"
+#include "notify/KivNotification.h"
+#include "notify/UndefinedKeyException.h"
+
+#include <QGuiApplication>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace
+{
+
+/// Texts are measured, which needs an application object.
+void startApplication()
+{
+    static int argc = 1;
+    static char name[] = "fuzz_feed";
+    static char *argv[] = {name, nullptr};
+    static const QGuiApplication application(argc, argv);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    startApplication();
+    FeedParser parser([](const std::shared_ptr<KivNotification> &record) {
+        check(record != nullptr);
+        check(!record->messageTypeString().isEmpty());
+        KivNotification copy(record->exportToDictionary());
+        check(copy.messageId() == record->messageId());
+    });
+    const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    // Twice: what the first parse leaves open, the second one begins with.
+    for (int i = 0; i < 2; ++i) {
+        try {
+            static_cast<void>(parser.parse(bytes));
+        } catch (const UndefinedKeyException &) {
+        }
+    }
+    return 0;
+}

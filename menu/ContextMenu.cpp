@@ -1,0 +1,15 @@
+#include "ContextMenu.h"
+
+#include <QCoreApplication>
+
+void popUpContextMenu(QMenu &menu, QMouseEvent &event, QWidget *view, StatusBar::Edge edge)
+{
+    if (view) {
+        QCoreApplication::sendEvent(view, &event);
+    }
+    QPoint corner = event.globalPosition().toPoint();
+    if (edge == StatusBar::Edge::Bottom) {
+        corner.ry() -= menu.sizeHint().height();
+    }
+    menu.exec(corner);
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/StatusBar.h"
+
+#include <QMenu>
+#include <QMouseEvent>
+#include <QWidget>
+
+/// Opens `menu` as the context menu of `view`, pressed by `event`: with its top-left corner at the event's global
+/// position, or its bottom-left one where the status bar is at the bottom edge. Returns when the menu has closed.
+/// With a null `view` the menu opens all the same.
+void popUpContextMenu(QMenu &menu, QMouseEvent &event, QWidget *view, StatusBar::Edge edge);

@@ -1,0 +1,337 @@
+#include "KIVMenuObj.h"
+
+#include "menu/AnchorWindow.h"
+#include "menu/AssociatedObjects.h"
+#include "menu/ContextMenu.h"
+#include "menu/DisplayModes.h"
+#include "menu/DisplaySwitch.h"
+#include "menu/MenuEnabling.h"
+#include "menu/MenuEntries.h"
+#include "menu/StatusItemPlacement.h"
+#include "platform/AlertPanel.h"
+#include "platform/ImageFile.h"
+#include "platform/MainScreen.h"
+#include "platform/StatusBar.h"
+
+#include <QKeySequence>
+#include <QPointer>
+#include <QScopeGuard>
+#include <QTimer>
+
+namespace
+{
+constexpr char anchorKey[] = "FakeWindow";
+
+std::uint32_t tagOf(const QAction &item)
+{
+    return item.data().toUInt();
+}
+
+/// The item whose submenu holds `item`; null at the top level.
+QAction *parentItem(const QAction &item)
+{
+    const auto *menu = qobject_cast<QMenu *>(item.parent());
+    return menu && qobject_cast<QMenu *>(menu->parent()) ? menu->menuAction() : nullptr;
+}
+
+/// 0 x 0 when the display has no mode.
+QSize currentSize(CGDirectDisplayID display)
+{
+    const CGDisplayModeRef mode = CGDisplayCopyDisplayMode(display);
+    if (!mode) {
+        return {0, 0};
+    }
+    const QSize size(static_cast<int>(CGDisplayModeGetWidth(mode)), static_cast<int>(CGDisplayModeGetHeight(mode)));
+    CGDisplayModeRelease(mode);
+    return size;
+}
+
+NSPoint centreOf(const NSRect &rect)
+{
+    return {rect.origin.x + rect.size.width / 2, rect.origin.y + rect.size.height / 2};
+}
+} // namespace
+
+KIVMenuObj::KIVMenuObj(const Bundle &bundle, const MenuSurroundings &surroundings)
+    : m_bundle(bundle)
+    , m_surroundings(surroundings)
+    , m_menu(std::make_unique<QMenu>())
+{
+    connect(m_menu.get(), &QMenu::aboutToShow, this, [this] { menuWillOpen(m_menu.get()); });
+    connect(m_menu.get(), &QMenu::aboutToHide, this, [this] { menuDidClose(m_menu.get()); });
+    for (const MenuEntry &entry : menuEntries()) {
+        const QString title = QString::fromUtf16(entry.title);
+        if (entry.parent == kMenuCmdNone) {
+            addMenuItem(title, {}, entry.code, entry.separatorBefore, entry.enabled, false);
+        } else {
+            addSubItem(itemWithTag(entry.parent), title, {}, entry.code, entry.separatorBefore, entry.enabled, false);
+        }
+    }
+}
+
+KIVMenuObj::~KIVMenuObj()
+{
+    m_tray.reset();
+    m_menu.reset();
+}
+
+QAction *KIVMenuObj::addMenuItem(const QString &title, const QString &key, std::uint32_t code, bool sep, bool enable,
+                                 bool check)
+{
+    return newItem(*m_menu, title, key, code, sep, enable, check);
+}
+
+QAction *KIVMenuObj::addSubItem(QAction *parent, const QString &title, const QString &key, std::uint32_t code, bool sep,
+                                bool enable, bool check)
+{
+    if (!parent) {
+        return nullptr;
+    }
+    if (!parent->menu()) {
+        parent->setMenu(new QMenu(m_menu.get()));
+    }
+    return newItem(*parent->menu(), title, key, code, sep, enable, check);
+}
+
+QAction *KIVMenuObj::newItem(QMenu &menu, const QString &title, const QString &key, std::uint32_t code, bool sep,
+                             bool enable, bool check)
+{
+    if (sep) {
+        menu.addSeparator();
+    }
+    QAction *item = menu.addAction(title);
+    item->setShortcut(QKeySequence(key));
+    item->setData(code);
+    item->setEnabled(enable);
+    if (check) {
+        item->setCheckable(true);
+        item->setChecked(true);
+    }
+    // Queued: a command may run an event loop of its own, and the menu's has to have ended by then.
+    const auto carryOut = [this, chosen = QPointer<QAction>(item)] {
+        if (chosen) {
+            onMenuAction(chosen);
+        }
+    };
+    connect(item, &QAction::triggered, this, carryOut, Qt::QueuedConnection);
+    return item;
+}
+
+QAction *KIVMenuObj::itemWithTag(std::uint32_t code) const
+{
+    for (QAction *item : m_menu->actions()) {
+        if (!item->isSeparator() && tagOf(*item) == code) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+void KIVMenuObj::updResolutions()
+{
+    QAction *resolution = itemWithTag(kMenuCmdResolution);
+    if (!resolution) {
+        return;
+    }
+    const CGDirectDisplayID display = CGMainDisplayID();
+    const CFArrayRef modes = resolution->isEnabled() ? CGDisplayAvailableModes(display) : nullptr;
+    fillResolutions(*resolution, modes, currentSize(display));
+}
+
+void KIVMenuObj::fillResolutions(QAction &resolution, CFArrayRef modes, QSize current)
+{
+    if (resolution.menu()) {
+        resolution.menu()->clear();
+    }
+    m_dmods.reset();
+    if (!modes || CFArrayGetCount(modes) == 0) {
+        addSubItem(&resolution, menuEntryTitle(kMenuCmdNone), {}, kMenuCmdNone, false, false, false);
+        return;
+    }
+    // Modes none of which is usable leave the submenu empty: the placeholder is for displays that tell nothing.
+    m_dmods = displaySizes(modes);
+    std::uint32_t index = 0;
+    for (const KIVDspRes &size : *m_dmods) {
+        const bool isCurrent = size.width() == current.width() && size.height() == current.height();
+        addSubItem(&resolution, size.title(), {}, index++, false, true, isCurrent);
+    }
+}
+
+void KIVMenuObj::switchResolution(std::int32_t index)
+{
+    if (!m_dmods || index < 0 || static_cast<std::size_t>(index) >= m_dmods->size()) {
+        return;
+    }
+    const KIVDspRes &size = (*m_dmods)[static_cast<std::size_t>(index)];
+    if (set_dmod(static_cast<std::uint32_t>(size.width()), static_cast<std::uint32_t>(size.height()))) {
+        return;
+    }
+    setEnabled(false);
+    const auto enableAgain = qScopeGuard([this] { setEnabled(true); });
+    AlertPanel panel(AlertPanel::Style::Critical, {QStringLiteral("Operation failed"),
+                                                   QStringLiteral("System could not set the selected resolution."),
+                                                   QStringLiteral("Ok"),
+                                                   {},
+                                                   {}});
+    [[maybe_unused]] const AlertPanel::Response onlyButton = panel.runModal();
+}
+
+void KIVMenuObj::onMenuAction(QAction *sender)
+{
+    const QAction *parent = parentItem(*sender);
+    if (parent && tagOf(*parent) == kMenuCmdResolution) {
+        switchResolution(static_cast<std::int32_t>(tagOf(*sender)));
+        return;
+    }
+    if (m_proc) {
+        m_proc(this, tagOf(*sender));
+    }
+}
+
+void KIVMenuObj::menuWillOpen(QMenu *menu)
+{
+    if (menu == m_menu.get()) {
+        updResolutions();
+    }
+}
+
+void KIVMenuObj::menuDidClose(QMenu *menu)
+{
+    if (menu != m_menu.get()) {
+        return;
+    }
+    auto *anchor = qobject_cast<AnchorWindow *>(associatedObject(*menu, anchorKey));
+    removeAssociatedObjects(*menu);
+    if (anchor) {
+        anchor->close();
+    }
+}
+
+void KIVMenuObj::setMenuProc(MenuProc proc)
+{
+    m_proc = proc;
+}
+
+KIVMenuObj::MenuProc KIVMenuObj::getMenuProc() const
+{
+    return m_proc;
+}
+
+void KIVMenuObj::setFlags(std::uint32_t flags)
+{
+    if (flags == m_flags) {
+        return;
+    }
+    if ((flags ^ m_flags) & kMenuFlagVisible) {
+        // The opposite of what is wanted, so that a new item gets its image below.
+        m_flags = (m_flags & ~kMenuFlagActive) | (~flags & kMenuFlagActive);
+        if (!(flags & kMenuFlagVisible)) {
+            m_tray.reset();
+        } else if (!m_tray) {
+            createStatusItem();
+        }
+    }
+    if (m_tray && (flags ^ m_flags) & kMenuFlagActive) {
+        if (flags & kMenuFlagActive) {
+            showImage(m_imgOn, QStringLiteral("statuson"));
+        } else {
+            showImage(m_imgOff, QStringLiteral("statusoff"));
+        }
+    }
+    m_flags = flags;
+}
+
+void KIVMenuObj::createStatusItem()
+{
+    m_tray = std::make_unique<StatusItem>();
+    m_tray->setEnabled(true);
+    m_tray->setToolTip(QStringLiteral("Kivune Menu"));
+    m_tray->setTitle(QString());
+    // Queued: the service may remove the item while its menu is open, that is from within this very call.
+    connect(m_tray.get(), &StatusItem::pressed, this, &KIVMenuObj::menuTrayPressed, Qt::QueuedConnection);
+    QTimer::singleShot(m_surroundings.settling, Qt::PreciseTimer, this, &KIVMenuObj::saveTrayX);
+}
+
+void KIVMenuObj::showImage(QIcon &image, const QString &resource)
+{
+    if (image.isNull()) {
+        image = readImageFile(m_bundle.pathForResource(resource, QStringLiteral("tiff")));
+    }
+    if (!image.isNull()) {
+        m_tray->setImage(image);
+    }
+}
+
+void KIVMenuObj::setActions(QMenu *menu, std::span<const std::uint32_t> codes)
+{
+    if (!menu) {
+        return;
+    }
+    for (QAction *item : menu->actions()) {
+        if (item->isSeparator()) {
+            continue;
+        }
+        const std::uint32_t code = tagOf(*item);
+        item->setEnabled(isEnabled(code, m_flags, codes));
+        if (code != kMenuCmdResolution && item->menu()) {
+            setActions(item->menu(), codes);
+        }
+    }
+}
+
+void KIVMenuObj::setActions(std::span<const std::uint32_t> codes)
+{
+    setActions(m_menu.get(), codes);
+}
+
+void KIVMenuObj::setEnabled(bool enabled)
+{
+    if (m_tray) {
+        m_tray->setEnabled(enabled);
+    }
+}
+
+std::optional<NSRect> KIVMenuObj::getFrame() const
+{
+    const std::optional<NSRect> frame = m_tray ? m_tray->frame() : std::nullopt;
+    if (!frame || m_trayX == 0 || !m_surroundings.isHidden()) {
+        return frame;
+    }
+    const std::optional<NSRect> screen = MainScreen::frame();
+    return screen ? heldFrame(*frame, m_trayX, screen->size) : frame;
+}
+
+void KIVMenuObj::saveTrayX()
+{
+    if (!m_surroundings.isHidden()) {
+        return;
+    }
+    // The frame as it is reported: getFrame() would answer with what has been remembered before.
+    const std::optional<NSRect> frame = m_tray ? m_tray->frame() : std::nullopt;
+    const std::optional<NSRect> screen = MainScreen::frame();
+    if (frame && screen) {
+        m_trayX = trayDistance(*frame, screen->size);
+    }
+}
+
+void KIVMenuObj::menuTrayPressed()
+{
+    if (m_menu->isVisible()) {
+        m_menu->close();
+        return;
+    }
+    const std::optional<NSRect> frame = getFrame();
+    const NSPoint mouse = MainScreen::mouseLocation();
+    const NSSize screen = MainScreen::frame().value_or(NSRect{}).size;
+    // The bar is where the item really is, wherever it is held to be.
+    const std::optional<NSRect> reported = m_tray ? m_tray->frame() : std::nullopt;
+    const StatusBar bar = StatusBar::at(reported ? centreOf(*reported) : mouse);
+    const QPoint anchorPoint = MainScreen::toQt(menuAnchor(frame, mouse, screen, bar));
+
+    auto *anchor = new AnchorWindow(anchorPoint); // Deletes itself when menuDidClose() closes it.
+    anchor->show();
+    QMouseEvent press(QEvent::MouseButtonPress, anchor->rect().bottomLeft(), anchorPoint, Qt::LeftButton,
+                      Qt::LeftButton, Qt::NoModifier);
+    setAssociatedObject(*m_menu, anchorKey, anchor);
+    popUpContextMenu(*m_menu, press, anchor, bar.edge);
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/Geometry.h"
+#include "platform/StatusBar.h"
+
+#include <optional>
+
+/// Where the status item is held to be, and where its menu opens. All in points, origin bottom-left.
+
+/// The distance from the screen's right edge to the item's left edge. Status items keep it when the screen's width
+/// changes.
+[[nodiscard]] float trayDistance(NSRect item, NSSize mainScreen) noexcept;
+
+/// The item's frame, moved to its remembered distance from the screen's right edge when its reported place disagrees
+/// with that by more than 50 points. A `distance` of 0 means that none has been remembered. Only x ever changes.
+[[nodiscard]] NSRect heldFrame(NSRect item, float distance, NSSize mainScreen) noexcept;
+
+/// Where the menu's anchor goes: its x is the item's left edge when the mouse is at most 30 points from that, else the
+/// mouse's x rounded toward zero to a multiple of 12; its y is 5 points clear of the status bar.
+/// `item` is nothing when the item's place is unknown.
+[[nodiscard]] NSPoint menuAnchor(const std::optional<NSRect> &item, NSPoint mouse, NSSize mainScreen,
+                                 const StatusBar &bar) noexcept;

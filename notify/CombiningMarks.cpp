@@ -1,0 +1,21 @@
+#include "CombiningMarks.h"
+
+QString withoutPiledUpMarks(const QString &text)
+{
+    constexpr int mostMarks = 32;
+    QString result;
+    result.reserve(text.size());
+    int marks = 0;
+    qsizetype size = 0;
+    for (QStringView rest = text; !rest.isEmpty(); rest = rest.sliced(size)) {
+        const QChar first = rest.front();
+        const bool isPair = first.isHighSurrogate() && rest.size() > 1 && rest[1].isLowSurrogate();
+        size = isPair ? 2 : 1;
+        const bool isMark = isPair ? QChar::isMark(QChar::surrogateToUcs4(first, rest[1])) : first.isMark();
+        marks = isMark ? marks + 1 : 0;
+        if (marks <= mostMarks) {
+            result += rest.first(size);
+        }
+    }
+    return result;
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class KivNotification;
+
+/// Makes records of the feed's XML: each "supportMessage" element is one, each of its children a field by the child's
+/// name. All text but "contentData" is lowercased first; white space counts. Attributes, and the names and text of the
+/// elements around a message, mean nothing.
+///
+/// Documents are UTF-8, UTF-16, UTF-32 or ISO 8859-1. Refused as malformed are, besides what XML forbids: a document
+/// type (so that no entity is ever expanded), another declared encoding, more than 64 attributes in a tag, 100 levels
+/// of elements or 10,000 messages.
+///
+/// What a malformed document leaves open stays open when the next one is begun. Main thread only.
+class FeedParser final
+{
+public:
+    /// Takes each record when its element ends. May throw; the parse then ends with that exception.
+    using Handover = std::function<void(const std::shared_ptr<KivNotification> &)>;
+
+    explicit FeedParser(Handover handover);
+
+    enum class Outcome {
+        EndOfDocument,
+        Malformed ///< Ended there. The records before that spot were handed over.
+    };
+
+    /// Throws UndefinedKeyException at an element within a message that names no property of KivNotification; the
+    /// records before it were handed over.
+    [[nodiscard]] Outcome parse(const QByteArray &document);
+
+    /// The record being filled; null when none is.
+    [[nodiscard]] const std::shared_ptr<KivNotification> &notification() const noexcept { return m_notification; }
+
+private:
+    void didStartElement(QStringView name);
+    void foundCharacters(QStringView characters);
+    void didEndElement(QStringView name);
+    void setField(QStringView element);
+
+    Handover m_handover;
+    QString m_currentChars;
+    std::shared_ptr<KivNotification> m_notification;
+    bool m_readingChars = false;
+};

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+/// The facts about this installation and user that messages are addressed by. The codes are those of KivNotification.
+/// A fact that the bundle or the system does not state is nil, and 0 as a number.
+struct Installation {
+    std::int32_t messageLevel = 0;
+    std::int32_t productCode = 1;
+    std::int32_t licenseType = 1;
+    QString messageLevelString;
+    QString productCodeString;
+    QString licenseTypeString;
+    QString systemCodeString;
+    std::uint32_t productVersion = 0; ///< The version's digits as one number: 3.2.1 is 321.
+    std::uint32_t systemVersion = 0;  ///< In the same way.
+    QString buildDate;
+    QString productVersionString;
+    QString systemVersionString;
+};

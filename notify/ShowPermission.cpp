@@ -1,0 +1,65 @@
+#include "ShowPermission.h"
+
+#include "notify/KivNotification.h"
+
+namespace
+{
+
+constexpr std::int32_t instantPriority = 3;
+constexpr std::int32_t showOnce = 4;
+
+qint64 repeatInterval(std::int32_t notificationRepeat)
+{
+    constexpr qint64 hour = 3600;
+    switch (notificationRepeat) {
+    case 2:
+        return 3 * hour;
+    case 3:
+        return 5 * hour;
+    default:
+        return hour;
+    }
+}
+
+bool priorityIsOn(std::int32_t priority, const NotificationSettings &settings)
+{
+    switch (priority) {
+    case 0:
+        return settings.shouldDisplayLowPriority;
+    case 1:
+        return settings.shouldDisplayMediumPriority;
+    case 2:
+        return settings.shouldDisplayHighPriority;
+    default:
+        return true;
+    }
+}
+
+bool typeIsOn(std::int32_t type, const NotificationSettings &settings)
+{
+    switch (type) {
+    case 0:
+        return settings.shouldDisplayUpdates;
+    case 1:
+        return settings.shouldDisplayNotices;
+    case 2:
+        return settings.shouldDisplayNews;
+    case 3:
+        return settings.shouldDisplayWarnings;
+    default:
+        return true;
+    }
+}
+
+} // namespace
+
+bool shouldShowNotification(const KivNotification &record, const NotificationSettings &settings, const QDateTime &now)
+{
+    if (record.messagePriority() == instantPriority) {
+        return true;
+    }
+    const QDateTime next = record.lastShowDate().addSecs(repeatInterval(settings.notificationRepeat));
+    const bool wasShownEnough = settings.notificationRepeat == showOnce && record.wasDisplayed();
+    return next < now && !wasShownEnough && priorityIsOn(record.messagePriority(), settings) &&
+           typeIsOn(record.messageType(), settings);
+}

@@ -1,0 +1,76 @@
+#include "TextMeasure.h"
+
+#include "notify/CombiningMarks.h"
+
+#include <QFontDatabase>
+#include <QTextLayout>
+#include <QTextOption>
+
+#include <algorithm>
+
+namespace
+{
+
+constexpr int fontSize = 12;
+constexpr qreal largestHeight = 20000;
+/// Within the range of Qt's fixed-point lengths; also stands for no limit.
+constexpr qreal largestWidth = 1'000'000;
+/// At the widths that pop-ups have, far more than fills the largest height.
+constexpr qsizetype largestLength = 500'000;
+/// For every line, a layout looks through the word in which it begins, so an endless word is laid out in pieces.
+constexpr qsizetype pieceLength = 4096;
+
+QFont systemFont()
+{
+    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    font.setPixelSize(fontSize);
+    return font;
+}
+
+/// The layout breaks lines at line separators only.
+QString withLineSeparators(QString text)
+{
+    text.truncate(largestLength);
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    for (const char16_t lineBreak : {u'\n', u'\r', u'\u2029'}) {
+        text.replace(QChar(lineBreak), QChar(QChar::LineSeparator));
+    }
+    return text;
+}
+
+void layOut(QTextLayout &layout, qreal width)
+{
+    QTextOption option;
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    layout.setTextOption(option);
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(width);
+    }
+    layout.endLayout();
+}
+
+} // namespace
+
+float textHeight(const QString &text, float width)
+{
+    const QString lines = withoutPiledUpMarks(withLineSeparators(text));
+    const qreal lineWidth = width > 0 ? std::min<qreal>(width, largestWidth) : largestWidth;
+    const QFont font = systemFont();
+    qreal height = 0;
+    qsizetype start = 0;
+    qsizetype length = pieceLength;
+    while (start < lines.size() && height < largestHeight) {
+        QTextLayout piece(lines.mid(start, length), font);
+        layOut(piece, lineWidth);
+        // More text may belong to the last line of a piece, so the next piece begins with it.
+        const bool isLastPiece = start + length >= lines.size();
+        const int complete = isLastPiece ? piece.lineCount() : piece.lineCount() - 1;
+        for (int i = 0; i < complete; ++i) {
+            height += piece.lineAt(i).height();
+        }
+        start = isLastPiece ? lines.size() : start + piece.lineAt(complete).textStart();
+        length = complete > 0 ? pieceLength : length * 2;
+    }
+    return static_cast<float>(std::min(height, largestHeight));
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QString>
+
+/// Where the running program's bundle lies.
+struct MainBundlePath {
+    QString resources;       ///< The folder with its resources.
+    QString informationFile; ///< Its Info.plist.
+};
+
+/// Needs the application object. Main thread only.
+[[nodiscard]] MainBundlePath mainBundlePath();

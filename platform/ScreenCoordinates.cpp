@@ -1,0 +1,57 @@
+#include "ScreenCoordinates.h"
+
+#include <QSizeF>
+
+#include <cmath>
+
+namespace
+{
+
+// An empty QRect lies at (0, 0) with size (0, 0), as the main screen does where there is none.
+double scaledHeight(const ScreenCoordinates &screen)
+{
+    return screen.mainScreen.height() / screen.ratio;
+}
+
+NSRect makeRect(double x, double y, QSizeF size)
+{
+    return {{static_cast<float>(x), static_cast<float>(y)},
+            {static_cast<float>(size.width()), static_cast<float>(size.height())}};
+}
+
+} // namespace
+
+NSRect ScreenCoordinates::frame() const
+{
+    return makeRect(0, 0, QSizeF(mainScreen.size()) / ratio);
+}
+
+NSPoint ScreenCoordinates::fromDevice(QPoint point) const
+{
+    return {static_cast<float>((point.x() - mainScreen.x()) / ratio),
+            static_cast<float>((mainScreen.y() + mainScreen.height() - point.y()) / ratio)};
+}
+
+NSRect ScreenCoordinates::fromDevice(const QRect &rect) const
+{
+    const NSPoint bottomLeft = fromDevice(QPoint(rect.x(), rect.y() + rect.height()));
+    return makeRect(bottomLeft.x, bottomLeft.y, QSizeF(rect.size()) / ratio);
+}
+
+QPoint ScreenCoordinates::toDevice(NSPoint point) const
+{
+    return {static_cast<int>(std::lround(mainScreen.x() + point.x * ratio)),
+            static_cast<int>(std::lround(mainScreen.y() + mainScreen.height() - point.y * ratio))};
+}
+
+NSRect ScreenCoordinates::fromQt(const QRect &rect) const
+{
+    const double bottom = rect.y() + rect.height() - mainScreen.y();
+    return makeRect(rect.x() - mainScreen.x(), scaledHeight(*this) - bottom, rect.size());
+}
+
+QPoint ScreenCoordinates::toQt(NSPoint point) const
+{
+    return {static_cast<int>(std::lround(mainScreen.x() + point.x)),
+            static_cast<int>(std::lround(mainScreen.y() + scaledHeight(*this) - point.y))};
+}

@@ -1,0 +1,15 @@
+#include "SystemVersion.h"
+
+#include "platform/PropertyList.h"
+
+#include <QFile>
+#include <QVariantMap>
+
+QString systemVersion(const QString &file)
+{
+    if (!QFile::exists(file)) {
+        return systemVersionWithoutFile();
+    }
+    const QVariant version = PropertyList::readFile(file).toMap().value(QStringLiteral("ProductVersion"));
+    return version.typeId() == QMetaType::QString ? version.toString() : QString();
+}

@@ -1,0 +1,188 @@
+#include "AppleEventTransport.h"
+
+#include "platform/linux/AppleEventMessage.h"
+#include "platform/linux/AppleEventsContract.h"
+#include "platform/linux/EventBusName.h"
+#include "platform/linux/RunningProcess.h"
+#include "platform/linux/SessionBus.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+
+#include <exception>
+#include <limits>
+
+namespace
+{
+
+OSErr statusOf(const QDBusMessage &answer)
+{
+    if (answer.type() == QDBusMessage::ReplyMessage) {
+        bool isNumber = false;
+        const int status = answer.arguments().value(0).toInt(&isNumber);
+        const bool fits = status >= std::numeric_limits<OSErr>::min() && status <= std::numeric_limits<OSErr>::max();
+        return isNumber && fits ? static_cast<OSErr>(status) : OSErr(errAEEventFailed);
+    }
+    switch (QDBusError(answer).type()) {
+    case QDBusError::ServiceUnknown:
+        return procNotFound;
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+        return errAETimeout;
+    case QDBusError::Disconnected:
+        return connectionInvalid;
+    default:
+        return errAEEventFailed;
+    }
+}
+
+QString ownBusName()
+{
+    return eventBusName(QCoreApplication::applicationPid());
+}
+
+} // namespace
+
+AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver)
+    : m_bus(bus)
+    , m_receiver(std::move(receiver))
+    , m_peers(bus)
+{
+    connect(&bus, &SessionBus::connected, this, &AppleEventTransport::enter);
+}
+
+AppleEventTransport::~AppleEventTransport()
+{
+    stopReceiving();
+}
+
+void AppleEventTransport::startReceiving()
+{
+    if (m_reception == Reception::Off) {
+        m_reception = Reception::On;
+        enter();
+    }
+}
+
+void AppleEventTransport::stopReceiving()
+{
+    if (m_reception == Reception::On) {
+        m_reception = Reception::Off;
+        leave();
+    }
+}
+
+void AppleEventTransport::enter()
+{
+    if (m_reception == Reception::Off || !m_bus.isConnected()) {
+        return;
+    }
+    QDBusConnection connection = m_bus.connection();
+    // The object first: who sees the name may call at once.
+    if (!connection.registerVirtualObject(eventObjectPath(), this) || !m_bus.requestName(ownBusName())) {
+        qWarning("cannot take events on the session bus");
+    }
+}
+
+void AppleEventTransport::leave()
+{
+    QDBusConnection connection = m_bus.connection();
+    if (connection.isConnected()) {
+        m_bus.releaseName(ownBusName());
+    }
+    connection.unregisterObject(eventObjectPath());
+}
+
+OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage &message) const
+{
+    // Qt answers a blocking call to this process itself, for which it must see the connection's own name.
+    const bool isToItself =
+        m_reception == Reception::On && event.target == static_cast<SInt32>(QCoreApplication::applicationPid());
+    const std::optional<QDBusMessage> call =
+        messageOf(event, isToItself ? m_bus.connection().baseService() : QString());
+    if (!call) {
+        return paramErr;
+    }
+    if (!isRunningProcess(*event.target)) {
+        return procNotFound;
+    }
+    // The bus takes a message to nobody without a word, so it is asked first; and who holds the name of a process that
+    // it is not gets nothing.
+    const std::optional<qint64> taker = m_bus.processOf(eventBusName(*event.target));
+    if (taker != *event.target) {
+        return taker ? procNotFound : connectionInvalid;
+    }
+    message = *call;
+    return noErr;
+}
+
+OSErr AppleEventTransport::send(const AppleEventContents &event) const
+{
+    QDBusMessage message;
+    if (const OSErr error = prepare(event, message); error != noErr) {
+        return error;
+    }
+    if (!m_bus.connection().send(message)) {
+        return connectionInvalid;
+    }
+    m_bus.flush();
+    return noErr;
+}
+
+OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chrono::milliseconds limit) const
+{
+    QDBusMessage message;
+    if (const OSErr error = prepare(event, message); error != noErr) {
+        return error;
+    }
+    return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(limit.count())));
+}
+
+QString AppleEventTransport::introspect(const QString &) const
+{
+    // Qt writes the node around it.
+    const QString contract = QString::fromUtf8(kAppleEventsContract);
+    const QString end = QStringLiteral("</interface>\n");
+    const qsizetype from = contract.indexOf(QStringLiteral("  <interface "));
+    return contract.mid(from, contract.indexOf(end) + end.size() - from);
+}
+
+bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
+{
+    const bool isOurs = message.interface().isEmpty() || message.interface() == eventInterface();
+    if (!isOurs || message.member() != QStringLiteral("Send")) {
+        return false;
+    }
+    std::optional<AppleEventContents> event = eventOf(message);
+    if (!event) {
+        if (message.isReplyRequired()) {
+            connection.send(message.createErrorReply(QDBusError::InvalidArgs,
+                                                     QStringLiteral("Not an event: see the interface's description")));
+        }
+        return true;
+    }
+    const OSErr status = receive(std::move(*event), message.service());
+    if (message.isReplyRequired()) {
+        connection.send(message.createReply(int(status)));
+    }
+    return true;
+}
+
+OSErr AppleEventTransport::receive(AppleEventContents event, const QString &peer)
+{
+    if (const std::optional<qint64> pid = m_peers.processOf(peer)) {
+        event.sender = static_cast<SInt32>(*pid);
+    }
+    // Nothing may be thrown through QtDBus: it would tell the sender that there is no such object.
+    try {
+        return m_receiver(event);
+    } catch (const std::exception &failure) {
+        qCritical("an event handler failed: %s", failure.what());
+    } catch (...) {
+        qCritical("an event handler failed");
+    }
+    return errAEEventFailed;
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/linux/AppleEventContents.h"
+#include "platform/linux/PeerProcesses.h"
+
+#include <QDBusVirtualObject>
+
+#include <chrono>
+#include <functional>
+
+class SessionBus;
+
+/// Carries events over the session bus, by the contract resources/dbus/com.tamborel.kivune.AppleEvents.xml. Main thread
+/// only.
+class AppleEventTransport final : public QDBusVirtualObject
+{
+    Q_OBJECT
+
+public:
+    /// Handles an event that has come, its sender set, and says how that went. What it throws does not get further: it
+    /// is logged, and the event has failed (errAEEventFailed).
+    using Receiver = std::function<OSErr(const AppleEventContents &event)>;
+
+    /// `bus` must outlive this object.
+    AppleEventTransport(SessionBus &bus, Receiver receiver);
+    ~AppleEventTransport() override;
+
+    /// Takes events from now on: serves the object and owns the bus name, again whenever the bus comes back.
+    void startReceiving();
+    void stopReceiving();
+
+    /// Sends without waiting. paramErr for an event that cannot travel (no target, or a zero byte in a code);
+    /// procNotFound, and nothing sent, when the target is no running process or takes no events; connectionInvalid
+    /// without a bus that answers.
+    [[nodiscard]] OSErr send(const AppleEventContents &event) const;
+    /// Sends and blocks until the handler's status is there, which is the result; errAETimeout when it does not come
+    /// within `limit`. No other events are handled meanwhile.
+    [[nodiscard]] OSErr sendAndWait(const AppleEventContents &event, std::chrono::milliseconds limit) const;
+
+    [[nodiscard]] QString introspect(const QString &path) const override;
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
+
+private:
+    enum class Reception { Off, On };
+
+    void enter();
+    void leave();
+    [[nodiscard]] OSErr prepare(const AppleEventContents &event, QDBusMessage &message) const;
+    [[nodiscard]] OSErr receive(AppleEventContents event, const QString &peer);
+
+    SessionBus &m_bus;
+    Receiver m_receiver;
+    PeerProcesses m_peers;
+    Reception m_reception = Reception::Off;
+};

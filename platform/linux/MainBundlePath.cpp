@@ -1,0 +1,12 @@
+#include "platform/MainBundlePath.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+MainBundlePath mainBundlePath()
+{
+    // Qt takes the folder from /proc/self/exe, so a link to the program still finds the program's bundle.
+    const QString resources =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/kivmenua"));
+    return {resources, resources + QStringLiteral("/Info.plist")};
+}

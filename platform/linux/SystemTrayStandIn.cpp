@@ -1,0 +1,20 @@
+#include "SystemTrayStandIn.h"
+
+SystemTrayStandIn::SystemTrayStandIn()
+{
+    connect(
+        &m_icon, &QSystemTrayIcon::activated, this,
+        [this](QSystemTrayIcon::ActivationReason reason) {
+            if (reason == QSystemTrayIcon::Trigger) {
+                Q_EMIT pressed();
+            }
+        },
+        Qt::QueuedConnection);
+}
+
+void SystemTrayStandIn::setLook(const StatusItemLook &look)
+{
+    m_icon.setIcon(iconWithLook(look.image, look.iconLook()));
+    m_icon.setToolTip(look.toolTip);
+    m_icon.show();
+}

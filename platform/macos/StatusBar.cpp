@@ -1,0 +1,9 @@
+#include "platform/StatusBar.h"
+
+#include "platform/macos/StatusBarThickness.h"
+
+// The system has one menu bar per screen, always at the top, all of one thickness.
+StatusBar StatusBar::at(NSPoint)
+{
+    return {Edge::Top, static_cast<float>(systemStatusBarThickness())};
+}

@@ -1,0 +1,8 @@
+#include "StatusBarThickness.h"
+
+#import <AppKit/AppKit.h>
+
+double systemStatusBarThickness()
+{
+    return [[NSStatusBar systemStatusBar] thickness];
+}

@@ -1,0 +1,6 @@
+#include "platform/SystemVersion.h"
+
+QString systemVersionWithoutFile()
+{
+    return {};
+}

@@ -1,0 +1,6 @@
+#include "platform/WindowStacking.h"
+
+void bringToFront(QWidget &window)
+{
+    window.raise();
+}

@@ -1,0 +1,40 @@
+#include "EventHandler.h"
+
+#include "shell/EventCodes.h"
+#include "shell/EventLink.h"
+#include "shell/ProcessState.h"
+#include "shell/ServiceCommands.h"
+
+OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
+{
+    if (!event) {
+        return errAEEventFailed;
+    }
+    std::uint32_t command = 0;
+    OSErr error = AEGetParamPtr(event, kMenuParamCommand, typeSInt32, nullptr, &command, sizeof command, nullptr);
+    if (error != noErr) {
+        return error;
+    }
+    ProcessSerialNumber sender{};
+    error = AEGetParamPtr(event, kMenuParamSender, typeProcessSerialNumber, nullptr, &sender, sizeof sender, nullptr);
+    if (error != noErr) {
+        return error;
+    }
+    if (kivmAEIsForged(event, &sender)) {
+        return noErr;
+    }
+    if (command != kMenuEvtSetOwner && !kivmAESameProcess(&sender, &__owpsn)) {
+        return noErr;
+    }
+    switch (command) {
+    case kMenuEvtSetOwner:
+        __owpsn = sender;
+        return noErr;
+    case kMenuEvtSetOptions:
+        return __cmd_setopt(event);
+    case kMenuEvtQuit:
+        ExitToShell();
+    default:
+        return noErr;
+    }
+}

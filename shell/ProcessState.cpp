@@ -1,0 +1,5 @@
+#include "ProcessState.h"
+
+std::unique_ptr<KIVMenuObj> __menu;
+ProcessSerialNumber __mypsn{};
+ProcessSerialNumber __owpsn{};

@@ -1,0 +1,56 @@
+#include "menu/MenuCommands.h"
+#include "platform/GraphicalSession.h"
+#include "platform/SessionLock.h"
+#include "shell/Application.h"
+#include "shell/DockSearch.h"
+#include "shell/EventCodes.h"
+#include "shell/EventHandler.h"
+#include "shell/MenuProcedure.h"
+#include "shell/ProcessState.h"
+#include "shell/TerminationSignals.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace
+{
+void startUp()
+{
+    __wait_dock();
+    __owpsn = {};
+    __menu = std::make_unique<KIVMenuObj>();
+    __menu->setMenuProc(__menu_proc);
+    __menu->setFlags(kMenuFlagVisible);
+    GetCurrentProcess(&__mypsn);
+    AEInstallEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, nullptr, false);
+}
+
+void tearDown()
+{
+    AERemoveEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, false);
+    __menu.reset();
+}
+} // namespace
+
+int main(int, char **argv)
+{
+    if (const QString obstacle = GraphicalSession::prepare(); !obstacle.isEmpty()) {
+        std::fprintf(stderr, "kivmenua: %s\n", qPrintable(obstacle));
+        return EXIT_FAILURE;
+    }
+    int argumentCount = 1; // The program's name: arguments are ignored, Qt's own too.
+    Application application(argumentCount, argv);
+    Application::setQuitOnLastWindowClosed(false);
+
+    SessionLock lock;
+    if (!lock.tryAcquire()) {
+        return EXIT_SUCCESS;
+    }
+    startUp();
+    {
+        const TerminationSignals signalsEndTheLoop;
+        Application::exec();
+    }
+    tearDown();
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,68 @@
+#include "menu/DisplayModes.h"
+
+#include "tests/menu/ModeList.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+QJsonObject readData(const QString &path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(path);
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+QStringList titles(const std::vector<KIVDspRes> &sizes)
+{
+    QStringList result;
+    for (const KIVDspRes &size : sizes) {
+        result += size.title();
+    }
+    return result;
+}
+
+} // namespace
+
+TEST(DisplayModes, BecomeTheSizesThatTheDataFilesExpect)
+{
+    const QDir folder(QStringLiteral(KIV_MODE_LISTS));
+    const QStringList files = folder.entryList({QStringLiteral("*.json")});
+    ASSERT_GE(files.size(), 10);
+    for (const QString &file : files) {
+        const QJsonObject data = readData(folder.filePath(file));
+        const CFArrayRef modes = newModeList(data.value(QStringLiteral("modes")).toArray());
+        QStringList expected;
+        for (const QJsonValue &title : data.value(QStringLiteral("expected")).toArray()) {
+            expected += title.toString();
+        }
+        EXPECT_EQ(titles(displaySizes(modes)), expected)
+            << qPrintable(file) << ": " << qPrintable(data.value(QStringLiteral("about")).toString());
+        CFRelease(modes);
+    }
+}
+
+TEST(DisplayModes, KeepWidthAndHeightBesideTheTitle)
+{
+    const CFArrayRef modes = newModeList(QJsonArray{QJsonObject{
+        {QStringLiteral("UsableForDesktopGUI"), 1}, {QStringLiteral("Width"), 1366}, {QStringLiteral("Height"), 768}}});
+    const std::vector<KIVDspRes> sizes = displaySizes(modes);
+    CFRelease(modes);
+    ASSERT_EQ(sizes.size(), 1U);
+    EXPECT_EQ(sizes[0].width(), 1366);
+    EXPECT_EQ(sizes[0].height(), 768);
+}
+
+TEST(GetInt, ReadsZeroForAMissingKey)
+{
+    const CFDictionaryRef empty = CFDictionaryCreate(kCFAllocatorDefault, nullptr, nullptr, 0,
+                                                     &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+    EXPECT_EQ(get_int(empty, CFSTR("Width")), 0);
+    CFRelease(empty);
+}

@@ -1,0 +1,52 @@
+#include "menu/LoginSession.h"
+
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <vector>
+
+namespace
+{
+/// A session dictionary in which a key that is not given is missing.
+CFDictionaryRef session(std::optional<bool> loginDone, std::optional<bool> onConsole)
+{
+    std::vector<const void *> keys;
+    std::vector<const void *> values;
+    const auto add = [&](CFStringRef key, std::optional<bool> value) {
+        if (value) {
+            keys.push_back(key);
+            values.push_back(*value ? kCFBooleanTrue : kCFBooleanFalse);
+        }
+    };
+    add(CFSTR("kCGSessionLoginDoneKey"), loginDone);
+    add(CFSTR("kCGSSessionOnConsoleKey"), onConsole);
+    return CFDictionaryCreate(kCFAllocatorDefault, keys.data(), values.data(), static_cast<CFIndex>(keys.size()),
+                              &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+}
+} // namespace
+
+TEST(LoginSession, IsHiddenOnlyWhenLoginIsDoneAndTheConsoleIsElsewhere)
+{
+    struct Row {
+        std::optional<bool> loginDone;
+        std::optional<bool> onConsole;
+        bool hidden;
+    };
+    const Row rows[] = {
+        {true, false, true},          {true, true, false},
+        {false, false, false},        {false, true, false},
+        {std::nullopt, false, false}, {true, std::nullopt, false},
+        {std::nullopt, true, false},  {std::nullopt, std::nullopt, false},
+    };
+    for (const Row &row : rows) {
+        const CFDictionaryRef dictionary = session(row.loginDone, row.onConsole);
+        EXPECT_EQ(isLoggedInOffConsole(dictionary), row.hidden)
+            << "login " << row.loginDone.value_or(false) << ", console " << row.onConsole.value_or(false);
+        CFRelease(dictionary);
+    }
+}
+
+TEST(LoginSession, IsNotHiddenWithoutASessionDictionary)
+{
+    EXPECT_FALSE(isLoggedInOffConsole(nullptr));
+}

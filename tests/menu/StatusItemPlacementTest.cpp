@@ -1,0 +1,77 @@
+#include "menu/StatusItemPlacement.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+constexpr NSSize screen{1440, 900};
+constexpr StatusBar topBar{StatusBar::Edge::Top, 32};
+constexpr StatusBar bottomBar{StatusBar::Edge::Bottom, 32};
+
+constexpr NSRect itemAt(float x)
+{
+    return {{x, 868}, {22, 22}};
+}
+} // namespace
+
+TEST(TrayDistance, IsCountedFromTheScreensRightEdgeToTheItemsLeftEdge)
+{
+    EXPECT_EQ(trayDistance(itemAt(1320), screen), 120);
+}
+
+TEST(HeldFrame, MovesTheItemToItsRememberedDistanceWhenTheyDisagreeByMoreThanFiftyPoints)
+{
+    EXPECT_EQ(heldFrame(itemAt(1200), 120, screen).origin.x, 1320); // 120 apart
+    EXPECT_EQ(heldFrame(itemAt(1290), 120, screen).origin.x, 1290); // 30 apart
+    EXPECT_EQ(heldFrame(itemAt(1270), 120, screen).origin.x, 1270); // 50 apart: not more than 50
+    EXPECT_EQ(heldFrame(itemAt(1269), 120, screen).origin.x, 1320); // 51 apart
+    EXPECT_EQ(heldFrame(itemAt(1371), 120, screen).origin.x, 1320); // to the right as well
+}
+
+TEST(HeldFrame, TakesADistanceOfZeroForNoneRemembered)
+{
+    EXPECT_EQ(heldFrame(itemAt(1200), 0, screen), itemAt(1200));
+}
+
+TEST(HeldFrame, ChangesNothingButX)
+{
+    const NSRect held = heldFrame({{10, 20}, {30, 40}}, 120, screen);
+    EXPECT_EQ(held, (NSRect{{1320, 20}, {30, 40}}));
+}
+
+TEST(MenuAnchor, StandsAtTheItemsLeftEdgeWhenTheMouseIsNear)
+{
+    EXPECT_EQ(menuAnchor(itemAt(1200), {1210, 880}, screen, topBar).x, 1200);
+    EXPECT_EQ(menuAnchor(itemAt(1200), {1230, 880}, screen, topBar).x, 1200); // exactly 30 away
+    EXPECT_EQ(menuAnchor(itemAt(1200), {1170, 880}, screen, topBar).x, 1200);
+}
+
+TEST(MenuAnchor, RoundsTheMouseDownToTheGridWhenTheItemIsFarAway)
+{
+    EXPECT_EQ(menuAnchor(itemAt(1200), {1231, 880}, screen, topBar).x, 1224);
+}
+
+TEST(MenuAnchor, RoundsTheMouseDownToTheGridWhenTheItemsPlaceIsUnknown)
+{
+    EXPECT_EQ(menuAnchor({}, {1000, 880}, screen, topBar).x, 996);
+    EXPECT_EQ(menuAnchor({}, {1010, 880}, screen, topBar).x, 1008);
+    EXPECT_EQ(menuAnchor({}, {1007.5F, 880}, screen, topBar).x, 996);
+    EXPECT_EQ(menuAnchor({}, {0, 880}, screen, topBar).x, 0);
+}
+
+TEST(MenuAnchor, RoundsTowardZeroLeftOfTheMainScreenToo)
+{
+    EXPECT_EQ(menuAnchor({}, {-10, 880}, screen, topBar).x, 0);
+    EXPECT_EQ(menuAnchor({}, {-13, 880}, screen, topBar).x, -12);
+}
+
+TEST(MenuAnchor, StaysFivePointsClearOfTheStatusBar)
+{
+    EXPECT_EQ(menuAnchor(itemAt(1200), {1200, 880}, screen, topBar).y, 900 - 32 - 5);
+    EXPECT_EQ(menuAnchor(itemAt(1200), {1200, 10}, screen, bottomBar).y, 32 + 5);
+}
+
+TEST(MenuAnchor, LiesBelowTheOriginWithoutAMainScreen)
+{
+    EXPECT_EQ(menuAnchor({}, {0, 0}, {0, 0}, {StatusBar::Edge::Top, 22}).y, -27);
+}

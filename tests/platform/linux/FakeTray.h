@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QPoint>
+
+#include <xcb/xcb.h>
+
+#include <vector>
+
+/// A tray of the test's own, on an X connection of its own: it owns the tray selection, takes in every icon that asks
+/// and puts it at a fixed place. To end it is to lose its connection, as when a panel is killed.
+class FakeTray final
+{
+public:
+    enum class Visual { OfTheRoot, Translucent };
+
+    explicit FakeTray(QPoint place, Visual visual = Visual::OfTheRoot);
+    ~FakeTray();
+    FakeTray(const FakeTray &) = delete;
+    FakeTray &operator=(const FakeTray &) = delete;
+
+    /// Works off the requests that have come in. To be called until what is waited for has happened.
+    void serve();
+    [[nodiscard]] const std::vector<xcb_window_t> &icons() const { return m_icons; }
+    /// Puts its icons back on the root window and goes on owning the selection.
+    void putOut();
+
+    static constexpr int side = 24; ///< Of an icon, in pixels.
+
+private:
+    xcb_connection_t *m_connection;
+    xcb_screen_t *m_screen;
+    xcb_window_t m_owner;
+    xcb_window_t m_socket;
+    std::vector<xcb_window_t> m_icons;
+};

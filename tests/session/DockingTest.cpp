@@ -1,0 +1,85 @@
+#include "Agent.h"
+#include "Desktop.h"
+#include "Service.h"
+#include "tests/support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+class Docking : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(desktop.start());
+        ASSERT_TRUE(desktop.startWindowManager());
+        ASSERT_TRUE(desktop.startPanel());
+        agent.emplace(desktop);
+        ASSERT_TRUE(agent->startAndDock());
+    }
+
+    Desktop desktop;
+    std::optional<Agent> agent;
+};
+
+TEST_F(Docking, PutsOneItemIntoThePanelAndNothingElseOnTheScreen)
+{
+    const QList<XWindow> windows = desktop.view().windowsOf(agent->pid());
+    ASSERT_EQ(windows.size(), 1);
+    EXPECT_TRUE(desktop.panelGeometry().contains(windows.first().geometry));
+    EXPECT_NE(desktop.view().focusOwnerPid(), agent->pid());
+}
+
+TEST_F(Docking, ComesBackWhenThePanelIsKilledAndStartedAgain)
+{
+    for (int round = 0; round < 3; ++round) {
+        desktop.stopPanel();
+        EXPECT_TRUE(waitUntil([&] { return !agent->dockedItem(); }));
+        ASSERT_TRUE(desktop.startPanel());
+        ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); })) << "round " << round;
+    }
+    EXPECT_TRUE(agent->freeWindows().isEmpty());
+    EXPECT_TRUE(agent->openMenu());
+}
+
+TEST_F(Docking, StandsAloneWhileThePanelIsGone)
+{
+    desktop.stopPanel();
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }));
+    const QRect alone = agent->freeWindows().first().geometry;
+    EXPECT_GE(alone.right(), desktop.view().screenSize().width() - 1 - alone.width());
+    EXPECT_LE(alone.top(), alone.height());
+
+    desktop.input().click(alone.center());
+    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "no menu opened";
+}
+
+TEST_F(Docking, SurvivesTwentyRoundsOfBeingRemovedAndShownAgain)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    for (int round = 0; round < 20; ++round) {
+        service.send("flags 0");
+        ASSERT_TRUE(waitUntil([&] { return desktop.view().windowsOf(agent->pid()).isEmpty(); })) << "round " << round;
+        service.send("flags 2");
+        ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); })) << "round " << round;
+    }
+    EXPECT_EQ(desktop.view().windowsOf(agent->pid()).size(), 1);
+    EXPECT_TRUE(agent->openMenu());
+}
+
+TEST_F(Docking, ChangesItsPictureWithTheServicesFlags)
+{
+    const QImage off = agent->itemPicture();
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+
+    service.send("flags 6");
+    EXPECT_TRUE(waitUntil([&] { return agent->itemPicture() != off; }));
+    service.send("flags 2");
+    EXPECT_TRUE(waitUntil([&] { return agent->itemPicture() == off; }));
+}
+
+} // namespace

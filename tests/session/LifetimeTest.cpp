@@ -1,0 +1,129 @@
+#include "Agent.h"
+#include "Desktop.h"
+#include "tests/support/SilentSocket.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace
+{
+
+class Lifetime : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(desktop.start());
+        ASSERT_TRUE(desktop.startWindowManager());
+        ASSERT_TRUE(desktop.startPanel());
+        agent.emplace(desktop);
+    }
+
+    Desktop desktop;
+    std::optional<Agent> agent;
+};
+
+TEST_F(Lifetime, EndsWithStatusZeroOnEachSignalThatAsksItTo)
+{
+    for (const int signal : {SIGTERM, SIGINT}) {
+        ASSERT_TRUE(agent->startAndDock());
+        ASSERT_EQ(::kill(static_cast<pid_t>(agent->pid()), signal), 0);
+        ASSERT_TRUE(waitUntil([&] { return !agent->process().isRunning(); })) << "signal " << signal;
+        EXPECT_EQ(agent->process().exitCode(), 0) << "signal " << signal;
+    }
+}
+
+TEST_F(Lifetime, EndsWithStatusZeroWhileTheMenuIsOpen)
+{
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_TRUE(agent->openMenu());
+    agent->process().terminate();
+    ASSERT_TRUE(waitUntil([&] { return !agent->process().isRunning(); }));
+    EXPECT_EQ(agent->process().exitCode(), 0);
+}
+
+TEST_F(Lifetime, LeavesTheDisplayToTheAgentThatIsThereAlready)
+{
+    ASSERT_TRUE(agent->startAndDock());
+    Agent second(desktop);
+    ASSERT_TRUE(second.start());
+    ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); }));
+    EXPECT_EQ(second.process().exitCode(), 0);
+    EXPECT_TRUE(agent->isDocked());
+}
+
+TEST_F(Lifetime, TakesTheDisplayOnceTheAgentBeforeItHasCrashed)
+{
+    ASSERT_TRUE(agent->startAndDock());
+    agent->process().kill();
+    Agent second(desktop);
+    EXPECT_TRUE(second.startAndDock());
+}
+
+TEST_F(Lifetime, EndsWithOneLineWithoutADisplay)
+{
+    agent->environment.remove(QStringLiteral("DISPLAY"));
+    ASSERT_TRUE(agent->start());
+    ASSERT_TRUE(waitUntil([&] { return !agent->process().isRunning(); }));
+    EXPECT_GT(agent->process().exitCode(), 0);
+    EXPECT_EQ(agent->standardError().count('\n'), 1) << agent->standardError().constData();
+    EXPECT_TRUE(agent->standardError().contains("DISPLAY")) << agent->standardError().constData();
+}
+
+TEST_F(Lifetime, LaunchesNoBusWhereThereIsNone)
+{
+    const QTemporaryDir tools;
+    const QString record = tools.filePath(QStringLiteral("launched"));
+    QFile launcher(tools.filePath(QStringLiteral("dbus-launch")));
+    ASSERT_TRUE(launcher.open(QIODevice::WriteOnly));
+    launcher.write("#!/bin/sh\n: > '" + record.toLocal8Bit() + "'\nexit 1\n");
+    launcher.close();
+    ASSERT_TRUE(launcher.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    const QString path = QStringLiteral("PATH");
+    agent->environment.insert(path, tools.path() + QLatin1Char(':') + agent->environment.value(path));
+    const QString address = QStringLiteral("DBUS_SESSION_BUS_ADDRESS");
+    const QString runtime = agent->environment.value(QStringLiteral("XDG_RUNTIME_DIR"));
+
+    for (const QString &given : {QString(), QStringLiteral("autolaunch:")}) {
+        for (const QString &folder : {QString(), runtime}) {
+            agent->environment.insert(address, given);
+            agent->environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), folder);
+            if (given.isEmpty()) {
+                agent->environment.remove(address);
+            }
+            ASSERT_TRUE(agent->startAndDock());
+            agent->process().terminate();
+            ASSERT_TRUE(waitUntil([&] { return !agent->process().isRunning(); }));
+            EXPECT_EQ(agent->process().exitCode(), 0);
+            EXPECT_FALSE(QFile::remove(record)) << qPrintable(given) << ' ' << qPrintable(folder);
+        }
+    }
+}
+
+TEST_F(Lifetime, GoesOnWithoutABusThatNeverAnswersUntilOneDoes)
+{
+    desktop.bus().stop();
+    std::optional<SilentSocket> silent(desktop.bus().address().mid(QStringLiteral("unix:path=").size()));
+    ASSERT_TRUE(agent->startAndDock());
+    EXPECT_TRUE(agent->openMenu()) << "the loop runs";
+    silent.reset();
+    ASSERT_TRUE(desktop.bus().start());
+    EXPECT_TRUE(waitUntil([&] { return agent->isLinked(); }));
+}
+
+TEST_F(Lifetime, SaysNothingWhenAllIsWell)
+{
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_TRUE(waitUntil([&] { return agent->isLinked(); }));
+    agent->process().terminate();
+    ASSERT_TRUE(waitUntil([&] { return !agent->process().isRunning(); }));
+    EXPECT_EQ(agent->standardError(), QByteArray());
+    EXPECT_TRUE(agent->systemLog().isEmpty());
+}
+
+} // namespace

@@ -1,0 +1,186 @@
+#include "Agent.h"
+#include "Desktop.h"
+#include "Service.h"
+#include "tests/support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+
+namespace
+{
+
+constexpr int gapBelowThePanel = 5;
+
+class Menu : public testing::Test
+{
+protected:
+    void startDesktop(Desktop::TraySide side)
+    {
+        ASSERT_TRUE(desktop.startPanel(side));
+        agent.emplace(desktop);
+        ASSERT_TRUE(agent->startAndDock());
+    }
+
+    /// Opens the menu and expects it in its place below the item.
+    void expectMenuBelowItem()
+    {
+        const QRect item = agent->dockedItem()->geometry;
+        const std::optional<XWindow> menu = agent->openMenu();
+        ASSERT_TRUE(menu);
+        EXPECT_EQ(menu->geometry.left(), item.left());
+        EXPECT_EQ(menu->geometry.top(), desktop.panelGeometry().bottom() + 1 + gapBelowThePanel);
+        EXPECT_EQ(agent->freeWindows().size(), 1) << "there is a window beside the menu";
+    }
+
+    Desktop desktop;
+    std::optional<Agent> agent;
+};
+
+class ManagedMenu : public Menu
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(desktop.start());
+        ASSERT_TRUE(desktop.startWindowManager());
+        startDesktop(Desktop::TraySide::Left);
+    }
+};
+
+class UnmanagedMenu : public Menu
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(desktop.start());
+        startDesktop(Desktop::TraySide::Left);
+    }
+};
+
+class MenuAtTheScreensEdge : public Menu
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(desktop.start());
+        ASSERT_TRUE(desktop.startWindowManager());
+        startDesktop(Desktop::TraySide::Right);
+    }
+};
+
+TEST_F(ManagedMenu, OpensAtTheItemsLeftEdgeFivePointsBelowThePanel)
+{
+    expectMenuBelowItem();
+}
+
+TEST_F(UnmanagedMenu, OpensAtTheItemsLeftEdgeFivePointsBelowThePanel)
+{
+    expectMenuBelowItem();
+}
+
+TEST_F(MenuAtTheScreensEdge, MovesLeftJustEnoughToStayOnTheScreen)
+{
+    const QRect item = agent->dockedItem()->geometry;
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    const int screenWidth = desktop.view().screenSize().width();
+    ASSERT_GT(item.left() + menu->geometry.width(), screenWidth) << "the item is too far left for this test";
+    EXPECT_EQ(menu->geometry.left() + menu->geometry.width(), screenWidth);
+    EXPECT_EQ(menu->geometry.top(), desktop.panelGeometry().bottom() + 1 + gapBelowThePanel);
+}
+
+TEST_F(ManagedMenu, ClosesOnEscape)
+{
+    ASSERT_TRUE(agent->openMenu());
+    desktop.input().key(XK_Escape);
+    EXPECT_TRUE(agent->waitUntilClosed());
+    EXPECT_TRUE(agent->openMenu()) << "it does not open a second time";
+}
+
+TEST_F(ManagedMenu, ClosesOnAClickOutside)
+{
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    desktop.input().click(menu->geometry.bottomRight() + QPoint(200, 200));
+    EXPECT_TRUE(agent->waitUntilClosed());
+    EXPECT_TRUE(agent->openMenu()) << "it does not open a second time";
+}
+
+TEST_F(ManagedMenu, ClosesOnASecondClickOnTheItemAndOpensOnTheThird)
+{
+    ASSERT_TRUE(agent->openMenu());
+    desktop.input().click(agent->dockedItem()->geometry.center());
+    ASSERT_TRUE(agent->waitUntilClosed());
+    // It must not come straight back either.
+    EXPECT_FALSE(waitUntil([&] { return agent->hasMenu(); }, std::chrono::milliseconds(500)));
+    EXPECT_TRUE(agent->openMenu());
+}
+
+TEST_F(ManagedMenu, ClosesOnAChoice)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    ASSERT_TRUE(service.allow(*agent, "32793"));
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    const std::optional<XWindow> submenu = agent->openWorkspaceMenu(*menu);
+    ASSERT_TRUE(submenu);
+    desktop.input().click(submenu->geometry.topLeft() + QPoint(20, 12));
+    ASSERT_TRUE(waitUntil([&] { return service.lines().contains("meoa 32793 Minimize"); }));
+    EXPECT_TRUE(agent->waitUntilClosed());
+}
+
+TEST_F(ManagedMenu, StaysOpenOnAClickOnADisabledEntry)
+{
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    // "Switch Resolution" is the first entry, and off until the service says otherwise.
+    desktop.input().click(menu->geometry.topLeft() + QPoint(20, 12));
+    EXPECT_FALSE(waitUntil([&] { return !agent->hasMenu(); }, std::chrono::milliseconds(500)));
+    EXPECT_EQ(agent->freeWindows().size(), 1);
+}
+
+TEST_F(ManagedMenu, TakesAChoiceByKeysAlone)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    ASSERT_TRUE(service.allow(*agent, "32795"));
+    ASSERT_TRUE(agent->openMenu());
+    // Down to "Manage Workspace", right into it: "Maximize" is its first entry that is enabled.
+    desktop.input().key(XK_Down);
+    desktop.input().key(XK_Down);
+    desktop.input().key(XK_Right);
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "the submenu did not open";
+    desktop.input().key(XK_Return);
+    EXPECT_TRUE(waitUntil([&] { return service.lines().contains("meoa 32795 Maximize"); }))
+        << service.process().output().constData();
+    EXPECT_TRUE(agent->waitUntilClosed());
+}
+
+TEST_F(ManagedMenu, LeavesOneSubmenuLevelAtATimeOnEscape)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    ASSERT_TRUE(service.allow(*agent, "32793"));
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    ASSERT_TRUE(agent->openWorkspaceMenu(*menu));
+    desktop.input().key(XK_Escape);
+    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }));
+    desktop.input().key(XK_Escape);
+    EXPECT_TRUE(agent->waitUntilClosed());
+}
+
+TEST_F(ManagedMenu, OutlivesThePanel)
+{
+    ASSERT_TRUE(agent->openMenu());
+    desktop.stopPanel();
+    EXPECT_FALSE(waitUntil([&] { return !agent->process().isRunning(); }, std::chrono::milliseconds(500)));
+    desktop.input().key(XK_Escape);
+    ASSERT_TRUE(desktop.startPanel(Desktop::TraySide::Left));
+    ASSERT_TRUE(waitUntil([&] { return agent->isDocked() && !agent->hasMenu(); }));
+    EXPECT_TRUE(agent->openMenu());
+}
+
+} // namespace

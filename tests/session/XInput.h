@@ -1,0 +1,25 @@
+#pragma once
+
+#include "XClient.h"
+
+#include <QPoint>
+
+/// The user's hands: pointer and keys of a private X server, through its XTEST extension, so that every grab, focus and
+/// stacking rule applies as it does to real input.
+class XInput final : public XClient
+{
+public:
+    using XClient::XClient;
+
+    void move(QPoint to);
+    void press();
+    void release();
+    /// Moves there, then presses and releases the primary button.
+    void click(QPoint at);
+    /// Presses and releases the key that bears the symbol (XK_Escape and so on), so many times.
+    void key(xcb_keysym_t symbol, int times = 1);
+
+private:
+    void fake(std::uint8_t type, std::uint8_t detail, QPoint position = {});
+    [[nodiscard]] xcb_keycode_t keycode(xcb_keysym_t symbol) const;
+};

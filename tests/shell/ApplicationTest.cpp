@@ -1,0 +1,50 @@
+#include "shell/Application.h"
+
+#include "shell/TerminationSignals.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <stdexcept>
+
+TEST(Application, GoesOnAfterAnExceptionInAnEventCallback)
+{
+    bool later = false;
+    QTimer::singleShot(0, qApp, [] { throw std::out_of_range("no second component"); });
+    QTimer::singleShot(0, qApp, [&] { later = true; });
+    EXPECT_TRUE(waitUntil([&] { return later; }));
+}
+
+TEST(TerminationSignals, EndTheEventLoop)
+{
+    for (const int signal : {SIGTERM, SIGINT}) {
+        const TerminationSignals endTheLoop;
+        QTimer::singleShot(0, qApp, [signal] { ::raise(signal); });
+        QTimer::singleShot(std::chrono::seconds(10), qApp, [] { QCoreApplication::exit(1); });
+        EXPECT_EQ(Application::exec(), 0) << "signal " << signal;
+    }
+}
+
+TEST(TerminationSignals, EndNestedEventLoopsToo)
+{
+    const TerminationSignals endTheLoop;
+    bool nestedReturned = false;
+    QTimer::singleShot(0, qApp, [&] {
+        QEventLoop nested;
+        QTimer::singleShot(0, &nested, [] { ::raise(SIGTERM); });
+        nested.exec();
+        nestedReturned = true;
+    });
+    EXPECT_EQ(Application::exec(), 0);
+    EXPECT_TRUE(nestedReturned);
+}
+
+int main(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    Application application(argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,95 @@
+#include "FeedServer.h"
+
+#include "tests/support/WaitUntil.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+QJsonObject scriptOf(const ScriptedAnswer &answer)
+{
+    QJsonArray headers;
+    for (const auto &[name, value] : answer.headers) {
+        headers.append(QJsonArray{name, value});
+    }
+    QJsonObject script{{QStringLiteral("status"), answer.status},
+                       {QStringLiteral("headers"), headers},
+                       {QStringLiteral("body"), QString::fromLatin1(answer.body)},
+                       {QStringLiteral("gated"), answer.gated}};
+    const std::pair<QString, std::optional<int>> numbers[] = {{QStringLiteral("pieces"), answer.pieces},
+                                                              {QStringLiteral("cut"), answer.cutAfter},
+                                                              {QStringLiteral("silence"), answer.mutedFrom}};
+    for (const auto &[name, number] : numbers) {
+        if (number) {
+            script.insert(name, *number);
+        }
+    }
+    return script;
+}
+
+} // namespace
+
+bool FeedServer::start(const QList<ScriptedAnswer> &answers)
+{
+    QJsonArray script;
+    for (const ScriptedAnswer &answer : answers) {
+        script.append(scriptOf(answer));
+    }
+    QFile file(m_directory.filePath(QStringLiteral("answers.json")));
+    const bool written =
+        file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(script).toJson(QJsonDocument::Compact)) > 0;
+    file.close();
+    const bool listening =
+        written && m_server.start(QStringLiteral(KIV_PYTHON), {QStringLiteral(KIV_FEED_SERVER), file.fileName()}) &&
+        waitUntil([this] { return m_server.output().contains('\n'); });
+    EXPECT_TRUE(listening) << "the web server does not start";
+    m_port = QString::fromLatin1(m_server.output().split('\n').first().trimmed());
+    return listening;
+}
+
+QString FeedServer::address(const QString &path) const
+{
+    return QStringLiteral("http://127.0.0.1:") + m_port + path;
+}
+
+void FeedServer::open(int request)
+{
+    m_server.write("go " + QByteArray::number(request) + '\n');
+}
+
+QList<QJsonObject> FeedServer::requests()
+{
+    QList<QJsonObject> found;
+    for (const QJsonObject &report : reports()) {
+        if (report.contains(QLatin1String("request"))) {
+            found.append(report);
+        }
+    }
+    return found;
+}
+
+QList<int> FeedServer::closedByClient()
+{
+    QList<int> found;
+    for (const QJsonObject &report : reports()) {
+        if (report.contains(QLatin1String("closed"))) {
+            found.append(report.value(QLatin1String("closed")).toInt());
+        }
+    }
+    return found;
+}
+
+QList<QJsonObject> FeedServer::reports()
+{
+    QList<QJsonObject> found;
+    const QList<QByteArray> lines = m_server.output().split('\n');
+    for (qsizetype i = 1; i + 1 < lines.size(); ++i) { // The first is the port; the last is not complete yet.
+        found.append(QJsonDocument::fromJson(lines.at(i)).object());
+    }
+    return found;
+}

@@ -1,0 +1,19 @@
+#include "AgentSearch.h"
+
+#include "platform/linux/EventBusName.h"
+#include "platform/linux/ExecutableName.h"
+
+#include <algorithm>
+
+std::vector<pid_t> agentsAmong(const QStringList &busNames)
+{
+    std::vector<pid_t> agents;
+    for (const QString &name : busNames) {
+        const auto pid = processOfEventBusName(name);
+        if (pid && executableName(static_cast<pid_t>(*pid)) == "kivmenua") {
+            agents.push_back(static_cast<pid_t>(*pid));
+        }
+    }
+    std::ranges::sort(agents);
+    return agents;
+}

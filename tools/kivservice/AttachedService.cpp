@@ -1,0 +1,128 @@
+#include "AttachedService.h"
+
+#include "menu/MenuEntries.h"
+#include "shell/EventCodes.h"
+#include "shell/EventLink.h"
+
+#include <QtEndian>
+
+#include <cstring>
+#include <optional>
+
+namespace
+{
+void putUInt32(AppleEvent &event, AEKeyword keyword, std::uint32_t value)
+{
+    AEPutParamPtr(&event, keyword, typeUInt32, &value, sizeof value);
+}
+
+QByteArray fourCharacters(std::uint32_t code)
+{
+    const std::uint32_t bigEndian = qToBigEndian(code);
+    QByteArray text(sizeof bigEndian, '\0');
+    std::memcpy(text.data(), &bigEndian, sizeof bigEndian);
+    return text;
+}
+
+/// The command that a menu action asks for; nothing for any other event.
+std::optional<std::uint32_t> actionOf(const AppleEvent &event, std::uint32_t command)
+{
+    std::uint32_t code = 0;
+    const bool isAction = command == kMenuEvtAction && AEGetParamPtr(&event, kMenuParamActions, typeMenuActionList,
+                                                                     nullptr, &code, sizeof code, nullptr) == noErr;
+    return isAction ? std::optional(code) : std::nullopt;
+}
+
+QByteArray describe(std::uint32_t command, std::optional<std::uint32_t> action)
+{
+    QByteArray line = fourCharacters(command);
+    if (action) {
+        line += ' ' + QByteArray::number(*action) + ' ' + menuEntryTitle(*action).toUtf8();
+    }
+    return line.trimmed();
+}
+} // namespace
+
+AttachedService::AttachedService(ProcessSerialNumber agent, EventPrinter print, ActionHandler carryOut)
+    : m_agent(agent)
+    , m_print(std::move(print))
+    , m_carryOut(std::move(carryOut))
+{
+    GetCurrentProcess(&m_self);
+    AEInstallEventHandler(kMenuEventClass, kMenuEventID, onEvent, this, false);
+}
+
+AttachedService::~AttachedService()
+{
+    AERemoveEventHandler(kMenuEventClass, kMenuEventID, onEvent, false);
+}
+
+bool AttachedService::claim()
+{
+    return send(kMenuEvtSetOwner);
+}
+
+bool AttachedService::setFlags(std::uint32_t flags)
+{
+    return send(kMenuEvtSetOptions, [flags](AppleEvent &event) { putUInt32(event, kMenuParamFlags, flags); });
+}
+
+bool AttachedService::setActions(const std::vector<std::uint32_t> &codes)
+{
+    return send(kMenuEvtSetOptions, [&codes](AppleEvent &event) {
+        putUInt32(event, kMenuParamActionCount, static_cast<std::uint32_t>(codes.size()));
+        if (!codes.empty()) {
+            AEPutParamPtr(&event, kMenuParamActions, typeMenuActionList, codes.data(),
+                          static_cast<Size>(codes.size() * sizeof codes[0]));
+        }
+    });
+}
+
+bool AttachedService::showHint(const QByteArray &text)
+{
+    return send(kMenuEvtDoHint, [&text](AppleEvent &event) {
+        putUInt32(event, kMenuParamHintSize, static_cast<std::uint32_t>(text.size()));
+        AEPutParamPtr(&event, kMenuParamHintText, typeMenuHintText, text.constData(), text.size());
+    });
+}
+
+bool AttachedService::quitAgent()
+{
+    return send(kMenuEvtQuit);
+}
+
+bool AttachedService::send(std::uint32_t command, const std::function<void(AppleEvent &)> &fill)
+{
+    AppleEvent event{};
+    if (!kivmAECreateEvent(&m_self, &m_agent, command, &event)) {
+        return false;
+    }
+    if (fill) {
+        fill(event);
+    }
+    const bool sent = kivmAESendEvent(&event, nullptr, false);
+    kivmAEDisposeEvent(&event);
+    return sent;
+}
+
+OSErr AttachedService::onEvent(const AppleEvent *event, AppleEvent *, SRefCon refcon)
+{
+    return static_cast<AttachedService *>(refcon)->onEvent(*event);
+}
+
+OSErr AttachedService::onEvent(const AppleEvent &event)
+{
+    std::uint32_t command = 0;
+    ProcessSerialNumber sender{};
+    if (AEGetParamPtr(&event, kMenuParamCommand, typeSInt32, nullptr, &command, sizeof command, nullptr) == noErr &&
+        AEGetParamPtr(&event, kMenuParamSender, typeProcessSerialNumber, nullptr, &sender, sizeof sender, nullptr) ==
+            noErr &&
+        !kivmAEIsForged(&event, &sender) && kivmAESameProcess(&sender, &m_agent)) {
+        const std::optional<std::uint32_t> action = actionOf(event, command);
+        m_print(describe(command, action));
+        if (action) {
+            m_carryOut(*action);
+        }
+    }
+    return noErr;
+}

@@ -1,0 +1,56 @@
+#include "tools/kivservice/AttachCommand.h"
+#include "tools/kivservice/DisplayArguments.h"
+#include "tools/kivservice/DisplaySwitcher.h"
+
+#include <QCoreApplication>
+
+#include <cstdio>
+
+namespace
+{
+constexpr char usage[] = R"(kivservice: the reference service, the other end of the menu agent's link
+
+  kivservice attach [--pid N]
+
+Claims the agent of this session's bus, or the one with process ID N. Then takes lines on standard input:
+
+  flags 6                the menu's flags: 2 shows the status item, 4 makes it active
+  actions 32793 32796    the commands that the menu allows ("actions none": none)
+  hint TEXT              shows TEXT to the user at once
+  quit                   ends the agent
+
+and prints one line for each event of the agent, such as "meoa 32793 Minimize". A confirmed disconnect of a TigerVNC
+session puts its viewers out; a VNC server cannot do the rest. A second line says how that went. Ends with its input.
+
+  kivservice dspcmd set -w WIDTH -h HEIGHT -c
+
+Switches the current session's main display to that size in pixels.
+)";
+
+int displayCommand(const QStringList &arguments)
+{
+    const DisplayArguments parsed = parseDisplayArguments(arguments);
+    const QString failure = parsed.size ? switchMainDisplay(*parsed.size) : parsed.reason;
+    if (failure.isEmpty()) {
+        return 0;
+    }
+    std::fprintf(stderr, "kivservice: %s\n", qPrintable(failure));
+    return 1;
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    QStringList arguments = QCoreApplication::arguments().mid(1);
+    const QString command = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    if (command == QLatin1String("attach")) {
+        return attachCommand(arguments);
+    }
+    if (command == QLatin1String("dspcmd")) {
+        return displayCommand(arguments);
+    }
+    const bool askedForHelp = command == QLatin1String("--help") || command == QLatin1String("help");
+    std::fputs(usage, askedForHelp ? stdout : stderr);
+    return askedForHelp ? 0 : 2;
+}

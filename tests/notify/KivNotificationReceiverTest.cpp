@@ -351,6 +351,15 @@ TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComes)
     EXPECT_EQ(sink.ids, (Ids{"1"}));
 }
 
+TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComesAfterARedirect)
+{
+    serve({{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}}, {.gated = true}},
+          {.timeOut = 200ms});
+    receive();
+    EXPECT_EQ(server.requests().size(), 2);
+    EXPECT_EQ(receiver->connection(), nullptr);
+}
+
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatFallsSilent)
 {
     serve({{.body = feedWith("1"), .mutedFrom = 20}}, {.timeOut = 200ms});

@@ -15,8 +15,11 @@
 namespace
 {
 
-/// What is shown of a plain text. More than fills a screen, and laid out well before a user notices.
-constexpr qsizetype largestLength = 20'000;
+/// What is shown of a plain text. More than fills a screen; a single word of that length, the worst case, is laid out
+/// before a user notices.
+constexpr qsizetype largestLength = 8'000;
+/// The others stay text: a word in a thousand pieces takes long to lay out as well.
+constexpr qsizetype mostLinks = 200;
 
 /// The text without what Qt's documents use as marks of their own or cannot hold, and with one kind of line break, so
 /// that a character's place in the text is its place in the document.
@@ -73,8 +76,7 @@ void KivTextView::setMessage(const QString &text, int width)
 {
     document()->setTextWidth(width);
     // Not trimmed: a blank in front is how an author has markup shown as it is.
-    const bool isHtml = text.startsWith(u'<');
-    if (isHtml && isWithinMarkupLimits(text)) {
+    if (text.startsWith(u'<') && isWithinMarkupLimits(text)) {
         setHtmlMessage(text);
     } else {
         setPlainMessage(text);
@@ -124,12 +126,14 @@ void KivTextView::setPlainMessage(const QString &text)
     linkFormat.setUnderlineStyle(QTextCharFormat::SingleUnderline);
     linkFormat.setAnchor(true);
     QTextCursor cursor(document());
-    for (const LinkMatch &link : findLinks(shown)) {
+    cursor.beginEditBlock(); // Or each link would lay out all the text anew.
+    for (const LinkMatch &link : findLinks(shown).mid(0, mostLinks)) {
         linkFormat.setAnchorHref(link.absoluteString);
         cursor.setPosition(static_cast<int>(link.start));
         cursor.setPosition(static_cast<int>(link.start + link.length), QTextCursor::KeepAnchor);
         cursor.mergeCharFormat(linkFormat);
     }
+    cursor.endEditBlock();
 }
 
 void KivTextView::setHtmlMessage(const QString &text)

@@ -9,14 +9,23 @@ namespace
 {
 
 constexpr qsizetype mostBytes = 64 * 1024;
-constexpr int mostElements = 2000;
+constexpr int mostElements = 500;
 constexpr qsizetype greatestDepth = 100;
 constexpr qsizetype greatestTableDepth = 4;
-constexpr int greatestSpan = 100;
+constexpr int mostCells = 150; ///< A cell that spans others counts as all of them.
 constexpr int mostFonts = 20;
 constexpr qsizetype mostStyle = 4096;
-constexpr qsizetype longestWord = 1000;
+constexpr int mostMatching = 5000; ///< Rules of style sheets times elements: each is held against each.
+constexpr qsizetype longestWord = 250;
+constexpr qsizetype mostTextInTables = 8 * 1024; ///< It is laid out several times.
+constexpr int lineInTable = 16;                  ///< What a line break counts in that, or an entity that may be one.
+constexpr int mostLines = 4000;
+constexpr int mostImages = 50;
+/// With style sheets: a rule for elements within others within others is tried with all that they lie in.
+constexpr qsizetype greatestStyledDepth = 12;
 constexpr int longestNumber = 4;
+
+const QString table = QStringLiteral("table");
 
 struct BeyondLimits final : std::exception {
 };
@@ -72,6 +81,7 @@ public:
                 ++m_at;
             }
         }
+        require(m_rules * m_elements <= mostMatching && (m_rules == 0 || m_deepest <= greatestStyledDepth));
     }
 
 private:
@@ -79,6 +89,7 @@ private:
     {
         if (!m_open.isEmpty() && isRawTextElement(m_open.last())) {
             require(++m_style <= mostStyle);
+            m_rules += c == u'{' || c == u',' ? 1 : 0;
             number(c);
             if (c == u':') { // Of "font-size:" and the like, where a style sheet has them.
                 const QStringView before = m_text.first(m_at).trimmed();
@@ -87,7 +98,13 @@ private:
             return;
         }
         m_word = c.isSpace() ? 0 : m_word + 1;
-        require(m_word <= longestWord);
+        const bool mayBreakLine = c == u'\n' || c == u'\r' || c == u'&' || c == QChar(QChar::ParagraphSeparator);
+        m_lines += mayBreakLine ? 1 : 0;
+        if (m_tables > 0) {
+            m_textInTables += mayBreakLine ? lineInTable : 1;
+        }
+        require(m_lines <= mostLines);
+        require(m_word <= longestWord && m_textInTables <= mostTextInTables);
     }
 
     void markup()
@@ -118,6 +135,7 @@ private:
         if (const qsizetype opened = m_open.lastIndexOf(name); opened >= 0) {
             require(opened == m_open.size() - 1 || !isRawTextElement(m_open.last()));
             m_open.resize(opened);
+            m_tables = m_open.count(table);
         }
     }
 
@@ -126,6 +144,7 @@ private:
         require(++m_elements <= mostElements);
         require(m_open.isEmpty() || !isRawTextElement(m_open.last()));
         const QString name = word();
+        m_span = 1;
         while (true) {
             skipSpace();
             require(m_at < m_text.size() && m_text[m_at] != u'<');
@@ -139,9 +158,18 @@ private:
             }
             attribute();
         }
+        if (isOneOf(name, {u"img", u"image"})) {
+            require(++m_images <= mostImages);
+        }
+        if (isOneOf(name, {u"td", u"th"})) {
+            m_cells += m_span;
+            require(m_cells <= mostCells);
+        }
         if (!isEmptyElement(name)) {
             m_open.append(name);
-            require(m_open.size() <= greatestDepth && m_open.count(QStringLiteral("table")) <= greatestTableDepth);
+            m_tables = m_open.count(table);
+            m_deepest = std::max(m_deepest, m_open.size());
+            require(m_open.size() <= greatestDepth && m_tables <= greatestTableDepth);
         }
     }
 
@@ -160,8 +188,10 @@ private:
             return;
         }
         require(!value.contains(u'&'));
-        if (isOneOf(name, {u"colspan", u"rowspan", u"span"})) {
-            require(value.toInt() <= greatestSpan);
+        if (isOneOf(name, {u"colspan", u"rowspan"})) {
+            const int span = std::max(1, value.toInt());
+            require(span <= mostCells);
+            m_span *= span;
         }
         m_digits = 0;
         for (const QChar c : value) {
@@ -240,8 +270,16 @@ private:
     qsizetype m_at = 0;
     QStringList m_open;
     int m_elements = 0;
+    int m_span = 1;
+    int m_cells = 0;
+    int m_images = 0;
+    int m_lines = 0;
+    qsizetype m_deepest = 0;
     int m_fonts = 0;
     qsizetype m_style = 0;
+    int m_rules = 0;
+    qsizetype m_tables = 0; ///< How deep in tables it is.
+    qsizetype m_textInTables = 0;
     qsizetype m_word = 0;
     int m_digits = 0;
     bool m_isColour = false;

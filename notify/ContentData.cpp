@@ -1,29 +1,11 @@
 #include "notify/ContentData.h"
 
 #include "notify/Base64.h"
+#include "platform/StringValues.h"
 
 #include <QByteArray>
-#include <QStringDecoder>
 
 #include <cstring>
-
-namespace
-{
-
-/// Null when `bytes` are not UTF-8.
-QString stringFromUtf8(QByteArrayView bytes)
-{
-    using Flag = QStringConverter::Flag;
-    // A byte order mark is text like any other.
-    QStringDecoder decoder(QStringConverter::Utf8, Flag::Stateless | Flag::ConvertInitialBom);
-    QString text = decoder.decode(bytes);
-    if (decoder.hasError()) {
-        return {};
-    }
-    return text.isNull() ? QStringLiteral("") : text;
-}
-
-} // namespace
 
 QString messageTextFromContent(const QString &base64)
 {
@@ -34,7 +16,7 @@ QString messageTextFromContent(const QString &base64)
     // All of it fits: four characters never give more than three bytes.
     xtl::base64_impl<int>::decode(characters.constData(), length, reinterpret_cast<unsigned char *>(decoded.data()),
                                   &capacity);
-    QString text = stringFromUtf8(QByteArrayView(decoded.constData(), std::strlen(decoded.constData())));
+    QString text = StringValues::fromUtf8(QByteArrayView(decoded.constData(), std::strlen(decoded.constData())));
 
     if (text.startsWith(u'<') && !text.contains(QLatin1String("<body>"))) {
         text.replace(u'\n', QLatin1String("<br/>"));

@@ -19,8 +19,6 @@ namespace
 constexpr std::array titles = {QLatin1String("New update"), QLatin1String("Information"), QLatin1String("Read news"),
                                QLatin1String("Warning")};
 
-constexpr std::int32_t instantPriority = 3;
-
 bool isLength(const QString &key)
 {
     return key == kContentWidthKey || key == kContentHeightKey;
@@ -160,7 +158,7 @@ bool KivNotification::isEqual(const KivNotification &other) const
     if (m_messageId.isNull() || other.m_messageId.isNull()) {
         return false;
     }
-    const bool otherIsInstant = other.m_messageId.isEmpty() && other.m_messagePriority == instantPriority;
+    const bool otherIsInstant = other.m_messageId.isEmpty() && other.m_messagePriority == kPriorityInstant;
     return !otherIsInstant && m_messageId == other.m_messageId;
 }
 

@@ -7,6 +7,9 @@
 
 #include <cstdint>
 
+/// The messagePriority of what is shown at once and always. No feed has a word for it.
+inline constexpr std::int32_t kPriorityInstant = 3;
+
 /// A support message: as it comes from the feed, waits in the queue and the cache file, and is shown in a pop-up.
 ///
 /// A null string and an invalid date are nil; an empty string is not. Held by std::shared_ptr. Main thread only;

@@ -1,6 +1,7 @@
 #include "notify/KivNotificationReceiver.h"
 
 #include "notify/FeedRequest.h"
+#include "notify/KivNotificationManager.h"
 #include "notify/KivNotificationProperties.h"
 #include "notify/NotificationSink.h"
 #include "platform/Bundle.h"
@@ -78,6 +79,13 @@ KivNotificationReceiver::KivNotificationReceiver(const KivNotificationProperties
 }
 
 KivNotificationReceiver::~KivNotificationReceiver() = default;
+
+KivNotificationReceiver &KivNotificationReceiver::sharedInstance()
+{
+    static KivNotificationReceiver &instance = *new KivNotificationReceiver(
+        KivNotificationProperties::sharedInstance(), Bundle::main(), KivNotificationManager::sharedInstance());
+    return instance;
+}
 
 void KivNotificationReceiver::recieveNotifications()
 {

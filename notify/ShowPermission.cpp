@@ -5,7 +5,6 @@
 namespace
 {
 
-constexpr std::int32_t instantPriority = 3;
 constexpr std::int32_t showOnce = 4;
 
 qint64 repeatInterval(std::int32_t notificationRepeat)
@@ -55,7 +54,7 @@ bool typeIsOn(std::int32_t type, const NotificationSettings &settings)
 
 bool shouldShowNotification(const KivNotification &record, const NotificationSettings &settings, const QDateTime &now)
 {
-    if (record.messagePriority() == instantPriority) {
+    if (record.messagePriority() == kPriorityInstant) {
         return true;
     }
     const QDateTime next = record.lastShowDate().addSecs(repeatInterval(settings.notificationRepeat));

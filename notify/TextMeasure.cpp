@@ -1,8 +1,8 @@
 #include "TextMeasure.h"
 
 #include "notify/CombiningMarks.h"
+#include "notify/SystemFont.h"
 
-#include <QFontDatabase>
 #include <QTextLayout>
 #include <QTextOption>
 
@@ -11,7 +11,6 @@
 namespace
 {
 
-constexpr int fontSize = 12;
 constexpr qreal largestHeight = 20000;
 /// Within the range of Qt's fixed-point lengths; also stands for no limit.
 constexpr qreal largestWidth = 1'000'000;
@@ -19,13 +18,6 @@ constexpr qreal largestWidth = 1'000'000;
 constexpr qsizetype largestLength = 500'000;
 /// For every line, a layout looks through the word in which it begins, so an endless word is laid out in pieces.
 constexpr qsizetype pieceLength = 4096;
-
-QFont systemFont()
-{
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
-    font.setPixelSize(fontSize);
-    return font;
-}
 
 /// The layout breaks lines at line separators only.
 QString withLineSeparators(QString text)
@@ -56,7 +48,7 @@ float textHeight(const QString &text, float width)
 {
     const QString lines = withoutPiledUpMarks(withLineSeparators(text));
     const qreal lineWidth = width > 0 ? std::min<qreal>(width, largestWidth) : largestWidth;
-    const QFont font = systemFont();
+    const QFont font = systemFont(QFont::Normal);
     qreal height = 0;
     qsizetype start = 0;
     qsizetype length = pieceLength;

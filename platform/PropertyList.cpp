@@ -1,5 +1,6 @@
 #include "PropertyList.h"
 
+#include "platform/AtomicFile.h"
 #include "platform/PropertyListBinaryReader.h"
 #include "platform/PropertyListValues.h"
 #include "platform/PropertyListXmlReader.h"
@@ -7,9 +8,6 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
-
-#include <unistd.h>
 
 namespace PropertyList
 {
@@ -42,16 +40,15 @@ QByteArray toXml(const QVariant &value)
 bool writeFile(const QString &path, const QVariant &value, Writing writing)
 {
     const QByteArray xml = toXml(value);
-    const QFileInfo info(path);
-    if (xml.isEmpty() || (info.exists() && !info.isFile())) {
+    if (xml.isEmpty()) {
         return false;
     }
     if (writing == Writing::Atomic) {
-        // commit() alone would put a truncated file in the old one's place: it overlooks that its own flush fails, and
-        // takes no notice of what only fsync reports, such as a quota on a network file system.
-        QSaveFile file(path);
-        return file.open(QIODevice::WriteOnly) && file.write(xml) == xml.size() && file.flush() &&
-               ::fsync(file.handle()) == 0 && file.commit();
+        return AtomicFile::write(path, xml, AtomicFile::Access::AsBefore);
+    }
+    const QFileInfo info(path);
+    if (info.exists() && !info.isFile()) {
+        return false;
     }
     QFile file(path);
     const bool taken = file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(xml) == xml.size();

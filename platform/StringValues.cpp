@@ -2,6 +2,8 @@
 
 #include "platform/DecimalNumber.h"
 
+#include <QStringDecoder>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -154,6 +156,17 @@ QString stringValue(const QVariant &value)
     default:
         return {};
     }
+}
+
+QString fromUtf8(QByteArrayView bytes)
+{
+    using Flag = QStringConverter::Flag;
+    QStringDecoder decoder(QStringConverter::Utf8, Flag::Stateless | Flag::ConvertInitialBom);
+    QString text = decoder.decode(bytes);
+    if (decoder.hasError()) {
+        return {};
+    }
+    return text.isNull() ? QStringLiteral("") : text;
 }
 
 } // namespace StringValues

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 #include <QVariant>
 
@@ -28,5 +29,9 @@ namespace StringValues
 /// The other way round, for texts that a property list may hold as numbers: a string as it is, a number as its decimal
 /// text; nil (a null string) for all else, booleans included.
 [[nodiscard]] QString stringValue(const QVariant &value);
+
+/// The text that the bytes are in UTF-8; nil when they are not UTF-8. A byte order mark is text like any other, and so
+/// is a zero byte.
+[[nodiscard]] QString fromUtf8(QByteArrayView bytes);
 
 } // namespace StringValues

@@ -27,6 +27,8 @@ OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
         return noErr;
     }
     switch (command) {
+    case kMenuEvtDoHint:
+        return __cmd_dohint(event);
     case kMenuEvtSetOwner:
         __owpsn = sender;
         return noErr;

@@ -1,9 +1,15 @@
 #include "ServiceCommands.h"
 
+#include "notify/KivNotification.h"
+#include "notify/KivNotificationManager.h"
+#include "platform/StringValues.h"
 #include "shell/EventCodes.h"
 #include "shell/ProcessState.h"
 
+#include <QByteArray>
+
 #include <algorithm>
+#include <memory>
 #include <new>
 #include <optional>
 #include <vector>
@@ -36,6 +42,23 @@ std::optional<std::vector<std::uint32_t>> readActions(const AppleEvent *event, s
     }
     return codes;
 }
+
+/// The first `length` bytes of the event's text, as far as there are that many, up to the first zero byte; nothing when
+/// there is no text. Here too the sender's word alone allocates nothing.
+std::optional<QByteArray> readHintText(const AppleEvent *event, std::uint32_t length)
+{
+    Size bytes = 0;
+    if (AEGetParamPtr(event, kMenuParamHintText, typeMenuHintText, nullptr, nullptr, 0, &bytes) != noErr) {
+        return std::nullopt;
+    }
+    QByteArray text(std::min<qsizetype>(length, bytes), '\0');
+    if (AEGetParamPtr(event, kMenuParamHintText, typeMenuHintText, nullptr, text.data(), static_cast<Size>(text.size()),
+                      nullptr) != noErr) {
+        return std::nullopt;
+    }
+    text.truncate(qstrnlen(text.constData(), static_cast<size_t>(text.size())));
+    return text;
+}
 } // namespace
 
 OSErr __cmd_setopt(const AppleEvent *event)
@@ -60,6 +83,30 @@ try {
         return errAEEventFailed;
     }
     __menu->setActions(*codes);
+    return noErr;
+} catch (const std::bad_alloc &) {
+    return errAEEventFailed;
+}
+
+OSErr __cmd_dohint(const AppleEvent *event)
+try {
+    if (!event) {
+        return errAEEventFailed;
+    }
+    const std::uint32_t length = readUInt32(event, kMenuParamHintSize).value_or(0);
+    if (length == 0) {
+        return noErr;
+    }
+    const auto text = readHintText(event, length);
+    if (!text) {
+        return errAEEventFailed;
+    }
+    const auto record = std::make_shared<KivNotification>();
+    // The height last: setting the text has set the height that it needs.
+    record->setMessageText(StringValues::fromUtf8(*text));
+    record->setContentWidth(370);
+    record->setContentHeight(55);
+    KivNotificationManager::sharedInstance().showNotificationInstantly(record);
     return noErr;
 } catch (const std::bad_alloc &) {
     return errAEEventFailed;

@@ -1,4 +1,6 @@
 #include "menu/MenuCommands.h"
+#include "notify/KivNotificationManager.h"
+#include "notify/KivNotificationReceiver.h"
 #include "platform/GraphicalSession.h"
 #include "platform/SessionLock.h"
 #include "shell/Application.h"
@@ -21,6 +23,8 @@ void startUp()
     __menu = std::make_unique<KIVMenuObj>();
     __menu->setMenuProc(__menu_proc);
     __menu->setFlags(kMenuFlagVisible);
+    KivNotificationManager::sharedInstance().setKivMenu(__menu.get());
+    KivNotificationReceiver::sharedInstance().recieveNotifications();
     GetCurrentProcess(&__mypsn);
     AEInstallEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, nullptr, false);
 }
@@ -28,6 +32,7 @@ void startUp()
 void tearDown()
 {
     AERemoveEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, false);
+    KivNotificationManager::sharedInstance().setKivMenu(nullptr);
     __menu.reset();
 }
 } // namespace

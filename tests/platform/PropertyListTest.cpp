@@ -1,6 +1,7 @@
 #include "platform/PropertyList.h"
 
 #include "tests/platform/PropertyListSamples.h"
+#include "tests/support/FullDisk.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -9,9 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include <csignal>
 #include <random>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using PropertyList::Writing;
@@ -167,29 +166,6 @@ struct stat status(const QString &path)
     EXPECT_EQ(::lstat(QFile::encodeName(path).constData(), &result), 0);
     return result;
 }
-
-/// While it lives, writing to a file fails beyond `bytes`, as on a full disk.
-class FullDisk final
-{
-public:
-    explicit FullDisk(rlim_t bytes)
-    {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &m_before), 0);
-        const rlimit limit{bytes, m_before.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    ~FullDisk()
-    {
-        ::setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_handler);
-    }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
-};
 
 TEST_P(PropertyListFileEitherWay, ReadsBackWhatWasWritten)
 {

@@ -247,4 +247,16 @@ TEST(StringValues, TakesTheTextOfAStringOrNumber)
     }
 }
 
+TEST(StringValues, TakesTextFromUtf8AndNothingFromOtherBytes)
+{
+    EXPECT_EQ(StringValues::fromUtf8("Gr\xC3\xBC\xC3\x9F"), QStringLiteral("Gr\u00FC\u00DF"));
+    EXPECT_EQ(StringValues::fromUtf8(QByteArrayView("a\0b", 3)), QString::fromLatin1("a\0b", 3));
+    EXPECT_EQ(StringValues::fromUtf8("\xEF\xBB\xBFx"), QStringLiteral("\uFEFFx"));
+    EXPECT_TRUE(StringValues::fromUtf8("").isEmpty());
+    EXPECT_FALSE(StringValues::fromUtf8("").isNull());
+    for (const char *bytes : {"\xFF", "Gr\xFC\xDF", "cut \xC3", "\xC0\xAF", "\xED\xA0\x80"}) {
+        EXPECT_TRUE(StringValues::fromUtf8(bytes).isNull()) << bytes;
+    }
+}
+
 } // namespace

@@ -20,11 +20,12 @@ constexpr char informationDictionary[] = R"(<?xml version="1.0" encoding="UTF-8"
 <key>KIVBuildDate</key><string>2020-01-02</string>
 <key>KIVProductHome</key><string>http://127.0.0.1/home</string>
 <key>KIVPrivateLabel</key><string>Test &amp; trial</string>
+<key>KIVSupportMessages</key><string>%1</string>
 </dict></plist>
 )";
 
 /// A copy of the built program and its resources, as another bundle.
-bool makeBundle(const QString &program, const QDir &directory)
+bool makeBundle(const QString &program, const QString &feed, const QDir &directory)
 {
     const QDir build(QStringLiteral(KIV_BUILD_DIR));
     const QDir resources(build.filePath(QStringLiteral("share/kivmenua")));
@@ -37,7 +38,8 @@ bool makeBundle(const QString &program, const QDir &directory)
         }
     }
     QFile info(directory.filePath(QStringLiteral("share/kivmenua/Info.plist")));
-    return made && info.open(QIODevice::WriteOnly) && info.write(informationDictionary) > 0;
+    return made && info.open(QIODevice::WriteOnly) &&
+           info.write(QString::fromLatin1(informationDictionary).arg(feed.toHtmlEscaped()).toUtf8()) > 0;
 }
 
 } // namespace
@@ -54,12 +56,13 @@ bool Agent::start()
     const QDir directory(m_directory.path());
     const QString program = m_program == Program::AsBuilt ? QStringLiteral(KIV_BUILD_DIR "/bin/kivmenua")
                                                           : QStringLiteral(KIV_BUILD_DIR "/tests/kivmenua");
-    if (!directory.exists(QStringLiteral("bin")) && !makeBundle(program, directory)) {
+    if (!directory.exists(QStringLiteral("bin")) && !makeBundle(program, feed, directory)) {
         ADD_FAILURE() << "cannot copy the built agent";
         return false;
     }
     m_process.environment = environment;
-    m_process.environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(KIV_SYSLOG_RECORDER));
+    const QString preload = QStringLiteral("LD_PRELOAD");
+    m_process.environment.insert(preload, QStringLiteral(KIV_SYSLOG_RECORDER ":") + environment.value(preload));
     m_process.environment.insert(QStringLiteral("KIV_SYSLOG_FILE"), directory.filePath(QStringLiteral("syslog")));
     // A sanitizer's run time wants to be the first library of all; the recorder before it is harmless.
     const QString sanitizer = environment.value(QStringLiteral("ASAN_OPTIONS"));

@@ -9,7 +9,7 @@
 #include <optional>
 
 /// The agent in a desktop of the test's own. It is a copy of the built program with an information dictionary that
-/// names no message feed, so that it asks nothing of any network.
+/// names no message feed but one of the test's own, so that it asks nothing of any network.
 class Agent final
 {
 public:
@@ -24,6 +24,9 @@ public:
 
     /// What the agent gets as its environment; the desktop's at first.
     QProcessEnvironment environment;
+
+    /// The address of its message feed; none when empty. Counts at the first start.
+    QString feed;
 
     bool start();
     /// Starts it and returns once its item lies in the panel. False, with a test failure, when it does not get there.

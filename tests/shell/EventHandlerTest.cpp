@@ -138,6 +138,10 @@ TEST_F(EventHandler, PassesACommandsFailureOn)
     claim(first);
     EventBuilder builder;
     EXPECT_EQ(handle(builder.command(kMenuEvtSetOptions).sender(first).count(1)), -10000);
+    EventBuilder hint;
+    const std::uint32_t length = 4;
+    hint.put(kMenuParamHintSize, typeUInt32, &length, sizeof length);
+    EXPECT_EQ(handle(hint.command(kMenuEvtDoHint).sender(first)), -10000);
 }
 
 TEST_F(EventHandlerDeathTest, EndsTheProcessAtOnceWithStatusZeroWhenTheOwnerSaysSo)

@@ -1,9 +1,16 @@
 #include "shell/ServiceCommands.h"
 
+#include "notify/KivNotification.h"
+#include "notify/KivNotificationManager.h"
+#include "notify/KivNotificationWindow.h"
 #include "shell/ProcessState.h"
 #include "tests/shell/EventBuilder.h"
 
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
+
+#include <optional>
 
 namespace
 {
@@ -35,6 +42,44 @@ protected:
         __menu->setActions({});
         return isEnabled(kMenuCmdWorkspace);
     }
+};
+
+/// The shared manager, in a home of the test's own.
+class DoHint : public testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        static const QTemporaryDir home; // The manager keeps its path.
+        qputenv("HOME", home.path().toLocal8Bit());
+    }
+
+    ~DoHint() override
+    {
+        // Each close brings the next one up.
+        while (KivNotificationWindow *window = manager().notificationWindow()) {
+            window->onDontRemindMeButton();
+        }
+    }
+
+    static KivNotificationManager &manager() { return KivNotificationManager::sharedInstance(); }
+
+    static OSErr send(const QByteArray &text, std::optional<std::uint32_t> length = {})
+    {
+        const std::uint32_t size = length.value_or(static_cast<std::uint32_t>(text.size()));
+        EventBuilder builder;
+        builder.put(kMenuParamHintSize, typeUInt32, &size, sizeof size)
+            .put(kMenuParamHintText, typeMenuHintText, text.constData(), static_cast<std::size_t>(text.size()));
+        return __cmd_dohint(builder.event());
+    }
+
+    /// The record of the pop-up that is open; null when none is.
+    static std::shared_ptr<KivNotification> shown()
+    {
+        const KivNotificationWindow *window = manager().notificationWindow();
+        return window ? window->notification() : nullptr;
+    }
+    static std::string shownText() { return shown() ? shown()->messageText().toStdString() : "nothing is shown"; }
 };
 
 } // namespace
@@ -159,4 +204,88 @@ TEST_F(SetOptions, AllocatesNothingOnTheSendersWordAlone)
     EventBuilder withShortList;
     EXPECT_EQ(__cmd_setopt(withShortList.count(4'000'000'000).actions({kMenuCmdDisconnect}).event()), 0);
     EXPECT_TRUE(isEnabled(kMenuCmdDisconnect));
+}
+
+TEST_F(DoHint, FailsForANullEvent)
+{
+    EXPECT_EQ(__cmd_dohint(nullptr), -10000);
+}
+
+TEST_F(DoHint, ShowsItsTextAtOnceAsAnInstantMessageOfOneSize)
+{
+    for (const QByteArray &text : {QByteArray("Gr\xC3\xBC\xC3\x9F Gott"), QByteArray(3000, 'w')}) {
+        EXPECT_EQ(send(text), 0);
+        ASSERT_TRUE(shown());
+        EXPECT_EQ(shownText(), text.toStdString());
+        EXPECT_EQ(shown()->contentWidth(), 370.0F);
+        EXPECT_EQ(shown()->contentHeight(), 55.0F);
+        EXPECT_EQ(shown()->messagePriority(), 3);
+        EXPECT_EQ(shown()->messageType(), 1);
+        EXPECT_EQ(shown()->messageId(), QStringLiteral(""));
+        manager().notificationWindow()->onCloseButton();
+        EXPECT_FALSE(shown());
+    }
+}
+
+TEST_F(DoHint, ShowsNothingWithoutALengthOrWithALengthOfZero)
+{
+    EventBuilder withoutLength;
+    EXPECT_EQ(__cmd_dohint(withoutLength.put(kMenuParamHintText, typeMenuHintText, "text", 4).event()), 0);
+    EXPECT_EQ(send("text", 0), 0);
+    EventBuilder ofAnotherType;
+    const std::int32_t length = 4;
+    EXPECT_EQ(__cmd_dohint(ofAnotherType.put(kMenuParamHintSize, typeSInt32, &length, sizeof length)
+                               .put(kMenuParamHintText, typeMenuHintText, "text", 4)
+                               .event()),
+              0);
+    EXPECT_FALSE(shown());
+}
+
+TEST_F(DoHint, FailsWhenTheTextIsMissingOrOfAnotherType)
+{
+    const std::uint32_t length = 4;
+    EventBuilder withoutText;
+    EXPECT_EQ(__cmd_dohint(withoutText.put(kMenuParamHintSize, typeUInt32, &length, sizeof length).event()), -10000);
+    EventBuilder ofAnotherType;
+    EXPECT_EQ(__cmd_dohint(ofAnotherType.put(kMenuParamHintSize, typeUInt32, &length, sizeof length)
+                               .put(kMenuParamHintText, typeMenuActionList, "text", 4)
+                               .event()),
+              -10000);
+    EXPECT_FALSE(shown());
+}
+
+TEST_F(DoHint, EndsTheTextAtAZeroByteAndAtTheAnnouncedLength)
+{
+    EXPECT_EQ(send(QByteArray("seen\0unseen", 11)), 0);
+    EXPECT_EQ(shownText(), "seen");
+    manager().notificationWindow()->onCloseButton();
+    EXPECT_EQ(send("only this", 4), 0);
+    EXPECT_EQ(shownText(), "only");
+    manager().notificationWindow()->onCloseButton();
+    EXPECT_EQ(send(QByteArray("\0unseen", 7)), 0);
+    EXPECT_EQ(shownText(), "");
+    EXPECT_FALSE(shown()->messageText().isNull());
+}
+
+TEST_F(DoHint, ShowsAMessageWithoutTextForBytesThatAreNotUtf8)
+{
+    EXPECT_EQ(send("\xFF\xFE"), 0);
+    ASSERT_TRUE(shown());
+    EXPECT_TRUE(shown()->messageText().isNull());
+    EXPECT_EQ(shown()->contentHeight(), 55.0F);
+}
+
+TEST_F(DoHint, AllocatesNothingOnTheSendersWordAlone)
+{
+    EXPECT_EQ(send("short", 4'294'967'295), 0);
+    EXPECT_EQ(shownText(), "short");
+}
+
+TEST_F(DoHint, WaitsForThePopUpThatIsOpen)
+{
+    EXPECT_EQ(send("first"), 0);
+    EXPECT_EQ(send("second"), 0);
+    EXPECT_EQ(shownText(), "first");
+    manager().notificationWindow()->onCloseButton();
+    EXPECT_EQ(shownText(), "second");
 }

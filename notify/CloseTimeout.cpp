@@ -1,0 +1,22 @@
+#include "CloseTimeout.h"
+
+std::int32_t closeTimeout(std::int32_t messageType, std::int32_t notificationClose) noexcept
+{
+    constexpr std::int32_t update = 0;
+    constexpr std::int32_t never = -1;
+    if (messageType == update) {
+        return never;
+    }
+    switch (notificationClose) {
+    case 1:
+        return 15;
+    case 2:
+        return 30;
+    case 3:
+        return 60;
+    case 4:
+        return never;
+    default:
+        return 0;
+    }
+}

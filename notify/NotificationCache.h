@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <QVariantList>
+
+/// The file that keeps the queued messages from one run of the agent to the next: a property list, an array of the
+/// records' dictionary form, under ~/Library/Caches/com.tamborel.kivune. Only the user may read or write it.
+///
+/// It is always replaced as a whole, so that the agent may be killed at any moment: what is read afterwards is what was
+/// written last or just before. Not thread-safe.
+class NotificationCache final
+{
+public:
+    /// `homeFolder` is the user's home; nothing is read or made yet.
+    explicit NotificationCache(const QString &homeFolder);
+
+    [[nodiscard]] const QString &path() const noexcept { return m_path; }
+    /// Where a file goes that cannot be read, before it is overwritten.
+    [[nodiscard]] QString pathOfUnreadable() const;
+
+    /// The array in the file; empty when the file is missing, cannot be read, or holds anything else.
+    [[nodiscard]] QVariantList read();
+
+    /// Makes `list` the file's content, and the folder when it is missing. Does not touch a file that has this very
+    /// content. One that holds no array, or that may not be read, is kept under its second name first.
+    /// False, with the file as it was, when any of that fails.
+    bool write(const QVariantList &list);
+
+private:
+    [[nodiscard]] bool makeFolder() const;
+    void removeLeftovers() const;
+    [[nodiscard]] bool isReadable(const QByteArray &content) const;
+    [[nodiscard]] bool keepAside() const;
+
+    QString m_folder;
+    QString m_path;
+    QByteArray m_digest; ///< Of the content that was read or written last and is known to be an array.
+};

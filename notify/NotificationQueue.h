@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+class KivNotification;
+
+/// The messages that have been accepted, in the order in which they are to be shown: by descending priority, and first
+/// come, first served within one priority. Owns its records together with whoever else holds them. Records are never
+/// null. Not thread-safe.
+class NotificationQueue final
+{
+public:
+    /// Puts `record` behind all of its own or a higher priority. A record whose equal is queued is ignored: the queued
+    /// one keeps its place and its state.
+    void add(std::shared_ptr<KivNotification> record);
+
+    /// Removes whatever equals `record`.
+    void remove(const KivNotification &record);
+
+    [[nodiscard]] bool contains(const KivNotification &record) const;
+    /// Valid until the next change.
+    [[nodiscard]] const std::vector<std::shared_ptr<KivNotification>> &records() const noexcept { return m_records; }
+
+private:
+    std::vector<std::shared_ptr<KivNotification>> m_records;
+};

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+/// Notifications that programs of one user's session post for whoever wants to know: a name, no more. On Linux a signal
+/// of that name on the session bus (interface com.tamborel.kivune.DistributedNotifications, any path), on macOS the
+/// distributed notification centre's. Main thread only.
+namespace DistributedNotifications
+{
+
+/// Observes until destruction.
+class Observer
+{
+public:
+    Observer() = default;
+    virtual ~Observer() = default;
+    Observer(const Observer &) = delete;
+    Observer &operator=(const Observer &) = delete;
+};
+
+/// Has `callback` called from the event loop whenever any program posts `name`. What is posted while there is no bus is
+/// missed.
+[[nodiscard]] std::unique_ptr<Observer> addObserver(const QString &name, std::function<void()> callback);
+
+} // namespace DistributedNotifications

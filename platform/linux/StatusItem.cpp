@@ -1,6 +1,7 @@
 #include "platform/StatusItem.h"
 
 #include "platform/linux/MainDisplay.h"
+#include "platform/linux/RootProperties.h"
 #include "platform/linux/StatusItemForm.h"
 #include "platform/linux/SystemTrayStandIn.h"
 #include "platform/linux/TrayHostWatch.h"
@@ -165,9 +166,12 @@ void StatusItem::Private::apply()
 
 void StatusItem::Private::handlePress()
 {
-    if (look.enabled) {
-        Q_EMIT m_owner->pressed();
-    }
+    // A menu follows, which Qt places within the work area.
+    RootProperties::hear(this, [this] {
+        if (look.enabled) {
+            Q_EMIT m_owner->pressed();
+        }
+    });
 }
 
 StatusItem::StatusItem(QObject *parent)

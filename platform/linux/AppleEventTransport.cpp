@@ -137,14 +137,15 @@ OSErr AppleEventTransport::send(const AppleEventContents &event)
     if (!message) {
         return paramErr;
     }
-    if (!isRunningProcess(*event.target)) {
-        return procNotFound;
-    }
-    // Who took the last event gets this one at once: a question before it would take as long as the event itself.
+    // Who took the last event gets this one at once: a question to the bus, or to the system, would take as long as the
+    // event itself.
     if (isKnown) {
         if (const OSErr error = deliver(*message); error != procNotFound) {
             return error;
         }
+    }
+    if (!isRunningProcess(*event.target)) {
+        return procNotFound;
     }
     if (const OSErr error = findTaker(*event.target); error != noErr) {
         return error;

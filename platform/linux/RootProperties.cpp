@@ -11,6 +11,9 @@
 
 namespace
 {
+constexpr char supported[] = "_NET_SUPPORTED";
+constexpr char workArea[] = "_NET_WORKAREA";
+
 QPointer<RootProperties> theInstance;
 
 bool isAnythingShown()
@@ -31,7 +34,7 @@ void RootProperties::hear(QObject *context, std::function<void()> then)
 {
     if (theInstance) {
         theInstance->m_waiting.push_back({context, std::move(then)});
-        theInstance->askForWorkArea();
+        theInstance->catchUp();
     } else {
         QMetaObject::invokeMethod(context, std::move(then), Qt::QueuedConnection);
     }
@@ -70,18 +73,20 @@ bool RootProperties::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
-void RootProperties::askForWorkArea()
+void RootProperties::catchUp()
 {
     setHeard(true);
-    // Qt reads the work area again when it hears that it has changed, and has no other way to be told. An event for no
-    // mask goes to whoever made the window: nobody else hears this one.
+    // Qt reads them again when it hears that they have changed, and has no other way to be told. An event for no mask
+    // goes to whoever made the window: nobody else hears these.
     xcb_connection_t *x = XConnection::get();
-    xcb_property_notify_event_t notify = {};
-    notify.response_type = XCB_PROPERTY_NOTIFY;
-    notify.window = XConnection::screen()->root;
-    notify.atom = XConnection::atom("_NET_WORKAREA");
-    notify.state = XCB_PROPERTY_NEW_VALUE;
-    xcb_send_event(x, false, m_window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&notify));
+    for (const char *property : {supported, workArea}) {
+        xcb_property_notify_event_t notify = {};
+        notify.response_type = XCB_PROPERTY_NOTIFY;
+        notify.window = XConnection::screen()->root;
+        notify.atom = XConnection::atom(property);
+        notify.state = XCB_PROPERTY_NEW_VALUE;
+        xcb_send_event(x, false, m_window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&notify));
+    }
     xcb_flush(x);
 }
 
@@ -89,9 +94,8 @@ bool RootProperties::nativeEventFilter(const QByteArray &, void *message, qintpt
 {
     constexpr std::uint8_t sentBit = 0x80;
     const auto *event = static_cast<const xcb_property_notify_event_t *>(message);
-    if (event->response_type == (XCB_PROPERTY_NOTIFY | sentBit) &&
-        event->atom == XConnection::atom("_NET_WORKAREA")) {
-        // After Qt, which sees it only when the filters have let it pass.
+    if (event->response_type == (XCB_PROPERTY_NOTIFY | sentBit) && event->atom == XConnection::atom(workArea)) {
+        // The last of the two; and after Qt, which sees it only when the filters have let it pass.
         QMetaObject::invokeMethod(this, &RootProperties::proceed, Qt::QueuedConnection);
     }
     return false;
@@ -99,14 +103,13 @@ bool RootProperties::nativeEventFilter(const QByteArray &, void *message, qintpt
 
 void RootProperties::proceed()
 {
-    // Each may run an event loop of its own, and ask again from there.
-    const std::vector<Waiting> waiting = std::exchange(m_waiting, {});
-    for (const Waiting &each : waiting) {
+    // One by one from the event loop: the first may run a loop of its own, in which the next has its turn.
+    for (Waiting &each : std::exchange(m_waiting, {})) {
         if (each.context) {
-            each.then();
+            QMetaObject::invokeMethod(each.context, std::move(each.then), Qt::QueuedConnection);
         }
     }
-    update();
+    QMetaObject::invokeMethod(this, &RootProperties::update, Qt::QueuedConnection);
 }
 
 void RootProperties::update()

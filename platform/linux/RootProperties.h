@@ -11,10 +11,11 @@
 
 /// What others write on the root window, heard only while it matters.
 ///
-/// Window managers and panels change properties of the root window all the time, and Qt has itself told of every change:
-/// two of this program's threads would wake up for each. Of all those properties Qt uses but the work area, to place a
-/// menu or a dialog. So they are heard only while a window of this program is on the screen, and hear() catches up with
-/// the work area before one that has to be placed. Main thread only.
+/// Window managers and panels change properties of the root window all the time, and Qt has itself told of every
+/// change: two of this program's threads would wake up for each. Of all those properties Qt uses but two: the work
+/// area, to place a menu or a dialog, and what the window manager can do, to give a window the keyboard. So they are
+/// heard only while a window of this program is on the screen, and hear() catches up with them before one comes up.
+/// Main thread only.
 class RootProperties final : public QObject, private QAbstractNativeEventFilter
 {
     Q_OBJECT
@@ -23,7 +24,7 @@ public:
     /// From now on, as long as the application object lives, which owns this. Without an X server nothing is done.
     static void hearOnlyWhileShown();
 
-    /// Calls `then` from the event loop once Qt knows the present work area; not at all when `context` has gone by then.
+    /// Calls `then` from the event loop once Qt has caught up; not at all when `context` has gone by then.
     static void hear(QObject *context, std::function<void()> then);
 
 private:
@@ -37,7 +38,7 @@ private:
 
     bool eventFilter(QObject *watched, QEvent *event) override;
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
-    void askForWorkArea();
+    void catchUp();
     void proceed();
     void update();
     static void setHeard(bool heard);

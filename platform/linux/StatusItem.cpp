@@ -1,7 +1,6 @@
 #include "platform/StatusItem.h"
 
 #include "platform/linux/MainDisplay.h"
-#include "platform/linux/RootProperties.h"
 #include "platform/linux/StatusItemForm.h"
 #include "platform/linux/SystemTrayStandIn.h"
 #include "platform/linux/TrayHostWatch.h"
@@ -166,12 +165,9 @@ void StatusItem::Private::apply()
 
 void StatusItem::Private::handlePress()
 {
-    // A menu follows, which Qt places within the work area.
-    RootProperties::hear(this, [this] {
-        if (look.enabled) {
-            Q_EMIT m_owner->pressed();
-        }
-    });
+    if (look.enabled) {
+        Q_EMIT m_owner->pressed();
+    }
 }
 
 StatusItem::StatusItem(QObject *parent)

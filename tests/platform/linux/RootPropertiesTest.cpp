@@ -28,8 +28,8 @@ public:
 
     void setOnRoot(const QByteArray &property, const QList<std::uint32_t> &values)
     {
-        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, root(), XConnection::atom(property),
-                            XCB_ATOM_CARDINAL, 32, static_cast<std::uint32_t>(values.size()), values.constData());
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, root(), XConnection::atom(property), XCB_ATOM_CARDINAL,
+                            32, static_cast<std::uint32_t>(values.size()), values.constData());
         xcb_flush(m_connection);
     }
 

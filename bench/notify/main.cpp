@@ -61,7 +61,8 @@ int main(int argc, char **argv)
     if (words.value(1) != QLatin1String("agent") || words.size() != 3) {
         return 2;
     }
-    AttachedService service({0, words.at(2).toUInt()}, [](const QByteArray &) {}, [](std::uint32_t) {});
+    AttachedService service(
+        {0, words.at(2).toUInt()}, [](const QByteArray &) {}, [](std::uint32_t) {});
     if (!service.claim()) {
         return 1;
     }

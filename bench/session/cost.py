@@ -18,22 +18,29 @@ def proportional_memory(pids):
     return sum(_fields(pid)["Pss"] for pid in pids)
 
 
-def _of_threads(pids, file_name, read):
-    total = 0
+def _by_thread(pids, file_name, read):
+    values = {}
     for pid in pids:
         for thread in os.listdir(f"/proc/{pid}/task"):
             with open(f"/proc/{pid}/task/{thread}/{file_name}", encoding="utf-8") as file:
-                total += read(file)
-    return total
+                values[thread] = read(file)
+    return values
 
 
-def wake_ups(pids):
-    """How often their threads have gone to sleep so far, and so have woken up."""
+def sleeps(pids):
+    """How often each thread has gone to sleep so far."""
     def voluntary(file):
         return next(int(line.split()[1]) for line in file if line.startswith("voluntary_ctxt_switches"))
-    return _of_threads(pids, "status", voluntary)
+    return _by_thread(pids, "status", voluntary)
+
+
+def wake_ups(before, after):
+    """How often threads have woken up from one look at sleeps() to the next. One that has ended has done so once at
+    least."""
+    return (sum(count - before.get(thread, 0) for thread, count in after.items())
+            + len(before.keys() - after.keys()))
 
 
 def processor_time(pids):
     """In seconds, so far."""
-    return _of_threads(pids, "schedstat", lambda file: int(file.read().split()[0])) / 1e9
+    return sum(_by_thread(pids, "schedstat", lambda file: int(file.read().split()[0])).values()) / 1e9

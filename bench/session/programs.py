@@ -36,7 +36,7 @@ FLOOR = "floor"
 def all_programs(place):
     notifyd = glob.glob("/usr/lib/*/xfce4/notifyd/xfce4-notifyd")
     programs = [
-        Program(OURS, Kind.TRAY, (place.build("bin/kivmenua"),), menu_button=1),
+        Program(OURS, Kind.TRAY, (place.agent(),), menu_button=1),
         Program(FLOOR, Kind.TRAY, (place.program("floor"),), menu_button=3),
         Program("nm-applet", Kind.TRAY, ("nm-applet",), menu_button=3),
         Program("pasystray", Kind.TRAY, ("pasystray",), menu_button=3),

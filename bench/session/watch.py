@@ -6,6 +6,8 @@ import subprocess
 import threading
 import time
 
+KEYS = {"Escape": 9, "Return": 36, "Up": 111}  # Codes of the X server's keyboard.
+
 WindowEvent = collections.namedtuple("WindowEvent", "time kind window x y width height embedded")
 
 
@@ -51,8 +53,8 @@ class Watch:
     def move(self, x, y):
         self._tell(f"move {x} {y}")
 
-    def press_escape(self):
-        self._tell("key 9")
+    def press(self, key):
+        self._tell(f"key {KEYS[key]}")
 
     def change_root_property(self):
         self._tell("change")
@@ -64,8 +66,12 @@ class Watch:
         """The window that stands in the tray."""
         return self._items[-1]
 
+    def place_of(self, window):
+        """x, y, width and height on the screen."""
+        return tuple(map(int, self._tell(f"place {window}")[1]))
+
     def centre_of(self, window):
-        x, y, width, height = map(int, self._tell(f"place {window}")[1])
+        x, y, width, height = self.place_of(window)
         return x + width // 2, y + height // 2
 
     def forget(self):
@@ -75,8 +81,12 @@ class Watch:
 
     def wait_for(self, kind, seconds, fits):
         """The first event of that kind ("map" or "unmap") from now or since forget() that fits."""
+        deadline = self.time() + seconds
         while True:
-            event = self._events.get(timeout=seconds)
+            try:
+                event = self._events.get(timeout=max(0.0, deadline - self.time()))
+            except queue.Empty:
+                raise TimeoutError(f"no window to {kind}: not within {seconds} s") from None
             if event.kind == kind and fits(event):
                 return event
 

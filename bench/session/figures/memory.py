@@ -12,12 +12,13 @@ SETTLE = 5  # Seconds from docking to the look at its memory.
 
 
 def memory_of_third(place, program, use=None):
-    """In kB: the private memory of the third of three copies, after `use` of it if there is one."""
+    """In kB: the private memory of the third of three copies, after `use` of each if there is one."""
     with contextlib.ExitStack() as stack:
         desktops = [stack.enter_context(Desktop(place)) for _ in range(3)]
         running = [programs.start(desktop, program) for desktop in desktops]
         if use:
-            use(desktops[-1], running[-1])
+            for desktop, one in zip(desktops, running):
+                use(desktop, one)
         time.sleep(SETTLE)
         return cost.private_memory(desktops[-1].processes_of(running[-1].process))
 

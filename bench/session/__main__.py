@@ -9,6 +9,7 @@ import importlib
 import json
 import sys
 import time
+import traceback
 
 from bench.session import machine, page
 from bench.session.place import Place
@@ -23,15 +24,19 @@ SECTIONS = {
 }
 
 
-def measure(place, names):
-    """Pairs of title and figures, each section as far as it is asked for."""
+def measure(place, names, failed):
+    """Pairs of title and figures, each section as far as it is asked for. Adds to `failed` what cannot be measured."""
     for title, members in SECTIONS.items():
         figures = []
         for name in members:
             if name in names:
                 began = time.monotonic()
                 print(f"-- {name}", flush=True)
-                figures += importlib.import_module("bench.session.figures." + name).measure(place)
+                try:
+                    figures += importlib.import_module("bench.session.figures." + name).measure(place)
+                except Exception:  # pylint: disable=broad-except  (the others are still worth their time)
+                    traceback.print_exc()
+                    failed.append(name)
                 print(f"   {time.monotonic() - began:.0f} s", flush=True)
         if figures:
             yield title, figures
@@ -47,7 +52,8 @@ def main():
     asked = parser.parse_args()
     place = Place(asked.source, asked.build)
 
-    sections = list(measure(place, asked.figure or everything))
+    failed = []
+    sections = list(measure(place, asked.figure or everything, failed))
     with open(place.build("figures.json"), "w", encoding="utf-8") as file:
         json.dump({title: [dataclasses.asdict(figure) for figure in figures] for title, figures in sections}, file,
                   indent=1)
@@ -55,11 +61,12 @@ def main():
         print("\n" + page.section(title, figures))
     if asked.page and not asked.figure:
         with open(asked.page, "w", encoding="utf-8") as file:
-            file.write(page.page(machine.facts(), sections))
+            gaps = [f"This run could not measure: {', '.join(failed)}."] if failed else []
+            file.write(page.page(machine.facts() + gaps, sections))
     missed = [figure.title for _, figures in sections for figure in figures if not figure.met]
     if missed:
         print("Not met: " + "; ".join(missed), file=sys.stderr)
-    return 1 if missed else 0
+    return 1 if missed or failed else 0
 
 
 if __name__ == "__main__":

@@ -18,6 +18,12 @@ if(KIV_SANITIZE)
   target_link_options(kiv_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(KIV_COVERAGE)
+  # Atomic, because Qt's threads call back into our code.
+  target_compile_options(kiv_options INTERFACE --coverage -fprofile-update=atomic)
+  target_link_options(kiv_options INTERFACE --coverage)
+endif()
+
 if(KIV_BUILD_FUZZERS)
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     message(FATAL_ERROR "The fuzzers need clang: set CXX=clang++")

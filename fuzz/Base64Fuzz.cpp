@@ -49,7 +49,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const std::string expected = decodedSlowly(input);
     const auto needed = static_cast<int>(expected.size());
     const int capacity = std::max(0, needed + static_cast<signed char>(data[0]));
-    const auto output = std::make_unique<unsigned char[]>(static_cast<std::size_t>(capacity));
+    constexpr unsigned char untouched = 0xa5;
+    const auto room = static_cast<std::size_t>(capacity);
+    const auto output = std::make_unique<unsigned char[]>(room);
+    std::fill_n(output.get(), room, untouched);
     int length = capacity;
     const bool whole = Base64::decode(input.data(), static_cast<int>(input.size()), output.get(), &length);
     check(length == needed);
@@ -58,5 +61,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const int written = whole ? needed : capacity - capacity % 3;
     check(std::equal(output.get(), output.get() + written, expected.begin(),
                      [](unsigned char a, char b) { return a == static_cast<unsigned char>(b); }));
+    check(std::all_of(output.get() + written, output.get() + capacity, [](unsigned char c) { return c == untouched; }));
     return 0;
 }

@@ -40,10 +40,9 @@ bool isRedirect(int status)
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
-QNetworkRequest plainRequest(const QUrl &address, std::chrono::milliseconds timeOut)
+QNetworkRequest plainRequest(const QUrl &address)
 {
     QNetworkRequest request(address);
-    request.setTransferTimeout(static_cast<int>(timeOut.count()));
     request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
     for (const auto attribute :
          {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
@@ -51,6 +50,21 @@ QNetworkRequest plainRequest(const QUrl &address, std::chrono::milliseconds time
         request.setAttribute(attribute, QNetworkRequest::Manual);
     }
     return request;
+}
+
+/// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect (seen in
+/// 6.4), after which a silent server would hold the request for ever.
+void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeOut)
+{
+    auto *const silence = new QTimer(connection);
+    silence->setSingleShot(true);
+    silence->callOnTimeout(connection, &QNetworkReply::abort);
+    const auto progress = [silence, timeOut] { silence->start(timeOut); };
+    QObject::connect(connection, &QNetworkReply::redirected, silence, progress);
+    QObject::connect(connection, &QNetworkReply::metaDataChanged, silence, progress);
+    QObject::connect(connection, &QNetworkReply::readyRead, silence, progress);
+    QObject::connect(connection, &QNetworkReply::finished, silence, &QTimer::stop);
+    progress();
 }
 
 } // namespace
@@ -90,7 +104,8 @@ void KivNotificationReceiver::receiveNextNotification()
         return;
     }
     letGoOfCancelled();
-    QNetworkReply *const connection = network().get(plainRequest(address, m_timing.timeOut));
+    QNetworkReply *const connection = network().get(plainRequest(address));
+    limitSilence(connection, m_timing.timeOut);
     connection->setReadBufferSize(readBuffer);
     connect(connection, &QNetworkReply::metaDataChanged, this,
             [this, connection] { connectionDidReceiveResponse(connection); });

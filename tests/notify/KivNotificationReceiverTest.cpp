@@ -15,6 +15,8 @@
 #include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QPointer>
+#include <QProcess>
+#include <QSslConfiguration>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -74,6 +76,33 @@ QList<std::pair<QString, QString>> typed(const char *contentType)
     return {{QStringLiteral("Content-Type"), QString::fromLatin1(contentType)}};
 }
 
+/// The body as HTTP's "deflate" has it, which is zlib's format (RFC 9110, section 8.4.1.2).
+ScriptedAnswer compressed(const QByteArray &body)
+{
+    constexpr qsizetype sizeInFrontOfZlibs = 4;
+    return {.headers = typed("text/xml") + QList<std::pair<QString, QString>>{{QStringLiteral("Content-Encoding"),
+                                                                               QStringLiteral("deflate")}},
+            .body = qCompress(body).mid(sizeInFrontOfZlibs)};
+}
+
+/// While it lives, this program trusts the servers with that certificate.
+class Trust final
+{
+public:
+    explicit Trust(const QString &certificate)
+    {
+        QSslConfiguration configuration = m_usual;
+        configuration.addCaCertificates(certificate);
+        QSslConfiguration::setDefaultConfiguration(configuration);
+    }
+    ~Trust() { QSslConfiguration::setDefaultConfiguration(m_usual); }
+    Trust(const Trust &) = delete;
+    Trust &operator=(const Trust &) = delete;
+
+private:
+    const QSslConfiguration m_usual = QSslConfiguration::defaultConfiguration();
+};
+
 class KivNotificationReceiverTest : public testing::Test
 {
 protected:
@@ -108,6 +137,18 @@ protected:
         ASSERT_NE(receiver->connection(), nullptr);
         ASSERT_TRUE(waitUntil([this] { return !receiver->connection() || receiver->connection()->isFinished(); }));
         QCoreApplication::sendPostedEvents(&*receiver); // It may not have heard of the end yet.
+    }
+
+    /// A self-signed certificate for 127.0.0.1 and its key, in a PEM file.
+    QString makeCertificate() const
+    {
+        QString file = directory.filePath(QStringLiteral("server.pem"));
+        const QString command =
+            QStringLiteral("req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj /CN=feed "
+                           "-addext subjectAltName=IP:127.0.0.1 -keyout %1 -out %1")
+                .arg(file);
+        EXPECT_EQ(QProcess::execute(QStringLiteral("openssl"), command.split(u' ')), 0);
+        return file;
     }
 
     bool wasCancelled() const { return receiver->connection() && receiver->connection()->isFinished(); }
@@ -245,6 +286,42 @@ TEST_F(KivNotificationReceiverTest, FollowsNoRedirectToAFileNorInCircles)
     EXPECT_EQ(sink.ids, Ids());
 }
 
+TEST_F(KivNotificationReceiverTest, FetchesOverTls)
+{
+    const QString certificate = makeCertificate();
+    const Trust trust(certificate);
+    ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, certificate));
+    receiveFrom(server.address(QStringLiteral("/feed")));
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, AsksNothingOfAServerThatItCannotTrust)
+{
+    ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, makeCertificate()));
+    receiveFrom(server.address(QStringLiteral("/feed")));
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(server.requests(), QList<QJsonObject>());
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, FollowsNoRedirectFromTlsToPlainHttp)
+{
+    FeedServer plain;
+    ASSERT_TRUE(plain.start({answerWith(feedWith("1"))}));
+    const QString certificate = makeCertificate();
+    const Trust trust(certificate);
+    ASSERT_TRUE(server.startSecurely(
+        {{.status = 302, .headers = {{QStringLiteral("Location"), plain.address(QStringLiteral("/feed"))}}}},
+        certificate));
+    receiveFrom(server.address(QStringLiteral("/feed")));
+    receive();
+    EXPECT_EQ(server.requests().size(), 1);
+    EXPECT_EQ(plain.requests(), QList<QJsonObject>());
+    EXPECT_EQ(sink.ids, Ids());
+}
+
 TEST_F(KivNotificationReceiverTest, TakesABodyInPiecesOfOneByte)
 {
     serve({{.body = feedWith("1"), .pieces = 1}});
@@ -274,6 +351,15 @@ TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComes)
     EXPECT_EQ(sink.ids, (Ids{"1"}));
 }
 
+TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComesAfterARedirect)
+{
+    serve({{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}}, {.gated = true}},
+          {.timeOut = 200ms});
+    receive();
+    EXPECT_EQ(server.requests().size(), 2);
+    EXPECT_EQ(receiver->connection(), nullptr);
+}
+
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatFallsSilent)
 {
     serve({{.body = feedWith("1"), .mutedFrom = 20}}, {.timeOut = 200ms});
@@ -281,6 +367,18 @@ TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatFallsSilent)
     EXPECT_EQ(receiver->connection(), nullptr);
     EXPECT_EQ(sink.ids, Ids());
     EXPECT_TRUE(waitUntil([this] { return server.closedByClient() == QList{0}; }));
+}
+
+TEST_F(KivNotificationReceiverTest, WaitsForASlowAnswerThatGoesOn)
+{
+    const ScriptedAnswer slow{.body = feedWith("1"), .pieces = 10, .pause = 80};
+    const FeedTiming timing{.timeOut = 1s};
+    serve({slow}, timing);
+    QElapsedTimer clock;
+    clock.start();
+    receive();
+    EXPECT_GT(clock.elapsed(), 1000) << "it was no test of the time-out";
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
 }
 
 TEST_F(KivNotificationReceiverTest, FailsQuietlyWhereNobodyListens)
@@ -397,6 +495,23 @@ TEST_F(KivNotificationReceiverTest, TakesSixteenMebibytesAndCancelsOneByteMore)
     EXPECT_EQ(sink.ids, (Ids{"1"}));
     receive(); // What was kept of it is gone.
     EXPECT_EQ(sink.ids, (Ids{"1", "3"}));
+}
+
+TEST_F(KivNotificationReceiverTest, TakesACompressedAnswer)
+{
+    serve({compressed(feedWith("1"))});
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, CountsTheBytesOfACompressedAnswerAsTheyAre)
+{
+    const QByteArray document = feedWith("1");
+    serve({compressed(document + QByteArray(16 * 1024 * 1024, ' ')), answerWith(feedWith("2"))});
+    receive();
+    EXPECT_EQ(sink.ids, Ids());
+    receive(); // What was kept of it is gone.
+    EXPECT_EQ(sink.ids, (Ids{"2"}));
 }
 
 TEST_F(KivNotificationReceiverTest, CountsTheBytesKeptOfEarlierAnswers)

@@ -136,6 +136,20 @@ TEST(TextMeasure, MeasuresALongTextAsOneLayoutDoes)
     }
 }
 
+TEST(TextMeasure, AgreesWithTheFontMetricsOnParagraphs)
+{
+    const QString paragraph = QStringLiteral("The server was updated last night. Please reconnect to use all of it. ");
+    for (const int paragraphs : {1, 2, 7}) {
+        for (const float width : {200.0F, 320.0F, 400.0F}) {
+            const QString text = (paragraph.repeated(paragraphs) + u'\n').repeated(paragraphs).chopped(1);
+            const QRectF bounds =
+                metrics().boundingRect(QRectF(0, 0, width, 20000), Qt::TextWordWrap | Qt::AlignLeft, text);
+            EXPECT_NEAR(textHeight(text, width), bounds.height(), 0.05 * bounds.height())
+                << paragraphs << " at " << width;
+        }
+    }
+}
+
 TEST(TextMeasure, DoesNotStopTheAgentForEndlessMarks)
 {
     QElapsedTimer time;

@@ -22,6 +22,7 @@ QJsonObject scriptOf(const ScriptedAnswer &answer)
                        {QStringLiteral("body"), QString::fromLatin1(answer.body)},
                        {QStringLiteral("gated"), answer.gated}};
     const std::pair<QString, std::optional<int>> numbers[] = {{QStringLiteral("pieces"), answer.pieces},
+                                                              {QStringLiteral("pause"), answer.pause},
                                                               {QStringLiteral("cut"), answer.cutAfter},
                                                               {QStringLiteral("silence"), answer.mutedFrom}};
     for (const auto &[name, number] : numbers) {
@@ -36,6 +37,11 @@ QJsonObject scriptOf(const ScriptedAnswer &answer)
 
 bool FeedServer::start(const QList<ScriptedAnswer> &answers)
 {
+    return startSecurely(answers, QString());
+}
+
+bool FeedServer::startSecurely(const QList<ScriptedAnswer> &answers, const QString &certificate)
+{
     QJsonArray script;
     for (const ScriptedAnswer &answer : answers) {
         script.append(scriptOf(answer));
@@ -44,17 +50,21 @@ bool FeedServer::start(const QList<ScriptedAnswer> &answers)
     const bool written =
         file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(script).toJson(QJsonDocument::Compact)) > 0;
     file.close();
-    const bool listening =
-        written && m_server.start(QStringLiteral(KIV_PYTHON), {QStringLiteral(KIV_FEED_SERVER), file.fileName()}) &&
-        waitUntil([this] { return m_server.output().contains('\n'); });
+    QStringList arguments{QStringLiteral(KIV_FEED_SERVER), file.fileName()};
+    if (!certificate.isNull()) {
+        arguments.append(certificate);
+    }
+    const bool listening = written && m_server.start(QStringLiteral(KIV_PYTHON), arguments) &&
+                           waitUntil([this] { return m_server.output().contains('\n'); });
     EXPECT_TRUE(listening) << "the web server does not start";
-    m_port = QString::fromLatin1(m_server.output().split('\n').first().trimmed());
+    m_origin = (certificate.isNull() ? QStringLiteral("http") : QStringLiteral("https")) +
+               QStringLiteral("://127.0.0.1:") + QString::fromLatin1(m_server.output().split('\n').first().trimmed());
     return listening;
 }
 
 QString FeedServer::address(const QString &path) const
 {
-    return QStringLiteral("http://127.0.0.1:") + m_port + path;
+    return m_origin + path;
 }
 
 void FeedServer::open(int request)

@@ -18,6 +18,7 @@ struct ScriptedAnswer {
     QByteArray body = {};
     bool gated = false;                ///< Sends nothing before FeedServer::open.
     std::optional<int> pieces = {};    ///< The size of the pieces in which everything is sent.
+    std::optional<int> pause = {};     ///< Milliseconds between two of these.
     std::optional<int> cutAfter = {};  ///< Cuts the connection after so many bytes of the body.
     std::optional<int> mutedFrom = {}; ///< Falls silent after so many bytes of the body, with the connection open.
 };
@@ -29,8 +30,10 @@ public:
     /// Starts it: the first request gets the first answer and so on; the last one serves all that follow. False, with a
     /// test failure, when it does not start.
     bool start(const QList<ScriptedAnswer> &answers);
+    /// The same over TLS. The file has the server's certificate and its key, as PEM.
+    bool startSecurely(const QList<ScriptedAnswer> &answers, const QString &certificate);
 
-    /// "http://127.0.0.1:<port>" and the path.
+    /// "http://127.0.0.1:<port>", or https, and the path.
     [[nodiscard]] QString address(const QString &path) const;
 
     /// Lets the gated answer to that request (from 0) go.
@@ -46,5 +49,5 @@ private:
 
     QTemporaryDir m_directory;
     ChildProcess m_server;
-    QString m_port;
+    QString m_origin;
 };

@@ -1,15 +1,17 @@
 """A web server that answers as its script says, for tests of clients.
 
-    feed_server.py FILE
+    feed_server.py FILE [CERTIFICATE]
 
 FILE holds a JSON list of answers; the first request gets the first answer and so on, and the last one serves all that
-follow. An answer is an object with these keys, all optional:
+follow. With a certificate, a PEM file that also has its key, it speaks TLS. An answer is an object with these keys, all
+optional:
 
     status    the status code, 200 unless given
     headers   a list of [name, value]
     body      the body, one character for each byte
     gated     true: send nothing before the line "go N" comes on standard input, N being the request's number from 0
     pieces    the size of the pieces in which everything is sent, each in a packet of its own
+    pause     how many milliseconds to wait after each piece
     cut       how many bytes of the body to send before the connection is cut
     silence   how many bytes of the body to send before falling silent; the connection stays open
 
@@ -20,8 +22,10 @@ the client closed before all of it was sent or while the server was silent: one 
 
 import json
 import socket
+import ssl
 import sys
 import threading
+import time
 
 gates = {}
 lock = threading.Lock()
@@ -54,8 +58,14 @@ def head_of(answer, size):
     return "\r\n".join(lines).encode("latin-1")
 
 
-def serve(connection, number, answer):
+def serve(connection, number, answer, tls):
     with connection:
+        if tls:
+            try:
+                connection = tls.wrap_socket(connection, server_side=True)
+            except OSError:
+                say({"closed": number})
+                return
         request = read_request(connection)
         if request is None:
             return
@@ -72,6 +82,7 @@ def serve(connection, number, answer):
         try:
             for start in range(0, len(everything), pieces):
                 connection.sendall(everything[start : start + pieces])
+                time.sleep(answer.get("pause", 0) / 1000)
             if "silence" in answer and not connection.recv(1):
                 say({"closed": number})
         except ConnectionError:
@@ -86,6 +97,10 @@ def listen_for_gates():
 def main():
     with open(sys.argv[1], encoding="utf-8") as script:
         answers = json.load(script)
+    tls = None
+    if len(sys.argv) > 2:
+        tls = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        tls.load_cert_chain(sys.argv[2])
     listener = socket.create_server(("127.0.0.1", 0))
     say(str(listener.getsockname()[1]))
     threading.Thread(target=listen_for_gates, daemon=True).start()
@@ -93,7 +108,7 @@ def main():
     while True:
         connection, _ = listener.accept()
         answer = answers[min(number, len(answers) - 1)]
-        threading.Thread(target=serve, args=(connection, number, answer), daemon=True).start()
+        threading.Thread(target=serve, args=(connection, number, answer, tls), daemon=True).start()
         number += 1
 
 

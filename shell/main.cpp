@@ -51,6 +51,7 @@ int main(int, char **argv)
     if (!lock.tryAcquire()) {
         return EXIT_SUCCESS;
     }
+    GraphicalSession::settle();
     startUp();
     {
         const TerminationSignals signalsEndTheLoop;

@@ -188,7 +188,7 @@ OSErr AESend(const AppleEvent *event, AppleEvent *reply, AESendMode mode, AESend
         return paramErr;
     }
     constexpr AESendMode replyBits = 3;
-    const AppleEventTransport &transport = manager().transport;
+    AppleEventTransport &transport = manager().transport;
     return (mode & replyBits) == kAEWaitReply ? transport.sendAndWait(*contents, limitOf(timeOutInTicks))
                                               : transport.send(*contents);
 }

@@ -13,6 +13,7 @@
 
 #include <exception>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -52,6 +53,8 @@ AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver)
     , m_peers(bus)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::enter);
+    // Another bus counts its unique names from the start again.
+    connect(&bus, &SessionBus::disconnected, this, [this] { m_taker.reset(); });
 }
 
 AppleEventTransport::~AppleEventTransport()
@@ -96,6 +99,60 @@ void AppleEventTransport::leave()
     connection.unregisterObject(eventObjectPath());
 }
 
+OSErr AppleEventTransport::findTaker(SInt32 pid)
+{
+    // The bus takes a message to nobody without a word, so it is asked first; and who holds the name of a process that
+    // it is not gets nothing.
+    m_taker.reset();
+    const QString uniqueName = m_bus.ownerOf(eventBusName(pid));
+    if (uniqueName.isEmpty()) {
+        return uniqueName.isNull() ? connectionInvalid : procNotFound;
+    }
+    const std::optional<qint64> owner = m_bus.processOf(uniqueName);
+    if (owner != pid) {
+        return owner ? procNotFound : connectionInvalid;
+    }
+    m_taker = Taker{pid, uniqueName};
+    return noErr;
+}
+
+OSErr AppleEventTransport::deliver(const QDBusMessage &message)
+{
+    // The bus answers in order, so that the event has gone on when the question after it is answered: Qt sends from a
+    // thread of its own, and what a program sends just before it ends would be lost. The answer says, too, whether the
+    // one it went to still was the taker; to a unique name that has gone, nobody listens ever after.
+    const Taker taker = *std::exchange(m_taker, std::nullopt);
+    const QString owner = m_bus.connection().send(message) ? m_bus.ownerOf(eventBusName(taker.pid)) : QString();
+    if (owner != taker.uniqueName) {
+        return owner.isNull() ? connectionInvalid : procNotFound;
+    }
+    m_taker = taker;
+    return noErr;
+}
+
+OSErr AppleEventTransport::send(const AppleEventContents &event)
+{
+    const bool isKnown = m_taker && m_taker->pid == event.target;
+    const std::optional<QDBusMessage> message = messageOf(event, isKnown ? m_taker->uniqueName : QString());
+    if (!message) {
+        return paramErr;
+    }
+    // Who took the last event gets this one at once: a question to the bus, or to the system, would take as long as the
+    // event itself.
+    if (isKnown) {
+        if (const OSErr error = deliver(*message); error != procNotFound) {
+            return error;
+        }
+    }
+    if (!isRunningProcess(*event.target)) {
+        return procNotFound;
+    }
+    if (const OSErr error = findTaker(*event.target); error != noErr) {
+        return error;
+    }
+    return deliver(*messageOf(event, m_taker->uniqueName));
+}
+
 OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage &message) const
 {
     // Qt answers a blocking call to this process itself, for which it must see the connection's own name.
@@ -116,19 +173,6 @@ OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage
         return taker ? procNotFound : connectionInvalid;
     }
     message = *call;
-    return noErr;
-}
-
-OSErr AppleEventTransport::send(const AppleEventContents &event) const
-{
-    QDBusMessage message;
-    if (const OSErr error = prepare(event, message); error != noErr) {
-        return error;
-    }
-    if (!m_bus.connection().send(message)) {
-        return connectionInvalid;
-    }
-    m_bus.flush();
     return noErr;
 }
 

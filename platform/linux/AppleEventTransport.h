@@ -31,8 +31,9 @@ public:
 
     /// Sends without waiting. paramErr for an event that cannot travel (no target, or a zero byte in a code);
     /// procNotFound, and nothing sent, when the target is no running process or takes no events; connectionInvalid
-    /// without a bus that answers.
-    [[nodiscard]] OSErr send(const AppleEventContents &event) const;
+    /// without a bus that answers. Returns once the bus has the event: one that is sent just before the program ends is
+    /// not lost.
+    [[nodiscard]] OSErr send(const AppleEventContents &event);
     /// Sends and blocks until the handler's status is there, which is the result; errAETimeout when it does not come
     /// within `limit`. No other events are handled meanwhile.
     [[nodiscard]] OSErr sendAndWait(const AppleEventContents &event, std::chrono::milliseconds limit) const;
@@ -43,8 +44,16 @@ public:
 private:
     enum class Reception { Off, On };
 
+    /// A process that takes events, and its unique name on the present bus, which nobody else will ever have there.
+    struct Taker {
+        SInt32 pid;
+        QString uniqueName;
+    };
+
     void enter();
     void leave();
+    [[nodiscard]] OSErr findTaker(SInt32 pid);
+    [[nodiscard]] OSErr deliver(const QDBusMessage &message);
     [[nodiscard]] OSErr prepare(const AppleEventContents &event, QDBusMessage &message) const;
     [[nodiscard]] OSErr receive(AppleEventContents event, const QString &peer);
 
@@ -52,4 +61,5 @@ private:
     Receiver m_receiver;
     PeerProcesses m_peers;
     Reception m_reception = Reception::Off;
+    std::optional<Taker> m_taker; ///< The last one that an event was sent to.
 };

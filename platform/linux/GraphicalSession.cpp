@@ -1,5 +1,6 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/linux/RootProperties.h"
 #include "platform/linux/SessionBusAddress.h"
 
 #include <QApplication>
@@ -57,4 +58,9 @@ QString GraphicalSession::prepare()
     return answers ? QString()
                    : QStringLiteral("no graphical session: the X server %1 does not answer")
                          .arg(QString::fromLocal8Bit(display));
+}
+
+void GraphicalSession::settle()
+{
+    RootProperties::hearOnlyWhileShown();
 }

@@ -74,6 +74,15 @@ std::optional<qint64> SessionBus::processOf(const QString &busName) const
     return isUnanswered(answer) ? std::nullopt : std::optional<qint64>(0);
 }
 
+QString SessionBus::ownerOf(const QString &busName) const
+{
+    const QDBusMessage answer = ask(QStringLiteral("GetNameOwner"), {busName});
+    if (answer.type() == QDBusMessage::ReplyMessage) {
+        return answer.arguments().value(0).toString();
+    }
+    return isUnanswered(answer) ? QString() : QStringLiteral("");
+}
+
 bool SessionBus::requestName(const QString &busName) const
 {
     constexpr uint doNotQueue = 4;
@@ -90,12 +99,6 @@ bool SessionBus::requestName(const QString &busName) const
 void SessionBus::releaseName(const QString &busName) const
 {
     static_cast<void>(ask(QStringLiteral("ReleaseName"), {busName}));
-}
-
-void SessionBus::flush() const
-{
-    // The bus takes messages in order: any answer says that it has those before the question.
-    static_cast<void>(ask(QStringLiteral("GetId"), {}));
 }
 
 QDBusMessage SessionBus::ask(const QString &member, const QVariantList &arguments) const

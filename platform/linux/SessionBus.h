@@ -32,14 +32,14 @@ public:
     /// The process behind a bus name, unique or well-known; 0 when nobody owns it, none when there is no bus or it does
     /// not answer. Blocks for at most 500 ms.
     [[nodiscard]] std::optional<qint64> processOf(const QString &busName) const;
+    /// The unique name of a bus name's owner; empty when nobody owns it, null when there is no bus or it does not answer.
+    /// Blocks for at most 500 ms.
+    [[nodiscard]] QString ownerOf(const QString &busName) const;
     /// Takes a bus name for this connection. False when the bus refuses, or another has it. Blocks for at most 500 ms:
     /// a bus that does not answer by then gets to the request before all that is asked of it later.
     [[nodiscard]] bool requestName(const QString &busName) const;
     /// Gives a bus name back, in the same way.
     void releaseName(const QString &busName) const;
-    /// Waits until the bus has taken what was sent, at most 500 ms. Without it, what a program sends just before it
-    /// ends may be lost: Qt sends from a thread of its own.
-    void flush() const;
 
 Q_SIGNALS:
     void connected();    ///< A connection stands, the first time or again: register objects and names now.

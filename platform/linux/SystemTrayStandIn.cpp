@@ -1,15 +1,14 @@
 #include "SystemTrayStandIn.h"
 
+#include "platform/linux/RootProperties.h"
+
 SystemTrayStandIn::SystemTrayStandIn()
 {
-    connect(
-        &m_icon, &QSystemTrayIcon::activated, this,
-        [this](QSystemTrayIcon::ActivationReason reason) {
-            if (reason == QSystemTrayIcon::Trigger) {
-                Q_EMIT pressed();
-            }
-        },
-        Qt::QueuedConnection);
+    connect(&m_icon, &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger) {
+            RootProperties::hear(this, [this] { Q_EMIT pressed(); });
+        }
+    });
 }
 
 void SystemTrayStandIn::setLook(const StatusItemLook &look)

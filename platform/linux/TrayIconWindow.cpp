@@ -1,5 +1,6 @@
 #include "TrayIconWindow.h"
 
+#include "platform/linux/RootProperties.h"
 #include "platform/linux/XConnection.h"
 
 #include <QApplication>
@@ -316,18 +317,15 @@ void TrayIconWindow::handlePress(xcb_button_t button)
     // input extension, which the server refuses while a core grab stands: the menu would not see the mouse.
     xcb_ungrab_pointer(XConnection::get(), XCB_CURRENT_TIME);
     xcb_flush(XConnection::get());
-    QMetaObject::invokeMethod(
-        this,
-        [this, button] {
-            // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
-            // opened by an earlier press of the same turn, or that could not get hold of the pointer.
-            if (QApplication::activePopupWidget()) {
-                closePopups();
-            } else if (button == XCB_BUTTON_INDEX_1) {
-                Q_EMIT pressed();
-            }
-        },
-        Qt::QueuedConnection);
+    RootProperties::hear(this, [this, button] {
+        // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
+        // opened by an earlier press of the same turn, or that could not get hold of the pointer.
+        if (QApplication::activePopupWidget()) {
+            closePopups();
+        } else if (button == XCB_BUTTON_INDEX_1) {
+            Q_EMIT pressed();
+        }
+    });
 }
 
 void TrayIconWindow::showToolTip()

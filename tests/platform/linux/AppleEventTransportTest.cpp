@@ -327,7 +327,7 @@ TEST_F(Transport, DoesNotKnowTheSenderWhenTheBusDoesNotSay)
     ASSERT_TRUE(peer.connection().send(rawEvent(ownBusName(), QStringLiteral("test"), QStringLiteral("numb"))));
     // Answered after the event has gone out to the receiver, which handles nothing before its event loop runs.
     static_cast<void>(peer.connection().interface()->registeredServiceNames());
-    bus.flush();
+    static_cast<void>(bus.processOf(ownBusName()));
     daemon.suspend();
     QElapsedTimer time;
     time.start();
@@ -481,6 +481,68 @@ TEST_F(Transport, SendsNothingToWhoTakesNoEvents)
     ASSERT_TRUE(bus.connection().send(rawEvent(otherName, QStringLiteral("last"), QStringLiteral("last"))));
     ASSERT_TRUE(waitUntil([&] { return !impostor.messages.empty(); }));
     EXPECT_EQ(impostor.messages.front().arguments().at(0), QVariant(QStringLiteral("last")));
+}
+
+TEST_F(Transport, FindsATakerAgainThatHasChangedItsConnection)
+{
+    const qint64 self = QCoreApplication::applicationPid();
+    BusPeer first(daemon);
+    {
+        const RawReceiver receiver(first.connection(), ownBusName());
+        ASSERT_EQ(transport.send(numberedEvent(self)), noErr);
+        ASSERT_TRUE(waitUntil([&] { return receiver.messages.size() == 1; }));
+    }
+    first.leave();
+    EXPECT_EQ(transport.send(numberedEvent(self)), procNotFound);
+
+    BusPeer second(daemon);
+    const RawReceiver receiver(second.connection(), ownBusName());
+    EXPECT_EQ(transport.send(numberedEvent(self)), noErr);
+    second.connection().unregisterService(ownBusName());
+    const RawReceiver third(peer.connection(), ownBusName());
+    EXPECT_EQ(transport.send(numberedEvent(self)), noErr);
+    EXPECT_TRUE(waitUntil([&] { return !receiver.messages.empty() && !third.messages.empty(); }));
+}
+
+TEST_F(Transport, SaysInTimeThatTheBusIsStuckAlsoForAKnownTaker)
+{
+    const qint64 self = QCoreApplication::applicationPid();
+    const RawReceiver receiver(peer.connection(), ownBusName());
+    ASSERT_EQ(transport.send(numberedEvent(self)), noErr);
+    QElapsedTimer time;
+    time.start();
+    daemon.suspend();
+    EXPECT_EQ(transport.send(numberedEvent(self)), connectionInvalid);
+    EXPECT_LT(time.elapsed(), 1000);
+    daemon.resume();
+    EXPECT_EQ(transport.send(numberedEvent(self)), noErr);
+}
+
+TEST_F(Transport, DoesNotTakeSomebodyOnANewBusForTheLastTaker)
+{
+    const qint64 self = QCoreApplication::applicationPid();
+    auto taker = std::make_unique<BusPeer>(daemon);
+    auto receiver = std::make_unique<RawReceiver>(taker->connection(), ownBusName());
+    ASSERT_EQ(transport.send(numberedEvent(self)), noErr);
+    const QString takersName = taker->name();
+    receiver.reset();
+    taker.reset();
+    daemon.stop();
+    ASSERT_TRUE(waitUntil([&] { return !bus.isConnected(); }));
+    ASSERT_TRUE(daemon.start());
+    ASSERT_TRUE(waitUntil([&] { return bus.isConnected(); }));
+
+    // One that has come by the same unique name.
+    std::vector<std::unique_ptr<BusPeer>> others;
+    do {
+        others.push_back(std::make_unique<BusPeer>(daemon));
+        ASSERT_LT(others.size(), 100u);
+    } while (others.back()->name() != takersName);
+    const RawReceiver stranger(others.back()->connection(), QStringLiteral("com.example.Stranger"));
+    EXPECT_EQ(transport.send(numberedEvent(self)), procNotFound);
+    ASSERT_TRUE(bus.connection().send(rawEvent(takersName, QStringLiteral("last"), QStringLiteral("last"))));
+    ASSERT_TRUE(waitUntil([&] { return !stranger.messages.empty(); }));
+    EXPECT_EQ(stranger.messages.front().arguments().at(0), QVariant(QStringLiteral("last")));
 }
 
 TEST_F(Transport, RefusesAnEventThatCannotTravel)

@@ -1,0 +1,38 @@
+"""The benchmarks of single functions: programs of their own, which print their ratios."""
+
+import os
+import re
+import subprocess
+
+from bench.session.figure import Figure
+
+_RATIO = re.compile(r"^(\w+) +(\w+) +([\d.]+) +([\d.]+) +([\d.]+)(?: +([\d.]+))?")
+
+_RATIOS = {"bench_base64": "Base64", "bench_feed": "Feed of 10,000 messages"}
+_MODES_LIMIT = 5  # ms for 600 modes
+
+
+def ratios_in(output):
+    """(ours, other, median, limit or None) for each line of the table at the end of a program's output."""
+    found = []
+    for line in output.partition("compared with")[2].splitlines():
+        if match := _RATIO.match(line):
+            found.append((match[1], match[2], float(match[3]), float(match[6]) if match[6] else None))
+    return found
+
+
+def measure(place):
+    environment = os.environ | {"QT_QPA_PLATFORM": "offscreen"}
+    def output_of(program):
+        return subprocess.run([place.program(program)], env=environment, capture_output=True, text=True,
+                              check=False).stdout
+
+    figures = []
+    for program, title in _RATIOS.items():
+        for ours, other, median, limit in ratios_in(output_of(program)):
+            figure = Figure(f"{title}: {ours} to {other}", "times the time", "", {"kivmenua": median}, digits=2)
+            figures.append(figure.require("limit", limit) if limit else figure)
+    for count, time in re.findall(r"^resolutionSubmenu/(\d+) +([\d.]+) ms", output_of("bench_resolutions"), re.M):
+        figure = Figure(f"Submenu of {count} resolutions", "ms", "", {"kivmenua": float(time)}, digits=2)
+        figures.append(figure.require("limit", _MODES_LIMIT) if count == "600" else figure)
+    return figures

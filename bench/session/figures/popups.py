@@ -1,0 +1,42 @@
+"""How long a pop-up takes to come up."""
+
+import contextlib
+import statistics
+import time
+
+from bench.session import programs
+from bench.session.desktop import Desktop
+from bench.session.figure import Figure
+from bench.session.programs import Kind
+from bench.session.use import Hints
+
+SHOWN = 31  # The first counts by itself.
+
+
+def measure(place):
+    everyone = [program for program in programs.all_programs(place)
+                if program.name == programs.OURS or program.kind is Kind.DAEMON]
+    times = {program.name: [] for program in everyone}
+    with contextlib.ExitStack() as stack:
+        hints = {}
+        for program in everyone:
+            desktop = stack.enter_context(Desktop(place))
+            running = programs.start(desktop, program)
+            time.sleep(1)
+            agent = running.process.pid if program.name == programs.OURS else None
+            hints[program.name] = Hints(place, desktop, agent)
+        for number in range(SHOWN):
+            for name, sender in hints.items():
+                times[name].append(sender.show_and_close(f"This is hint {number} of {SHOWN}") * 1000)
+                time.sleep(0.05)
+
+    first = Figure("Hint to pop-up, the first time", "ms", "From just before the hint is sent, over the event link or "
+                   "by the daemons' own call, until the server maps the pop-up's window.",
+                   {name: values[0] for name, values in times.items()}, digits=1)
+    later = Figure("Hint to pop-up, later", "ms", f"The {SHOWN - 1} after the first, in turns, each closed by a click; "
+                   "the median.", {name: statistics.median(values[1:]) for name, values in times.items()}, digits=1)
+    later.require("3 ms", 3)
+    for program in everyone:
+        if program.kind is Kind.DAEMON:
+            later.require_times(1.5, program.name)
+    return [first.require("20 ms", 20), later]

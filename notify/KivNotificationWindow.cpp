@@ -19,6 +19,7 @@
 #include <QScreen>
 #include <QUrl>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <utility>
@@ -31,6 +32,7 @@ using namespace std::chrono_literals;
 constexpr auto fadeDuration = 500ms;
 constexpr int fadeFrames = 15; ///< 30 a second.
 constexpr std::int32_t defaultTimeout = 15;
+constexpr std::int32_t longestTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
 constexpr auto linkCloseDelay = 1s;
 
 constexpr NSSize smallestScreen = {640, 480};
@@ -193,8 +195,8 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
         QAccessible::updateAccessibility(&alert);
     }
 
-    const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : theTimeout);
-    if (timeout > 0s) {
+    if (theTimeout >= 0) {
+        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, longestTimeout));
         m_timer = new QTimer(this);
         m_timer->setSingleShot(true);
         m_timer->setTimerType(Qt::PreciseTimer); // It may be late, never early.

@@ -13,13 +13,14 @@ public:
     explicit KivTextView(QWidget *parent);
 
     /// Shows the text at `width` points: as HTML when it begins with "<", else plain with links to the addresses in it.
-    /// HTML that would take too long is shown plain, and a text that would take too long to its half.
+    /// HTML beyond the limits of notify/MarkupLimits.h is shown plain; of a plain text no more than 8,000 characters
+    /// are shown, and no more than 200 links are made.
     void setMessage(const QString &text, int width);
 
     /// The height of all the text at that width, in points.
     [[nodiscard]] float textHeight() const;
 
-    /// Nothing: a text of HTML may ask for any file or address.
+    /// An empty image or style sheet, whatever is asked for.
     [[nodiscard]] QVariant loadResource(int type, const QUrl &name) override;
 
 protected:

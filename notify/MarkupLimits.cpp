@@ -8,7 +8,7 @@
 namespace
 {
 
-constexpr qsizetype mostBytes = 64 * 1024;
+constexpr qsizetype mostBytes = 65'536;
 constexpr int mostElements = 500;
 constexpr qsizetype greatestDepth = 100;
 constexpr qsizetype greatestTableDepth = 4;
@@ -17,8 +17,8 @@ constexpr int mostFonts = 20;
 constexpr qsizetype mostStyle = 4096;
 constexpr int mostMatching = 5000; ///< Rules of style sheets times elements: each is held against each.
 constexpr qsizetype longestWord = 250;
-constexpr qsizetype mostTextInTables = 8 * 1024; ///< It is laid out several times.
-constexpr int lineInTable = 16;                  ///< What a line break counts in that, or an entity that may be one.
+constexpr qsizetype mostTextInTables = 8'192; ///< It is laid out several times.
+constexpr int lineInTable = 16;               ///< What a line break counts in that, or an entity that may be one.
 constexpr int mostLines = 4000;
 constexpr int mostImages = 50;
 /// With style sheets: a rule for elements within others within others is tried with all that they lie in.

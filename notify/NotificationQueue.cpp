@@ -32,10 +32,11 @@ void NotificationQueue::add(std::shared_ptr<KivNotification> record)
 
 void NotificationQueue::remove(const KivNotification &record)
 {
-    // It may be the queue that keeps the record alive.
-    const auto removed = std::ranges::stable_partition(
-        m_records, [isEqual = equals(record)](const auto &queued) { return !isEqual(queued); });
-    m_records.erase(removed.begin(), removed.end());
+    // In two steps, for it may be the queue that keeps the record alive.
+    const auto removed =
+        std::stable_partition(m_records.begin(), m_records.end(),
+                              [isEqual = equals(record)](const auto &queued) { return !isEqual(queued); });
+    m_records.erase(removed, m_records.end());
 }
 
 bool NotificationQueue::contains(const KivNotification &record) const

@@ -676,14 +676,15 @@ TEST_F(KivNotificationManagerTest, TakesTheQueueOverARestart)
 {
     start().enqueueNotification(record("1"));
     manager->enqueueNotification(record("2", 2));
+    manager->enqueueNotification(record("3", 0));
     window()->remindMeLaterPressed();
     const ino_t before = inode();
     start();
-    EXPECT_EQ(queued(), (Ids{"2", "1"}));
+    EXPECT_EQ(queued(), (Ids{"2", "1", "3"}));
     EXPECT_EQ(manager->notifications().records().at(1)->lastShowDate(), noon);
     EXPECT_FALSE(manager->notifications().records().at(1)->wasDisplayed());
     EXPECT_EQ(shown(), "none");
-    EXPECT_EQ(properties->lastMesID(), QStringLiteral("2"));
+    EXPECT_EQ(properties->lastMesID(), QStringLiteral("3"));
     EXPECT_EQ(inode(), before) << "a file that holds the queue already was written";
 }
 

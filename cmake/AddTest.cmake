@@ -19,6 +19,7 @@ function(kiv_add_test name)
   endif()
   add_executable(${name} ${T_SOURCES})
   target_link_libraries(${name} PRIVATE kiv_options kiv_test_support ${T_LIBS} ${main})
+  target_precompile_headers(${name} REUSE_FROM kiv_test_main)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES

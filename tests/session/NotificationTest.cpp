@@ -28,6 +28,7 @@ struct Message {
     const char *priority = "medium";
     int repeat = 1;
     QByteArray text = "A plain notice.";
+    const char *minVersion = "any";
 };
 
 QByteArray element(const char *name, const QByteArray &text)
@@ -43,6 +44,7 @@ QByteArray document(const QList<Message> &messages)
                                                  element("messagePriority", message.priority) +
                                                  element("messageRepeat", QByteArray::number(message.repeat)) +
                                                  element("minDate", "any") + element("maxDate", "any") +
+                                                 element("minVersion", message.minVersion) +
                                                  element("contentData", message.text.toBase64()));
     }
     return element("supportMessages", content);
@@ -213,6 +215,23 @@ TEST_F(Notification, FromTheFeedAppearsInTheCornerWithoutAWindowManagersHelp)
     EXPECT_TRUE(window->overrideRedirect);
     EXPECT_EQ(feed.requests().size(), 1);
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
+}
+
+TEST_F(Notification, IsKeptWhenTheNextOneCannotBeJudged)
+{
+    // A version without a second component raises; what came before is in the queue, and the agent goes on.
+    ASSERT_TRUE(start({{{.id = "1"}, {.id = "2", .minVersion = "3"}}, {{.id = "3"}}}));
+    const std::optional<XWindow> window = popUp();
+    ASSERT_TRUE(window);
+    EXPECT_TRUE(waitUntil([this] { return agent->standardError().contains("no second component"); }));
+    click(*window, DoNotRemindMeLater);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    EXPECT_TRUE(cacheBecomes({}));
+
+    clock.advance(24h);
+    ASSERT_TRUE(popUp());
+    EXPECT_TRUE(cacheBecomes({"3x1"}));
+    EXPECT_EQ(feed.requests().size(), 2);
 }
 
 TEST_F(Notification, LeavesQueueAndFileAsItsButtonSays)

@@ -14,8 +14,9 @@ endif()
 if(KIV_SANITIZE)
   # Recovery is off so that undefined behaviour ends a test as an error.
   target_compile_options(kiv_options INTERFACE
-    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kiv_options INTERFACE -fsanitize=address,undefined)
+  add_compile_options(-O1) # Not for the tests: see there.
 endif()
 
 if(KIV_COVERAGE)

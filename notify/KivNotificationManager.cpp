@@ -75,10 +75,11 @@ void KivNotificationManager::updateNotificationPreferences()
 void KivNotificationManager::startCheckTimer()
 {
     m_showNextTimer = std::make_unique<QTimer>();
-    // The coarser types may be early, which none of these ticks may; and this one costs no wake-up more.
+    // A tick may be late by 1 % of the interval, and never early. The coarser types may be early, and leave that
+    // tolerance behind; this one is within a millisecond, and costs no wake-up more.
     m_showNextTimer->setTimerType(Qt::PreciseTimer);
     m_showNextTimer->callOnTimeout(this, &KivNotificationManager::showNextNotification);
-    m_showNextTimer->start(checkInterval(m_properties.notificationShow()).interval);
+    m_showNextTimer->start(checkInterval(m_properties.notificationShow()));
 }
 
 void KivNotificationManager::forceNotification()

@@ -365,11 +365,12 @@ TEST_F(Notification, ComesAtTheIntervalThatTheUserHasJustSet)
     ASSERT_TRUE(waitUntil([this] { return agent->isLinked(); }));
 
     setPreferences(1, 1, 0); // Every minute.
+    clock.stop();
     announceSettings();
-    clock.advance(58s);
-    EXPECT_TRUE(nothingComesUp());
-    clock.advance(3s);
-    EXPECT_TRUE(popUp());
+    clock.advance(59'900ms);
+    EXPECT_TRUE(nothingComesUp()) << "a tick came early";
+    clock.advance(700ms);
+    EXPECT_TRUE(popUp()) << "a tick is late by more than a hundredth";
 }
 
 TEST_F(Notification, NeverTakesTheKeyboard)

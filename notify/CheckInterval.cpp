@@ -1,28 +1,17 @@
 #include "CheckInterval.h"
 
-namespace
-{
-
-int minutes(std::int32_t notificationShow) noexcept
+std::chrono::minutes checkInterval(std::int32_t notificationShow) noexcept
 {
     switch (notificationShow) {
     case 2:
-        return 5;
+        return std::chrono::minutes(5);
     case 3:
-        return 15;
+        return std::chrono::minutes(15);
     case 4:
-        return 30;
+        return std::chrono::minutes(30);
     case 5:
-        return 60;
+        return std::chrono::minutes(60);
     default:
-        return 1;
+        return std::chrono::minutes(1);
     }
-}
-
-} // namespace
-
-CheckInterval checkInterval(std::int32_t notificationShow) noexcept
-{
-    const std::chrono::minutes interval(minutes(notificationShow));
-    return {interval, std::chrono::milliseconds(interval) / 100};
 }

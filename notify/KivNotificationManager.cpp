@@ -75,10 +75,11 @@ void KivNotificationManager::updateNotificationPreferences()
 void KivNotificationManager::startCheckTimer()
 {
     m_showNextTimer = std::make_unique<QTimer>();
-    // The coarser types may be early, which none of these ticks may; and this one costs no wake-up more.
+    // A tick may be late by 1 % of the interval, and never early. The coarser types may be early, and leave that
+    // tolerance behind; this one is within a millisecond, and costs no wake-up more.
     m_showNextTimer->setTimerType(Qt::PreciseTimer);
     m_showNextTimer->callOnTimeout(this, &KivNotificationManager::showNextNotification);
-    m_showNextTimer->start(checkInterval(m_properties.notificationShow()).interval);
+    m_showNextTimer->start(checkInterval(m_properties.notificationShow()));
 }
 
 void KivNotificationManager::forceNotification()
@@ -128,9 +129,11 @@ NSPoint KivNotificationManager::getWindowPoint()
 
 void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotification> &record)
 {
+    const Delivery delivery(*this);
     // Before the relevance: a message that is not for this installation need not be sent again either.
     if (StringValues::longLongValue(m_properties.lastMesID()) < StringValues::longLongValue(record->messageId())) {
-        m_properties.saveLastMessID(record->messageId());
+        m_properties.setLastMesID(record->messageId());
+        m_isLastMesIDStored = false;
     }
     if (!m_properties.notificationIsRelevant(*record)) {
         return;
@@ -162,10 +165,9 @@ void KivNotificationManager::showNotificationInstantly(const std::shared_ptr<Kiv
 
 void KivNotificationManager::importNotificationsFromFile()
 {
-    // The file would be rewritten for each record accepted, growing from the second one on: an agent that is killed on
-    // the way would leave a part of what it had found, and a long file would take its square to read. So it is written
-    // once, with all of them, and stays whole until then; and if that changes nothing, not even once.
-    m_exporting = Exporting::Later;
+    // The file stays whole until all of it has been read: an agent that is killed on the way loses nothing. And if
+    // nothing has changed then, it is not written at all.
+    const Delivery delivery(*this);
     for (const QVariant &entry : m_cache.read()) {
         if (entry.typeId() != QMetaType::QVariantMap) {
             continue;
@@ -178,15 +180,12 @@ void KivNotificationManager::importNotificationsFromFile()
             continue; // It has a version that cannot be compared.
         }
     }
-    if (std::exchange(m_exporting, Exporting::AtOnce) == Exporting::LaterIsDue) {
-        exportNotificationsToFile();
-    }
 }
 
 void KivNotificationManager::exportNotificationsToFile()
 {
-    if (m_exporting != Exporting::AtOnce) {
-        m_exporting = Exporting::LaterIsDue;
+    m_isExportDue = true;
+    if (m_deliveries > 0) {
         return;
     }
     QVariantList list;
@@ -194,7 +193,35 @@ void KivNotificationManager::exportNotificationsToFile()
     for (const std::shared_ptr<KivNotification> &record : m_notifications.records()) {
         list.append(record->exportToDictionary());
     }
-    m_cache.write(list);
+    if (m_cache.write(list)) {
+        m_isExportDue = false;
+        storeLastMesID();
+    }
+}
+
+void KivNotificationManager::beginDelivery()
+{
+    ++m_deliveries;
+}
+
+void KivNotificationManager::endDelivery() noexcept
+{
+    if (--m_deliveries > 0) {
+        return;
+    }
+    const std::lock_guard hold(m_notificationsLock);
+    if (m_isExportDue) {
+        exportNotificationsToFile();
+    } else {
+        storeLastMesID();
+    }
+}
+
+void KivNotificationManager::storeLastMesID()
+{
+    if (!std::exchange(m_isLastMesIDStored, true)) {
+        m_properties.saveLastMessID(m_properties.lastMesID());
+    }
 }
 
 KivNotificationWindow *KivNotificationManager::notificationWindow() const noexcept

@@ -66,6 +66,10 @@ public:
     /// Accepts a record from feed or cache, if it is meant for this installation: queues it, and shows it when it is
     /// the only one, else saves the queue. Its id counts as received in any case. Throws as the relevance rule does;
     /// the record is not accepted then.
+    ///
+    /// The saving waits for the end of the delivery, of which a record without one is all by itself. First comes the
+    /// queue and then the id, which is not stored before a file holds what was received: an agent that is killed in
+    /// between, or finds no room, is sent the messages again.
     void enqueueNotification(const std::shared_ptr<KivNotification> &record) override;
 
     /// Queues `record`, which is never null, as NotificationQueue::add does.
@@ -77,7 +81,8 @@ public:
     /// Accepts what the cache file holds. An entry that is no record, or that no relevance can be told of, is skipped.
     void importNotificationsFromFile();
 
-    /// Saves the queue to the cache file. When that fails, the file stays as it was until the next time.
+    /// Saves the queue to the cache file, and the last id if that has waited for it; within a delivery, at its end.
+    /// When that fails, the file stays as it was until the next time or the end of the next delivery.
     void exportNotificationsToFile();
 
     /// Closes the pop-up and opens another one for its message where it belongs. (The name is spelt so on purpose.)
@@ -98,13 +103,16 @@ private:
     void windowWillClose(KivNotificationWindow &window) override;
     void windowDidMove(KivNotificationWindow &window) override;
 
-    /// Whether the file is written at every export, or once at the end for all of them.
-    enum class Exporting { AtOnce, Later, LaterIsDue };
+    void beginDelivery() override;
+    void endDelivery() noexcept override;
+    void storeLastMesID();
 
     KivNotificationProperties &m_properties;
     std::function<QDateTime()> m_clock;
     NotificationCache m_cache;
-    Exporting m_exporting = Exporting::AtOnce;
+    int m_deliveries = 0;            ///< How many are under way, one within the other.
+    bool m_isExportDue = false;      ///< Asked for in a delivery, or failed.
+    bool m_isLastMesIDStored = true; ///< Otherwise it is only remembered.
     /// The pop-up destroys itself some time after it has closed.
     QPointer<KivNotificationWindow> m_notificationWindow;
     NotificationQueue m_notifications;

@@ -39,6 +39,9 @@ public:
     /// The settings of a user who has never chosen any; the last message id stays.
     void loadDefaultProperties();
 
+    /// Remembers the id; without saveLastMessID, only until the settings are loaded again.
+    void setLastMesID(const QString &lastMesID) { m_lastMesID = lastMesID; }
+
     /// Remembers the id, and stores it when there is a preferences file. A file that cannot be read or written is
     /// reported to the system log.
     void saveLastMessID(const QString &messageId);

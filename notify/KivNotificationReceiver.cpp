@@ -73,6 +73,7 @@ KivNotificationReceiver::KivNotificationReceiver(const KivNotificationProperties
                                                  NotificationSink &sink, FeedTiming timing)
     : m_properties(properties)
     , m_bundle(bundle)
+    , m_sink(sink)
     , m_timing(timing)
     , m_parser([&sink](const std::shared_ptr<KivNotification> &record) { sink.enqueueNotification(record); })
 {
@@ -119,6 +120,7 @@ void KivNotificationReceiver::receiveNextNotification()
 
 void KivNotificationReceiver::parseNotificationData()
 {
+    const NotificationSink::Delivery delivery(m_sink);
     if (m_parser.parse(m_data) == FeedParser::Outcome::EndOfDocument) {
         m_data.clear();
     }

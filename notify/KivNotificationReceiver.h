@@ -50,8 +50,9 @@ public:
     /// Sends one request; none when the address is no http or https URL. One that is still in flight goes on.
     void receiveNextNotification();
 
-    /// Parses the bytes received and, at the end of a document, forgets them. After a malformed one they stay, and the
-    /// next answer is appended to them. Throws what FeedParser::parse and the sink throw; the bytes then stay, too.
+    /// Parses the bytes received, in one delivery to the sink, and, at the end of a document, forgets them. After a
+    /// malformed one they stay, and the next answer is appended to them. Throws what FeedParser::parse and the sink
+    /// throw; the bytes then stay, too.
     ///
     /// Called when an answer is complete; what it throws then leaves the event loop's callback.
     void parseNotificationData();
@@ -73,6 +74,7 @@ private:
 
     const KivNotificationProperties &m_properties;
     const Bundle &m_bundle;
+    NotificationSink &m_sink;
     FeedTiming m_timing;
     std::unique_ptr<QTimer> m_timer;
     QNetworkReply *m_connection = nullptr; ///< Owned by m_network.

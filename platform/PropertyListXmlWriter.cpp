@@ -4,6 +4,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
 
 namespace PropertyListXmlWriter
@@ -18,8 +19,18 @@ constexpr QByteArrayView head =
     "<plist version=\"1.0\">\n";
 constexpr QByteArrayView foot = "</plist>\n";
 
+/// Whether XML takes the character as it is, whatever stands beside it.
+bool isPlain(QChar c)
+{
+    return c == u'\t' || c == u'\n' ||
+           (c >= u' ' && c < QChar(0xFFFE) && !c.isSurrogate() && c != u'&' && c != u'<' && c != u'>');
+}
+
 QByteArray escaped(QStringView text)
 {
+    if (std::ranges::all_of(text, isPlain)) {
+        return text.toUtf8(); // As nearly all texts are.
+    }
     QString out;
     out.reserve(text.size());
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -35,7 +46,7 @@ QByteArray escaped(QStringView text)
             out += u"&gt;";
         } else if (c == u'\r') {
             out += u"&#13;"; // Written as it is, it would be read as a line feed.
-        } else if (c == u'\t' || c == u'\n' || (c >= u' ' && c < QChar(0xFFFE) && !c.isSurrogate())) {
+        } else if (isPlain(c)) {
             out += c;
         }
     }
@@ -193,12 +204,16 @@ void Writer::writeData(const QByteArray &data, int level)
 
 void Writer::writeElement(QByteArrayView tag, const QByteArray &content, int level)
 {
-    writeLine("<" + tag.toByteArray() + ">" + content + "</" + tag.toByteArray() + ">", level);
+    m_out.append(level, '\t');
+    for (const QByteArrayView part : {QByteArrayView("<"), tag, QByteArrayView(">"), QByteArrayView(content),
+                                      QByteArrayView("</"), tag, QByteArrayView(">\n")}) {
+        m_out += part;
+    }
 }
 
 void Writer::writeLine(QByteArrayView line, int level)
 {
-    m_out += QByteArray(level, '\t');
+    m_out.append(level, '\t');
     m_out += line;
     m_out += '\n';
 }

@@ -10,6 +10,7 @@
 #include "platform/linux/XConnection.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileChanges.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QApplication>
@@ -121,10 +122,8 @@ protected:
              {"News", "Notices", "Updates", "Warnings", "LowPriority", "MediumPriority", "HighPriority"}) {
             preferences.insert(QStringLiteral("KivNotificationShow") + QLatin1String(what), true);
         }
-        const QString folder = home.filePath(QStringLiteral("Library/Preferences"));
-        ASSERT_TRUE(QDir().mkpath(folder));
-        ASSERT_TRUE(PropertyList::writeFile(folder + QStringLiteral("/com.tamborel.kivmenua.plist"), preferences,
-                                            PropertyList::Writing::InPlace));
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(preferencesFile()).path()));
+        ASSERT_TRUE(PropertyList::writeFile(preferencesFile(), preferences, PropertyList::Writing::InPlace));
     }
 
     [[nodiscard]] QString cacheFile() const { return NotificationCache(home.path()).path(); }
@@ -137,6 +136,16 @@ protected:
             ids.push_back(entry.toMap().value(QStringLiteral("messageId")).toString().toStdString());
         }
         return ids;
+    }
+    [[nodiscard]] QString preferencesFile() const
+    {
+        return home.filePath(QStringLiteral("Library/Preferences/com.tamborel.kivmenua.plist"));
+    }
+    /// The last message id that the next start will find.
+    [[nodiscard]] std::string storedId() const
+    {
+        const QVariantMap preferences = PropertyList::readFile(preferencesFile()).toMap();
+        return preferences.value(QStringLiteral("KivNotificationLastMessId")).toString().toStdString();
     }
     [[nodiscard]] ino_t inode() const
     {
@@ -285,6 +294,132 @@ TEST_F(KivNotificationManagerTest, PassesOnWhatTheRelevanceThrowsAndGoesOn)
     EXPECT_EQ(queued(), Ids{});
     manager->enqueueNotification(record("2"));
     EXPECT_EQ(shown(), "2");
+}
+
+// Deliveries.
+
+TEST_F(KivNotificationManagerTest, SavesADeliveryOnceAtItsEndAndThenItsLastId)
+{
+    constexpr int messages = 1000;
+    setPreferences(0, 0);
+    start();
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(cacheFile()).path()));
+    FileChanges changes({cacheFile(), preferencesFile()});
+    Ids sent;
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        for (int id = 1; id <= messages; ++id) {
+            sent.push_back(std::to_string(id));
+            manager->enqueueNotification(record(sent.back().c_str()));
+            ASSERT_EQ(properties->lastMesID().toStdString(), sent.back()) << "what follows is compared with it";
+        }
+        EXPECT_EQ(shown(), "1") << "the first is shown at once";
+        EXPECT_EQ(changes.takeNames(), QByteArrayList());
+    }
+    EXPECT_EQ(changes.takeNames(), (QByteArrayList{"notifications.plist", "com.tamborel.kivmenua.plist"}));
+    EXPECT_EQ(idsInFile(), sent);
+    EXPECT_EQ(storedId(), "1000");
+}
+
+TEST_F(KivNotificationManagerTest, TakesADeliveryWithinAnotherAsAPartOfIt)
+{
+    setPreferences(0, 0);
+    start();
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        {
+            const NotificationSink::Delivery part(*manager);
+            manager->enqueueNotification(record("1"));
+            manager->enqueueNotification(record("2"));
+        }
+        EXPECT_FALSE(hasFile());
+        EXPECT_EQ(storedId(), "0");
+    }
+    EXPECT_EQ(idsInFile(), (Ids{"1", "2"}));
+    EXPECT_EQ(storedId(), "2");
+}
+
+TEST_F(KivNotificationManagerTest, DoesNotSaveADeliveryOfTheFirstRecordAlone)
+{
+    setPreferences(0, 0);
+    start();
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        manager->enqueueNotification(record("1"));
+    }
+    EXPECT_EQ(shown(), "1");
+    EXPECT_FALSE(hasFile());
+    EXPECT_EQ(storedId(), "1");
+}
+
+TEST_F(KivNotificationManagerTest, SavesWhatADeliveryHadBroughtWhenAnExceptionEndedIt)
+{
+    setPreferences(0, 0);
+    start();
+    const auto deliver = [this] {
+        const NotificationSink::Delivery delivery(*manager);
+        manager->enqueueNotification(record("1"));
+        manager->enqueueNotification(record("2"));
+        throw std::runtime_error("no document");
+    };
+    EXPECT_THROW(deliver(), std::runtime_error);
+    EXPECT_EQ(idsInFile(), (Ids{"1", "2"}));
+    EXPECT_EQ(storedId(), "2");
+    manager->enqueueNotification(record("3"));
+    EXPECT_EQ(idsInFile(), (Ids{"1", "2", "3"})) << "the delivery has no end";
+}
+
+TEST_F(KivNotificationManagerTest, StoresNoIdOfMessagesThatItCouldNotSave)
+{
+    setPreferences(0, 0);
+    start();
+    const QString inTheWay = home.filePath(QStringLiteral("Library/Caches"));
+    ASSERT_TRUE(QFile(inTheWay).open(QIODevice::WriteOnly));
+    const auto deliver = [this](const std::vector<const char *> &ids) {
+        const NotificationSink::Delivery delivery(*manager);
+        for (const char *id : ids) {
+            manager->enqueueNotification(record(id));
+        }
+    };
+    deliver({"1", "2"});
+    EXPECT_EQ(properties->lastMesID(), QStringLiteral("2"));
+    EXPECT_EQ(storedId(), "0") << "killed now, the agent would never see them again";
+    const Record forOthers = record("3");
+    forOthers->setProductCode(0);
+    manager->enqueueNotification(forOthers);
+    EXPECT_EQ(storedId(), "0");
+
+    ASSERT_TRUE(QFile::remove(inTheWay));
+    window()->onCloseButton();
+    EXPECT_EQ(idsInFile(), Ids{"2"});
+    EXPECT_EQ(storedId(), "3");
+}
+
+TEST_F(KivNotificationManagerTest, SavesTheQueueAtTheNextDeliveryWhenItCouldNotBefore)
+{
+    setPreferences(0, 0);
+    start();
+    const QString inTheWay = home.filePath(QStringLiteral("Library/Caches"));
+    ASSERT_TRUE(QFile(inTheWay).open(QIODevice::WriteOnly));
+    manager->enqueueNotification(record("1"));
+    manager->enqueueNotification(record("2"));
+    ASSERT_TRUE(QFile::remove(inTheWay));
+    {
+        const NotificationSink::Delivery ofNothing(*manager);
+    }
+    EXPECT_EQ(idsInFile(), (Ids{"1", "2"}));
+    EXPECT_EQ(storedId(), "2");
+}
+
+TEST_F(KivNotificationManagerTest, StoresTheHighestIdOfTheFileOnceItHasReadIt)
+{
+    setPreferences(0, 0);
+    putIntoFile({record("4", 0)->exportToDictionary(), record("5")->exportToDictionary()});
+    FileChanges changes({cacheFile(), preferencesFile()});
+    start();
+    EXPECT_EQ(changes.takeNames(), (QByteArrayList{"notifications.plist", "com.tamborel.kivmenua.plist"}));
+    EXPECT_EQ(idsInFile(), (Ids{"5", "4"}));
+    EXPECT_EQ(storedId(), "5");
 }
 
 // The check timer.

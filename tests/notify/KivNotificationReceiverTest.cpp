@@ -55,10 +55,17 @@ class Sink final : public NotificationSink
 public:
     void enqueueNotification(const std::shared_ptr<KivNotification> &record) override
     {
+        EXPECT_EQ(deliveries, ends + 1) << "outside a delivery";
         ids.push_back(record->messageId().toStdString());
     }
 
     Ids ids;
+    int deliveries = 0;
+    int ends = 0;
+
+private:
+    void beginDelivery() override { ++deliveries; }
+    void endDelivery() noexcept override { ++ends; }
 };
 
 QByteArray feedWith(const QByteArray &id)
@@ -188,6 +195,8 @@ TEST_F(KivNotificationReceiverTest, HandsTheRecordsOverInTheirOrder)
                       "<supportMessage><messageId>1</messageId></supportMessage></supportMessages>")});
     receive();
     EXPECT_EQ(sink.ids, (Ids{"2", "1"}));
+    EXPECT_EQ(sink.deliveries, 1) << "in one delivery";
+    EXPECT_EQ(sink.ends, 1);
     EXPECT_EQ(receiver->connection(), nullptr);
     EXPECT_EQ(receiver->notification(), nullptr);
 }
@@ -475,6 +484,7 @@ TEST_F(KivNotificationReceiverTest, KeepsTheBytesWhenAnExceptionLeavesTheParse)
     for (int request = 1; request <= 2; ++request) {
         receive();
         EXPECT_EQ(CatchingApplication::caught, request);
+        EXPECT_EQ(sink.ends, request) << "the delivery has no end";
         EXPECT_EQ(receiver->connection(), nullptr);
     }
     EXPECT_EQ(sink.ids, (Ids{"1", "1"})); // The first document's, twice.

@@ -1,4 +1,5 @@
-// What the crash test kills: a manager to which records come and whose pop-ups close, as fast as it can, for ever.
+// What the crash test kills: a manager to which records come, some of them together, and whose pop-ups close, as fast
+// as it can, for ever.
 //
 //     crash_subject HOME SEED
 //
@@ -90,16 +91,22 @@ int main(int argc, char **argv)
             say(state + '\n');
             isDismissed ? popUp->onDontRemindMeButton() : popUp->onCloseButton();
         } else if (!isFull) {
-            const auto record = newRecord(++id, random);
-            // Where it goes is the queue's own business: ask a copy of it.
+            std::vector<std::shared_ptr<KivNotification>> records;
+            // Where they go is the queue's own business: ask a copy of it.
             NotificationQueue next = manager.notifications();
-            next.add(record);
+            for (std::uint32_t count = 1 + random() % 3; count > 0; --count) {
+                records.push_back(newRecord(++id, random));
+                next.add(records.back());
+            }
             std::string state;
             for (const auto &queued : next.records()) {
                 state += queued->messageId().toStdString() + 'x' + std::to_string(queued->messageRepeat()) + ' ';
             }
             say(state + '\n');
-            manager.enqueueNotification(record);
+            const NotificationSink::Delivery delivery(manager);
+            for (const auto &record : records) {
+                manager.enqueueNotification(record);
+            }
         } else {
             manager.forceNotification();
         }

@@ -7,9 +7,8 @@
 AgentClock::AgentClock()
 {
     QFile file(path());
-    const qint64 none = 0;
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly) &&
-                file.write(reinterpret_cast<const char *>(&none), sizeof none) == sizeof none);
+    const QByteArray none(2 * sizeof(qint64), '\0');
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(none) == none.size());
 }
 
 QString AgentClock::path() const
@@ -23,17 +22,22 @@ void AgentClock::addTo(QProcessEnvironment &environment) const
     environment.insert(QStringLiteral("KIV_CLOCK_FILE"), path());
 }
 
-void AgentClock::advance(std::chrono::seconds time)
+void AgentClock::advance(std::chrono::milliseconds time)
 {
     m_shift += time;
-    const qint64 shift = m_shift.count();
-    QFile file(path());
-    EXPECT_TRUE(file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) &&
-                file.write(reinterpret_cast<const char *>(&shift), sizeof shift) == sizeof shift);
+    set(0, m_shift.count());
 }
 
-QDateTime AgentClock::now() const
+void AgentClock::stop()
 {
-    return QDateTime::currentDateTimeUtc().addMSecs(
-        std::chrono::duration_cast<std::chrono::milliseconds>(m_shift).count());
+    // That of the C++ library is CLOCK_MONOTONIC.
+    set(1, std::chrono::nanoseconds(std::chrono::steady_clock::now().time_since_epoch()).count());
+}
+
+void AgentClock::set(qsizetype index, qint64 nanoseconds)
+{
+    QFile file(path());
+    EXPECT_TRUE(file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) &&
+                file.seek(index * static_cast<qsizetype>(sizeof nanoseconds)) &&
+                file.write(reinterpret_cast<const char *>(&nanoseconds), sizeof nanoseconds) == sizeof nanoseconds);
 }

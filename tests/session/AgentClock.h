@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QDateTime>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
@@ -15,11 +14,13 @@ public:
     /// Makes it the clock of whoever is started with this environment.
     void addTo(QProcessEnvironment &environment) const;
     /// Lets that much more time pass. Each timer that is due by then fires, a repeating one once.
-    void advance(std::chrono::seconds time);
-    [[nodiscard]] QDateTime now() const;
+    void advance(std::chrono::milliseconds time);
+    /// From now on no time passes but what advance() says.
+    void stop();
 
 private:
     [[nodiscard]] QString path() const;
+    void set(qsizetype index, qint64 nanoseconds);
 
     QTemporaryDir m_directory;
     std::chrono::nanoseconds m_shift{0};

@@ -4,6 +4,7 @@
 #include "Desktop.h"
 #include "OtherWindow.h"
 #include "Service.h"
+#include "SmallDisk.h"
 #include "platform/PropertyList.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/FeedServer.h"
@@ -59,6 +60,8 @@ class Notification : public testing::Test
 protected:
     enum Button { RemindMeLater, DoNotRemindMeLater };
 
+    static void SetUpTestSuite() { whyNoDisk = SmallDisk::unshareMounts(); }
+
     void SetUp() override
     {
         ASSERT_TRUE(desktop.start());
@@ -89,6 +92,12 @@ protected:
     [[nodiscard]] QString cacheFile() const
     {
         return home() + QStringLiteral("/Library/Caches/com.tamborel.kivune/notifications.plist");
+    }
+    [[nodiscard]] QString cacheFolder() const { return QFileInfo(cacheFile()).path(); }
+    [[nodiscard]] QByteArray cacheContent() const
+    {
+        QFile file(cacheFile());
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
     [[nodiscard]] Entries cache() const
     {
@@ -198,12 +207,16 @@ protected:
         return window.geometry.topLeft() + QPoint(72 + 12, 11 + 20 + 11 + 8);
     }
 
+    static QString whyNoDisk; ///< Empty when there can be a small one.
+
     Desktop desktop;
     FeedServer feed;
     AgentClock clock;
     Browser browser;
     std::optional<Agent> agent; ///< Once the desktop is there.
 };
+
+QString Notification::whyNoDisk;
 
 TEST_F(Notification, FromTheFeedAppearsInTheCornerWithoutAWindowManagersHelp)
 {
@@ -290,11 +303,14 @@ TEST_F(Notification, OpensALinkWithTheDefaultHandlerAndGoesASecondLater)
                         {.id = "2", .repeat = 1}}}));
     const std::optional<XWindow> window = popUp();
     ASSERT_TRUE(window);
+    clock.stop();
     desktop.input().click(firstWord(*window));
     ASSERT_TRUE(waitUntil([this] { return !browser.opened().isEmpty(); })) << "nothing was opened";
     EXPECT_EQ(browser.opened(), QByteArrayList{"http://127.0.0.1/news"});
-    EXPECT_TRUE(agent->hasMenu()) << "the pop-up went at once";
-    EXPECT_TRUE(agent->waitUntilClosed());
+    clock.advance(990ms);
+    EXPECT_FALSE(waitUntil([this] { return !agent->hasMenu(); }, 400ms)) << "the pop-up went too soon";
+    clock.advance(20ms);
+    EXPECT_TRUE(agent->waitUntilClosed()) << "the pop-up stays longer";
     EXPECT_EQ(cache(), Entries{"2x1"});
     EXPECT_EQ(browser.opened().size(), 1);
 }
@@ -363,11 +379,12 @@ TEST_F(Notification, ComesAtTheIntervalThatTheUserHasJustSet)
     ASSERT_TRUE(waitUntil([this] { return agent->isLinked(); }));
 
     setPreferences(1, 1, 0); // Every minute.
+    clock.stop();
     announceSettings();
-    clock.advance(58s);
-    EXPECT_TRUE(nothingComesUp());
-    clock.advance(3s);
-    EXPECT_TRUE(popUp());
+    clock.advance(59'900ms);
+    EXPECT_TRUE(nothingComesUp()) << "a tick came early";
+    clock.advance(700ms);
+    EXPECT_TRUE(popUp()) << "a tick is late by more than a hundredth";
 }
 
 TEST_F(Notification, NeverTakesTheKeyboard)
@@ -411,6 +428,70 @@ TEST_F(Notification, IsNotShownAgainAfterAKillWhenTheUserWantedNoReminder)
         clock.advance(1h);
         EXPECT_TRUE(nothingComesUp());
     }
+}
+
+TEST_F(Notification, GoesOnWithoutADiskToBeSavedOnAndIsSavedWhenThereIsRoom)
+{
+    if (!whyNoDisk.isEmpty()) {
+        GTEST_SKIP() << "no disk of its own: " << whyNoDisk.toStdString();
+    }
+    const SmallDisk disk(cacheFolder());
+    const QByteArray longText = QByteArray("Words enough for more than a page of the disk. ").repeated(200);
+    ASSERT_TRUE(start({{{.id = "1"}, {.id = "2"}, {.id = "3"}, {.id = "4", .priority = "low", .text = longText}}}));
+    std::optional<XWindow> window = popUp();
+    ASSERT_TRUE(window);
+    ASSERT_TRUE(cacheBecomes({"1x1", "2x1", "3x1", "4x1"}));
+    const QByteArray before = cacheContent();
+    const auto isUntouched = [&] {
+        return cacheContent() == before &&
+               QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden) ==
+                   QStringList{QStringLiteral("filler"), QStringLiteral("notifications.plist")};
+    };
+
+    disk.fill();
+    click(*window, DoNotRemindMeLater);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    EXPECT_TRUE(isUntouched());
+    clock.advance(15min);
+    window = popUp();
+    ASSERT_TRUE(window);
+
+    disk.setAccess(SmallDisk::Access::ReadOnly);
+    click(*window, DoNotRemindMeLater);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    EXPECT_TRUE(isUntouched());
+    clock.advance(15min);
+    window = popUp();
+    ASSERT_TRUE(window);
+
+    disk.setAccess(SmallDisk::Access::ReadWrite);
+    disk.makeRoom();
+    click(*window, RemindMeLater);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    EXPECT_EQ(cache(), (Entries{"3x1", "4x1"})) << "what was done meanwhile counts";
+    EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
+}
+
+TEST_F(Notification, IsSentAgainWhenTheAgentDiedBeforeThereWasRoomForIt)
+{
+    if (!whyNoDisk.isEmpty()) {
+        GTEST_SKIP() << "no disk of its own: " << whyNoDisk.toStdString();
+    }
+    setPreferences(1, 1, 0);
+    const SmallDisk disk(cacheFolder());
+    disk.fill();
+    const QByteArray longText = QByteArray("Words enough for more than a page of the disk. ").repeated(200);
+    const QList<Message> messages = {{.id = "1"}, {.id = "2", .text = longText}};
+    ASSERT_TRUE(start({messages, messages}));
+    ASSERT_TRUE(popUp());
+    agent->process().kill();
+    EXPECT_TRUE(cacheContent().isEmpty());
+
+    disk.makeRoom();
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_TRUE(popUp());
+    EXPECT_TRUE(feed.requests().last().value(QLatin1String("line")).toString().contains(QLatin1String("&lastId=0&")));
+    EXPECT_TRUE(cacheBecomes({"1x1", "2x1"}));
 }
 
 TEST_F(Notification, OfTheServiceComesBeforeAllOthersAndOneAfterTheOther)

@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 // Loaded into the agent ahead of the C library, so that a test can let hours pass for it at once: the time of day and
-// the clock of its timers are ahead by the nanoseconds in the file KIV_CLOCK_FILE, which the test may change at any
-// moment. A wait with a limit looks up often enough to notice.
+// the clock of its timers are what the file KIV_CLOCK_FILE makes of them, which the test may change at any moment. A
+// wait with a limit looks up often enough to notice.
 
 namespace
 {
@@ -19,23 +19,29 @@ namespace
 constexpr std::int64_t second = 1'000'000'000;
 constexpr std::int64_t lookUpEvery = second / 100;
 
-volatile const std::int64_t *shift = nullptr;
+/// The file. Both in nanoseconds.
+struct Clock {
+    std::int64_t shift;     ///< How far ahead the clocks are.
+    std::int64_t stoppedAt; ///< When they stopped, on the clock of the timers; 0 while they run.
+};
+
+volatile const Clock *clockOfTheTest = nullptr;
 
 __attribute__((constructor)) void openClockFile()
 {
     const char *path = std::getenv("KIV_CLOCK_FILE");
     const int file = path ? ::open(path, O_RDONLY | O_CLOEXEC) : -1;
     if (file >= 0) {
-        void *memory = ::mmap(nullptr, sizeof *shift, PROT_READ, MAP_SHARED, file, 0);
-        shift = memory == MAP_FAILED ? nullptr : static_cast<volatile const std::int64_t *>(memory);
+        void *memory = ::mmap(nullptr, sizeof(Clock), PROT_READ, MAP_SHARED, file, 0);
+        clockOfTheTest = memory == MAP_FAILED ? nullptr : static_cast<volatile const Clock *>(memory);
         ::close(file);
     }
 }
 
 bool isShifted(clockid_t clock)
 {
-    return shift && (clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE || clock == CLOCK_MONOTONIC ||
-                     clock == CLOCK_MONOTONIC_COARSE || clock == CLOCK_BOOTTIME);
+    return clockOfTheTest && (clock == CLOCK_REALTIME || clock == CLOCK_REALTIME_COARSE || clock == CLOCK_MONOTONIC ||
+                              clock == CLOCK_MONOTONIC_COARSE || clock == CLOCK_BOOTTIME);
 }
 
 timespec toTimespec(std::int64_t nanoseconds)
@@ -48,11 +54,22 @@ std::int64_t toNanoseconds(const timespec &time)
     return static_cast<std::int64_t>(time.tv_sec) * second + time.tv_nsec;
 }
 
-std::int64_t now(clockid_t clock)
+std::int64_t realTime(clockid_t clock)
 {
     timespec time{};
     ::syscall(SYS_clock_gettime, clock, &time);
-    return toNanoseconds(time) + (isShifted(clock) ? *shift : 0);
+    return toNanoseconds(time);
+}
+
+std::int64_t shift()
+{
+    const std::int64_t stoppedAt = clockOfTheTest->stoppedAt;
+    return clockOfTheTest->shift - (stoppedAt == 0 ? 0 : realTime(CLOCK_MONOTONIC) - stoppedAt);
+}
+
+std::int64_t now(clockid_t clock)
+{
+    return realTime(clock) + (isShifted(clock) ? shift() : 0);
 }
 
 int wait(pollfd *files, nfds_t count, const timespec *limit, const sigset_t *signals)
@@ -83,7 +100,7 @@ int clock_gettime(clockid_t clock, timespec *time) noexcept
 {
     const auto result = static_cast<int>(::syscall(SYS_clock_gettime, clock, time));
     if (result == 0 && isShifted(clock)) {
-        *time = toTimespec(toNanoseconds(*time) + *shift);
+        *time = toTimespec(toNanoseconds(*time) + shift());
     }
     return result;
 }

@@ -1,5 +1,5 @@
+#include "MessageCache.h"
 #include "Session.h"
-#include "platform/PropertyList.h"
 #include "tests/platform/linux/RawEvent.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ProcessMemory.h"
@@ -7,7 +7,6 @@
 
 #include <QCoreApplication>
 #include <QDBusReply>
-#include <QDir>
 #include <QElapsedTimer>
 
 #include <gtest/gtest.h>
@@ -91,7 +90,6 @@ TEST(Flood, OfEventsFromAStrangerLosesNoneOfTheOwnersAndLeavesTheMenuToTheUser)
 {
     Session session;
     ASSERT_TRUE(session.start());
-    const QString home = session.desktop.environment().value(QStringLiteral("HOME"));
     Agent &agent = *session.agent;
     Service &service = *session.service;
     XInput &input = session.desktop.input();
@@ -156,17 +154,11 @@ TEST(Flood, OfEventsFromAStrangerLosesNoneOfTheOwnersAndLeavesTheMenuToTheUser)
         const QList<XWindow> windows = agent.freeWindows();
         return windows.size() == 1 && windows.first().id != popUp.id;
     }));
-    QStringList hints;
-    for (const QVariant &entry :
-         PropertyList::readFile(home + QStringLiteral("/Library/Caches/com.tamborel.kivune/notifications.plist"))
-             .toList()) {
-        hints.append(entry.toMap().value(QStringLiteral("messageText")).toString());
-    }
-    QStringList sent;
+    std::vector<std::string> hints;
     for (int round = 1; round <= rounds; ++round) {
-        sent.append(QString::number(round));
+        hints.push_back(std::to_string(round));
     }
-    EXPECT_EQ(hints, sent);
+    EXPECT_EQ(MessageCache(session.desktop.environment().value(QStringLiteral("HOME"))).texts(), hints);
 
     std::printf("%d events handled in %.1f s, none of the owner's %d lost; the menu answered after %lld ms at most, a "
                 "command of the owner after %lld ms; peak memory %lld kB more\n",

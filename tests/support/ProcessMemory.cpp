@@ -28,6 +28,5 @@ qint64 ProcessMemory::peakKilobytes(qint64 pid)
 
 qint64 ProcessMemory::privateKilobytes(qint64 pid)
 {
-    const QByteArray text = contentOf(pid, "smaps_rollup");
-    return kilobytes(text, "Private_Clean") + kilobytes(text, "Private_Dirty");
+    return kilobytes(contentOf(pid, "smaps_rollup"), "Private_Dirty");
 }

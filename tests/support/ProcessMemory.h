@@ -8,7 +8,8 @@ namespace ProcessMemory
 
 /// The most that it had in memory at one time so far.
 [[nodiscard]] qint64 peakKilobytes(qint64 pid);
-/// What it shares with no other process, and what would come back if it ended.
+/// What it alone has and has written to. Pages of files are not counted: whether they are private depends on the other
+/// programs that run.
 [[nodiscard]] qint64 privateKilobytes(qint64 pid);
 
 } // namespace ProcessMemory

@@ -20,10 +20,11 @@ OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
     if (error != noErr) {
         return error;
     }
-    if (kivmAEIsForged(event, &sender)) {
+    // The cheap test first: whoever is not the owner may send as many as he likes.
+    if (command != kMenuEvtSetOwner && !kivmAESameProcess(&sender, &__owpsn)) {
         return noErr;
     }
-    if (command != kMenuEvtSetOwner && !kivmAESameProcess(&sender, &__owpsn)) {
+    if (kivmAEIsForged(event, &sender)) {
         return noErr;
     }
     switch (command) {

@@ -9,6 +9,7 @@
 #include "shell/EventHandler.h"
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
+#include "shell/SuddenExit.h"
 #include "shell/TerminationSignals.h"
 
 #include <cstdio>
@@ -55,6 +56,7 @@ int main(int, char **argv)
     startUp();
     {
         const TerminationSignals signalsEndTheLoop;
+        const SuddenExit whenTheServerDies;
         Application::exec();
     }
     tearDown();

@@ -21,11 +21,11 @@ struct Handler {
 /// The handlers of this process, by class and ID, and the way by which events come to them.
 struct Manager {
     Manager()
-        : transport(SessionBus::instance(), [this](const AppleEventContents &event) { return dispatch(event); })
+        : transport(SessionBus::instance(), [this](AppleEventContents event) { return dispatch(std::move(event)); })
     {
     }
 
-    [[nodiscard]] OSErr dispatch(const AppleEventContents &event) const
+    [[nodiscard]] OSErr dispatch(AppleEventContents event) const
     {
         const auto it = handlers.find({event.eventClass(), event.eventID()});
         if (it == handlers.end()) {
@@ -33,7 +33,7 @@ struct Manager {
         }
         // A copy, for the handler may remove itself.
         const Handler handler = it->second;
-        OpaqueAEDataStorage storage{event};
+        OpaqueAEDataStorage storage{std::move(event)};
         const AppleEvent received{typeAppleEvent, &storage};
         AppleEvent reply{typeNull, nullptr};
         const OSErr status = handler.procedure(&received, &reply, handler.refcon);

@@ -200,29 +200,37 @@ bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBus
     if (!isOurs || message.member() != QStringLiteral("Send")) {
         return false;
     }
+    // Asked now, while the sender is likely to be there still.
+    const std::optional<qint64> sender = m_peers.processOf(message.service());
+    m_incoming.carryOut(message.service(), [this, message, connection, sender] { take(message, connection, sender); });
+    return true;
+}
+
+void AppleEventTransport::take(const QDBusMessage &message, const QDBusConnection &connection,
+                               std::optional<qint64> sender)
+{
     std::optional<AppleEventContents> event = eventOf(message);
     if (!event) {
         if (message.isReplyRequired()) {
             connection.send(message.createErrorReply(QDBusError::InvalidArgs,
                                                      QStringLiteral("Not an event: see the interface's description")));
         }
-        return true;
+        return;
     }
-    const OSErr status = receive(std::move(*event), message.service());
+    if (sender) {
+        event->sender = static_cast<SInt32>(*sender);
+    }
+    const OSErr status = receive(std::move(*event));
     if (message.isReplyRequired()) {
         connection.send(message.createReply(int(status)));
     }
-    return true;
 }
 
-OSErr AppleEventTransport::receive(AppleEventContents event, const QString &peer)
+OSErr AppleEventTransport::receive(AppleEventContents event)
 {
-    if (const std::optional<qint64> pid = m_peers.processOf(peer)) {
-        event.sender = static_cast<SInt32>(*pid);
-    }
     // Nothing may be thrown through QtDBus: it would tell the sender that there is no such object.
     try {
-        return m_receiver(event);
+        return m_receiver(std::move(event));
     } catch (const std::exception &failure) {
         qCritical("an event handler failed: %s", failure.what());
     } catch (...) {

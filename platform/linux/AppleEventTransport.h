@@ -2,6 +2,7 @@
 
 #include "platform/linux/AppleEventContents.h"
 #include "platform/linux/PeerProcesses.h"
+#include "platform/linux/WorkInTurns.h"
 
 #include <QDBusVirtualObject>
 
@@ -19,7 +20,7 @@ class AppleEventTransport final : public QDBusVirtualObject
 public:
     /// Handles an event that has come, its sender set, and says how that went. What it throws does not get further: it
     /// is logged, and the event has failed (errAEEventFailed).
-    using Receiver = std::function<OSErr(const AppleEventContents &event)>;
+    using Receiver = std::function<OSErr(AppleEventContents event)>;
 
     /// `bus` must outlive this object.
     AppleEventTransport(SessionBus &bus, Receiver receiver);
@@ -55,11 +56,13 @@ private:
     [[nodiscard]] OSErr findTaker(SInt32 pid);
     [[nodiscard]] OSErr deliver(const QDBusMessage &message);
     [[nodiscard]] OSErr prepare(const AppleEventContents &event, QDBusMessage &message) const;
-    [[nodiscard]] OSErr receive(AppleEventContents event, const QString &peer);
+    void take(const QDBusMessage &message, const QDBusConnection &connection, std::optional<qint64> sender);
+    [[nodiscard]] OSErr receive(AppleEventContents event);
 
     SessionBus &m_bus;
     Receiver m_receiver;
     PeerProcesses m_peers;
+    WorkInTurns m_incoming;
     Reception m_reception = Reception::Off;
     std::optional<Taker> m_taker; ///< The last one that an event was sent to.
 };

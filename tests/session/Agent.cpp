@@ -10,6 +10,8 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <csignal>
+#include <cstdlib>
 
 namespace
 {
@@ -49,6 +51,19 @@ Agent::Agent(Desktop &desktop, Program program)
     , m_desktop(desktop)
     , m_program(program)
 {
+}
+
+Agent::~Agent()
+{
+    if (!m_process.isRunning()) {
+        return;
+    }
+    m_process.terminate();
+    // A sanitizer looks through all of the memory first.
+    EXPECT_TRUE(waitUntil([this] { return !m_process.isRunning(); }, std::chrono::seconds(60))) << "it does not end";
+    // The signal itself ends one that still waits for a panel.
+    const bool isKilled = m_process.process().exitStatus() == QProcess::CrashExit;
+    EXPECT_EQ(m_process.process().exitCode(), isKilled ? SIGTERM : EXIT_SUCCESS) << standardError().constData();
 }
 
 bool Agent::start()

@@ -21,6 +21,11 @@ public:
     };
 
     explicit Agent(Desktop &desktop, Program program = Program::AsBuilt);
+    /// Ends the agent as the end of a session does. A test failure when it does not go, or with another status than 0:
+    /// that is how a sanitizer tells of memory that has leaked.
+    ~Agent();
+    Agent(const Agent &) = delete;
+    Agent &operator=(const Agent &) = delete;
 
     /// What the agent gets as its environment; the desktop's at first.
     QProcessEnvironment environment;

@@ -27,6 +27,13 @@ bool Desktop::start(Server server)
     return m_view->isConnected() && m_input->isConnected();
 }
 
+void Desktop::stopServer()
+{
+    m_server.stop();
+    m_windowManager.kill();
+    m_panel.kill();
+}
+
 bool Desktop::startWindowManager()
 {
     m_windowManager.environment = environment();

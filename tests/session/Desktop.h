@@ -27,6 +27,8 @@ public:
 
     /// Starts the X server and the bus. False, with a test failure, when one does not start.
     bool start(Server server = Server::RemoteDesktop);
+    /// Ends the X server, and with it all that has windows there; start() starts another, with the same home.
+    void stopServer();
     bool startWindowManager();
     /// Ends the window manager; returns once the X server has none.
     bool stopWindowManager();

@@ -1,219 +1,26 @@
-#include "Agent.h"
-#include "AgentClock.h"
-#include "Browser.h"
-#include "Desktop.h"
 #include "OtherWindow.h"
 #include "Service.h"
+#include "SessionWithMessages.h"
 #include "SmallDisk.h"
-#include "platform/PropertyList.h"
-#include "tests/support/BusPeer.h"
-#include "tests/support/FeedServer.h"
-#include "tests/support/WaitUntil.h"
 
 #include <QCoreApplication>
-#include <QDBusMessage>
 #include <QDir>
 
 #include <gtest/gtest.h>
-
-#include <optional>
 
 namespace
 {
 
 using namespace std::chrono_literals;
 
-struct Message {
-    const char *id;
-    const char *type = "notice";
-    const char *priority = "medium";
-    int repeat = 1;
-    QByteArray text = "A plain notice.";
-    const char *minVersion = "any";
-};
+using Entries = MessageCache::Entries;
 
-QByteArray element(const char *name, const QByteArray &text)
-{
-    return QByteArray("<") + name + ">" + text + "</" + name + ">";
-}
-
-QByteArray document(const QList<Message> &messages)
-{
-    QByteArray content;
-    for (const Message &message : messages) {
-        content += element("supportMessage", element("messageId", message.id) + element("messageType", message.type) +
-                                                 element("messagePriority", message.priority) +
-                                                 element("messageRepeat", QByteArray::number(message.repeat)) +
-                                                 element("minDate", "any") + element("maxDate", "any") +
-                                                 element("minVersion", message.minVersion) +
-                                                 element("contentData", message.text.toBase64()));
-    }
-    return element("supportMessages", content);
-}
-
-/// An entry of the cache file, as far as the tests look at it: "3x2" is message 3 with repeat code 2.
-using Entries = std::vector<std::string>;
-
-/// The agent with a feed in a session of its own, and a clock that the test sets.
-class Notification : public testing::Test
+class Notification : public SessionWithMessages
 {
 protected:
-    enum Button { RemindMeLater, DoNotRemindMeLater };
-
     static void SetUpTestSuite() { whyNoDisk = SmallDisk::unshareMounts(); }
 
-    void SetUp() override
-    {
-        ASSERT_TRUE(desktop.start());
-        ASSERT_TRUE(desktop.startWindowManager());
-        ASSERT_TRUE(desktop.startPanel());
-        agent.emplace(desktop);
-    }
-
-    /// Starts the agent with a feed that has these messages at the first request, those at the second, and so on; none
-    /// at all later requests.
-    bool start(const QList<QList<Message>> &feeds)
-    {
-        QList<ScriptedAnswer> answers;
-        for (const QList<Message> &messages : feeds) {
-            answers.append(ScriptedAnswer{.body = document(messages)});
-        }
-        answers.append(ScriptedAnswer{.body = document({})});
-        if (!feed.start(answers)) {
-            return false;
-        }
-        agent->feed = feed.address(QStringLiteral("/messages"));
-        clock.addTo(agent->environment);
-        browser.addTo(agent->environment);
-        return agent->startAndDock();
-    }
-
-    [[nodiscard]] QString home() const { return desktop.environment().value(QStringLiteral("HOME")); }
-    [[nodiscard]] QString cacheFile() const
-    {
-        return home() + QStringLiteral("/Library/Caches/com.tamborel.kivune/notifications.plist");
-    }
-    [[nodiscard]] QString cacheFolder() const { return QFileInfo(cacheFile()).path(); }
-    [[nodiscard]] QByteArray cacheContent() const
-    {
-        QFile file(cacheFile());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    [[nodiscard]] Entries cache() const
-    {
-        Entries entries;
-        for (const QVariant &entry : PropertyList::readFile(cacheFile()).toList()) {
-            const QVariantMap record = entry.toMap();
-            entries.push_back(record.value(QStringLiteral("messageId")).toString().toStdString() + 'x' +
-                              std::to_string(record.value(QStringLiteral("messageRepeat")).toInt()));
-        }
-        return entries;
-    }
-    [[nodiscard]] bool cacheBecomes(const Entries &entries) const
-    {
-        return waitUntil([&] { return cache() == entries; });
-    }
-
-    /// The user's settings, as the settings program writes them, with everything to be shown.
-    void setPreferences(int show, int close, int repeat) const
-    {
-        QVariantMap preferences{{QStringLiteral("KivNotificationShowTimeout"), show},
-                                {QStringLiteral("KivNotificationCloseTimeout"), close},
-                                {QStringLiteral("KivNotificationRepeatTimeout"), repeat}};
-        for (const char *what :
-             {"News", "Notices", "Updates", "Warnings", "LowPriority", "MediumPriority", "HighPriority"}) {
-            preferences.insert(QStringLiteral("KivNotificationShow") + QLatin1String(what), true);
-        }
-        const QString folder = home() + QStringLiteral("/Library/Preferences");
-        const QString file = folder + QStringLiteral("/com.tamborel.kivmenua.plist");
-        const QVariant lastId = PropertyList::readFile(file).toMap().value(QStringLiteral("KivNotificationLastMessId"),
-                                                                           QStringLiteral("0"));
-        preferences.insert(QStringLiteral("KivNotificationLastMessId"), lastId);
-        ASSERT_TRUE(QDir().mkpath(folder));
-        ASSERT_TRUE(PropertyList::writeFile(file, preferences, PropertyList::Writing::InPlace));
-    }
-
-    /// Says that the settings have changed; returns once the agent must have heard it.
-    void announceSettings()
-    {
-        const BusPeer settingsProgram(desktop.bus());
-        ASSERT_TRUE(settingsProgram.connection().send(QDBusMessage::createSignal(
-            QStringLiteral("/"), QStringLiteral("com.tamborel.kivune.DistributedNotifications"),
-            QStringLiteral("KivMunuUpdateSettingsNotification"))));
-        // Messages of one sender to one receiver keep their order. This one, which is no event, is answered by the
-        // thread that has had the signal before.
-        const QDBusMessage nonsense =
-            QDBusMessage::createMethodCall(QStringLiteral("com.tamborel.kivune.p%1").arg(agent->pid()),
-                                           QStringLiteral("/com/tamborel/kivune/AppleEvents"),
-                                           QStringLiteral("com.tamborel.kivune.AppleEvents"), QStringLiteral("Send"));
-        EXPECT_EQ(settingsProgram.connection().call(nonsense).errorName(),
-                  QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"));
-    }
-
-    /// The pop-up, once it is there and drawn.
-    std::optional<XWindow> popUp()
-    {
-        const bool shown = waitUntil([this] {
-            const QList<XWindow> windows = agent->freeWindows();
-            return windows.size() == 1 && agent->isDrawn(windows.first());
-        });
-        EXPECT_TRUE(shown) << "there are " << agent->freeWindows().size() << " windows and not one pop-up";
-        return shown ? std::optional(agent->freeWindows().first()) : std::nullopt;
-    }
-    [[nodiscard]] bool popUpIsAnother(const XWindow &before)
-    {
-        return waitUntil([&] {
-            const QList<XWindow> windows = agent->freeWindows();
-            return windows.size() == 1 && windows.first().id != before.id;
-        });
-    }
-    /// True when nothing is shown, nor comes up soon.
-    [[nodiscard]] bool nothingComesUp()
-    {
-        return agent->waitUntilClosed() && !waitUntil([this] { return agent->hasMenu(); }, 400ms);
-    }
-    /// What is to be seen of a window once nothing of it changes any more.
-    [[nodiscard]] QImage settledPicture(const XWindow &window)
-    {
-        QImage picture;
-        do {
-            picture = desktop.view().grab(window.geometry);
-        } while (waitUntil([&] { return desktop.view().grab(window.geometry) != picture; }, 300ms));
-        return picture;
-    }
-    /// Where a pop-up of this size belongs on a screen of that size.
-    [[nodiscard]] static QRect corner(const XWindow &window, QSize screen)
-    {
-        return {screen.width() - window.geometry.width() - 10, 30, window.geometry.width(), window.geometry.height()};
-    }
-
-    /// A point of the pop-up, counted from its left and lower edges.
-    [[nodiscard]] static QPoint fromBelow(const XWindow &window, int x, int y)
-    {
-        return {window.geometry.left() + x, window.geometry.bottom() + 1 - y};
-    }
-    void click(const XWindow &window, Button button)
-    {
-        const int half = (window.geometry.width() - 33) / 2;
-        desktop.input().click(fromBelow(window, button == RemindMeLater ? 11 + half / 2 : 22 + half * 3 / 2, 26));
-    }
-    void clickClose(const XWindow &window)
-    {
-        desktop.input().click(fromBelow(window, window.geometry.width() / 2, 26));
-    }
-    /// The first word of a pop-up that has a title.
-    [[nodiscard]] static QPoint firstWord(const XWindow &window)
-    {
-        return window.geometry.topLeft() + QPoint(72 + 12, 11 + 20 + 11 + 8);
-    }
-
     static QString whyNoDisk; ///< Empty when there can be a small one.
-
-    Desktop desktop;
-    FeedServer feed;
-    AgentClock clock;
-    Browser browser;
-    std::optional<Agent> agent; ///< Once the desktop is there.
 };
 
 QString Notification::whyNoDisk;
@@ -236,11 +43,11 @@ TEST_F(Notification, IsKeptWhenTheNextOneCannotBeJudged)
     ASSERT_TRUE(start({{{.id = "1"}, {.id = "2"}, {.id = "3", .minVersion = "3"}, {.id = "4"}}}));
     ASSERT_TRUE(popUp());
     EXPECT_TRUE(waitUntil([this] { return agent->standardError().contains("no second component"); }));
-    EXPECT_TRUE(cacheBecomes({"1x1", "2x1"}));
+    EXPECT_TRUE(cacheFile().becomes({"1x1", "2x1"}));
 
     clock.advance(31s);
     ASSERT_TRUE(agent->waitUntilClosed());
-    EXPECT_TRUE(cacheBecomes({"2x1"}));
+    EXPECT_TRUE(cacheFile().becomes({"2x1"}));
     clock.advance(15min);
     EXPECT_TRUE(popUp());
 }
@@ -250,7 +57,7 @@ TEST_F(Notification, LeavesQueueAndFileAsItsButtonSays)
     ASSERT_TRUE(start({{{.id = "1", .repeat = 2}, {.id = "2", .repeat = 3}, {.id = "3", .repeat = 2}}}));
     std::optional<XWindow> window = popUp();
     ASSERT_TRUE(window);
-    EXPECT_TRUE(cacheBecomes({"1x2", "2x3", "3x2"}));
+    EXPECT_TRUE(cacheFile().becomes({"1x2", "2x3", "3x2"}));
 
     click(*window, RemindMeLater);
     ASSERT_TRUE(agent->waitUntilClosed());
@@ -435,16 +242,16 @@ TEST_F(Notification, GoesOnWithoutADiskToBeSavedOnAndIsSavedWhenThereIsRoom)
     if (!whyNoDisk.isEmpty()) {
         GTEST_SKIP() << "no disk of its own: " << whyNoDisk.toStdString();
     }
-    const SmallDisk disk(cacheFolder());
+    const SmallDisk disk(cacheFile().folder());
     const QByteArray longText = QByteArray("Words enough for more than a page of the disk. ").repeated(200);
     ASSERT_TRUE(start({{{.id = "1"}, {.id = "2"}, {.id = "3"}, {.id = "4", .priority = "low", .text = longText}}}));
     std::optional<XWindow> window = popUp();
     ASSERT_TRUE(window);
-    ASSERT_TRUE(cacheBecomes({"1x1", "2x1", "3x1", "4x1"}));
-    const QByteArray before = cacheContent();
+    ASSERT_TRUE(cacheFile().becomes({"1x1", "2x1", "3x1", "4x1"}));
+    const QByteArray before = cacheFile().content();
     const auto isUntouched = [&] {
-        return cacheContent() == before &&
-               QDir(cacheFolder()).entryList(QDir::Files | QDir::Hidden) ==
+        return cacheFile().content() == before &&
+               QDir(cacheFile().folder()).entryList(QDir::Files | QDir::Hidden) ==
                    QStringList{QStringLiteral("filler"), QStringLiteral("notifications.plist")};
     };
 
@@ -478,20 +285,20 @@ TEST_F(Notification, IsSentAgainWhenTheAgentDiedBeforeThereWasRoomForIt)
         GTEST_SKIP() << "no disk of its own: " << whyNoDisk.toStdString();
     }
     setPreferences(1, 1, 0);
-    const SmallDisk disk(cacheFolder());
+    const SmallDisk disk(cacheFile().folder());
     disk.fill();
     const QByteArray longText = QByteArray("Words enough for more than a page of the disk. ").repeated(200);
     const QList<Message> messages = {{.id = "1"}, {.id = "2", .text = longText}};
     ASSERT_TRUE(start({messages, messages}));
     ASSERT_TRUE(popUp());
     agent->process().kill();
-    EXPECT_TRUE(cacheContent().isEmpty());
+    EXPECT_TRUE(cacheFile().content().isEmpty());
 
     disk.makeRoom();
     ASSERT_TRUE(agent->startAndDock());
     ASSERT_TRUE(popUp());
     EXPECT_TRUE(feed.requests().last().value(QLatin1String("line")).toString().contains(QLatin1String("&lastId=0&")));
-    EXPECT_TRUE(cacheBecomes({"1x1", "2x1"}));
+    EXPECT_TRUE(cacheFile().becomes({"1x1", "2x1"}));
 }
 
 TEST_F(Notification, OfTheServiceComesBeforeAllOthersAndOneAfterTheOther)
@@ -511,8 +318,8 @@ TEST_F(Notification, OfTheServiceComesBeforeAllOthersAndOneAfterTheOther)
 
     const auto textsInFile = [this] {
         QStringList texts;
-        for (const QVariant &entry : PropertyList::readFile(cacheFile()).toList()) {
-            texts.append(entry.toMap().value(QStringLiteral("messageText")).toString().left(6));
+        for (const std::string &text : cacheFile().texts()) {
+            texts.append(QString::fromStdString(text).left(6));
         }
         return texts.join(u'|').toStdString();
     };
@@ -579,7 +386,7 @@ TEST_F(Notification, LivesThroughADay)
     clock.advance(18h);
     ASSERT_TRUE(waitUntil([this] { return feed.requests().size() == 2; }));
     EXPECT_TRUE(feed.requests().last().value(QLatin1String("line")).toString().contains(QLatin1String("&lastId=2&")));
-    ASSERT_TRUE(cacheBecomes({"3x3", "1x1"}));
+    ASSERT_TRUE(cacheFile().becomes({"3x3", "1x1"}));
     clock.advance(61s);
     window = popUp();
     ASSERT_TRUE(window);

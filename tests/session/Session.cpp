@@ -26,6 +26,7 @@ bool Session::start(const Setting &setting)
     }
     agent.emplace(desktop, setting.program);
     agent->environment.insert(setting.agentsEnvironment);
+    agent->feed = setting.feed;
     browser.addTo(agent->environment);
     service.emplace(desktop);
     return agent->startAndDock() && service->attach(*agent) &&

@@ -24,6 +24,7 @@ public:
         Desktop::Server server = Desktop::Server::RemoteDesktop;
         Agent::Program program = Agent::Program::AsBuilt;
         QProcessEnvironment agentsEnvironment; ///< Added to what the agent has of the desktop.
+        QString feed;                          ///< The address of the agent's message feed.
     };
 
     /// False, with a test failure, when not all of it starts.

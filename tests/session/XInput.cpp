@@ -35,6 +35,19 @@ void XInput::key(xcb_keysym_t symbol, int times)
     }
 }
 
+bool XInput::isFree() const
+{
+    const auto cookie = xcb_grab_pointer(connection(), true, root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
+                                         XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    const XReply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(connection(), cookie, nullptr));
+    const bool free = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    if (free) {
+        xcb_ungrab_pointer(connection(), XCB_CURRENT_TIME);
+        xcb_flush(connection());
+    }
+    return free;
+}
+
 void XInput::fake(std::uint8_t type, std::uint8_t detail, QPoint position)
 {
     xcb_test_fake_input(connection(), type, detail, XCB_CURRENT_TIME, root(), static_cast<std::int16_t>(position.x()),

@@ -18,6 +18,9 @@ public:
     void click(QPoint at);
     /// Presses and releases the key that bears the symbol (XK_Escape and so on), so many times.
     void key(xcb_keysym_t symbol, int times = 1);
+    /// True when no program holds the pointer, as one does while its menu is open: what is clicked gets the click. A
+    /// menu lets go of it a moment after it has gone from the screen.
+    [[nodiscard]] bool isFree() const;
 
 private:
     void fake(std::uint8_t type, std::uint8_t detail, QPoint position = {});

@@ -1,0 +1,54 @@
+#include "WorkInTurns.h"
+
+#include <utility>
+
+void WorkInTurns::carryOut(const QString &client, Work work)
+{
+    if (!m_share) {
+        startTurn();
+    }
+    if (m_clients.empty() && !m_share->hasExpired()) {
+        work();
+        return;
+    }
+    std::deque<Work> &waiting = m_waiting[client];
+    if (waiting.empty()) {
+        m_clients.push_back(client);
+    }
+    waiting.push_back(std::move(work));
+}
+
+void WorkInTurns::startTurn()
+{
+    m_share.emplace(kShareOfATurn, Qt::PreciseTimer);
+    // What is posted now comes after whatever else the loop has to do.
+    QMetaObject::invokeMethod(this, &WorkInTurns::nextTurn, Qt::QueuedConnection);
+}
+
+void WorkInTurns::nextTurn()
+{
+    m_share.reset();
+    if (!m_clients.empty()) {
+        startTurn();
+    }
+    // Work with a loop of its own may have come through here when it returns, and may have left nothing to do.
+    while (!m_clients.empty() && !m_share->hasExpired()) {
+        const Work work = takeNext();
+        work();
+    }
+}
+
+WorkInTurns::Work WorkInTurns::takeNext()
+{
+    const QString client = std::move(m_clients.front());
+    m_clients.pop_front();
+    const auto waiting = m_waiting.find(client);
+    Work work = std::move(waiting->second.front());
+    waiting->second.pop_front();
+    if (waiting->second.empty()) {
+        m_waiting.erase(waiting);
+    } else {
+        m_clients.push_back(client);
+    }
+    return work;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QDeadlineTimer>
+#include <QObject>
+#include <QString>
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+
+/// Carries out work for other programs: at once while there is little of it, and spread over turns of the event loop
+/// when there is much. Qt hands over all messages that have come since it last looked in one go, which in a flood of
+/// them takes seconds, and the user's clicks would wait as long. Main thread only.
+class WorkInTurns final : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Work = std::function<void()>;
+
+    /// What comes next waits once this much of a turn is used up.
+    static constexpr std::chrono::milliseconds kShareOfATurn{5};
+
+    /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work for one client
+    /// is carried out in its order; clients with work that waits take turns, so that none waits for all of another's.
+    /// `work` may run an event loop of its own, in which what waits goes on, and must not throw.
+    void carryOut(const QString &client, Work work);
+
+private:
+    void startTurn();
+    void nextTurn();
+    [[nodiscard]] Work takeNext();
+
+    std::map<QString, std::deque<Work>> m_waiting; ///< While there is any, the next turn is sure to come.
+    std::deque<QString> m_clients;                 ///< Those with work that waits, the next one first.
+    std::optional<QDeadlineTimer> m_share;         ///< What is left of this turn; nothing when it has had no work yet.
+};

@@ -1,0 +1,168 @@
+#include "MessageCache.h"
+#include "Session.h"
+#include "tests/platform/linux/RawEvent.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/ProcessMemory.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QCoreApplication>
+#include <QDBusReply>
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+/// How many events the flood has; KIV_FLOOD_EVENTS says otherwise.
+int floodEvents()
+{
+    const int wanted = qEnvironmentVariableIntValue("KIV_FLOOD_EVENTS");
+    return wanted > 0 ? wanted : 20'000;
+}
+
+/// What would take the item away, did it come from the owner.
+QDBusMessage intrusion(qint64 agentPid, qint64 claimedSender)
+{
+    const std::uint32_t sender[] = {0, static_cast<std::uint32_t>(claimedSender)};
+    constexpr std::uint32_t setOptions = 0x6D65736F; // "meso"
+    return rawEvent(QStringLiteral("com.tamborel.kivune.p%1").arg(agentPid), QStringLiteral("kvmc"),
+                    QStringLiteral("kvme"),
+                    {{QStringLiteral("mpcm"), QStringLiteral("long"), bytesOf(setOptions)},
+                     {QStringLiteral("mpsn"), QStringLiteral("psn "),
+                      QByteArray(reinterpret_cast<const char *>(sender), sizeof sender)},
+                     {QStringLiteral("mpfl"), QStringLiteral("magn"), bytesOf(std::uint32_t{0})}});
+}
+
+/// Sends as fast as the bus takes it, from a thread of its own, and then asks for an answer to one more: that comes
+/// after all of them are handled.
+class Flood final
+{
+public:
+    Flood(const PrivateBus &bus, const QList<QDBusMessage> &kinds, int events)
+        : m_peer(bus)
+        , m_thread([this, kinds, events] { run(kinds, events); })
+    {
+    }
+    ~Flood() { m_thread.join(); }
+    Flood(const Flood &) = delete;
+    Flood &operator=(const Flood &) = delete;
+
+    [[nodiscard]] bool isOver() const { return m_isOver; }
+    /// The answer to the last one.
+    [[nodiscard]] int status() const { return m_status; }
+
+private:
+    void run(const QList<QDBusMessage> &kinds, int events)
+    {
+        constexpr int atOnce = 1000;
+        const QDBusMessage ping =
+            QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
+                                           QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
+        for (int i = 1; i < events; ++i) {
+            m_peer.connection().send(kinds.at(i % kinds.size()));
+            if (i % atOnce == 0) {
+                m_peer.connection().call(ping); // Qt would keep what the bus has not taken yet.
+            }
+        }
+        constexpr int anHour = 3'600'000;
+        const QDBusReply<int> last = m_peer.connection().call(kinds.first(), QDBus::Block, anHour);
+        m_status = last.isValid() ? last.value() : -1;
+        m_isOver = true;
+    }
+
+    BusPeer m_peer;
+    std::atomic<bool> m_isOver = false;
+    std::atomic<int> m_status = -1;
+    std::thread m_thread;
+};
+
+} // namespace
+
+TEST(Flood, OfEventsFromAStrangerLosesNoneOfTheOwnersAndLeavesTheMenuToTheUser)
+{
+    Session session;
+    ASSERT_TRUE(session.start());
+    Agent &agent = *session.agent;
+    Service &service = *session.service;
+    XInput &input = session.desktop.input();
+    const QImage on = agent.itemPicture();
+    const QPoint item = agent.dockedItem()->geometry.center();
+    const QPoint elsewhere = QPoint(400, 600);
+    const qint64 memoryBefore = ProcessMemory::peakKilobytes(agent.pid());
+
+    const int events = floodEvents();
+    const qint64 owner = service.process().pid();
+    QElapsedTimer duration;
+    duration.start();
+    Flood flood(session.desktop.bus(),
+                {intrusion(agent.pid(), QCoreApplication::applicationPid()), intrusion(agent.pid(), owner)}, events);
+
+    // The first hint is on the screen for so long as nobody closes it, and all others wait behind it.
+    service.send("hint 0");
+    ASSERT_TRUE(waitUntil([&] { return agent.freeWindows().size() == 1; }, 60s)) << "the hint is lost";
+    int rounds = 0;
+    qint64 longest = 0;
+    qint64 slowestCommand = 0;
+    do {
+        ++rounds;
+        service.send("hint " + QByteArray::number(rounds));
+        input.move(elsewhere);
+        QElapsedTimer commanded;
+        commanded.start();
+        service.send("flags 2");
+        ASSERT_TRUE(waitUntil([&] { return agent.itemPicture() != on; }, 60s)) << "a command is lost";
+        service.send("flags 6");
+        ASSERT_TRUE(waitUntil([&] { return agent.itemPicture() == on; }, 60s)) << "a command is lost";
+        slowestCommand = std::max(slowestCommand, commanded.elapsed());
+
+        QElapsedTimer clicked;
+        clicked.start();
+        input.click(item);
+        ASSERT_TRUE(waitUntil(
+            [&] {
+                const QList<XWindow> windows = agent.freeWindows();
+                return windows.size() == 2 && agent.isDrawn(windows.last());
+            },
+            60s))
+            << "the menu does not open";
+        longest = std::max(longest, clicked.elapsed());
+        input.key(XK_Down, Session::Workspace + 1);
+        input.key(XK_Right);
+        input.key(XK_Return);
+        ASSERT_TRUE(waitUntil([&] { return service.events().size() == rounds; }, 60s)) << "a choice is lost";
+        ASSERT_TRUE(waitUntil([&] { return agent.freeWindows().size() == 1; }, 60s)) << "the menu does not close";
+    } while (!flood.isOver());
+    const qint64 took = duration.elapsed();
+
+    EXPECT_EQ(flood.status(), 0);
+    EXPECT_LT(longest, 2000) << "milliseconds from the click to the menu";
+    EXPECT_EQ(service.events(), QByteArrayList(rounds, "meoa 32793 Minimize"));
+    EXPECT_EQ(agent.systemLog(), QByteArrayList());
+
+    // What waits goes to the file as the one before it is closed.
+    const XWindow popUp = agent.freeWindows().first();
+    input.click({popUp.geometry.center().x(), popUp.geometry.bottom() - 25});
+    ASSERT_TRUE(waitUntil([&] {
+        const QList<XWindow> windows = agent.freeWindows();
+        return windows.size() == 1 && windows.first().id != popUp.id;
+    }));
+    std::vector<std::string> hints;
+    for (int round = 1; round <= rounds; ++round) {
+        hints.push_back(std::to_string(round));
+    }
+    EXPECT_EQ(MessageCache(session.desktop.environment().value(QStringLiteral("HOME"))).texts(), hints);
+
+    std::printf("%d events handled in %.1f s, none of the owner's %d lost; the menu answered after %lld ms at most, a "
+                "command of the owner after %lld ms; peak memory %lld kB more\n",
+                events, static_cast<double>(took) / 1000, 3 * rounds + 1, static_cast<long long>(longest),
+                static_cast<long long>(slowestCommand),
+                static_cast<long long>(ProcessMemory::peakKilobytes(agent.pid()) - memoryBefore));
+}

@@ -1,0 +1,42 @@
+#include "SettingsProgram.h"
+
+#include "platform/PropertyList.h"
+#include "tests/support/BusPeer.h"
+
+#include <QDBusMessage>
+#include <QDir>
+
+#include <gtest/gtest.h>
+
+void SettingsProgram::write(const Desktop &desktop, int show, int close, int repeat)
+{
+    QVariantMap preferences{{QStringLiteral("KivNotificationShowTimeout"), show},
+                            {QStringLiteral("KivNotificationCloseTimeout"), close},
+                            {QStringLiteral("KivNotificationRepeatTimeout"), repeat}};
+    for (const char *what :
+         {"News", "Notices", "Updates", "Warnings", "LowPriority", "MediumPriority", "HighPriority"}) {
+        preferences.insert(QStringLiteral("KivNotificationShow") + QLatin1String(what), true);
+    }
+    const QString folder = desktop.environment().value(QStringLiteral("HOME")) + QStringLiteral("/Library/Preferences");
+    const QString file = folder + QStringLiteral("/com.tamborel.kivmenua.plist");
+    const QVariant lastId =
+        PropertyList::readFile(file).toMap().value(QStringLiteral("KivNotificationLastMessId"), QStringLiteral("0"));
+    preferences.insert(QStringLiteral("KivNotificationLastMessId"), lastId);
+    EXPECT_TRUE(QDir().mkpath(folder));
+    EXPECT_TRUE(PropertyList::writeFile(file, preferences, PropertyList::Writing::InPlace));
+}
+
+void SettingsProgram::announce(Desktop &desktop, const Agent &agent)
+{
+    const BusPeer program(desktop.bus());
+    EXPECT_TRUE(program.connection().send(
+        QDBusMessage::createSignal(QStringLiteral("/"), QStringLiteral("com.tamborel.kivune.DistributedNotifications"),
+                                   QStringLiteral("KivMunuUpdateSettingsNotification"))));
+    // Messages of one sender to one receiver keep their order. This one, which is no event, is answered by the thread
+    // that has had the signal before.
+    const QDBusMessage nonsense = QDBusMessage::createMethodCall(
+        QStringLiteral("com.tamborel.kivune.p%1").arg(agent.pid()), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
+        QStringLiteral("com.tamborel.kivune.AppleEvents"), QStringLiteral("Send"));
+    EXPECT_EQ(program.connection().call(nonsense).errorName(),
+              QStringLiteral("org.freedesktop.DBus.Error.InvalidArgs"));
+}

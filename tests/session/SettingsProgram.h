@@ -1,0 +1,15 @@
+#pragma once
+
+#include "Agent.h"
+#include "Desktop.h"
+
+/// What the server's settings program does to the agent's settings.
+namespace SettingsProgram
+{
+
+/// Writes the user's settings, by their codes, with every kind of message to be shown.
+void write(const Desktop &desktop, int show, int close, int repeat);
+/// Says that the settings have changed; returns once the agent must have heard it.
+void announce(Desktop &desktop, const Agent &agent);
+
+} // namespace SettingsProgram

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QtGlobal>
+
+/// What the kernel says of the memory of another process, in kB; 0 when there is no such process.
+namespace ProcessMemory
+{
+
+/// The most that it had in memory at one time so far.
+[[nodiscard]] qint64 peakKilobytes(qint64 pid);
+/// What it alone has and has written to. Pages of files are not counted: whether they are private depends on the other
+/// programs that run.
+[[nodiscard]] qint64 privateKilobytes(qint64 pid);
+
+} // namespace ProcessMemory

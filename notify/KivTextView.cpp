@@ -76,8 +76,11 @@ void KivTextView::setMessage(const QString &text, int width)
 {
     document()->setTextWidth(width);
     // Not trimmed: a blank in front is how an author has markup shown as it is.
-    if (text.startsWith(u'<') && isWithinMarkupLimits(text)) {
-        setHtmlMessage(text);
+    // What is judged is what Qt gets: cleaning may make a table of what is none before.
+    const bool mayBeMarkup = text.startsWith(u'<') && text.size() <= mostMarkupBytes;
+    const QString markup = mayBeMarkup ? cleaned(text) : QString();
+    if (mayBeMarkup && isWithinMarkupLimits(markup)) {
+        setHtmlMessage(markup);
     } else {
         setPlainMessage(text);
     }
@@ -139,7 +142,7 @@ void KivTextView::setPlainMessage(const QString &text)
 void KivTextView::setHtmlMessage(const QString &text)
 {
     document()->setDefaultStyleSheet(QStringLiteral("a { color: %1 }").arg(linkColour().name()));
-    setHtml(cleaned(text));
+    setHtml(text);
 }
 
 QColor KivTextView::linkColour() const

@@ -8,7 +8,6 @@
 namespace
 {
 
-constexpr qsizetype mostBytes = 65'536;
 constexpr int mostElements = 500;
 constexpr qsizetype greatestDepth = 100;
 constexpr qsizetype greatestTableDepth = 4;
@@ -289,7 +288,7 @@ private:
 
 bool isWithinMarkupLimits(const QString &html)
 {
-    if (html.size() > mostBytes || html.toUtf8().size() > mostBytes) {
+    if (html.size() > mostMarkupBytes || html.toUtf8().size() > mostMarkupBytes) {
         return false;
     }
     try {

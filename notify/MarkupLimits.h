@@ -2,6 +2,9 @@
 
 #include <QString>
 
+/// What is longer is never within the limits.
+constexpr qsizetype mostMarkupBytes = 65'536;
+
 /// Whether Qt can be given this HTML without stopping the agent for longer than a user notices. It lays some texts out
 /// in a time that grows with the square of their length, or fourfold with every table within another, and others it
 /// overflows the stack with; the text comes from outside.
@@ -12,4 +15,5 @@
 /// what passes is laid out in less than 100 ms. Nor is anything allowed on whose structure two readers could disagree:
 /// a quotation mark within a word of a tag, or an angle bracket in quotation marks. Takes time in proportion to the
 /// text. Reentrant.
+/// It must be given the very text that Qt is: a character dropped later may have been the one that broke up a name.
 [[nodiscard]] bool isWithinMarkupLimits(const QString &html);

@@ -141,6 +141,29 @@ TEST_F(KivTextViewTest, ShowsMarkupBeyondItsLimitsAsItIs)
     EXPECT_EQ(view.toPlainText(), markup);
 }
 
+TEST_F(KivTextViewTest, JudgesMarkupWithoutTheCharactersThatAreNotShown)
+{
+    // Qt never sees them, so what they hide from a reader it would find.
+    for (const char16_t hidden : {u'\ufffc', u'\ufdd0', u'\uffff', u'\0'}) {
+        const auto hiding = [hidden](const char *before, const char *after) {
+            return QString::fromUtf8(before) + QChar(hidden) + QString::fromUtf8(after);
+        };
+        const QString beyond[] = {
+            hiding("<ta", "ble><tr><td>").repeated(5),
+            hiding("<table><tr><td colsp", "an=10000>x</td></tr></table>"),
+            hiding("<table><tr><td rowspan=\"1", "0000\">x</td></tr></table>"),
+            hiding("<p style=\"font-size:99", "999px\">x</p>"),
+        };
+        for (const QString &text : beyond) {
+            view.setMessage(text, width);
+            EXPECT_TRUE(view.toPlainText().startsWith(QString(text).remove(QChar(hidden)).left(30)))
+                << std::hex << static_cast<int>(hidden) << ' ' << qPrintable(view.toPlainText());
+        }
+        view.setMessage(hiding("<ta", "ble><tr><td>").repeated(4) + QStringLiteral("x"), width);
+        EXPECT_FALSE(view.toPlainText().contains(u'<')) << "what is within the limits is shown";
+    }
+}
+
 TEST_F(KivTextViewTest, MeasuresItsText)
 {
     view.setMessage(QStringLiteral("x"), width);

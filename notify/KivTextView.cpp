@@ -3,6 +3,7 @@
 #include "notify/CombiningMarks.h"
 #include "notify/LinkScan.h"
 #include "notify/MarkupLimits.h"
+#include "notify/ScriptRuns.h"
 #include "notify/SystemFont.h"
 
 #include <QContextMenuEvent>
@@ -10,6 +11,7 @@
 #include <QTextCursor>
 #include <QTextDocument>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -47,11 +49,12 @@ QString cleaned(QString text)
 
 QString shortened(const QString &text)
 {
-    if (text.size() <= largestLength) {
+    const QStringView shown = firstScriptRuns(QStringView(text).first(std::min(text.size(), largestLength)));
+    if (shown.size() == text.size()) {
         return text;
     }
-    const qsizetype end = text[largestLength - 1].isHighSurrogate() ? largestLength - 1 : largestLength;
-    return text.first(end) + QChar(u'\u2026');
+    const bool cutsPair = shown.back().isHighSurrogate();
+    return shown.chopped(cutsPair ? 1 : 0).toString() + QChar(u'\u2026');
 }
 
 } // namespace

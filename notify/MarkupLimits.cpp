@@ -1,5 +1,7 @@
 #include "MarkupLimits.h"
 
+#include "notify/ScriptRuns.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -18,7 +20,9 @@ constexpr int mostMatching = 5000; ///< Rules of style sheets times elements: ea
 constexpr qsizetype longestWord = 250;
 constexpr qsizetype mostTextInTables = 8'192; ///< It is laid out several times.
 constexpr int lineInTable = 16;               ///< What a line break counts in that, or an entity that may be one.
+constexpr int scriptRunInTable = 8;           ///< And what a change of script or direction does.
 constexpr int mostLines = 4000;
+constexpr int mostScriptRuns = 8000; ///< More than the largest text in Japanese has.
 constexpr int mostImages = 50;
 /// With style sheets: a rule for elements within others within others is tried with all that they lie in.
 constexpr qsizetype greatestStyledDepth = 12;
@@ -99,10 +103,11 @@ private:
         m_word = c.isSpace() ? 0 : m_word + 1;
         const bool mayBreakLine = c == u'\n' || c == u'\r' || c == u'&' || c == QChar(QChar::ParagraphSeparator);
         m_lines += mayBreakLine ? 1 : 0;
+        const bool beginsRun = m_scriptRuns.add(c.unicode());
         if (m_tables > 0) {
-            m_textInTables += mayBreakLine ? lineInTable : 1;
+            m_textInTables += mayBreakLine ? lineInTable : (beginsRun ? scriptRunInTable : 1);
         }
-        require(m_lines <= mostLines);
+        require(m_lines <= mostLines && m_scriptRuns.count() <= mostScriptRuns);
         require(m_word <= longestWord && m_textInTables <= mostTextInTables);
     }
 
@@ -273,6 +278,7 @@ private:
     int m_cells = 0;
     int m_images = 0;
     int m_lines = 0;
+    ScriptRuns m_scriptRuns;
     qsizetype m_deepest = 0;
     int m_fonts = 0;
     qsizetype m_style = 0;

@@ -318,6 +318,8 @@ TEST_F(KivTextViewTest, ShowsTheBeginningOfAnEndlessText)
     EXPECT_EQ(view.toPlainText().size(), 8001);
     EXPECT_TRUE(view.toPlainText().startsWith(QStringLiteral("word word ")));
     EXPECT_TRUE(view.toPlainText().endsWith(QChar(u'\u2026')));
+    view.setMessage(QStringLiteral("a\u05d0").repeated(10'000), width);
+    EXPECT_EQ(view.toPlainText(), QStringLiteral("a\u05d0").repeated(1000) + QStringLiteral("a\u2026"));
 }
 
 } // namespace

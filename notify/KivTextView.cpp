@@ -95,15 +95,14 @@ float KivTextView::textHeight() const
     return static_cast<float>(std::ceil(document()->size().height()));
 }
 
-QVariant KivTextView::loadResource(int type, const QUrl &)
+QVariant KivTextView::loadResource(int, const QUrl &)
 {
-    // A null answer would make Qt open the name as a file.
-    if (type == QTextDocument::ImageResource) {
-        QImage nothing(1, 1, QImage::Format_ARGB32_Premultiplied);
-        nothing.fill(Qt::transparent);
-        return nothing;
-    }
-    return QByteArrayLiteral("/**/");
+    // A null answer would make Qt open the name as a file. So would, where an image is wanted, anything that is none;
+    // and Qt keeps the answers by their names alone, so that a style sheet may have asked for that name before. An
+    // image, in turn, is no style sheet to it.
+    QImage nothing(1, 1, QImage::Format_ARGB32_Premultiplied);
+    nothing.fill(Qt::transparent);
+    return nothing;
 }
 
 void KivTextView::contextMenuEvent(QContextMenuEvent *event)

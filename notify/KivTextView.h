@@ -20,7 +20,7 @@ public:
     /// The height of all the text at that width, in points.
     [[nodiscard]] float textHeight() const;
 
-    /// An empty image or style sheet, whatever is asked for.
+    /// An empty image, whatever is asked for.
     [[nodiscard]] QVariant loadResource(int type, const QUrl &name) override;
 
 protected:

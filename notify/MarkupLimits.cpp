@@ -22,7 +22,7 @@ constexpr qsizetype mostTextInTables = 8'192; ///< It is laid out several times.
 constexpr int lineInTable = 16;               ///< What a line break counts in that, or an entity that may be one.
 constexpr int scriptRunInTable = 8;           ///< And what a change of script or direction does.
 constexpr int mostLines = 4000;
-constexpr int mostScriptRuns = 8000; ///< More than the largest text in Japanese has.
+constexpr int mostScriptRuns = 8000; ///< As many as 50 kB of Japanese have.
 constexpr int mostImages = 50;
 /// With style sheets: a rule for elements within others within others is tried with all that they lie in.
 constexpr qsizetype greatestStyledDepth = 12;
@@ -55,6 +55,12 @@ bool isEmptyElement(QStringView name)
 bool isRawTextElement(QStringView name)
 {
     return isOneOf(name, {u"style", u"script", u"title", u"textarea"});
+}
+
+/// Between two of these a line may be broken, as Chinese and Japanese have no blanks for that.
+bool isIdeograph(QChar c)
+{
+    return c >= u'\u4e00' && c <= u'\u9fff';
 }
 
 /// Values that Qt makes no length of.
@@ -100,7 +106,8 @@ private:
             }
             return;
         }
-        m_word = c.isSpace() ? 0 : m_word + 1;
+        const bool endsWord = c.isSpace() || (m_at > 0 && isIdeograph(c) && isIdeograph(m_text[m_at - 1]));
+        m_word = endsWord ? 0 : m_word + 1;
         const bool mayBreakLine = c == u'\n' || c == u'\r' || c == u'&' || c == QChar(QChar::ParagraphSeparator);
         m_lines += mayBreakLine ? 1 : 0;
         const bool beginsRun = m_scriptRuns.add(c.unicode());

@@ -60,7 +60,7 @@ QList<Text> hostileTexts()
         {"mixed direction by marks", times(60'000, "\xe2\x80\xab"
                                                    "a\xd7\x90")},
         {"mixed direction in HTML", "<p>" + times(12'000, "a\xd7\x90 ")},
-        {"the most of directions in HTML", "<p>" + times(4000, "a\xd7\x90 ")},
+        {"the most of directions in HTML", "<p>" + (times(120, "a\xd7\x90") + ' ').repeated(33)},
         {"joiners", times(200'000, "\xe2\x80\x8d") + "x"},
         {"combining marks", "a" + times(100'000, "\xcc\x81")},
         {"addresses", times(60'000, "www.x.yy ")},

@@ -11,7 +11,8 @@ QString withoutPiledUpMarks(const QString &text)
         const QChar first = rest.front();
         const bool isPair = first.isHighSurrogate() && rest.size() > 1 && rest[1].isLowSurrogate();
         size = isPair ? 2 : 1;
-        const bool isMark = isPair ? QChar::isMark(QChar::surrogateToUcs4(first, rest[1])) : first.isMark();
+        const char32_t character = isPair ? QChar::surrogateToUcs4(first, rest[1]) : first.unicode();
+        const bool isMark = QChar::isMark(character) || QChar::category(character) == QChar::Other_Format;
         marks = isMark ? marks + 1 : 0;
         if (marks <= mostMarks) {
             result += rest.first(size);

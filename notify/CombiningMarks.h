@@ -2,6 +2,7 @@
 
 #include <QString>
 
-/// The text without every combining mark that follows 32 others at once. No writing piles up as many, and laying out a
-/// hundred thousand of them on one letter takes Qt seconds. Reentrant.
+/// The text without every combining mark, or joiner or other character that only forms what is around it, that follows
+/// 32 of these at once. No writing piles up as many, and laying out a hundred thousand of them, which take no room,
+/// takes Qt seconds. Reentrant.
 [[nodiscard]] QString withoutPiledUpMarks(const QString &text);

@@ -3,6 +3,7 @@
 #include "notify/CombiningMarks.h"
 #include "notify/LinkScan.h"
 #include "notify/MarkupLimits.h"
+#include "notify/ScriptRuns.h"
 #include "notify/SystemFont.h"
 
 #include <QContextMenuEvent>
@@ -10,6 +11,7 @@
 #include <QTextCursor>
 #include <QTextDocument>
 
+#include <algorithm>
 #include <cmath>
 
 namespace
@@ -47,11 +49,12 @@ QString cleaned(QString text)
 
 QString shortened(const QString &text)
 {
-    if (text.size() <= largestLength) {
+    const QStringView shown = firstScriptRuns(QStringView(text).first(std::min(text.size(), largestLength)));
+    if (shown.size() == text.size()) {
         return text;
     }
-    const qsizetype end = text[largestLength - 1].isHighSurrogate() ? largestLength - 1 : largestLength;
-    return text.first(end) + QChar(u'\u2026');
+    const bool cutsPair = shown.back().isHighSurrogate();
+    return shown.chopped(cutsPair ? 1 : 0).toString() + QChar(u'\u2026');
 }
 
 } // namespace
@@ -76,8 +79,11 @@ void KivTextView::setMessage(const QString &text, int width)
 {
     document()->setTextWidth(width);
     // Not trimmed: a blank in front is how an author has markup shown as it is.
-    if (text.startsWith(u'<') && isWithinMarkupLimits(text)) {
-        setHtmlMessage(text);
+    // What is judged is what Qt gets: cleaning may make a table of what is none before.
+    const bool mayBeMarkup = text.startsWith(u'<') && text.size() <= mostMarkupBytes;
+    const QString markup = mayBeMarkup ? cleaned(text) : QString();
+    if (mayBeMarkup && isWithinMarkupLimits(markup)) {
+        setHtmlMessage(markup);
     } else {
         setPlainMessage(text);
     }
@@ -89,15 +95,14 @@ float KivTextView::textHeight() const
     return static_cast<float>(std::ceil(document()->size().height()));
 }
 
-QVariant KivTextView::loadResource(int type, const QUrl &)
+QVariant KivTextView::loadResource(int, const QUrl &)
 {
-    // A null answer would make Qt open the name as a file.
-    if (type == QTextDocument::ImageResource) {
-        QImage nothing(1, 1, QImage::Format_ARGB32_Premultiplied);
-        nothing.fill(Qt::transparent);
-        return nothing;
-    }
-    return QByteArrayLiteral("/**/");
+    // A null answer would make Qt open the name as a file. So would, where an image is wanted, anything that is none;
+    // and Qt keeps the answers by their names alone, so that a style sheet may have asked for that name before. An
+    // image, in turn, is no style sheet to it.
+    QImage nothing(1, 1, QImage::Format_ARGB32_Premultiplied);
+    nothing.fill(Qt::transparent);
+    return nothing;
 }
 
 void KivTextView::contextMenuEvent(QContextMenuEvent *event)
@@ -139,7 +144,7 @@ void KivTextView::setPlainMessage(const QString &text)
 void KivTextView::setHtmlMessage(const QString &text)
 {
     document()->setDefaultStyleSheet(QStringLiteral("a { color: %1 }").arg(linkColour().name()));
-    setHtml(cleaned(text));
+    setHtml(text);
 }
 
 QColor KivTextView::linkColour() const

@@ -1,5 +1,7 @@
 #include "MarkupLimits.h"
 
+#include "notify/ScriptRuns.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -8,7 +10,6 @@
 namespace
 {
 
-constexpr qsizetype mostBytes = 65'536;
 constexpr int mostElements = 500;
 constexpr qsizetype greatestDepth = 100;
 constexpr qsizetype greatestTableDepth = 4;
@@ -19,7 +20,9 @@ constexpr int mostMatching = 5000; ///< Rules of style sheets times elements: ea
 constexpr qsizetype longestWord = 250;
 constexpr qsizetype mostTextInTables = 8'192; ///< It is laid out several times.
 constexpr int lineInTable = 16;               ///< What a line break counts in that, or an entity that may be one.
+constexpr int scriptRunInTable = 8;           ///< And what a change of script or direction does.
 constexpr int mostLines = 4000;
+constexpr int mostScriptRuns = 8000; ///< As many as 50 kB of Japanese have.
 constexpr int mostImages = 50;
 /// With style sheets: a rule for elements within others within others is tried with all that they lie in.
 constexpr qsizetype greatestStyledDepth = 12;
@@ -52,6 +55,12 @@ bool isEmptyElement(QStringView name)
 bool isRawTextElement(QStringView name)
 {
     return isOneOf(name, {u"style", u"script", u"title", u"textarea"});
+}
+
+/// Between two of these a line may be broken, as Chinese and Japanese have no blanks for that.
+bool isIdeograph(QChar c)
+{
+    return c >= u'\u4e00' && c <= u'\u9fff';
 }
 
 /// Values that Qt makes no length of.
@@ -97,13 +106,15 @@ private:
             }
             return;
         }
-        m_word = c.isSpace() ? 0 : m_word + 1;
+        const bool endsWord = c.isSpace() || (m_at > 0 && isIdeograph(c) && isIdeograph(m_text[m_at - 1]));
+        m_word = endsWord ? 0 : m_word + 1;
         const bool mayBreakLine = c == u'\n' || c == u'\r' || c == u'&' || c == QChar(QChar::ParagraphSeparator);
         m_lines += mayBreakLine ? 1 : 0;
+        const bool beginsRun = m_scriptRuns.add(c.unicode());
         if (m_tables > 0) {
-            m_textInTables += mayBreakLine ? lineInTable : 1;
+            m_textInTables += mayBreakLine ? lineInTable : (beginsRun ? scriptRunInTable : 1);
         }
-        require(m_lines <= mostLines);
+        require(m_lines <= mostLines && m_scriptRuns.count() <= mostScriptRuns);
         require(m_word <= longestWord && m_textInTables <= mostTextInTables);
     }
 
@@ -274,6 +285,7 @@ private:
     int m_cells = 0;
     int m_images = 0;
     int m_lines = 0;
+    ScriptRuns m_scriptRuns;
     qsizetype m_deepest = 0;
     int m_fonts = 0;
     qsizetype m_style = 0;
@@ -289,7 +301,7 @@ private:
 
 bool isWithinMarkupLimits(const QString &html)
 {
-    if (html.size() > mostBytes || html.toUtf8().size() > mostBytes) {
+    if (html.size() > mostMarkupBytes || html.toUtf8().size() > mostMarkupBytes) {
         return false;
     }
     try {

@@ -1,6 +1,7 @@
 #include "TextMeasure.h"
 
 #include "notify/CombiningMarks.h"
+#include "notify/ScriptRuns.h"
 #include "notify/SystemFont.h"
 
 #include <QTextLayout>
@@ -14,15 +15,15 @@ namespace
 constexpr qreal largestHeight = 20000;
 /// Within the range of Qt's fixed-point lengths; also stands for no limit.
 constexpr qreal largestWidth = 1'000'000;
-/// At the widths that pop-ups have, far more than fills the largest height.
-constexpr qsizetype largestLength = 500'000;
+/// At the usual width even the narrowest letters fill the largest height. More would only be characters that take no
+/// room at all.
+constexpr qsizetype largestLength = 150'000;
 /// For every line, a layout looks through the word in which it begins, so an endless word is laid out in pieces.
 constexpr qsizetype pieceLength = 4096;
 
 /// The layout breaks lines at line separators only.
 QString withLineSeparators(QString text)
 {
-    text.truncate(largestLength);
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     for (const char16_t lineBreak : {u'\n', u'\r', u'\u2029'}) {
         text.replace(QChar(lineBreak), QChar(QChar::LineSeparator));
@@ -46,7 +47,8 @@ void layOut(QTextLayout &layout, qreal width)
 
 float textHeight(const QString &text, float width)
 {
-    const QString lines = withoutPiledUpMarks(withLineSeparators(text));
+    const QStringView measured = firstScriptRuns(QStringView(text).first(std::min(text.size(), largestLength)));
+    const QString lines = withoutPiledUpMarks(withLineSeparators(measured.toString()));
     const qreal lineWidth = width > 0 ? std::min<qreal>(width, largestWidth) : largestWidth;
     const QFont font = systemFont(QFont::Normal);
     qreal height = 0;

@@ -28,6 +28,13 @@ void keepQtFromLaunchingOrWaiting()
     }
 }
 
+/// On a screen with a scale Qt looks for "name@2x" beside each image that a text names before it asks the text view,
+/// which gives nothing out. The name may lie on a file server that is gone, and the look would wait for that.
+void keepQtFromLookingForLargerImages()
+{
+    qputenv("QT_HIGHDPI_DISABLE_2X_IMAGE_LOADING", "1");
+}
+
 } // namespace
 
 QString GraphicalSession::prepare()
@@ -43,6 +50,7 @@ QString GraphicalSession::prepare()
     QApplication::setDesktopSettingsAware(false);
 
     keepQtFromLaunchingOrWaiting();
+    keepQtFromLookingForLargerImages();
 
     if (!needsDisplay) {
         return {};

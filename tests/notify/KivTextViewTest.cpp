@@ -141,6 +141,29 @@ TEST_F(KivTextViewTest, ShowsMarkupBeyondItsLimitsAsItIs)
     EXPECT_EQ(view.toPlainText(), markup);
 }
 
+TEST_F(KivTextViewTest, JudgesMarkupWithoutTheCharactersThatAreNotShown)
+{
+    // Qt never sees them, so what they hide from a reader it would find.
+    for (const char16_t hidden : {u'\ufffc', u'\ufdd0', u'\uffff', u'\0'}) {
+        const auto hiding = [hidden](const char *before, const char *after) {
+            return QString::fromUtf8(before) + QChar(hidden) + QString::fromUtf8(after);
+        };
+        const QString beyond[] = {
+            hiding("<ta", "ble><tr><td>").repeated(5),
+            hiding("<table><tr><td colsp", "an=10000>x</td></tr></table>"),
+            hiding("<table><tr><td rowspan=\"1", "0000\">x</td></tr></table>"),
+            hiding("<p style=\"font-size:99", "999px\">x</p>"),
+        };
+        for (const QString &text : beyond) {
+            view.setMessage(text, width);
+            EXPECT_TRUE(view.toPlainText().startsWith(QString(text).remove(QChar(hidden)).left(30)))
+                << std::hex << static_cast<int>(hidden) << ' ' << qPrintable(view.toPlainText());
+        }
+        view.setMessage(hiding("<ta", "ble><tr><td>").repeated(4) + QStringLiteral("x"), width);
+        EXPECT_FALSE(view.toPlainText().contains(u'<')) << "what is within the limits is shown";
+    }
+}
+
 TEST_F(KivTextViewTest, MeasuresItsText)
 {
     view.setMessage(QStringLiteral("x"), width);
@@ -201,6 +224,7 @@ TEST_F(KivTextViewTest, OpensNoFile)
         "<link rel=\"stylesheet\" type=\"text/css\" href=\"%2\"><p>words</p>",
         "<html><head><link rel=stylesheet type='text/css' href='file://%2'></head><body><p>words</p></body></html>",
         "<style>@import url(%2);</style><p>words</p>",
+        "<html><head><link rel=stylesheet type='text/css' href='%1'></head><body>x<img src=\"%1\"></body></html>",
         "<ul style=\"list-style-image: url(%1)\"><li>words</li></ul>",
     };
     for (const char *message : messages) {
@@ -231,23 +255,33 @@ TEST_F(KivTextViewTest, DoesNotEvenLookAtAFile)
     ASSERT_TRUE(isBeingRead()) << "the test sees it when somebody does";
     ::close(reader);
     // Were it opened, this would wait for a writer for ever.
-    view.setMessage(QStringLiteral("<link rel=stylesheet type='text/css' href='%1'><p>x<img src=\"%1\"></p>")
-                        .arg(QString::fromLocal8Bit(pipe)),
-                    width);
+    view.setMessage(
+        QStringLiteral("<html><head><link rel=stylesheet type='text/css' href='%1'></head><body>x<img src=\"%1\">"
+                       "</body></html>")
+            .arg(QString::fromLocal8Bit(pipe)),
+        width);
     static_cast<void>(picture());
+    EXPECT_TRUE(view.toPlainText().startsWith(u'x')) << "or Qt has had no reason to look";
     EXPECT_FALSE(isBeingRead());
 }
 
 TEST_F(KivTextViewTest, ConnectsToNobody)
 {
     QTcpServer server;
-    ASSERT_TRUE(server.listen(QHostAddress::LocalHost));
+    // Within a style a longer number would be beyond the limits of markup.
+    quint16 port = 9999;
+    while (!server.listen(QHostAddress::LocalHost, port) && port > 1024) {
+        --port;
+    }
+    ASSERT_TRUE(server.isListening());
     const QString address = QStringLiteral("http://127.0.0.1:%1/").arg(server.serverPort());
-    view.setMessage(QStringLiteral("<link rel=stylesheet type='text/css' href='%1a.css'><style>@import url(%1b.css);"
-                                   "</style><p style='background-image: url(%1c.png)'>x<img src='%1d.png'></p>")
+    view.setMessage(QStringLiteral("<html><head><link rel=stylesheet type='text/css' href='%1a.css'>"
+                                   "<style>@import url(%1b.css);</style></head><body>"
+                                   "<p style='background-image: url(%1c.png)'>x<img src='%1d.png'></p></body></html>")
                         .arg(address),
                     width);
     static_cast<void>(picture());
+    EXPECT_TRUE(view.toPlainText().startsWith(u'x')) << "or Qt has had no reason to look";
     EXPECT_FALSE(server.waitForNewConnection(200));
     EXPECT_FALSE(server.hasPendingConnections());
 }
@@ -295,6 +329,8 @@ TEST_F(KivTextViewTest, ShowsTheBeginningOfAnEndlessText)
     EXPECT_EQ(view.toPlainText().size(), 8001);
     EXPECT_TRUE(view.toPlainText().startsWith(QStringLiteral("word word ")));
     EXPECT_TRUE(view.toPlainText().endsWith(QChar(u'\u2026')));
+    view.setMessage(QStringLiteral("a\u05d0").repeated(10'000), width);
+    EXPECT_EQ(view.toPlainText(), QStringLiteral("a\u05d0").repeated(1000) + QStringLiteral("a\u2026"));
 }
 
 } // namespace

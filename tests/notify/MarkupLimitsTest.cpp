@@ -36,6 +36,9 @@ TEST(MarkupLimits, LetPassWhatMessagesAreMadeOf)
     for (const char *message : messages) {
         EXPECT_TRUE(isWithinMarkupLimits(QString::fromUtf8(message))) << message;
     }
+    // Writings without blanks.
+    EXPECT_TRUE(isWithinMarkupLimits("<p>" + times(1000, "\u65b0\u7248\u672c\u73b0\u5df2\u53d1\u5e03\u3002")));
+    EXPECT_TRUE(isWithinMarkupLimits("<p>" + times(1000, "\u65b0\u3057\u3044\u7248\u304c\u516c\u958b\u3002")));
 }
 
 struct Limit {
@@ -65,8 +68,15 @@ TEST(MarkupLimits, RefuseWhatWouldTakeLong)
         {"text in tables", "<table><tr><td>" + words.repeated(1600), "<table><tr><td>" + words.repeated(1700)},
         {"lines in tables", "<table><pre>" + times(450, "x\n"), "<table><pre>" + times(500, "x\n")},
         {"lines", "<pre>" + times(4000, "x\n"), "<pre>" + times(4001, "x\n")},
+        {"changes of direction", "<p>" + times(2000, "a \xd7\x90 1 \xd7\x90"),
+         "<p>" + times(2001, "a \xd7\x90 1 \xd7\x90")},
+        {"changes of script in tables", "<table><tr><td>" + times(480, "a\xce\xb1 "),
+         "<table><tr><td>" + times(490, "a\xce\xb1 ")},
+        {"tabs", "<pre>" + times(8000, "x\t"), "<pre>" + times(8001, "x\t")},
         {"images", times(50, "<img src=x>"), times(51, "<img src=x>")},
         {"long words", "<p>" + times(250, "x") + " y", "<p>" + times(251, "x")},
+        {"long words of ideographs", "<p>" + times(125, "\u6f22\u2060"), "<p>" + times(126, "\u6f22\u2060")},
+        {"long words of small syllables", "<p>" + times(250, "\u3041"), "<p>" + times(251, "\u3041")},
         {"fonts", times(20, "<font face=x>y</font>"), times(21, "<font face=x>y</font>")},
         {"fonts in styles", times(10, "<p style='font:9px x;font-family:x'>"),
          times(11, "<p style='font:9px x;font-family:x'>")},

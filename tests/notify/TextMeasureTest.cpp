@@ -159,6 +159,13 @@ TEST(TextMeasure, DoesNotStopTheAgentForEndlessMarks)
     EXPECT_LT(time.elapsed(), 1000) << "laying all of them out takes seconds";
 }
 
+TEST(TextMeasure, EndsWhereThePopUpShowsNoMore)
+{
+    const QString mixed = QStringLiteral("a\u05d0 ");
+    EXPECT_FLOAT_EQ(textHeight(mixed.repeated(50'000), 320), textHeight(mixed.repeated(1000), 320));
+    EXPECT_LT(textHeight(mixed.repeated(900), 320), textHeight(mixed.repeated(1000), 320));
+}
+
 TEST(TextMeasure, DoesNotStopTheAgentForAnEndlessWord)
 {
     QElapsedTimer time;

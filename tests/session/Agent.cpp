@@ -194,6 +194,15 @@ std::optional<XWindow> Agent::openWorkspaceMenu(const XWindow &menu)
     return std::nullopt;
 }
 
+std::chrono::nanoseconds Agent::processorTime() const
+{
+    // Its first number, in nanoseconds.
+    QFile file(QStringLiteral("/proc/%1/task/%1/schedstat").arg(pid()));
+    const bool opened = file.open(QIODevice::ReadOnly);
+    EXPECT_TRUE(opened) << "the kernel does not tell";
+    return std::chrono::nanoseconds(opened ? file.readAll().split(' ').first().toLongLong() : 0);
+}
+
 bool Agent::isLinked() const
 {
     static int count = 0;

@@ -6,6 +6,7 @@
 #include <QByteArrayList>
 #include <QTemporaryDir>
 
+#include <chrono>
 #include <optional>
 
 /// The agent in a desktop of the test's own. It is a copy of the built program with an information dictionary that
@@ -59,6 +60,9 @@ public:
     [[nodiscard]] bool waitUntilClosed() const;
     /// Opens the "Manage Workspace" submenu of the open menu with the pointer, and returns it.
     std::optional<XWindow> openWorkspaceMenu(const XWindow &menu);
+
+    /// The processor time that its main thread has used so far.
+    [[nodiscard]] std::chrono::nanoseconds processorTime() const;
 
     /// True while the agent takes events on the desktop's bus.
     [[nodiscard]] bool isLinked() const;

@@ -113,6 +113,7 @@ void KivNotificationManager::displayNotification(const std::shared_ptr<KivNotifi
     if (m_notificationWindow) {
         return;
     }
+    const MainScreen::Held screen;                            // It is built for it, placed in it and shown on it.
     m_notificationWindow = new KivNotificationWindow(record); // It destroys itself after it has closed.
     m_notificationWindow->setDelegate(this);
     const std::int32_t timeout = closeTimeout(record->messageType(), m_properties.notificationClose());

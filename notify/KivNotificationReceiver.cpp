@@ -1,15 +1,12 @@
 #include "notify/KivNotificationReceiver.h"
 
+#include "notify/FeedConnection.h"
 #include "notify/FeedRequest.h"
 #include "notify/KivNotificationManager.h"
 #include "notify/KivNotificationProperties.h"
 #include "notify/NotificationSink.h"
 #include "platform/Bundle.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkProxy>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QTimer>
 
 namespace
@@ -18,9 +15,6 @@ namespace
 /// The most bytes that are kept, of one answer or of several after malformed ones. Far more than messages for one
 /// pop-up at a time ever need.
 constexpr qsizetype mostBytes = 16 * 1024 * 1024;
-
-/// How much of an answer Qt holds while nobody reads it.
-constexpr qint64 readBuffer = 1024 * 1024;
 
 FeedRequest requestOf(const KivNotificationProperties &properties, const Bundle &bundle)
 {
@@ -33,38 +27,6 @@ FeedRequest requestOf(const KivNotificationProperties &properties, const Bundle 
             .messageLevel = properties.messageLevel(),
             .licenseType = properties.licenseType(),
             .lastMesID = properties.lastMesID()};
-}
-
-bool isRedirect(int status)
-{
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
-
-QNetworkRequest plainRequest(const QUrl &address)
-{
-    QNetworkRequest request(address);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    for (const auto attribute :
-         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
-          QNetworkRequest::AuthenticationReuseAttribute}) {
-        request.setAttribute(attribute, QNetworkRequest::Manual);
-    }
-    return request;
-}
-
-/// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect (seen in
-/// 6.4), after which a silent server would hold the request for ever.
-void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeOut)
-{
-    auto *const silence = new QTimer(connection);
-    silence->setSingleShot(true);
-    silence->callOnTimeout(connection, &QNetworkReply::abort);
-    const auto progress = [silence, timeOut] { silence->start(timeOut); };
-    QObject::connect(connection, &QNetworkReply::redirected, silence, progress);
-    QObject::connect(connection, &QNetworkReply::metaDataChanged, silence, progress);
-    QObject::connect(connection, &QNetworkReply::readyRead, silence, progress);
-    QObject::connect(connection, &QNetworkReply::finished, silence, &QTimer::stop);
-    progress();
 }
 
 } // namespace
@@ -90,7 +52,7 @@ KivNotificationReceiver &KivNotificationReceiver::sharedInstance()
 
 void KivNotificationReceiver::recieveNotifications()
 {
-    // Not from within start-up: the first https request of a process takes Qt some 60 ms.
+    // Not from within start-up, which has more urgent things to do than to start another process.
     QTimer::singleShot(0, this, &KivNotificationReceiver::receiveNextNotification);
     m_timer = std::make_unique<QTimer>();
     m_timer->setTimerType(Qt::PreciseTimer);
@@ -105,17 +67,20 @@ void KivNotificationReceiver::receiveNextNotification()
         return;
     }
     letGoOfCancelled();
-    QNetworkReply *const connection = network().get(plainRequest(address));
-    limitSilence(connection, m_timing.timeOut);
-    connection->setReadBufferSize(readBuffer);
-    connect(connection, &QNetworkReply::metaDataChanged, this,
-            [this, connection] { connectionDidReceiveResponse(connection); });
-    connect(connection, &QNetworkReply::readyRead, this, [this, connection] { connectionDidReceiveData(connection); });
-    // Queued, so that what the parse throws leaves the event loop and nothing of the reply's own.
+    auto *const connection = new FeedConnection(m_bundle.pathForAuxiliaryExecutable(QStringLiteral("kivfetch")),
+                                                address, m_timing.timeOut, this);
+    connect(connection, &FeedConnection::receivedResponse, this,
+            [this, connection](int status, const QByteArray &contentType) {
+                connectionDidReceiveResponse(connection, status, contentType);
+            });
+    connect(connection, &FeedConnection::receivedData, this,
+            [this, connection](const QByteArray &bytes) { connectionDidReceiveData(connection, bytes); });
+    // Queued, so that what the parse throws leaves the event loop and nothing of the connection's own.
     connect(
-        connection, &QNetworkReply::finished, this, [this, connection] { connectionDidEnd(connection); },
-        Qt::QueuedConnection);
+        connection, &FeedConnection::ended, this,
+        [this, connection](FeedConnection::End end) { connectionDidEnd(connection, end); }, Qt::QueuedConnection);
     m_connection = connection;
+    connection->start();
 }
 
 void KivNotificationReceiver::parseNotificationData()
@@ -131,33 +96,30 @@ const std::shared_ptr<KivNotification> &KivNotificationReceiver::notification() 
     return m_parser.notification();
 }
 
-void KivNotificationReceiver::connectionDidReceiveResponse(QNetworkReply *connection)
+void KivNotificationReceiver::connectionDidReceiveResponse(FeedConnection *connection, int status,
+                                                           const QByteArray &contentType)
 {
-    const int status = connection->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (isRedirect(status) && connection->hasRawHeader("Location")) {
-        return; // Qt goes on to the answer proper, or fails the request.
-    }
     // A character set after the type is refused, too: the feed has never sent one.
-    if (status != 200 || !connection->rawHeader("Content-Type").endsWith("/xml")) {
+    if (status != 200 || !contentType.endsWith("/xml")) {
         cancel(connection);
     }
 }
 
-void KivNotificationReceiver::connectionDidReceiveData(QNetworkReply *connection)
+void KivNotificationReceiver::connectionDidReceiveData(FeedConnection *connection, const QByteArray &bytes)
 {
-    m_data += connection->readAll();
+    m_data += bytes;
     if (m_data.size() > mostBytes) {
         cancel(connection);
         m_data.clear(); // Whatever came next, it could not become a document any more.
     }
 }
 
-void KivNotificationReceiver::connectionDidEnd(QNetworkReply *connection)
+void KivNotificationReceiver::connectionDidEnd(FeedConnection *connection, FeedConnection::End end)
 {
     letGoOfCancelled();
     connection->deleteLater();
     m_connection = nullptr; // Whichever it was.
-    if (connection->error() == QNetworkReply::NoError) {
+    if (end == FeedConnection::End::Complete) {
         parseNotificationData();
     }
 }
@@ -171,23 +133,13 @@ void KivNotificationReceiver::letGoOfCancelled()
     }
 }
 
-void KivNotificationReceiver::cancel(QNetworkReply *connection)
+void KivNotificationReceiver::cancel(FeedConnection *connection)
 {
     connection->disconnect(this);
+    connection->cancel();
     if (connection == m_connection) {
         m_isCancelled = true;
-        // Later: Qt, which is about to report the answer's own error, warns of an end that came before it.
-        QMetaObject::invokeMethod(connection, &QNetworkReply::abort, Qt::QueuedConnection);
     } else {
         connection->deleteLater();
     }
-}
-
-QNetworkAccessManager &KivNotificationReceiver::network()
-{
-    if (!m_network) {
-        m_network = std::make_unique<QNetworkAccessManager>();
-        m_network->setProxy(QNetworkProxy::NoProxy);
-    }
-    return *m_network;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "notify/FeedConnection.h"
 #include "notify/FeedParser.h"
 
 #include <QByteArray>
@@ -11,8 +12,6 @@
 class Bundle;
 class KivNotificationProperties;
 class NotificationSink;
-class QNetworkAccessManager;
-class QNetworkReply;
 class QTimer;
 
 /// Seconds between two requests to the feed: a day.
@@ -27,8 +26,8 @@ struct FeedTiming final {
 
 /// Fetches the feed of support messages over HTTP, once at start and then daily, and hands its records to the sink.
 ///
-/// Failures are silent: the next attempt is the next tick of the timer. Redirects are followed, but never from https to
-/// http. Neither proxies, cookies, stored credentials nor caches are used. An answer is cancelled when it, together
+/// Failures are silent: the next attempt is the next tick of the timer. fetch/FeedFetch.h says how a request is made.
+/// An answer is cancelled when it, together
 /// with the bytes kept of malformed ones before it, exceeds 16 MiB; then none of these bytes are kept. Main thread
 /// only.
 class KivNotificationReceiver final : public QObject
@@ -62,24 +61,22 @@ public:
 
     /// The last request sent, while it is in flight or after it was cancelled; null when the last one to end had an end
     /// of its own.
-    [[nodiscard]] const QNetworkReply *connection() const noexcept { return m_connection; }
+    [[nodiscard]] const FeedConnection *connection() const noexcept { return m_connection; }
 
 private:
-    void connectionDidReceiveResponse(QNetworkReply *connection);
-    void connectionDidReceiveData(QNetworkReply *connection);
-    void connectionDidEnd(QNetworkReply *connection);
+    void connectionDidReceiveResponse(FeedConnection *connection, int status, const QByteArray &contentType);
+    void connectionDidReceiveData(FeedConnection *connection, const QByteArray &bytes);
+    void connectionDidEnd(FeedConnection *connection, FeedConnection::End end);
     void letGoOfCancelled();
-    void cancel(QNetworkReply *connection);
-    [[nodiscard]] QNetworkAccessManager &network();
+    void cancel(FeedConnection *connection);
 
     const KivNotificationProperties &m_properties;
     const Bundle &m_bundle;
     NotificationSink &m_sink;
     FeedTiming m_timing;
     std::unique_ptr<QTimer> m_timer;
-    QNetworkReply *m_connection = nullptr; ///< Owned by m_network.
+    FeedConnection *m_connection = nullptr; ///< Its parent is this.
     bool m_isCancelled = false; ///< Whether m_connection is, and only held until the next one begins or ends.
     QByteArray m_data;
     FeedParser m_parser;
-    std::unique_ptr<QNetworkAccessManager> m_network; ///< Made for the first request.
 };

@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 namespace
@@ -52,7 +53,7 @@ QString iconName(std::int32_t messageType)
 }
 
 /// Null when there is none.
-QPixmap icon(std::int32_t messageType, int side, qreal devicePixelRatio)
+QImage readIcon(std::int32_t messageType, int side, qreal devicePixelRatio)
 {
     QFile file(Bundle::main().pathForResource(iconName(messageType), QStringLiteral("icns")));
     if (file.fileName().isEmpty() || !file.open(QIODevice::ReadOnly)) {
@@ -63,9 +64,22 @@ QPixmap icon(std::int32_t messageType, int side, qreal devicePixelRatio)
     if (image.isNull()) {
         return {};
     }
-    QPixmap pixmap = QPixmap::fromImage(image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation));
-    pixmap.setDevicePixelRatio(devicePixelRatio);
-    return pixmap;
+    QImage scaled = image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    scaled.setDevicePixelRatio(devicePixelRatio);
+    return scaled;
+}
+
+/// The same; the last one is kept. To decode and scale it takes as long as half of all else that a pop-up needs until
+/// it is shown, and most pop-ups are of one type. Not in Qt's cache, whose clean-up would wake the process up.
+QPixmap icon(std::int32_t messageType, int side, qreal devicePixelRatio)
+{
+    static std::tuple<std::int32_t, int, qreal> kind;
+    static QImage kept; // A pixmap must not outlive the application object.
+    if (const std::tuple asked(messageType, side, devicePixelRatio); kept.isNull() || asked != kind) {
+        kind = asked;
+        kept = readIcon(messageType, side, devicePixelRatio);
+    }
+    return QPixmap::fromImage(kept);
 }
 
 /// A frame within the window in Qt's coordinates, which count from the top.
@@ -77,6 +91,11 @@ QRect inWindow(const NSRect &frame, const NSSize &window)
     const int right = rounded(frame.origin.x + frame.size.width);
     const int bottom = rounded(window.height - frame.origin.y);
     return QRect(left, top, right - left, bottom - top);
+}
+
+QSize sizeInWindows(const NSSize &size)
+{
+    return {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))};
 }
 
 QPushButton *newButton(const QString &text, const QRect &frame, QWidget *parent)
@@ -149,7 +168,8 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     const PopUpLayout layout = popUpLayout(contents);
     const NSSize size = layout.window.size;
 
-    setFrame(layout.window);
+    m_frame = layout.window;
+    resize(sizeInWindows(size));
     view->setGeometry(rect());
     addIcon(m_notification->messageType(), inWindow(layout.icon, size), view);
     if (contents.hasTitle) {
@@ -207,14 +227,13 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
 
 NSRect KivNotificationWindow::frame() const
 {
-    return isWhereItWasPut() ? m_frame : MainScreen::fromQt(geometry());
+    return !m_shown || isWhereItWasPut() ? m_frame : MainScreen::fromQt(geometry());
 }
 
 void KivNotificationWindow::setFrame(const NSRect &frame)
 {
     m_frame = frame;
-    const QSize size(static_cast<int>(std::lround(frame.size.width)), static_cast<int>(std::lround(frame.size.height)));
-    setGeometry({MainScreen::toQt({frame.origin.x, frame.origin.y + frame.size.height}), size});
+    setGeometry({MainScreen::toQt({frame.origin.x, frame.origin.y + frame.size.height}), sizeInWindows(frame.size)});
 }
 
 std::optional<NSRect> KivNotificationWindow::screenFrame() const

@@ -8,13 +8,22 @@
 
 #include <utility>
 
+namespace
+{
+QString existing(const QString &file)
+{
+    return QFileInfo(file).isFile() ? file : QString();
+}
+} // namespace
+
 Bundle::Bundle(const QString &resources)
-    : Bundle(resources, resources + QStringLiteral("/Info.plist"))
+    : Bundle(resources, resources + QStringLiteral("/Info.plist"), resources)
 {
 }
 
-Bundle::Bundle(QString resources, const QString &informationFile)
+Bundle::Bundle(QString resources, const QString &informationFile, QString executables)
     : m_resources(std::move(resources))
+    , m_executables(std::move(executables))
 {
     const QVariant information = PropertyList::readFile(informationFile);
     if (information.typeId() == QMetaType::QVariantMap) {
@@ -26,7 +35,7 @@ const Bundle &Bundle::main()
 {
     static const Bundle bundle = [] {
         const MainBundlePath path = mainBundlePath();
-        return Bundle(path.resources, path.informationFile);
+        return Bundle(path.resources, path.informationFile, path.executables);
     }();
     return bundle;
 }
@@ -38,7 +47,10 @@ QString Bundle::infoString(const QString &key) const
 
 QString Bundle::pathForResource(const QString &name, const QString &type) const
 {
-    const QString file = type.isEmpty() ? name : name + u'.' + type;
-    const QString path = m_resources + u'/' + file;
-    return QFileInfo(path).isFile() ? path : QString();
+    return existing(m_resources + u'/' + (type.isEmpty() ? name : name + u'.' + type));
+}
+
+QString Bundle::pathForAuxiliaryExecutable(const QString &name) const
+{
+    return existing(m_executables + u'/' + name);
 }

@@ -11,11 +11,11 @@
 class Bundle final
 {
 public:
-    /// A bundle whose Info.plist and resources lie in `resources`.
+    /// A bundle whose Info.plist, resources and programs lie in `resources`.
     explicit Bundle(const QString &resources);
 
-    /// A bundle whose Info.plist lies elsewhere: on macOS it is one folder above the resources.
-    Bundle(QString resources, const QString &informationFile);
+    /// A bundle whose Info.plist and programs lie elsewhere: on macOS the one is a folder above the resources.
+    Bundle(QString resources, const QString &informationFile, QString executables);
 
     /// The running program's bundle. Read once, at first use.
     [[nodiscard]] static const Bundle &main();
@@ -31,7 +31,11 @@ public:
     /// such file.
     [[nodiscard]] QString pathForResource(const QString &name, const QString &type) const;
 
+    /// The path of a program of the bundle's other than the running one; a null string when there is no such file.
+    [[nodiscard]] QString pathForAuxiliaryExecutable(const QString &name) const;
+
 private:
     QString m_resources;
+    QString m_executables;
     std::optional<QVariantMap> m_info;
 };

@@ -10,7 +10,7 @@ namespace GraphicalSession
 [[nodiscard]] QString prepare();
 
 /// Makes this process a quiet part of the session: it no longer wakes up for what others do on the screen while it shows
-/// nothing there itself. To be called once the application object is there.
+/// nothing there itself, and gives back the memory of windows that have gone. To be called once the application object is there.
 void settle();
 
 } // namespace GraphicalSession

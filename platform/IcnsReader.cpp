@@ -1,5 +1,7 @@
 #include "IcnsReader.h"
 
+#include <QBuffer>
+#include <QImageReader>
 #include <QtEndian>
 
 #include <map>
@@ -53,5 +55,9 @@ QImage readIcns(const QByteArray &file, int side)
         return {};
     }
     const auto enough = pictures.lower_bound(side);
-    return QImage::fromData(enough != pictures.end() ? enough->second : pictures.rbegin()->second, "PNG");
+    QByteArray chosen = enough != pictures.end() ? enough->second : pictures.rbegin()->second;
+    QBuffer buffer(&chosen);
+    QImageReader reader(&buffer, "png");
+    reader.setAutoDetectImageFormat(false); // Or Qt would load all plugins for pictures first.
+    return reader.read();
 }

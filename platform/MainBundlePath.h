@@ -6,6 +6,7 @@
 struct MainBundlePath {
     QString resources;       ///< The folder with its resources.
     QString informationFile; ///< Its Info.plist.
+    QString executables;     ///< The folder with its programs.
 };
 
 /// Needs the application object. Main thread only.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Geometry.h"
+#include "platform/ScreenCoordinates.h"
 
 #include <QPoint>
 #include <QRect>
@@ -8,8 +9,8 @@
 #include <optional>
 
 /// The main screen in the agent's own coordinates (platform/Geometry.h), and the one place that converts to Qt's.
-/// Everything is asked of the window system at each call: QScreen lags one event-loop turn behind a size switched by
-/// another process. Main thread only.
+/// Everything is asked of the window system at each call, unless it is held: QScreen lags one event-loop turn behind a
+/// size switched by another process. Main thread only.
 namespace MainScreen
 {
 
@@ -24,5 +25,20 @@ namespace MainScreen
 
 /// A rectangle of Qt's global coordinates in the agent's own.
 [[nodiscard]] NSRect fromQt(const QRect &rect);
+
+/// While one lives, the screen is what it was when the first was made. For work that is done in one go and is to have
+/// one screen in mind: to ask takes two rounds to the X server. Not beyond a return to the event loop, nor across a
+/// program that is waited for.
+class Held final
+{
+public:
+    Held();
+    ~Held();
+    Held(const Held &) = delete;
+    Held &operator=(const Held &) = delete;
+};
+
+/// The screen as the window system has it now, held or not. The size is empty when no display is connected.
+[[nodiscard]] ScreenCoordinates askWindowSystem();
 
 } // namespace MainScreen

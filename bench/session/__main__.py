@@ -60,9 +60,11 @@ def main():
     for title, figures in sections:
         print("\n" + page.section(title, figures))
     if asked.page and not asked.figure:
+        with open(place.source("docs/performance-notes.md"), encoding="utf-8") as file:
+            notes = file.read()
         with open(asked.page, "w", encoding="utf-8") as file:
             gaps = [f"This run could not measure: {', '.join(failed)}."] if failed else []
-            file.write(page.page(machine.facts() + gaps, sections))
+            file.write(page.page(machine.facts() + gaps, sections, notes))
     missed = [figure.title for _, figures in sections for figure in figures if not figure.met]
     if missed:
         print("Not met: " + "; ".join(missed), file=sys.stderr)

@@ -41,11 +41,13 @@ def section(title, figures):
     return f"## {title}\n\n{_table(figures)}\n\n{methods}\n"
 
 
-def page(facts, sections):
-    """The whole page. `facts` are sentences about the machine and the run; `sections` pairs of title and figures."""
+def page(facts, sections, notes=""):
+    """The whole page. `facts` are sentences about the machine and the run; `sections` pairs of title and figures;
+    `notes` is a part of the page that is written by hand."""
     head = """# What it costs
 
 `./kiv bench` makes this page anew. All programs of a table were measured in one run, side by side; what counts is how
 they compare, since another machine has other figures. A limit that is not met ends the run with status 1.
 """
-    return "\n".join([head, " ".join(facts) + "\n", *[section(title, figures) for title, figures in sections]])
+    return "\n".join([head, " ".join(facts) + "\n", *[section(title, figures) for title, figures in sections],
+                      *([notes] if notes else [])])

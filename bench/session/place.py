@@ -36,7 +36,8 @@ class Place:
         bundle = self.build("bundle")
         shutil.rmtree(bundle, ignore_errors=True)
         os.makedirs(os.path.join(bundle, "bin"))
-        shutil.copy2(self.build("bin/kivmenua"), os.path.join(bundle, "bin"))
+        for program in ("kivmenua", "kivfetch"):
+            shutil.copy2(self.build("bin/" + program), os.path.join(bundle, "bin"))
         shutil.copytree(self.build("share"), os.path.join(bundle, "share"))
         path = os.path.join(bundle, "share/kivmenua/Info.plist")
         with open(path, "rb") as file:

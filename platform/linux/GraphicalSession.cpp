@@ -1,5 +1,6 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/linux/FreedMemory.h"
 #include "platform/linux/RootProperties.h"
 #include "platform/linux/SessionBusAddress.h"
 
@@ -71,4 +72,5 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     RootProperties::hearOnlyWhileShown();
+    FreedMemory::giveBackAfterWindows();
 }

@@ -6,7 +6,7 @@
 MainBundlePath mainBundlePath()
 {
     // Qt takes the folder from /proc/self/exe, so a link to the program still finds the program's bundle.
-    const QString resources =
-        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/kivmenua"));
-    return {resources, resources + QStringLiteral("/Info.plist")};
+    const QString programs = QCoreApplication::applicationDirPath();
+    const QString resources = QDir::cleanPath(programs + QStringLiteral("/../share/kivmenua"));
+    return {resources, resources + QStringLiteral("/Info.plist"), programs};
 }

@@ -6,6 +6,7 @@
 #include <QScreen>
 
 #include <algorithm>
+#include <map>
 #include <vector>
 
 std::optional<std::size_t> pickMainOutput(xcb_randr_output_t primary, std::span<const DisplayOutput> outputs)
@@ -44,32 +45,44 @@ std::optional<MainDisplay> mainDisplay(xcb_connection_t *x, xcb_window_t root)
         return std::nullopt;
     }
 
+    // All at once: a pop-up waits for these answers, and a round to the server and back takes longer than they do.
     const std::span<const xcb_randr_output_t> ids(
         xcb_randr_get_screen_resources_current_outputs(resources.get()),
         static_cast<std::size_t>(xcb_randr_get_screen_resources_current_outputs_length(resources.get())));
-    std::vector<xcb_randr_get_output_info_cookie_t> cookies;
+    std::vector<xcb_randr_get_output_info_cookie_t> outputCookies;
     for (const xcb_randr_output_t id : ids) {
-        cookies.push_back(xcb_randr_get_output_info(x, id, resources->config_timestamp));
+        outputCookies.push_back(xcb_randr_get_output_info(x, id, resources->config_timestamp));
     }
+    const std::span<const xcb_randr_crtc_t> crtcs(
+        xcb_randr_get_screen_resources_current_crtcs(resources.get()),
+        static_cast<std::size_t>(xcb_randr_get_screen_resources_current_crtcs_length(resources.get())));
+    std::vector<xcb_randr_get_crtc_info_cookie_t> crtcCookies;
+    for (const xcb_randr_crtc_t crtc : crtcs) {
+        crtcCookies.push_back(xcb_randr_get_crtc_info(x, crtc, resources->config_timestamp));
+    }
+
     std::vector<DisplayOutput> outputs;
     for (std::size_t i = 0; i < ids.size(); ++i) {
-        const XcbReply<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(x, cookies[i], nullptr));
+        const XcbReply<xcb_randr_get_output_info_reply_t> info(
+            xcb_randr_get_output_info_reply(x, outputCookies[i], nullptr));
         if (info) {
             outputs.push_back({ids[i], info->crtc, info->connection == XCB_RANDR_CONNECTION_CONNECTED});
         }
     }
+    std::map<xcb_randr_crtc_t, QRect> bounds;
+    for (std::size_t i = 0; i < crtcs.size(); ++i) {
+        const XcbReply<xcb_randr_get_crtc_info_reply_t> info(xcb_randr_get_crtc_info_reply(x, crtcCookies[i], nullptr));
+        if (info) {
+            bounds[crtcs[i]] = QRect(info->x, info->y, info->width, info->height);
+        }
+    }
 
     const std::optional<std::size_t> chosen = pickMainOutput(primary ? primary->output : XCB_NONE, outputs);
-    if (!chosen) {
+    if (!chosen || !bounds.contains(outputs[*chosen].crtc)) {
         return std::nullopt;
     }
     const DisplayOutput &output = outputs[*chosen];
-    const auto crtcCookie = xcb_randr_get_crtc_info(x, output.crtc, resources->config_timestamp);
-    const XcbReply<xcb_randr_get_crtc_info_reply_t> crtc(xcb_randr_get_crtc_info_reply(x, crtcCookie, nullptr));
-    if (!crtc) {
-        return std::nullopt;
-    }
-    return MainDisplay{output.output, output.crtc, QRect(crtc->x, crtc->y, crtc->width, crtc->height)};
+    return MainDisplay{output.output, output.crtc, bounds[output.crtc]};
 }
 
 ScreenCoordinates screenCoordinates()

@@ -6,15 +6,6 @@
 namespace MainScreen
 {
 
-std::optional<NSRect> frame()
-{
-    const ScreenCoordinates screen = screenCoordinates();
-    if (screen.mainScreen.isEmpty()) {
-        return std::nullopt;
-    }
-    return screen.frame();
-}
-
 NSPoint mouseLocation()
 {
     // Not QCursor::pos(): outside Qt's own windows it may answer from the last event.
@@ -28,14 +19,9 @@ NSPoint mouseLocation()
     return screenCoordinates().fromDevice(device);
 }
 
-QPoint toQt(NSPoint point)
+ScreenCoordinates askWindowSystem()
 {
-    return screenCoordinates().toQt(point);
-}
-
-NSRect fromQt(const QRect &rect)
-{
-    return screenCoordinates().fromQt(rect);
+    return screenCoordinates();
 }
 
 } // namespace MainScreen

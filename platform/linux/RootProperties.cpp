@@ -63,10 +63,9 @@ RootProperties::~RootProperties()
 bool RootProperties::eventFilter(QObject *watched, QEvent *event)
 {
     if (watched->isWindowType()) {
-        if (event->type() == QEvent::Show) {
-            setHeard(true);
-        } else if (event->type() == QEvent::Hide) {
-            // A window that is closed from inside its own menu is often followed by another at once.
+        // Later: a window that comes up need not wait for the server's answer, and one that is closed from inside its
+        // own menu is often followed by another at once.
+        if (event->type() == QEvent::Show || event->type() == QEvent::Hide) {
             QMetaObject::invokeMethod(this, &RootProperties::update, Qt::QueuedConnection);
         }
     }

@@ -1,5 +1,7 @@
 #include "platform/MainBundlePath.h"
 
+#include <QCoreApplication>
+
 #include <CoreFoundation/CoreFoundation.h>
 
 namespace
@@ -33,5 +35,6 @@ MainBundlePath mainBundlePath()
     }
     // The support files are those in Contents, where Info.plist is.
     return {takePath(CFBundleCopyResourcesDirectoryURL(bundle)),
-            takePath(CFBundleCopySupportFilesDirectoryURL(bundle)) + QStringLiteral("/Info.plist")};
+            takePath(CFBundleCopySupportFilesDirectoryURL(bundle)) + QStringLiteral("/Info.plist"),
+            QCoreApplication::applicationDirPath()};
 }

@@ -1,34 +1,9 @@
 #include "platform/MainScreen.h"
 
-#include "platform/ScreenCoordinates.h"
-
 #include <Carbon/Carbon.h>
 
 namespace MainScreen
 {
-
-namespace
-{
-
-// Core Graphics counts the screen in points from the top left, as Qt does, so that the ratio between the two is 1.
-ScreenCoordinates screenCoordinates()
-{
-    const CGRect bounds = CGDisplayBounds(CGMainDisplayID());
-    return {QRect(static_cast<int>(bounds.origin.x), static_cast<int>(bounds.origin.y),
-                  static_cast<int>(bounds.size.width), static_cast<int>(bounds.size.height)),
-            1.0};
-}
-
-} // namespace
-
-std::optional<NSRect> frame()
-{
-    const ScreenCoordinates screen = screenCoordinates();
-    if (screen.mainScreen.isEmpty()) {
-        return std::nullopt;
-    }
-    return screen.frame();
-}
 
 NSPoint mouseLocation()
 {
@@ -37,18 +12,17 @@ NSPoint mouseLocation()
     if (now) {
         CFRelease(now);
     }
-    const QRect main = screenCoordinates().mainScreen;
+    const QRect main = askWindowSystem().mainScreen;
     return {static_cast<float>(mouse.x - main.x()), static_cast<float>(main.y() + main.height() - mouse.y)};
 }
 
-QPoint toQt(NSPoint point)
+ScreenCoordinates askWindowSystem()
 {
-    return screenCoordinates().toQt(point);
-}
-
-NSRect fromQt(const QRect &rect)
-{
-    return screenCoordinates().fromQt(rect);
+    // Core Graphics counts the screen in points from the top left, as Qt does, so that the ratio between the two is 1.
+    const CGRect bounds = CGDisplayBounds(CGMainDisplayID());
+    return {QRect(static_cast<int>(bounds.origin.x), static_cast<int>(bounds.origin.y),
+                  static_cast<int>(bounds.size.width), static_cast<int>(bounds.size.height)),
+            1.0};
 }
 
 } // namespace MainScreen

@@ -53,6 +53,11 @@ class PageTest(unittest.TestCase):
         self.assertIn("\nRun of today. Two cores.\n", text)
         self.assertLess(text.index("## A session"), text.index("## Pop-ups"))
 
+    def test_ends_with_what_is_written_by_hand(self):
+        text = page.page(["Run of today."], [("A session", [])], "## What is left\n\nA little.\n")
+        self.assertLess(text.index("## A session"), text.index("## What is left"))
+        self.assertTrue(text.endswith("A little.\n"))
+
 
 class WakeUpTest(unittest.TestCase):
     def test_counts_threads_that_came_and_went(self):

@@ -9,7 +9,6 @@
 
 #include <QElapsedTimer>
 #include <QFile>
-#include <QNetworkReply>
 #include <QTemporaryDir>
 #include <QTimer>
 
@@ -18,6 +17,7 @@
 #include <algorithm>
 #include <optional>
 #include <random>
+#include <sys/resource.h>
 
 namespace
 {
@@ -65,6 +65,23 @@ long peakMemory()
     return -1;
 }
 
+/// The most memory that any child that has ended ever had at once, in KiB.
+long peakMemoryOfChildren()
+{
+    rusage usage = {};
+    EXPECT_EQ(getrusage(RUSAGE_CHILDREN, &usage), 0);
+    return usage.ru_maxrss;
+}
+
+/// Counts the crashes of the program that fetches.
+int crashes = 0;
+
+void countCrashes(QtMsgType, const QMessageLogContext &, const QString &message)
+{
+    crashes += message.contains(QLatin1String("crashed")) ? 1 : 0;
+    std::fprintf(stderr, "%s\n", qPrintable(message));
+}
+
 class FeedMisbehaviour : public testing::Test
 {
 protected:
@@ -96,6 +113,7 @@ protected:
         const UserDatabase nobody{.loginName = [] { return std::nullopt; },
                                   .groupMembers = [](const std::string &) { return std::vector<std::string>(); }};
         m_receiver.reset();
+        QFile::link(QStringLiteral(KIV_FETCH), m_directory.filePath(QStringLiteral("kivfetch"))); // Unless it is there.
         m_bundle.emplace(m_directory.path());
         m_properties.emplace(*m_bundle, m_directory.path(), QString(), nobody, &QDateTime::currentDateTimeUtc);
         m_receiver.emplace(*m_properties, *m_bundle, sink, FeedTiming{.timeOut = 100ms});
@@ -123,20 +141,24 @@ TEST_F(FeedMisbehaviour, NeitherCrashesNorHoldsUpNorFillsTheAgent)
 {
     constexpr int cases = 1000;
     RecordProperty("seed", std::to_string(seed));
+    qInstallMessageHandler(countCrashes);
     askFor(QStringLiteral("/feed"));
     const Pulse pulse;
     for (int number = 0; number < cases; ++number) {
         ASSERT_TRUE(ask()) << "seed " << seed << ", " << lastCase().toStdString();
         ASSERT_LT(pulse.longest(), 2000) << "seed " << seed << ", " << lastCase().toStdString();
     }
-    std::printf("%d cases from seed %u: the event loop stood still for %lld ms at most, peak memory %ld KiB\n", cases,
-                seed, static_cast<long long>(pulse.longest()), peakMemory());
+    std::printf("%d cases from seed %u: the event loop stood still for %lld ms at most, peak memory %ld KiB, of "
+                "fetching %ld KiB\n",
+                cases, seed, static_cast<long long>(pulse.longest()), peakMemory(), peakMemoryOfChildren());
     EXPECT_GT(casesServed(), cases * 9 / 10) << "it was not tried on much";
     sink.count = 0;
     askFor(QStringLiteral("/well"));
     ASSERT_TRUE(ask());
     EXPECT_EQ(sink.count, 1);
+    EXPECT_EQ(crashes, 0) << "seed " << seed;
     EXPECT_LT(peakMemory(), 512 * 1024) << "KiB, seed " << seed;
+    EXPECT_LT(peakMemoryOfChildren(), 512 * 1024) << "KiB, seed " << seed;
 }
 
 } // namespace

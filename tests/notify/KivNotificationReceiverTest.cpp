@@ -12,11 +12,8 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QNetworkProxy>
-#include <QNetworkReply>
 #include <QPointer>
 #include <QProcess>
-#include <QSslConfiguration>
 #include <QTemporaryDir>
 #include <QUrl>
 
@@ -92,23 +89,25 @@ ScriptedAnswer compressed(const QByteArray &body)
             .body = qCompress(body).mid(sizeInFrontOfZlibs)};
 }
 
-/// While it lives, this program trusts the servers with that certificate.
-class Trust final
+/// While it lives, programs started from here have that variable.
+class Variable final
 {
 public:
-    explicit Trust(const QString &certificate)
+    Variable(const char *name, const QString &value)
+        : m_name(name)
     {
-        QSslConfiguration configuration = m_usual;
-        configuration.addCaCertificates(certificate);
-        QSslConfiguration::setDefaultConfiguration(configuration);
+        qputenv(name, value.toLocal8Bit());
     }
-    ~Trust() { QSslConfiguration::setDefaultConfiguration(m_usual); }
-    Trust(const Trust &) = delete;
-    Trust &operator=(const Trust &) = delete;
+    ~Variable() { qunsetenv(m_name); }
+    Variable(const Variable &) = delete;
+    Variable &operator=(const Variable &) = delete;
 
 private:
-    const QSslConfiguration m_usual = QSslConfiguration::defaultConfiguration();
+    const char *m_name;
 };
+
+constexpr char trustedCertificate[] = "KIV_TRUSTED_CERTIFICATE"; ///< Read by fetch_of_the_test.
+constexpr char applicationProxy[] = "KIV_APPLICATION_PROXY";     ///< As well.
 
 class KivNotificationReceiverTest : public testing::Test
 {
@@ -130,12 +129,15 @@ protected:
                                             PropertyList::Writing::InPlace));
         const QString systemVersionFile = directory.filePath(QStringLiteral("SystemVersion.plist"));
         ASSERT_TRUE(PropertyList::writeFile(systemVersionFile, system, PropertyList::Writing::InPlace));
+        QFile::link(QStringLiteral(KIV_FETCH_OF_THE_TEST), fetch()); // Unless it is there.
         bundle.emplace(directory.path());
         const UserDatabase nobody{.loginName = [] { return std::nullopt; },
                                   .groupMembers = [](const std::string &) { return std::vector<std::string>(); }};
         properties.emplace(*bundle, directory.path(), systemVersionFile, nobody, &QDateTime::currentDateTimeUtc);
         receiver.emplace(*properties, *bundle, sink, timing);
     }
+
+    QString fetch() const { return directory.filePath(QStringLiteral("kivfetch")); }
 
     /// Sends a request and waits until it has ended.
     void receive()
@@ -298,7 +300,7 @@ TEST_F(KivNotificationReceiverTest, FollowsNoRedirectToAFileNorInCircles)
 TEST_F(KivNotificationReceiverTest, FetchesOverTls)
 {
     const QString certificate = makeCertificate();
-    const Trust trust(certificate);
+    const Variable trust(trustedCertificate, certificate);
     ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, certificate));
     receiveFrom(server.address(QStringLiteral("/feed")));
     receive();
@@ -320,7 +322,7 @@ TEST_F(KivNotificationReceiverTest, FollowsNoRedirectFromTlsToPlainHttp)
     FeedServer plain;
     ASSERT_TRUE(plain.start({answerWith(feedWith("1"))}));
     const QString certificate = makeCertificate();
-    const Trust trust(certificate);
+    const Variable trust(trustedCertificate, certificate);
     ASSERT_TRUE(server.startSecurely(
         {{.status = 302, .headers = {{QStringLiteral("Location"), plain.address(QStringLiteral("/feed"))}}}},
         certificate));
@@ -571,15 +573,33 @@ TEST_F(KivNotificationReceiverTest, SendsNoCookiesBack)
 TEST_F(KivNotificationReceiverTest, GoesByNoProxy)
 {
     ASSERT_TRUE(server.start({answerWith(feedWith("1"))}));
-    const auto port = static_cast<quint16>(QUrl(server.address(QString())).port());
-    const QNetworkProxy usual = QNetworkProxy::applicationProxy();
-    QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), port});
+    const QString port = QString::number(QUrl(server.address(QString())).port());
+    const Variable proxy(applicationProxy, port);
     // This machine, too, but not by a name that Qt would never go to a proxy for. Nobody listens there.
     receiveFrom(QStringLiteral("http://0.0.0.0:1/feed"));
     receive();
-    QNetworkProxy::setApplicationProxy(usual);
     EXPECT_EQ(server.requests(), QList<QJsonObject>());
     EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, FailsQuietlyWithoutTheProgramThatFetches)
+{
+    serve({answerWith(feedWith("1"))});
+    ASSERT_TRUE(QFile::remove(fetch()));
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    QFile other(fetch());
+    ASSERT_TRUE(other.open(QIODevice::WriteOnly)); // No program at all.
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, KeepsNoConnectionThatHasEnded)
+{
+    serve({answerWith(feedWith("1"))});
+    receive();
+    EXPECT_TRUE(waitUntil([this] { return receiver->findChildren<FeedConnection *>().isEmpty(); }));
 }
 
 TEST_F(KivNotificationReceiverTest, EndsWithARequestInFlight)

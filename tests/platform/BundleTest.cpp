@@ -85,7 +85,11 @@ TEST_F(BundleFolder, TakesInfoPlistFromOutsideTheResources)
     writeInfo(QStringLiteral("Contents/Info.plist"),
               QVariantMap{{QStringLiteral("KIVBuildVersion"), QStringLiteral("4.0")}});
     write(QStringLiteral("Contents/Resources/statuson.tiff"), "II*");
-    const Bundle bundle(path(QStringLiteral("Contents/Resources")), path(QStringLiteral("Contents/Info.plist")));
+    write(QStringLiteral("Contents/MacOS/another"), "#!/bin/sh");
+    const Bundle bundle(path(QStringLiteral("Contents/Resources")), path(QStringLiteral("Contents/Info.plist")),
+                        path(QStringLiteral("Contents/MacOS")));
+    EXPECT_EQ(bundle.pathForAuxiliaryExecutable(QStringLiteral("another")),
+              path(QStringLiteral("Contents/MacOS/another")));
     EXPECT_EQ(bundle.infoString(QStringLiteral("KIVBuildVersion")), QStringLiteral("4.0"));
     EXPECT_FALSE(bundle.pathForResource(QStringLiteral("statuson"), QStringLiteral("tiff")).isNull());
 }
@@ -142,6 +146,16 @@ TEST_F(MainBundle, LiesBesideTheProgramsFolder)
               QStringList({QStringLiteral("1"), QStringLiteral("1.0"), path(QStringLiteral("one")) + image}));
     EXPECT_EQ(run(path(QStringLiteral("two/bin/probe"))).mid(0, 3),
               QStringList({QStringLiteral("1"), QStringLiteral("2.0"), path(QStringLiteral("two")) + image}));
+}
+
+TEST_F(MainBundle, HasItsOtherProgramsBesideTheRunningOne)
+{
+    install(QStringLiteral("one"), QStringLiteral("1.0"));
+    const QString probe = path(QStringLiteral("one/bin/probe"));
+    EXPECT_EQ(run(probe).value(3), QString());
+    const QString another = QStringLiteral("one/bin/another");
+    write(another, "#!/bin/sh");
+    EXPECT_EQ(run(probe).value(3), path(another));
 }
 
 TEST_F(MainBundle, IsThatOfTheRealProgramBehindALink)

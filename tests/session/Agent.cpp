@@ -31,8 +31,10 @@ bool makeBundle(const QString &program, const QString &feed, const QDir &directo
 {
     const QDir build(QStringLiteral(KIV_BUILD_DIR));
     const QDir resources(build.filePath(QStringLiteral("share/kivmenua")));
-    bool made = directory.mkpath(QStringLiteral("bin")) && directory.mkpath(QStringLiteral("share/kivmenua")) &&
-                QFile::copy(program, directory.filePath(QStringLiteral("bin/kivmenua")));
+    bool made =
+        directory.mkpath(QStringLiteral("bin")) && directory.mkpath(QStringLiteral("share/kivmenua")) &&
+        QFile::copy(program, directory.filePath(QStringLiteral("bin/kivmenua"))) &&
+        QFile::copy(build.filePath(QStringLiteral("bin/kivfetch")), directory.filePath(QStringLiteral("bin/kivfetch")));
     for (const QString &name : resources.entryList(QDir::Files)) {
         if (name != QLatin1String("Info.plist")) {
             made = made &&

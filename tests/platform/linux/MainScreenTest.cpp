@@ -58,6 +58,23 @@ TEST(MainScreen, FollowsASwitchOfSizeAtOnce)
     EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1280, 800}}));
 }
 
+TEST(MainScreen, StaysWhatItWasWhileItIsHeld)
+{
+    xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")});
+    {
+        const MainScreen::Held outer;
+        {
+            const MainScreen::Held inner;
+        }
+        xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")});
+        EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1280, 800}}));
+        const MainScreen::Held later;
+        EXPECT_EQ(MainScreen::toQt({10, 731}), QPoint(10, 69));
+    }
+    EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1024, 768}}));
+    xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")});
+}
+
 TEST(MainScreen, IsWhatTheDisplayShowsOfALargerRootWindow)
 {
     xrandr({QStringLiteral("--fb"), QStringLiteral("1500x900")});

@@ -127,7 +127,7 @@ TEST_F(RootPropertiesTest, AreHeardAsLongAsAWindowIsShown)
     QWindow second;
     first.show();
     second.show();
-    EXPECT_EQ(heard(), 1);
+    EXPECT_TRUE(waitUntil([this] { return heard() == 1; }));
     first.hide();
     EXPECT_EQ(heard(), 1);
     second.hide();

@@ -1,0 +1,101 @@
+#include "fetch/FeedFetch.h"
+
+#include <QCoreApplication>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QSocketNotifier>
+#include <QTimer>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <unistd.h>
+
+namespace
+{
+
+/// How much of an answer Qt holds while nobody takes it.
+constexpr qint64 readBuffer = 1024 * 1024;
+
+constexpr int usageError = 2;
+
+bool isRedirect(int status)
+{
+    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+QNetworkRequest plainRequest(const QUrl &address)
+{
+    QNetworkRequest request(address);
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    for (const auto attribute :
+         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
+          QNetworkRequest::AuthenticationReuseAttribute}) {
+        request.setAttribute(attribute, QNetworkRequest::Manual);
+    }
+    return request;
+}
+
+/// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect (seen in
+/// 6.4), after which a silent server would hold the request for ever.
+void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeOut)
+{
+    auto *const silence = new QTimer(connection);
+    silence->setSingleShot(true);
+    silence->callOnTimeout(connection, &QNetworkReply::abort);
+    const auto progress = [silence, timeOut] { silence->start(timeOut); };
+    QObject::connect(connection, &QNetworkReply::redirected, silence, progress);
+    QObject::connect(connection, &QNetworkReply::metaDataChanged, silence, progress);
+    QObject::connect(connection, &QNetworkReply::readyRead, silence, progress);
+    QObject::connect(connection, &QNetworkReply::finished, silence, &QTimer::stop);
+    progress();
+}
+
+void write(const QByteArray &bytes)
+{
+    // Waits for who reads, so that no more is asked of the server than is taken. When that has gone, the process ends
+    // by the signal.
+    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
+    std::fflush(stdout);
+}
+
+void writeHead(const QNetworkReply &connection)
+{
+    const int status = connection.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (isRedirect(status) && connection.hasRawHeader("Location")) {
+        return; // Qt goes on to the answer proper, or fails the request.
+    }
+    write(QByteArray::number(status) + ' ' + connection.rawHeader("Content-Type").replace('\n', ' ') + '\n');
+}
+
+} // namespace
+
+int fetchFeed(const QStringList &arguments)
+{
+    if (arguments.size() != 3) {
+        std::fputs("usage: kivfetch ADDRESS MILLISECONDS\n", stderr);
+        return usageError;
+    }
+    const QUrl address = QUrl::fromEncoded(arguments.at(1).toLatin1());
+    const std::chrono::milliseconds timeOut(arguments.at(2).toInt());
+
+    QSocketNotifier asker(STDIN_FILENO, QSocketNotifier::Read);
+    QObject::connect(&asker, &QSocketNotifier::activated, [] { QCoreApplication::exit(EXIT_FAILURE); });
+
+    QNetworkAccessManager network;
+    network.setProxy(QNetworkProxy::NoProxy);
+    QNetworkReply *const connection = network.get(plainRequest(address));
+    connection->setReadBufferSize(readBuffer);
+    limitSilence(connection, timeOut);
+    QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
+    QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection] { write(connection->readAll()); });
+    QObject::connect(
+        connection, &QNetworkReply::finished, connection,
+        [connection] {
+            QCoreApplication::exit(connection->error() == QNetworkReply::NoError ? EXIT_SUCCESS : EXIT_FAILURE);
+        },
+        Qt::QueuedConnection); // It may have ended before the loop begins.
+    return QCoreApplication::exec();
+}

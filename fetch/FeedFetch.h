@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QStringList>
+
+/// kivfetch ADDRESS MILLISECONDS: sends one GET request and writes the answer to standard output, as it comes in.
+///
+/// First a line with the status and, after a blank, the content type; then the body, whatever the status. Redirects are
+/// followed, but never from https to http, and are not reported. Neither proxies, cookies, stored credentials nor
+/// caches are used. Gives up when there is no progress for so many milliseconds, and when standard input, held open by
+/// who asks, comes to its end.
+///
+/// The exit status: 0 when the answer is whole, 1 when it is not, 2 for other arguments. Needs the application object,
+/// whose loop it runs.
+[[nodiscard]] int fetchFeed(const QStringList &arguments);

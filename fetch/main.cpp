@@ -1,0 +1,9 @@
+#include "fetch/FeedFetch.h"
+
+#include <QCoreApplication>
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    return fetchFeed(QCoreApplication::arguments());
+}

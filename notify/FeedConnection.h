@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QObject>
+#include <QProcess>
+#include <QUrl>
+
+#include <chrono>
+
+/// One request to the feed, carried out by the program kivfetch (fetch/FeedFetch.h). Qt's network library would cost
+/// each session 250 kB for as long as it lives, and another megabyte once it has spoken TLS. Main thread only.
+class FeedConnection final : public QObject
+{
+    Q_OBJECT
+
+public:
+    enum class End {
+        Complete, ///< The whole answer was received.
+        Failed,   ///< It was not, for whatever reason.
+    };
+
+    /// Sends nothing yet. `program` is the path of kivfetch; null, or another wrong one, is a request that fails.
+    FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeOut, QObject *parent);
+
+    /// Cancels it if it is in flight.
+    ~FeedConnection() override;
+
+    /// Sends the request. To be called once.
+    void start();
+
+    /// Breaks the connection. None of the signals comes after that.
+    void cancel();
+
+    /// Whether it has ended or was cancelled.
+    [[nodiscard]] bool isFinished() const noexcept { return m_isFinished; }
+
+Q_SIGNALS:
+    /// Once, before all data. The content type is empty when the server names none.
+    void receivedResponse(int status, const QByteArray &contentType);
+    void receivedData(const QByteArray &bytes);
+    void ended(FeedConnection::End end);
+
+private:
+    void read();
+    void readResponse();
+    void finish(End end);
+
+    QString m_program;
+    QUrl m_address;
+    std::chrono::milliseconds m_timeOut;
+    bool m_hasResponse = false;
+    bool m_isFinished = false;
+    QProcess m_process;
+};

@@ -1,0 +1,73 @@
+#include "tests/support/ChildProcess.h"
+#include "tests/support/FeedServer.h"
+#include "tests/support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+class FeedFetch : public testing::Test
+{
+protected:
+    void ask(const QString &address)
+    {
+        ASSERT_TRUE(fetch.start(QStringLiteral(KIV_FETCH), {address, QStringLiteral("60000")}));
+    }
+
+    void waitForItsEnd()
+    {
+        ASSERT_TRUE(waitUntil([this] { return !fetch.isRunning(); }));
+    }
+
+    FeedServer server;
+    ChildProcess fetch;
+};
+
+TEST_F(FeedFetch, WritesTheStatusTheTypeAndTheBodyAsTheyAre)
+{
+    ASSERT_TRUE(server.start({{.body = "<a>\n\r\n</a>"}}));
+    ask(server.address(QStringLiteral("/feed")));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.output(), "200 text/xml\n<a>\n\r\n</a>");
+    EXPECT_EQ(fetch.exitCode(), 0);
+}
+
+TEST_F(FeedFetch, ReportsTheAnswerBehindARedirectOnly)
+{
+    ASSERT_TRUE(server.start(
+        {{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}, .body = "moved"},
+         {.headers = {}, .body = "here"}}));
+    ask(server.address(QStringLiteral("/feed")));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.output(), "200 \nhere");
+}
+
+TEST_F(FeedFetch, TellsAnAnswerThatIsCutFromOneThatIsWhole)
+{
+    ASSERT_TRUE(server.start({{.body = "<a>lost</a>", .cutAfter = 3}}));
+    ask(server.address(QStringLiteral("/feed")));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.output(), "200 text/xml\n<a>");
+    EXPECT_EQ(fetch.exitCode(), 1);
+}
+
+TEST_F(FeedFetch, EndsWithItsAsker)
+{
+    ASSERT_TRUE(server.start({{.gated = true}}));
+    ask(server.address(QStringLiteral("/feed")));
+    ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
+    EXPECT_TRUE(fetch.isRunning());
+    fetch.closeInput();
+    waitForItsEnd();
+    EXPECT_EQ(fetch.exitCode(), 1);
+}
+
+TEST_F(FeedFetch, TakesTwoArgumentsOnly)
+{
+    ASSERT_TRUE(fetch.start(QStringLiteral(KIV_FETCH), {QStringLiteral("http://127.0.0.1/")}));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.exitCode(), 2);
+}
+
+} // namespace

@@ -1,0 +1,22 @@
+// kivfetch, which trusts a server of the test's, and has a proxy that it is not to use.
+
+#include "fetch/FeedFetch.h"
+
+#include <QCoreApplication>
+#include <QNetworkProxy>
+#include <QSslConfiguration>
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (const QString certificate = qEnvironmentVariable("KIV_TRUSTED_CERTIFICATE"); !certificate.isEmpty()) {
+        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+        configuration.addCaCertificates(certificate);
+        QSslConfiguration::setDefaultConfiguration(configuration);
+    }
+    if (const int port = qEnvironmentVariableIntValue("KIV_APPLICATION_PROXY"); port != 0) {
+        QNetworkProxy::setApplicationProxy(
+            {QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), static_cast<quint16>(port)});
+    }
+    return fetchFeed(QCoreApplication::arguments());
+}

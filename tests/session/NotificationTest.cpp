@@ -288,7 +288,7 @@ TEST_F(Notification, IsSentAgainWhenTheAgentDiedBeforeThereWasRoomForIt)
     const SmallDisk disk(cacheFile().folder());
     disk.fill();
     const QByteArray longText = QByteArray("Words enough for more than a page of the disk. ").repeated(200);
-    const QList<Message> messages = {{.id = "1"}, {.id = "2", .text = longText}};
+    const QList<FeedMessage> messages = {{.id = "1"}, {.id = "2", .text = longText}};
     ASSERT_TRUE(start({messages, messages}));
     ASSERT_TRUE(popUp());
     agent->process().kill();

@@ -9,8 +9,9 @@ namespace GraphicalSession
 /// made. An empty string, or one line that says why there is no session to run in.
 [[nodiscard]] QString prepare();
 
-/// Makes this process a quiet part of the session: it no longer wakes up for what others do on the screen while it shows
-/// nothing there itself, and gives back the memory of windows that have gone. To be called once the application object is there.
+/// Makes this process a quiet part of the session: it no longer wakes up for what others do on the screen while it
+/// shows nothing there itself, and gives back the memory of windows that have gone. To be called once the application
+/// object is there.
 void settle();
 
 } // namespace GraphicalSession

@@ -39,6 +39,7 @@ class Place:
         for program in ("kivmenua", "kivfetch"):
             shutil.copy2(self.build("bin/" + program), os.path.join(bundle, "bin"))
         shutil.copytree(self.build("share"), os.path.join(bundle, "share"))
+        os.sync()  # Pages of a file that is not on the disk yet count as ones that the process has written to.
         path = os.path.join(bundle, "share/kivmenua/Info.plist")
         with open(path, "rb") as file:
             information = plistlib.load(file)

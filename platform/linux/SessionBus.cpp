@@ -37,8 +37,9 @@ bool isUnanswered(const QDBusMessage &answer)
 
 SessionBus &SessionBus::instance()
 {
-    // QtDBus keeps its own statics from within the constructor, so they outlive this one.
-    static SessionBus bus;
+    // Never destroyed: without a bus at the start QtDBus makes its own statics later, and is gone before this one, which
+    // would then wait for it for ever.
+    static SessionBus &bus = *new SessionBus;
     return bus;
 }
 

@@ -47,7 +47,8 @@ struct Manager {
 
 Manager &manager()
 {
-    static Manager instance;
+    // Never destroyed: QtDBus may be gone before it, and whatever has told QtDBus of itself then waits for ever.
+    static Manager &instance = *new Manager;
     return instance;
 }
 

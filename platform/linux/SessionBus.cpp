@@ -4,6 +4,9 @@
 
 #include <QDBusError>
 
+#include <dlfcn.h>
+#include <limits>
+
 namespace
 {
 
@@ -17,6 +20,19 @@ QString freshConnectionName()
 QDBusConnection noConnection()
 {
     return QDBusConnection(QString());
+}
+
+/// libdbus stops reading while the messages that it has read and that are still in use take up more than a limit, 63 MB
+/// unless told otherwise, and QtDBus never goes on from there (seen in 6.4): it is this thread that lets go of
+/// messages, and another one that reads. Whoever sends very much very fast would make the program deaf for ever. QtDBus
+/// is linked to libdbus, so that the function is there without its headers.
+void readWithoutLimit(const QDBusConnection &connection)
+{
+    using SetLimit = void (*)(void *connection, long bytes);
+    if (const auto setLimit =
+            reinterpret_cast<SetLimit>(::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"))) {
+        setLimit(connection.internalPointer(), std::numeric_limits<long>::max());
+    }
 }
 
 /// Whether the bus has not said anything to a question: there is none, or it has not answered in time.
@@ -37,8 +53,9 @@ bool isUnanswered(const QDBusMessage &answer)
 
 SessionBus &SessionBus::instance()
 {
-    // QtDBus keeps its own statics from within the constructor, so they outlive this one.
-    static SessionBus bus;
+    // Never destroyed: without a bus at the start QtDBus makes its own statics later, and is gone before this one,
+    // which would then wait for it for ever.
+    static SessionBus &bus = *new SessionBus;
     return bus;
 }
 
@@ -126,6 +143,7 @@ void SessionBus::tryToConnect()
         return;
     }
     m_retry.stop();
+    readWithoutLimit(m_connection);
     // QtDBus knows no other way to name a slot than by a string.
     m_connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
                          QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,

@@ -1,5 +1,6 @@
 #include "MessageCache.h"
 #include "Session.h"
+#include "SettingsProgram.h"
 #include "tests/platform/linux/RawEvent.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ProcessMemory.h"
@@ -89,6 +90,7 @@ private:
 TEST(Flood, OfEventsFromAStrangerLosesNoneOfTheOwnersAndLeavesTheMenuToTheUser)
 {
     Session session;
+    SettingsProgram::write(session.desktop, 1, 4, 0); // Pop-ups stay until somebody closes them.
     ASSERT_TRUE(session.start());
     Agent &agent = *session.agent;
     Service &service = *session.service;
@@ -105,7 +107,7 @@ TEST(Flood, OfEventsFromAStrangerLosesNoneOfTheOwnersAndLeavesTheMenuToTheUser)
     Flood flood(session.desktop.bus(),
                 {intrusion(agent.pid(), QCoreApplication::applicationPid()), intrusion(agent.pid(), owner)}, events);
 
-    // The first hint is on the screen for so long as nobody closes it, and all others wait behind it.
+    // This one is on the screen to the end, and all others wait behind it.
     service.send("hint 0");
     ASSERT_TRUE(waitUntil([&] { return agent.freeWindows().size() == 1; }, 60s)) << "the hint is lost";
     int rounds = 0;

@@ -1,10 +1,11 @@
 #include "CloseTimeout.h"
 
+#include "notify/KivNotification.h"
+
 std::int32_t closeTimeout(std::int32_t messageType, std::int32_t notificationClose) noexcept
 {
-    constexpr std::int32_t update = 0;
     constexpr std::int32_t never = -1;
-    if (messageType == update) {
+    if (messageType == kTypeUpdate) {
         return never;
     }
     switch (notificationClose) {

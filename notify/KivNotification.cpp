@@ -16,6 +16,7 @@
 namespace
 {
 
+/// By messageType.
 constexpr std::array titles = {QLatin1String("New update"), QLatin1String("Information"), QLatin1String("Read news"),
                                QLatin1String("Warning")};
 

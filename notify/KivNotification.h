@@ -7,6 +7,16 @@
 
 #include <cstdint>
 
+/// The codes of messageType.
+inline constexpr std::int32_t kTypeUpdate = 0;
+inline constexpr std::int32_t kTypeNotice = 1;
+inline constexpr std::int32_t kTypeNews = 2;
+inline constexpr std::int32_t kTypeWarning = 3;
+
+/// The codes of messagePriority.
+inline constexpr std::int32_t kPriorityLow = 0;
+inline constexpr std::int32_t kPriorityMedium = 1;
+inline constexpr std::int32_t kPriorityHigh = 2;
 /// The messagePriority of what is shown at once and always. No feed has a word for it.
 inline constexpr std::int32_t kPriorityInstant = 3;
 

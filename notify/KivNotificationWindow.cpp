@@ -41,11 +41,11 @@ constexpr NSSize smallestScreen = {640, 480};
 QString iconName(std::int32_t messageType)
 {
     switch (messageType) {
-    case 0:
+    case kTypeUpdate:
         return QStringLiteral("update");
-    case 1:
+    case kTypeNotice:
         return QStringLiteral("information");
-    case 3:
+    case kTypeWarning:
         return QStringLiteral("warning");
     default:
         return QStringLiteral("kivmenua");

@@ -23,11 +23,11 @@ qint64 repeatInterval(std::int32_t notificationRepeat)
 bool priorityIsOn(std::int32_t priority, const NotificationSettings &settings)
 {
     switch (priority) {
-    case 0:
+    case kPriorityLow:
         return settings.shouldDisplayLowPriority;
-    case 1:
+    case kPriorityMedium:
         return settings.shouldDisplayMediumPriority;
-    case 2:
+    case kPriorityHigh:
         return settings.shouldDisplayHighPriority;
     default:
         return true;
@@ -37,13 +37,13 @@ bool priorityIsOn(std::int32_t priority, const NotificationSettings &settings)
 bool typeIsOn(std::int32_t type, const NotificationSettings &settings)
 {
     switch (type) {
-    case 0:
+    case kTypeUpdate:
         return settings.shouldDisplayUpdates;
-    case 1:
+    case kTypeNotice:
         return settings.shouldDisplayNotices;
-    case 2:
+    case kTypeNews:
         return settings.shouldDisplayNews;
-    case 3:
+    case kTypeWarning:
         return settings.shouldDisplayWarnings;
     default:
         return true;

@@ -196,8 +196,8 @@ TEST_F(Notification, ComesAtTheIntervalThatTheUserHasJustSet)
 
 TEST_F(Notification, NeverTakesTheKeyboard)
 {
-    const OtherWindow editor(desktop.server(), {100, 300, 300, 200});
-    const_cast<OtherWindow &>(editor).takeKeyboard();
+    OtherWindow editor(desktop.server(), {100, 300, 300, 200});
+    editor.takeKeyboard();
     const qint64 self = QCoreApplication::applicationPid();
     ASSERT_EQ(desktop.view().focusOwnerPid(), self);
     ASSERT_TRUE(start({{{.id = "1"}}}));

@@ -17,7 +17,7 @@ namespace
 {
 
 /// How much of an answer Qt holds while nobody takes it.
-constexpr qint64 readBuffer = 1024 * 1024;
+constexpr qint64 readBuffer = qint64{1024} * 1024;
 
 constexpr int usageError = 2;
 

@@ -14,7 +14,7 @@ namespace
 
 /// The most bytes that are kept, of one answer or of several after malformed ones. Far more than messages for one
 /// pop-up at a time ever need.
-constexpr qsizetype mostBytes = 16 * 1024 * 1024;
+constexpr qsizetype mostBytes = qsizetype{16} * 1024 * 1024;
 
 FeedRequest requestOf(const KivNotificationProperties &properties, const Bundle &bundle)
 {

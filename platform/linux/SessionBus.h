@@ -32,8 +32,8 @@ public:
     /// The process behind a bus name, unique or well-known; 0 when nobody owns it, none when there is no bus or it does
     /// not answer. Blocks for at most 500 ms.
     [[nodiscard]] std::optional<qint64> processOf(const QString &busName) const;
-    /// The unique name of a bus name's owner; empty when nobody owns it, null when there is no bus or it does not answer.
-    /// Blocks for at most 500 ms.
+    /// The unique name of a bus name's owner; empty when nobody owns it, null when there is no bus or it does not
+    /// answer. Blocks for at most 500 ms.
     [[nodiscard]] QString ownerOf(const QString &busName) const;
     /// Takes a bus name for this connection. False when the bus refuses, or another has it. Blocks for at most 500 ms:
     /// a bus that does not answer by then gets to the request before all that is asked of it later.

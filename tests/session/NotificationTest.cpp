@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 namespace
 {
 
@@ -34,6 +36,18 @@ TEST_F(Notification, FromTheFeedAppearsInTheCornerWithoutAWindowManagersHelp)
     EXPECT_EQ(window->geometry.width(), 403);
     EXPECT_TRUE(window->overrideRedirect);
     EXPECT_EQ(feed.requests().size(), 1);
+    EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
+}
+
+TEST_F(Notification, FromTheFeedAppearsThoughTheSessionIgnoresItsChildren)
+{
+    QProcess &process = agent->process().process();
+    process.setChildProcessModifier([before = process.childProcessModifier()] {
+        before();
+        std::signal(SIGCHLD, SIG_IGN);
+    });
+    ASSERT_TRUE(start({{{.id = "1"}}}));
+    EXPECT_TRUE(popUp());
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
 }
 

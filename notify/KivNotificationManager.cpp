@@ -67,7 +67,11 @@ KivNotificationManager &KivNotificationManager::sharedInstance()
 
 void KivNotificationManager::updateNotificationPreferences()
 {
+    const QString received = m_properties.lastMesID();
     if (m_properties.loadPrefList()) {
+        if (m_isLastMesIDDue) {
+            m_properties.setLastMesID(received); // The file does not have it yet.
+        }
         startCheckTimer();
     }
 }
@@ -134,7 +138,7 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     // Before the relevance: a message that is not for this installation need not be sent again either.
     if (StringValues::longLongValue(m_properties.lastMesID()) < StringValues::longLongValue(record->messageId())) {
         m_properties.setLastMesID(record->messageId());
-        m_isLastMesIDStored = false;
+        m_isLastMesIDDue = true;
     }
     if (!m_properties.notificationIsRelevant(*record)) {
         return;
@@ -194,10 +198,7 @@ void KivNotificationManager::exportNotificationsToFile()
     for (const std::shared_ptr<KivNotification> &record : m_notifications.records()) {
         list.append(record->exportToDictionary());
     }
-    if (m_cache.write(list)) {
-        m_isExportDue = false;
-        storeLastMesID();
-    }
+    m_isExportDue = !m_cache.write(list);
 }
 
 void KivNotificationManager::beginDelivery()
@@ -213,14 +214,10 @@ void KivNotificationManager::endDelivery() noexcept
     const std::lock_guard hold(m_notificationsLock);
     if (m_isExportDue) {
         exportNotificationsToFile();
-    } else {
-        storeLastMesID();
     }
-}
-
-void KivNotificationManager::storeLastMesID()
-{
-    if (!std::exchange(m_isLastMesIDStored, true)) {
+    // Also when there was no room for the queue: in a home that never has any, a message that the user is done with
+    // would come again in every session.
+    if (std::exchange(m_isLastMesIDDue, false)) {
         m_properties.saveLastMessID(m_properties.lastMesID());
     }
 }

@@ -68,8 +68,9 @@ public:
     /// the record is not accepted then.
     ///
     /// The saving waits for the end of the delivery, of which a record without one is all by itself. First comes the
-    /// queue and then the id, which is not stored before a file holds what was received: an agent that is killed in
-    /// between, or finds no room, is sent the messages again.
+    /// queue and then the id, so that an agent that is killed in between is sent the messages again. The id is stored
+    /// also when the queue is not: because it could not be written, or because its only record is shown at once. Such a
+    /// record is saved at the agent's end, and lost when the agent is killed before.
     void enqueueNotification(const std::shared_ptr<KivNotification> &record) override;
 
     /// Queues `record`, which is never null, as NotificationQueue::add does.
@@ -81,7 +82,7 @@ public:
     /// Accepts what the cache file holds. An entry that is no record, or that no relevance can be told of, is skipped.
     void importNotificationsFromFile();
 
-    /// Saves the queue to the cache file, and the last id if that has waited for it; within a delivery, at its end.
+    /// Saves the queue to the cache file; within a delivery, at its end.
     /// When that fails, the file stays as it was until the next time or the end of the next delivery.
     void exportNotificationsToFile();
 
@@ -105,14 +106,13 @@ private:
 
     void beginDelivery() override;
     void endDelivery() noexcept override;
-    void storeLastMesID();
 
     KivNotificationProperties &m_properties;
     std::function<QDateTime()> m_clock;
     NotificationCache m_cache;
-    int m_deliveries = 0;            ///< How many are under way, one within the other.
-    bool m_isExportDue = false;      ///< Asked for in a delivery, or failed.
-    bool m_isLastMesIDStored = true; ///< Otherwise it is only remembered.
+    int m_deliveries = 0;          ///< How many are under way, one within the other.
+    bool m_isExportDue = false;    ///< Asked for in a delivery, or failed.
+    bool m_isLastMesIDDue = false; ///< Raised in the delivery that is under way.
     /// The pop-up destroys itself some time after it has closed.
     QPointer<KivNotificationWindow> m_notificationWindow;
     NotificationQueue m_notifications;

@@ -27,9 +27,8 @@ struct FeedTiming final {
 /// Fetches the feed of support messages over HTTP, once at start and then daily, and hands its records to the sink.
 ///
 /// Failures are silent: the next attempt is the next tick of the timer. fetch/FeedFetch.h says how a request is made.
-/// An answer is cancelled when it, together
-/// with the bytes kept of malformed ones before it, exceeds 16 MiB; then none of these bytes are kept. Main thread
-/// only.
+/// An answer is cancelled when it, together with the bytes kept of malformed ones before it, exceeds 16 MiB; then none
+/// of these bytes are kept. Main thread only.
 class KivNotificationReceiver final : public QObject
 {
 public:

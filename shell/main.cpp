@@ -33,7 +33,13 @@ void startUp()
 void tearDown()
 {
     AERemoveEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, false);
-    KivNotificationManager::sharedInstance().setKivMenu(nullptr);
+    auto &manager = KivNotificationManager::sharedInstance();
+    if (!manager.notifications().records().empty()) {
+        // The first message is not saved when it comes, and the feed, which knows that it was received, does not send
+        // it again.
+        manager.exportNotificationsToFile();
+    }
+    manager.setKivMenu(nullptr);
     __menu.reset();
 }
 } // namespace

@@ -9,6 +9,8 @@
 
 #include <xcb/xcb.h>
 
+#include <csignal>
+
 namespace
 {
 
@@ -40,6 +42,9 @@ void keepQtFromLookingForLargerImages()
 
 QString GraphicalSession::prepare()
 {
+    // Who ignores its children hands that down, and Qt then never learns how one has ended: to it each has crashed.
+    std::signal(SIGCHLD, SIG_DFL);
+
     // Placement, tray and display modes are X11's; under Wayland that is XWayland, whatever the session tells its
     // programs to prefer. Without a display at all the two others serve tests.
     const QByteArray asked = qgetenv("QT_QPA_PLATFORM");

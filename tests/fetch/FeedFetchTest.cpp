@@ -2,6 +2,9 @@
 #include "tests/support/FeedServer.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 namespace
@@ -57,6 +60,22 @@ TEST_F(FeedFetch, EndsWithItsAsker)
     ASSERT_TRUE(server.start({{.gated = true}}));
     ask(server.address(QStringLiteral("/feed")));
     ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
+    EXPECT_TRUE(fetch.isRunning());
+    fetch.closeInput();
+    waitForItsEnd();
+    EXPECT_EQ(fetch.exitCode(), 1);
+}
+
+TEST_F(FeedFetch, EndsWithItsAskerThoughANameIsStillLookedUp)
+{
+    const QTemporaryDir directory;
+    const QString asked = directory.filePath(QStringLiteral("asked"));
+    fetch.environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(KIV_SLOW_NAMES));
+    fetch.environment.insert(QStringLiteral("KIV_LOOKUP_FILE"), asked);
+    // A sanitizer's run time wants to be the first library of all.
+    fetch.environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+    ask(QStringLiteral("http://feed.invalid/"));
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(asked); }));
     EXPECT_TRUE(fetch.isRunning());
     fetch.closeInput();
     waitForItsEnd();

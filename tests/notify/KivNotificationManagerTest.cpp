@@ -369,30 +369,43 @@ TEST_F(KivNotificationManagerTest, SavesWhatADeliveryHadBroughtWhenAnExceptionEn
     EXPECT_EQ(idsInFile(), (Ids{"1", "2", "3"})) << "the delivery has no end";
 }
 
-TEST_F(KivNotificationManagerTest, StoresNoIdOfMessagesThatItCouldNotSave)
+TEST_F(KivNotificationManagerTest, StoresTheIdAlsoOfMessagesThatItCouldNotSave)
 {
     setPreferences(0, 0);
     start();
     const QString inTheWay = home.filePath(QStringLiteral("Library/Caches"));
     ASSERT_TRUE(QFile(inTheWay).open(QIODevice::WriteOnly));
-    const auto deliver = [this](const std::vector<const char *> &ids) {
+    {
         const NotificationSink::Delivery delivery(*manager);
-        for (const char *id : ids) {
-            manager->enqueueNotification(record(id));
-        }
-    };
-    deliver({"1", "2"});
-    EXPECT_EQ(properties->lastMesID(), QStringLiteral("2"));
-    EXPECT_EQ(storedId(), "0") << "killed now, the agent would never see them again";
+        manager->enqueueNotification(record("1"));
+        manager->enqueueNotification(record("2"));
+    }
+    EXPECT_EQ(storedId(), "2");
     const Record forOthers = record("3");
     forOthers->setProductCode(0);
     manager->enqueueNotification(forOthers);
-    EXPECT_EQ(storedId(), "0");
+    EXPECT_EQ(storedId(), "3");
 
     ASSERT_TRUE(QFile::remove(inTheWay));
     window()->onCloseButton();
     EXPECT_EQ(idsInFile(), Ids{"2"});
-    EXPECT_EQ(storedId(), "3");
+}
+
+TEST_F(KivNotificationManagerTest, LosesNoIdOfADeliveryToNewSettings)
+{
+    setPreferences(0, 0);
+    start();
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        manager->enqueueNotification(record("5"));
+        manager->updateNotificationPreferences();
+        EXPECT_EQ(properties->lastMesID(), QStringLiteral("5"));
+        manager->enqueueNotification(record("4"));
+    }
+    EXPECT_EQ(storedId(), "5");
+    setPreferences(0, 0);
+    manager->updateNotificationPreferences();
+    EXPECT_EQ(properties->lastMesID(), QStringLiteral("0")) << "afterwards the file decides";
 }
 
 TEST_F(KivNotificationManagerTest, SavesTheQueueAtTheNextDeliveryWhenItCouldNotBefore)

@@ -139,6 +139,15 @@ protected:
 
     QString fetch() const { return directory.filePath(QStringLiteral("kivfetch")); }
 
+    void putInPlaceOfFetch(const QByteArray &shellScript) const
+    {
+        QFile::remove(fetch());
+        QFile file(fetch());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\n" + shellScript + '\n');
+        ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    }
+
     /// Sends a request and waits until it has ended.
     void receive()
     {
@@ -593,6 +602,32 @@ TEST_F(KivNotificationReceiverTest, FailsQuietlyWithoutTheProgramThatFetches)
     receive();
     EXPECT_EQ(receiver->connection(), nullptr);
     EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, FailsQuietlyWhenAnotherProgramAnswers)
+{
+    serve({answerWith(feedWith("1"))});
+    putInPlaceOfFetch("echo nonsense; echo '" + feedWith("1") + "'; exec sleep 60");
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, TellsOfACrashButNotOfAnEndByTheSignalsOfASessionsEnd)
+{
+    const std::pair<const char *, QByteArray> cases[] = {{"SEGV", "kivfetch has crashed"}, {"TERM", ""}, {"INT", ""}};
+    serve({answerWith(feedWith("1"))});
+    for (const auto &[signal, said] : cases) {
+        putInPlaceOfFetch(QByteArray("kill -") + signal + " $$");
+        static QByteArray heard;
+        heard.clear();
+        const QtMessageHandler before = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &message) { heard += message.toUtf8(); });
+        receive();
+        qInstallMessageHandler(before);
+        EXPECT_EQ(heard, said) << signal;
+        EXPECT_EQ(receiver->connection(), nullptr) << signal;
+    }
 }
 
 TEST_F(KivNotificationReceiverTest, KeepsNoConnectionThatHasEnded)

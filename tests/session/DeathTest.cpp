@@ -155,6 +155,35 @@ TEST_F(Death, OfTheSessionLeavesTheMessageThatWasOnTheScreen)
     EXPECT_EQ(cache(), (Entries{"1x0", "2x0"})) << "nobody has closed it";
 }
 
+TEST_F(Death, OfTheSessionLeavesTheOnlyMessageThoughTheFeedSendsItOnce)
+{
+    setPreferences(1, 4, 0);
+    ASSERT_TRUE(start({{{.id = "1", .repeat = 2}}}));
+    ASSERT_TRUE(popUp());
+    agent->process().terminate();
+    ASSERT_TRUE(waitUntil([this] { return !agent->process().isRunning(); }));
+    EXPECT_EQ(agent->process().exitCode(), EXIT_SUCCESS);
+
+    clock.advance(5h);
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_TRUE(waitUntil([this] { return feed.requests().size() == 2; }));
+    EXPECT_TRUE(feed.requests().last().value(QLatin1String("line")).toString().contains(QLatin1String("&lastId=1&")));
+    clock.advance(61s);
+    const std::optional<XWindow> again = popUp();
+    ASSERT_TRUE(again);
+    click(*again, DoNotRemindMeLater);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    EXPECT_EQ(cache(), Entries{});
+}
+
+TEST_F(Death, OfTheSessionLeavesNoFileWhenNoMessageWaits)
+{
+    ASSERT_TRUE(start({}));
+    agent->process().terminate();
+    ASSERT_TRUE(waitUntil([this] { return !agent->process().isRunning(); }));
+    EXPECT_FALSE(QFileInfo::exists(cacheFile().path()));
+}
+
 TEST_F(Death, OfTheSessionIsNotHeldUpByAHint)
 {
     ASSERT_TRUE(start({}));

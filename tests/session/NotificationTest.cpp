@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 namespace
 {
 
@@ -34,6 +36,18 @@ TEST_F(Notification, FromTheFeedAppearsInTheCornerWithoutAWindowManagersHelp)
     EXPECT_EQ(window->geometry.width(), 403);
     EXPECT_TRUE(window->overrideRedirect);
     EXPECT_EQ(feed.requests().size(), 1);
+    EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
+}
+
+TEST_F(Notification, FromTheFeedAppearsThoughTheSessionIgnoresItsChildren)
+{
+    QProcess &process = agent->process().process();
+    process.setChildProcessModifier([before = process.childProcessModifier()] {
+        before();
+        std::signal(SIGCHLD, SIG_IGN);
+    });
+    ASSERT_TRUE(start({{{.id = "1"}}}));
+    EXPECT_TRUE(popUp());
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
 }
 
@@ -279,26 +293,24 @@ TEST_F(Notification, GoesOnWithoutADiskToBeSavedOnAndIsSavedWhenThereIsRoom)
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
 }
 
-TEST_F(Notification, IsSentAgainWhenTheAgentDiedBeforeThereWasRoomForIt)
+TEST_F(Notification, IsNotAskedForAgainThoughThereWasNoRoomForIt)
 {
     if (!whyNoDisk.isEmpty()) {
         GTEST_SKIP() << "no disk of its own: " << whyNoDisk.toStdString();
     }
-    setPreferences(1, 1, 0);
+    setPreferences(1, 4, 0);
     const SmallDisk disk(cacheFile().folder());
     disk.fill();
     const QByteArray longText = QByteArray("Words enough for more than a page of the disk. ").repeated(200);
-    const QList<FeedMessage> messages = {{.id = "1"}, {.id = "2", .text = longText}};
-    ASSERT_TRUE(start({messages, messages}));
+    ASSERT_TRUE(start({{{.id = "1"}, {.id = "2", .text = longText}}}));
     ASSERT_TRUE(popUp());
     agent->process().kill();
     EXPECT_TRUE(cacheFile().content().isEmpty());
 
-    disk.makeRoom();
     ASSERT_TRUE(agent->startAndDock());
-    ASSERT_TRUE(popUp());
-    EXPECT_TRUE(feed.requests().last().value(QLatin1String("line")).toString().contains(QLatin1String("&lastId=0&")));
-    EXPECT_TRUE(cacheFile().becomes({"1x1", "2x1"}));
+    ASSERT_TRUE(waitUntil([this] { return feed.requests().size() == 2; }));
+    EXPECT_TRUE(feed.requests().last().value(QLatin1String("line")).toString().contains(QLatin1String("&lastId=2&")));
+    EXPECT_TRUE(nothingComesUp());
 }
 
 TEST_F(Notification, OfTheServiceComesBeforeAllOthersAndOneAfterTheOther)

@@ -202,6 +202,11 @@ bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBus
     }
     // Asked now, while the sender is likely to be there still.
     const std::optional<qint64> sender = m_peers.processOf(message.service());
+    // To a blocking call to its own process, Qt wants the answer before this returns.
+    if (message.service() == connection.baseService()) {
+        take(message, connection, sender);
+        return true;
+    }
     m_incoming.carryOut(message.service(), [this, message, connection, sender] { take(message, connection, sender); });
     return true;
 }

@@ -40,6 +40,14 @@ OSErr statusOf(const QDBusMessage &answer)
     }
 }
 
+void refuse(const QDBusMessage &message, const QDBusConnection &connection, QDBusError::ErrorType error,
+            const QString &why)
+{
+    if (message.isReplyRequired()) {
+        connection.send(message.createErrorReply(error, why));
+    }
+}
+
 QString ownBusName()
 {
     return eventBusName(QCoreApplication::applicationPid());
@@ -47,10 +55,11 @@ QString ownBusName()
 
 } // namespace
 
-AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver)
+AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t mostThatWait)
     : m_bus(bus)
     , m_receiver(std::move(receiver))
     , m_peers(bus)
+    , m_incoming(WorkInTurns::kShareOfATurn, mostThatWait)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::enter);
     // Another bus counts its unique names from the start again.
@@ -207,7 +216,11 @@ bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBus
         take(message, connection, sender);
         return true;
     }
-    m_incoming.carryOut(message.service(), [this, message, connection, sender] { take(message, connection, sender); });
+    const bool isAccepted = m_incoming.carryOut(
+        message.service(), [this, message, connection, sender] { take(message, connection, sender); });
+    if (!isAccepted) {
+        refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many events wait already"));
+    }
     return true;
 }
 
@@ -216,10 +229,8 @@ void AppleEventTransport::take(const QDBusMessage &message, const QDBusConnectio
 {
     std::optional<AppleEventContents> event = eventOf(message);
     if (!event) {
-        if (message.isReplyRequired()) {
-            connection.send(message.createErrorReply(QDBusError::InvalidArgs,
-                                                     QStringLiteral("Not an event: see the interface's description")));
-        }
+        refuse(message, connection, QDBusError::InvalidArgs,
+               QStringLiteral("Not an event: see the interface's description"));
         return;
     }
     if (sender) {

@@ -13,11 +13,6 @@ def private_memory(pids):
     return sum(fields["Private_Clean"] + fields["Private_Dirty"] for fields in map(_fields, pids))
 
 
-def dirty_memory(pids):
-    """In kB: the private pages that the processes have written to, and so what they have allocated."""
-    return sum(_fields(pid)["Private_Dirty"] for pid in pids)
-
-
 def proportional_memory(pids):
     """In kB: a page that n processes share counts as one n-th. Over all processes it adds up to what is in use."""
     return sum(_fields(pid)["Pss"] for pid in pids)

@@ -40,6 +40,14 @@ OSErr statusOf(const QDBusMessage &answer)
     }
 }
 
+void refuse(const QDBusMessage &message, const QDBusConnection &connection, QDBusError::ErrorType error,
+            const QString &why)
+{
+    if (message.isReplyRequired()) {
+        connection.send(message.createErrorReply(error, why));
+    }
+}
+
 QString ownBusName()
 {
     return eventBusName(QCoreApplication::applicationPid());
@@ -47,10 +55,11 @@ QString ownBusName()
 
 } // namespace
 
-AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver)
+AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t mostThatWait)
     : m_bus(bus)
     , m_receiver(std::move(receiver))
     , m_peers(bus)
+    , m_incoming(WorkInTurns::kShareOfATurn, mostThatWait)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::enter);
     // Another bus counts its unique names from the start again.
@@ -202,7 +211,16 @@ bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBus
     }
     // Asked now, while the sender is likely to be there still.
     const std::optional<qint64> sender = m_peers.processOf(message.service());
-    m_incoming.carryOut(message.service(), [this, message, connection, sender] { take(message, connection, sender); });
+    // To a blocking call to its own process, Qt wants the answer before this returns.
+    if (message.service() == connection.baseService()) {
+        take(message, connection, sender);
+        return true;
+    }
+    const bool isAccepted = m_incoming.carryOut(
+        message.service(), [this, message, connection, sender] { take(message, connection, sender); });
+    if (!isAccepted) {
+        refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many events wait already"));
+    }
     return true;
 }
 
@@ -211,10 +229,8 @@ void AppleEventTransport::take(const QDBusMessage &message, const QDBusConnectio
 {
     std::optional<AppleEventContents> event = eventOf(message);
     if (!event) {
-        if (message.isReplyRequired()) {
-            connection.send(message.createErrorReply(QDBusError::InvalidArgs,
-                                                     QStringLiteral("Not an event: see the interface's description")));
-        }
+        refuse(message, connection, QDBusError::InvalidArgs,
+               QStringLiteral("Not an event: see the interface's description"));
         return;
     }
     if (sender) {

@@ -22,8 +22,9 @@ public:
     /// is logged, and the event has failed (errAEEventFailed).
     using Receiver = std::function<OSErr(AppleEventContents event)>;
 
-    /// `bus` must outlive this object.
-    AppleEventTransport(SessionBus &bus, Receiver receiver);
+    /// `bus` must outlive this object. When `mostThatWait` events of one sender wait to be handled, more of them are
+    /// refused: with the error LimitsExceeded, or without a word when the sender wants no reply.
+    AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t mostThatWait = WorkInTurns::kMostOfAClient);
     ~AppleEventTransport() override;
 
     /// Takes events from now on: serves the object and owns the bus name, again whenever the bus comes back.

@@ -6,6 +6,7 @@
 
 #include <dlfcn.h>
 #include <limits>
+#include <mutex>
 
 namespace
 {
@@ -32,7 +33,10 @@ void readWithoutLimit(const QDBusConnection &connection)
     if (const auto setLimit =
             reinterpret_cast<SetLimit>(::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"))) {
         setLimit(connection.internalPointer(), std::numeric_limits<long>::max());
+        return;
     }
+    static std::once_flag once;
+    std::call_once(once, [] { qWarning("no way to lift libdbus's limit: a flood of messages may cut off the bus"); });
 }
 
 /// Whether the bus has not said anything to a question: there is none, or it has not answered in time.

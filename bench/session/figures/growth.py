@@ -33,7 +33,7 @@ def _growth(place, program, make_act):
             for _ in range(times):
                 act()
             time.sleep(SETTLE)
-            seen.append(cost.dirty_memory([running.process.pid]))
+            seen.append(cost.private_memory([running.process.pid]))
         return seen[1] - seen[0]
 
 
@@ -59,7 +59,7 @@ def measure(place):
 
     def growth(what, make_act):
         return Figure(f"Memory added from the {FEW}th to the {MANY}th {what}", "kB",
-                      "Pages of its own that the process has written to.",
+                      "Private memory, clean and dirty, as above.",
                       {programs.OURS: _growth(place, ours, make_act)}).require("100 kB", 100)
 
     return [used.require_times(1.6, programs.FLOOR), growth("pop-up", _pop_up(place)), growth("menu", _menu)]

@@ -1,10 +1,12 @@
 #include "platform/linux/SessionBus.h"
+#include "platform/linux/WorkInTurns.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Carbon.h>
 #include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 
 #include <gtest/gtest.h>
@@ -244,6 +246,14 @@ OSErr selfRemoving(const AppleEvent *, AppleEvent *, SRefCon)
     return 13;
 }
 
+OSErr slow(const AppleEvent *, AppleEvent *, SRefCon)
+{
+    const QDeadlineTimer end(2 * WorkInTurns::kShareOfATurn, Qt::PreciseTimer);
+    while (!end.hasExpired()) {
+    }
+    return 14;
+}
+
 OSErr throwing(const AppleEvent *, AppleEvent *, SRefCon)
 {
     throw std::runtime_error("on purpose");
@@ -332,6 +342,14 @@ TEST_F(AppleEventManager, LetsAHandlerRemoveItself)
     ASSERT_EQ(AEInstallEventHandler(kClass, kID, selfRemoving, nullptr, false), noErr);
     EXPECT_EQ(Event(self).send(kAEWaitReply), 13);
     EXPECT_FALSE(isNameOwned());
+}
+
+TEST_F(AppleEventManager, AnswersItsOwnProcessRightAfterASlowHandler)
+{
+    ASSERT_EQ(AEInstallEventHandler(kClass, kID, slow, nullptr, false), noErr);
+    EXPECT_EQ(Event(self).send(kAEWaitReply), 14);
+    EXPECT_EQ(Event(self).send(kAEWaitReply), 14);
+    EXPECT_EQ(AERemoveEventHandler(kClass, kID, slow, false), noErr);
 }
 
 TEST_F(AppleEventManager, ReportsAHandlerThatThrows)

@@ -12,6 +12,8 @@
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusError>
+#include <QDBusPendingCall>
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QXmlStreamReader>
@@ -376,6 +378,40 @@ TEST_F(Transport, TakesTwentyThousandEventsInOrder)
     for (SInt32 number = 0; number < count; ++number) {
         ASSERT_EQ(valueOf<SInt32>(events[static_cast<std::size_t>(number)], fourCharCode("numb")), number);
     }
+}
+
+TEST_F(Transport, RefusesEventsOfASenderThatHasTooManyWaiting)
+{
+    SessionBus ownBus(10ms);
+    int handled = 0;
+    AppleEventTransport narrow(
+        ownBus,
+        [&handled](const AppleEventContents &) {
+            const QDeadlineTimer end(2 * WorkInTurns::kShareOfATurn, Qt::PreciseTimer);
+            while (!end.hasExpired()) {
+            }
+            ++handled;
+            return noErr;
+        },
+        1);
+    narrow.startReceiving();
+    const QDBusMessage event = rawEvent(ownBusName(), QStringLiteral("test"), QStringLiteral("numb"));
+    const BusPeer other(daemon);
+    const QDBusPendingCall first = peer.connection().asyncCall(event);
+    const QDBusPendingCall waiting = peer.connection().asyncCall(event);
+    const QDBusPendingCall refused = peer.connection().asyncCall(event);
+    ASSERT_TRUE(peer.connection().send(event));
+    static_cast<void>(peer.connection().interface()->registeredServiceNames());
+    const QDBusPendingCall others = other.connection().asyncCall(event);
+    // All have come, and none is handled yet, when these are answered.
+    static_cast<void>(other.connection().interface()->registeredServiceNames());
+    static_cast<void>(ownBus.processOf(ownBusName()));
+    ASSERT_TRUE(waitUntil([&] { return refused.isFinished() && others.isFinished(); }));
+    EXPECT_EQ(QDBusError(refused.reply()).type(), QDBusError::LimitsExceeded);
+    for (const QDBusPendingCall &call : {first, waiting, others}) {
+        EXPECT_EQ(call.reply().arguments().value(0), QVariant(0));
+    }
+    EXPECT_EQ(handled, 3);
 }
 
 TEST_F(Transport, TakesAnEventWithinMilliseconds)

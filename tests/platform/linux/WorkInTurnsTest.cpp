@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
+#include <utility>
 
 namespace
 {
@@ -39,15 +41,22 @@ protected:
         };
     }
 
+    void carryOut(const QString &client, WorkInTurns::Work piece)
+    {
+        EXPECT_TRUE(work.carryOut(client, std::move(piece)));
+    }
+
     std::string done;
     WorkInTurns work;
 };
 
 TEST_F(WorkInTurnsTest, IsDoneAtOnceWhenItIsLittle)
 {
-    work.carryOut(one, note('a'));
+    // In a long turn, as who knows when the machine goes on with this after the first.
+    WorkInTurns patient(std::chrono::hours(1));
+    EXPECT_TRUE(patient.carryOut(one, note('a')));
     EXPECT_EQ(done, "a");
-    work.carryOut(other, note('b'));
+    EXPECT_TRUE(patient.carryOut(other, note('b')));
     EXPECT_EQ(done, "ab");
 }
 
@@ -55,7 +64,7 @@ TEST_F(WorkInTurnsTest, LetsTheLoopDoOtherThingsInBetween)
 {
     QTimer::singleShot(1, Qt::PreciseTimer, &work, [this] { done += '!'; });
     for (const char what : {'a', 'b', 'c'}) {
-        work.carryOut(one, noteAfterLong(what));
+        carryOut(one, noteAfterLong(what));
     }
     EXPECT_EQ(done, "a");
     ASSERT_TRUE(waitUntil([this] { return done.size() == 4; }));
@@ -64,9 +73,9 @@ TEST_F(WorkInTurnsTest, LetsTheLoopDoOtherThingsInBetween)
 
 TEST_F(WorkInTurnsTest, KeepsTheOrderOfAClient)
 {
-    work.carryOut(one, noteAfterLong('a'));
+    carryOut(one, noteAfterLong('a'));
     for (const char what : {'b', 'c', 'd'}) {
-        work.carryOut(one, note(what));
+        carryOut(one, note(what));
     }
     ASSERT_TRUE(waitUntil([this] { return done.size() == 4; }));
     EXPECT_EQ(done, "abcd");
@@ -74,26 +83,40 @@ TEST_F(WorkInTurnsTest, KeepsTheOrderOfAClient)
 
 TEST_F(WorkInTurnsTest, DoesNotLetOneClientWaitForAllOfAnothers)
 {
-    work.carryOut(one, noteAfterLong('a'));
+    carryOut(one, noteAfterLong('a'));
     for (int i = 0; i < 1000; ++i) {
-        work.carryOut(one, note('.'));
+        carryOut(one, note('.'));
     }
-    work.carryOut(other, note('b'));
-    work.carryOut(other, note('c'));
+    carryOut(other, note('b'));
+    carryOut(other, note('c'));
     ASSERT_TRUE(waitUntil([this] { return done.size() == 1003; }));
     EXPECT_EQ(done.substr(0, 5), "a.b.c");
 }
 
+TEST_F(WorkInTurnsTest, IsRefusedOnlyToWhoHasTheMostThatMayWait)
+{
+    WorkInTurns small(WorkInTurns::kShareOfATurn, 2);
+    for (const char what : {'a', 'b', 'c'}) {
+        EXPECT_TRUE(small.carryOut(one, noteAfterLong(what)));
+    }
+    EXPECT_FALSE(small.carryOut(one, note('!')));
+    EXPECT_TRUE(small.carryOut(other, note('d')));
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 4; }));
+    EXPECT_EQ(done, "abdc");
+    EXPECT_TRUE(small.carryOut(one, note('e'))) << "there is room again";
+    EXPECT_TRUE(waitUntil([this] { return done == "abdce"; }));
+}
+
 TEST_F(WorkInTurnsTest, GoesOnInALoopThatWorkRunsItself)
 {
-    work.carryOut(one, noteAfterLong('a'));
-    work.carryOut(one, [this] {
-        work.carryOut(one, note('c'));
+    carryOut(one, noteAfterLong('a'));
+    carryOut(one, [this] {
+        carryOut(one, note('c'));
         EXPECT_TRUE(waitUntil([this] { return done == "abc"; }));
     });
-    work.carryOut(one, note('b'));
+    carryOut(one, note('b'));
     EXPECT_TRUE(waitUntil([this] { return done.size() == 3; }));
-    work.carryOut(one, note('d'));
+    carryOut(one, note('d'));
     EXPECT_TRUE(waitUntil([this] { return done == "abcd"; }));
 }
 
@@ -101,8 +124,8 @@ TEST_F(WorkInTurnsTest, IsForgottenWithItsObject)
 {
     {
         WorkInTurns ended;
-        ended.carryOut(one, noteAfterLong('a'));
-        ended.carryOut(one, note('b'));
+        EXPECT_TRUE(ended.carryOut(one, noteAfterLong('a')));
+        EXPECT_TRUE(ended.carryOut(one, note('b')));
     }
     QTimer::singleShot(0, &work, [this] { done += '!'; });
     EXPECT_TRUE(waitUntil([this] { return done == "a!"; }));

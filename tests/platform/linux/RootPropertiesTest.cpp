@@ -30,7 +30,7 @@ public:
     {
         xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, root(), XConnection::atom(property), XCB_ATOM_CARDINAL,
                             32, static_cast<std::uint32_t>(values.size()), values.constData());
-        xcb_flush(m_connection);
+        waitForServer();
     }
 
     void setWorkArea(const QRect &area)
@@ -45,7 +45,7 @@ public:
         const std::array<xcb_atom_t, 1> supported = {XConnection::atom("_NET_WORKAREA")};
         xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, root(), XConnection::atom("_NET_SUPPORTED"),
                             XCB_ATOM_ATOM, 32, 1, supported.data());
-        xcb_flush(m_connection);
+        waitForServer();
     }
 
     void sendTo(xcb_window_t window, xcb_atom_t message)
@@ -61,6 +61,12 @@ public:
 
 private:
     static xcb_window_t root() { return XConnection::screen()->root; }
+    /// The server serves each of its clients in order, but not one after the other.
+    void waitForServer()
+    {
+        const XcbReply<xcb_get_input_focus_reply_t> reply(
+            xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    }
 
     xcb_connection_t *m_connection;
 };

@@ -10,11 +10,16 @@ WorkInTurns::WorkInTurns(std::chrono::milliseconds shareOfATurn, std::size_t mos
 
 bool WorkInTurns::carryOut(const QString &client, Work work)
 {
-    const bool isFirstOfATurn = !m_share;
-    if (isFirstOfATurn) {
-        startTurn();
+    if (!m_share) {
+        // The turn is announced after its first work, which need not wait for that.
+        const QDeadlineTimer share(m_shareOfATurn, Qt::PreciseTimer);
+        work();
+        if (!m_share) {
+            startTurn(share);
+        }
+        return true;
     }
-    if (isFirstOfATurn || (m_clients.empty() && !m_share->hasExpired())) {
+    if (m_clients.empty() && !m_share->hasExpired()) {
         work();
         return true;
     }
@@ -29,9 +34,9 @@ bool WorkInTurns::carryOut(const QString &client, Work work)
     return true;
 }
 
-void WorkInTurns::startTurn()
+void WorkInTurns::startTurn(QDeadlineTimer share)
 {
-    m_share.emplace(m_shareOfATurn, Qt::PreciseTimer);
+    m_share = share;
     // What is posted now comes after whatever else the loop has to do.
     QMetaObject::invokeMethod(this, &WorkInTurns::nextTurn, Qt::QueuedConnection);
 }
@@ -40,7 +45,7 @@ void WorkInTurns::nextTurn()
 {
     m_share.reset();
     if (!m_clients.empty()) {
-        startTurn();
+        startTurn(QDeadlineTimer(m_shareOfATurn, Qt::PreciseTimer));
     }
     // Work with a loop of its own may have come through here when it returns, and may have left nothing to do.
     while (!m_clients.empty() && !m_share->hasExpired()) {

@@ -37,7 +37,7 @@ public:
     [[nodiscard]] bool carryOut(const QString &client, Work work);
 
 private:
-    void startTurn();
+    void startTurn(QDeadlineTimer share);
     void nextTurn();
     [[nodiscard]] Work takeNext();
 
@@ -45,5 +45,5 @@ private:
     std::size_t m_mostOfAClient;
     std::map<QString, std::deque<Work>> m_waiting; ///< While there is any, the next turn is sure to come.
     std::deque<QString> m_clients;                 ///< Those with work that waits, the next one first.
-    std::optional<QDeadlineTimer> m_share;         ///< What is left of this turn; nothing when it has had no work yet.
+    std::optional<QDeadlineTimer> m_share; ///< What is left of this turn; nothing before its first work is done.
 };

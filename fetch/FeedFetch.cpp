@@ -72,11 +72,11 @@ void writeHead(const QNetworkReply &connection)
 
 } // namespace
 
-int fetchFeed(const QStringList &arguments)
+void fetchFeed(const QStringList &arguments)
 {
     if (arguments.size() != 3) {
         std::fputs("usage: kivfetch ADDRESS MILLISECONDS\n", stderr);
-        return usageError;
+        std::exit(usageError);
     }
     const QUrl address = QUrl::fromEncoded(arguments.at(1).toLatin1());
     const std::chrono::milliseconds timeOut(arguments.at(2).toInt());
@@ -97,5 +97,9 @@ int fetchFeed(const QStringList &arguments)
             QCoreApplication::exit(connection->error() == QNetworkReply::NoError ? EXIT_SUCCESS : EXIT_FAILURE);
         },
         Qt::QueuedConnection); // It may have ended before the loop begins.
-    return QCoreApplication::exec();
+    const int status = QCoreApplication::exec();
+    // Whole, and at once: at its end the application would wait for its threads, and one that looks up a name may take
+    // minutes.
+    std::fflush(stdout);
+    std::_Exit(status);
 }

@@ -9,6 +9,6 @@
 /// caches are used. Gives up when there is no progress for so many milliseconds, and when standard input, held open by
 /// who asks, comes to its end.
 ///
-/// The exit status: 0 when the answer is whole, 1 when it is not, 2 for other arguments. Needs the application object,
-/// whose loop it runs.
-[[nodiscard]] int fetchFeed(const QStringList &arguments);
+/// Ends the process. Its status: 0 when the answer is whole, 1 when it is not, 2 for other arguments. Needs the
+/// application object, whose loop it runs.
+[[noreturn]] void fetchFeed(const QStringList &arguments);

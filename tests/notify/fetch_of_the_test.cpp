@@ -18,5 +18,5 @@ int main(int argc, char **argv)
         QNetworkProxy::setApplicationProxy(
             {QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), static_cast<quint16>(port)});
     }
-    return fetchFeed(QCoreApplication::arguments());
+    fetchFeed(QCoreApplication::arguments());
 }

@@ -304,6 +304,7 @@ TEST_F(Notification, IsNotAskedForAgainThoughThereWasNoRoomForIt)
     const QByteArray longText = QByteArray("Words enough for more than a page of the disk. ").repeated(200);
     ASSERT_TRUE(start({{{.id = "1"}, {.id = "2", .text = longText}}}));
     ASSERT_TRUE(popUp());
+    EXPECT_TRUE(waitUntil([this] { return SettingsProgram::lastMessageId(desktop) == QLatin1String("2"); }));
     agent->process().kill();
     EXPECT_TRUE(cacheFile().content().isEmpty());
 

@@ -8,6 +8,26 @@
 
 #include <gtest/gtest.h>
 
+namespace
+{
+const QString lastIdKey = QStringLiteral("KivNotificationLastMessId");
+
+QString folderOf(const Desktop &desktop)
+{
+    return desktop.environment().value(QStringLiteral("HOME")) + QStringLiteral("/Library/Preferences");
+}
+
+QString fileOf(const Desktop &desktop)
+{
+    return folderOf(desktop) + QStringLiteral("/com.tamborel.kivmenua.plist");
+}
+} // namespace
+
+QString SettingsProgram::lastMessageId(const Desktop &desktop)
+{
+    return PropertyList::readFile(fileOf(desktop)).toMap().value(lastIdKey, QStringLiteral("0")).toString();
+}
+
 void SettingsProgram::write(const Desktop &desktop, int show, int close, int repeat)
 {
     QVariantMap preferences{{QStringLiteral("KivNotificationShowTimeout"), show},
@@ -17,13 +37,9 @@ void SettingsProgram::write(const Desktop &desktop, int show, int close, int rep
          {"News", "Notices", "Updates", "Warnings", "LowPriority", "MediumPriority", "HighPriority"}) {
         preferences.insert(QStringLiteral("KivNotificationShow") + QLatin1String(what), true);
     }
-    const QString folder = desktop.environment().value(QStringLiteral("HOME")) + QStringLiteral("/Library/Preferences");
-    const QString file = folder + QStringLiteral("/com.tamborel.kivmenua.plist");
-    const QVariant lastId =
-        PropertyList::readFile(file).toMap().value(QStringLiteral("KivNotificationLastMessId"), QStringLiteral("0"));
-    preferences.insert(QStringLiteral("KivNotificationLastMessId"), lastId);
-    EXPECT_TRUE(QDir().mkpath(folder));
-    EXPECT_TRUE(PropertyList::writeFile(file, preferences, PropertyList::Writing::InPlace));
+    preferences.insert(lastIdKey, lastMessageId(desktop));
+    EXPECT_TRUE(QDir().mkpath(folderOf(desktop)));
+    EXPECT_TRUE(PropertyList::writeFile(fileOf(desktop), preferences, PropertyList::Writing::InPlace));
 }
 
 void SettingsProgram::announce(Desktop &desktop, const Agent &agent)

@@ -35,7 +35,7 @@ TEST_F(Notification, FromTheFeedAppearsInTheCornerWithoutAWindowManagersHelp)
     EXPECT_EQ(window->geometry, corner(*window, {1280, 800}));
     EXPECT_EQ(window->geometry.width(), 403);
     EXPECT_TRUE(window->overrideRedirect);
-    EXPECT_EQ(feed.requests().size(), 1);
+    EXPECT_TRUE(waitUntil([this] { return feed.requests().size() == 1; }));
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
 }
 

@@ -1,5 +1,4 @@
-#include "Agent.h"
-#include "Desktop.h"
+#include "DesktopWithAgent.h"
 #include "Service.h"
 #include "tests/support/WaitUntil.h"
 
@@ -8,20 +7,14 @@
 namespace
 {
 
-class Docking : public testing::Test
+class Docking : public DesktopWithAgent
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(desktop.start());
-        ASSERT_TRUE(desktop.startWindowManager());
-        ASSERT_TRUE(desktop.startPanel());
-        agent.emplace(desktop);
+        ASSERT_NO_FATAL_FAILURE(DesktopWithAgent::SetUp());
         ASSERT_TRUE(agent->startAndDock());
     }
-
-    Desktop desktop;
-    std::optional<Agent> agent;
 };
 
 TEST_F(Docking, PutsOneItemIntoThePanelAndNothingElseOnTheScreen)

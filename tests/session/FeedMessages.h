@@ -5,7 +5,7 @@
 
 /// A message as the makers' feed has it, to be seen by everybody, on every day, when nothing else is said.
 struct FeedMessage {
-    const char *id;
+    QByteArray id;
     const char *type = "notice";
     const char *priority = "medium";
     int repeat = 1;

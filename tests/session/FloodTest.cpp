@@ -1,7 +1,7 @@
 #include "MessageCache.h"
+#include "RawCommand.h"
 #include "Session.h"
 #include "SettingsProgram.h"
-#include "tests/platform/linux/RawEvent.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ProcessMemory.h"
 #include "tests/support/WaitUntil.h"
@@ -32,14 +32,8 @@ int floodEvents()
 /// What would take the item away, did it come from the owner.
 QDBusMessage intrusion(qint64 agentPid, qint64 claimedSender)
 {
-    const std::uint32_t sender[] = {0, static_cast<std::uint32_t>(claimedSender)};
-    constexpr std::uint32_t setOptions = 0x6D65736F; // "meso"
-    return rawEvent(QStringLiteral("com.tamborel.kivune.p%1").arg(agentPid), QStringLiteral("kvmc"),
-                    QStringLiteral("kvme"),
-                    {{QStringLiteral("mpcm"), QStringLiteral("long"), bytesOf(setOptions)},
-                     {QStringLiteral("mpsn"), QStringLiteral("psn "),
-                      QByteArray(reinterpret_cast<const char *>(sender), sizeof sender)},
-                     {QStringLiteral("mpfl"), QStringLiteral("magn"), bytesOf(std::uint32_t{0})}});
+    using namespace RawCommand;
+    return event(agentPid, {command("meso"), sender(claimedSender), flags(0)});
 }
 
 /// Sends as fast as the bus takes it, from a thread of its own, and then asks for an answer to one more: that comes

@@ -1,12 +1,7 @@
-#include "Agent.h"
-#include "AgentClock.h"
-#include "Desktop.h"
-#include "tests/platform/linux/RawEvent.h"
-#include "tests/support/BusPeer.h"
-#include "tests/support/FeedServer.h"
-#include "tests/support/WaitUntil.h"
+#include "RawCommand.h"
+#include "SessionWithMessages.h"
 
-#include <QDBusReply>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -20,6 +15,9 @@ namespace
 {
 
 using namespace std::chrono_literals;
+
+using RawCommand::command;
+using RawCommand::sender;
 
 /// How long the agent may be busy with one text in all, from its arrival until it is on the screen: so it never stops
 /// for longer. Counted in processor time, which a busy machine does not stretch much; a sanitizer does.
@@ -71,83 +69,34 @@ QList<Text> hostileTexts()
     };
 }
 
-QByteArray element(const char *name, const QByteArray &text)
-{
-    return QByteArray("<") + name + ">" + text + "</" + name + ">";
-}
-
-QByteArray document(int id, const QByteArray &text)
-{
-    return element("supportMessages",
-                   element("supportMessage", element("messageId", QByteArray::number(id)) +
-                                                 element("messageType", "notice") +
-                                                 element("messagePriority", "medium") + element("messageRepeat", "1") +
-                                                 element("minDate", "any") + element("maxDate", "any") +
-                                                 element("contentData", text.toBase64())));
-}
-
-/// The agent in a session of its own, with this process as its service.
-class HostileText : public testing::Test
+/// This process is the agent's service.
+class HostileText : public SessionWithMessages
 {
 protected:
-    void SetUp() override
+    bool startAndClaim(const QList<QList<FeedMessage>> &feeds = {})
     {
-        ASSERT_TRUE(desktop.start());
-        ASSERT_TRUE(desktop.startWindowManager());
-        ASSERT_TRUE(desktop.startPanel());
-        agent.emplace(desktop);
-    }
-
-    bool start()
-    {
-        if (!agent->startAndDock() || !waitUntil([this] { return agent->isLinked(); })) {
+        if (!start(feeds) || !waitUntil([this] { return agent->isLinked(); })) {
             return false;
         }
         peer.emplace(desktop.bus());
-        return send("mesp", {});
+        return claim();
     }
 
-    /// Sends an event; true once the agent's main thread has handled it and answered.
-    bool send(const char *command, const QList<RawParameter> &others)
-    {
-        std::uint32_t code = 0;
-        for (const char *character = command; *character; ++character) {
-            code = code << 8 | static_cast<unsigned char>(*character);
-        }
-        const std::uint32_t self[] = {0, static_cast<std::uint32_t>(::getpid())};
-        const QList<RawParameter> parameters{
-            {QStringLiteral("mpcm"), QStringLiteral("long"), bytesOf(code)},
-            {QStringLiteral("mpsn"), QStringLiteral("psn "),
-             QByteArray(reinterpret_cast<const char *>(self), sizeof self)},
-        };
-        const QDBusReply<int> reply =
-            peer->connection().call(rawEvent(QStringLiteral("com.tamborel.kivune.p%1").arg(agent->pid()),
-                                             QStringLiteral("kvmc"), QStringLiteral("kvme"), parameters + others));
-        return reply.isValid() && reply.value() == 0;
-    }
+    /// True once the agent's main thread has handled that and answered.
+    bool claim() { return send({command("mesp"), sender(::getpid())}) == noErr; }
     bool hint(const QByteArray &text)
     {
-        return send("medh",
-                    {{QStringLiteral("mphs"), QStringLiteral("magn"), bytesOf(static_cast<std::uint32_t>(text.size()))},
-                     {QStringLiteral("mpht"), QStringLiteral("ptxt"), text}});
+        return send({command("medh"),
+                     sender(::getpid()),
+                     {QStringLiteral("mphs"), QStringLiteral("magn"), bytesOf(static_cast<std::uint32_t>(text.size()))},
+                     {QStringLiteral("mpht"), QStringLiteral("ptxt"), text}}) == noErr;
     }
 
-    /// Whether a pop-up is there and drawn, with the agent back at its loop.
-    [[nodiscard]] bool isShown()
+    /// The pop-up, once it is there and drawn, with the agent back at its loop.
+    [[nodiscard]] std::optional<XWindow> shown()
     {
-        const bool shown = waitUntil([this] {
-            const QList<XWindow> windows = agent->freeWindows();
-            return windows.size() == 1 && agent->isDrawn(windows.first());
-        });
-        return shown && send("mesp", {});
-    }
-
-    /// Clicks into the row of buttons, at that part of the window's width.
-    [[nodiscard]] bool close(double part)
-    {
-        const QRect window = agent->freeWindows().first().geometry;
-        desktop.input().click({window.left() + static_cast<int>(window.width() * part), window.bottom() - 25});
-        return agent->waitUntilClosed();
+        const std::optional<XWindow> window = popUp();
+        return window && claim() ? window : std::nullopt;
     }
 
     /// What the agent has been busy with since `before`.
@@ -158,49 +107,49 @@ protected:
         EXPECT_LT(used, longest) << what;
     }
 
-    static constexpr double middle = 0.5;
-    static constexpr double rightButton = 0.75;
+    static constexpr int noErr = 0;
 
-    Desktop desktop;
-    FeedServer feed;
-    AgentClock clock;
-    std::optional<Agent> agent; ///< Once the desktop is there.
     std::optional<BusPeer> peer;
+
+private:
+    int send(const QList<RawParameter> &parameters) { return RawCommand::send(*peer, agent->pid(), parameters); }
 };
 
 TEST_F(HostileText, InAHintDoesNotStopTheAgent)
 {
-    ASSERT_TRUE(start());
+    ASSERT_TRUE(startAndClaim());
     for (const Text &text : QList<Text>{{"good morning", "Good morning."}} + hostileTexts()) {
         const auto before = agent->processorTime();
         ASSERT_TRUE(hint(text.bytes)) << text.what;
-        ASSERT_TRUE(isShown()) << text.what;
+        const std::optional<XWindow> window = shown();
+        ASSERT_TRUE(window) << text.what;
         expectBrief(text.what, before);
-        ASSERT_TRUE(close(middle)) << text.what;
+        clickClose(*window);
+        ASSERT_TRUE(agent->waitUntilClosed()) << text.what;
     }
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
 }
 
 TEST_F(HostileText, FromTheFeedDoesNotStopTheAgent)
 {
-    const QList<Text> texts = hostileTexts();
-    QList<ScriptedAnswer> answers{{.body = document(1, "Good morning.")}};
-    for (int i = 0; i < texts.size(); ++i) {
-        answers.append(ScriptedAnswer{.body = document(i + 2, texts[i].bytes)});
-    }
-    ASSERT_TRUE(feed.start(answers));
-    agent->feed = feed.address(QStringLiteral("/messages"));
-    clock.addTo(agent->environment);
-    ASSERT_TRUE(start());
-    ASSERT_TRUE(isShown());
-    ASSERT_TRUE(close(rightButton));
+    const QList<Text> texts = QList<Text>{{"good morning", "Good morning."}} + hostileTexts();
+    QList<QList<FeedMessage>> feeds;
     for (const Text &text : texts) {
+        feeds.append({{.id = QByteArray::number(feeds.size() + 1), .text = text.bytes}});
+    }
+    // The first is here before anything can be measured.
+    ASSERT_TRUE(startAndClaim(feeds));
+    std::optional<XWindow> window = shown();
+    for (const Text &text : texts.sliced(1)) {
+        ASSERT_TRUE(window) << "before " << text.what;
+        click(*window, DoNotRemindMeLater);
+        ASSERT_TRUE(agent->waitUntilClosed()) << "before " << text.what;
         const auto before = agent->processorTime();
         clock.advance(24h);
-        ASSERT_TRUE(isShown()) << text.what;
+        window = shown();
         expectBrief(text.what, before);
-        ASSERT_TRUE(close(rightButton)) << text.what;
     }
+    EXPECT_TRUE(window);
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
 }
 
@@ -226,12 +175,13 @@ TEST_F(HostileText, IsNotLookedForInFilesAtADoubleScaleEither)
     ASSERT_TRUE(makeUntouched());
 
     agent->environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
-    ASSERT_TRUE(start());
+    ASSERT_TRUE(startAndClaim());
     ASSERT_TRUE(hint("<html><head><link rel='stylesheet' type='text/css' href='" + link +
                      "/a.css'></head><body><img src='" + link + "/picture.png'><img src='file://" + link +
                      "/picture.png'>words</body></html>"));
-    ASSERT_TRUE(isShown());
-    EXPECT_GT(agent->freeWindows().first().geometry.width(), 2 * 400) << "the scale counts";
+    const std::optional<XWindow> window = shown();
+    ASSERT_TRUE(window);
+    EXPECT_GT(window->geometry.width(), 2 * 400) << "the scale counts";
     EXPECT_TRUE(isUntouched());
 }
 

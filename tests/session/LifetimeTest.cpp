@@ -1,5 +1,4 @@
-#include "Agent.h"
-#include "Desktop.h"
+#include "DesktopWithAgent.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/WaitUntil.h"
 
@@ -13,19 +12,8 @@
 namespace
 {
 
-class Lifetime : public testing::Test
+class Lifetime : public DesktopWithAgent
 {
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(desktop.start());
-        ASSERT_TRUE(desktop.startWindowManager());
-        ASSERT_TRUE(desktop.startPanel());
-        agent.emplace(desktop);
-    }
-
-    Desktop desktop;
-    std::optional<Agent> agent;
 };
 
 TEST_F(Lifetime, EndsWithStatusZeroOnEachSignalThatAsksItTo)

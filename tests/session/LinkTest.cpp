@@ -1,5 +1,4 @@
-#include "Agent.h"
-#include "Desktop.h"
+#include "DesktopWithAgent.h"
 #include "Service.h"
 #include "tests/support/WaitUntil.h"
 
@@ -10,17 +9,12 @@
 namespace
 {
 
-using testing::Test;
-
-class Link : public Test
+class Link : public DesktopWithAgent
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(desktop.start());
-        ASSERT_TRUE(desktop.startWindowManager());
-        ASSERT_TRUE(desktop.startPanel());
-        agent.emplace(desktop);
+        ASSERT_NO_FATAL_FAILURE(DesktopWithAgent::SetUp());
         service.emplace(desktop);
     }
 
@@ -40,8 +34,6 @@ protected:
         return waitUntil([&] { return service->lines().contains(line); });
     }
 
-    Desktop desktop;
-    std::optional<Agent> agent;
     std::optional<Service> service;
 };
 

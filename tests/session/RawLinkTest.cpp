@@ -1,11 +1,8 @@
-#include "Agent.h"
-#include "Desktop.h"
+#include "DesktopWithAgent.h"
+#include "RawCommand.h"
 #include "Service.h"
-#include "tests/platform/linux/RawEvent.h"
-#include "tests/support/BusPeer.h"
 #include "tests/support/WaitUntil.h"
 
-#include <QDBusReply>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -15,40 +12,24 @@
 namespace
 {
 
+using RawCommand::agentName;
+using RawCommand::command;
+using RawCommand::event;
+using RawCommand::flags;
+using RawCommand::sender;
+
 /// This process speaks to the agent in the wire's own terms, as a service that nobody of ours wrote would.
-class RawLink : public testing::Test
+class RawLink : public DesktopWithAgent
 {
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(desktop.start());
-        ASSERT_TRUE(desktop.startWindowManager());
-        ASSERT_TRUE(desktop.startPanel());
-        agent.emplace(desktop);
+        ASSERT_NO_FATAL_FAILURE(DesktopWithAgent::SetUp());
         ASSERT_TRUE(agent->startAndDock());
         ASSERT_TRUE(waitUntil([this] { return agent->isLinked(); }));
         peer.emplace(desktop.bus());
     }
 
-    static RawParameter command(const char *code)
-    {
-        // The code's first character is the number's most significant byte; the number travels in host byte order.
-        std::uint32_t number = 0;
-        for (const char *character = code; *character; ++character) {
-            number = number << 8 | static_cast<unsigned char>(*character);
-        }
-        return {QStringLiteral("mpcm"), QStringLiteral("long"), bytesOf(number)};
-    }
-    static RawParameter sender(qint64 pid)
-    {
-        const std::uint32_t words[] = {0, static_cast<std::uint32_t>(pid)};
-        return {QStringLiteral("mpsn"), QStringLiteral("psn "),
-                QByteArray(reinterpret_cast<const char *>(words), sizeof words)};
-    }
-    static RawParameter flags(std::uint32_t value)
-    {
-        return {QStringLiteral("mpfl"), QStringLiteral("magn"), bytesOf(value)};
-    }
     static RawParameter count(std::uint32_t value)
     {
         return {QStringLiteral("mpan"), QStringLiteral("magn"), bytesOf(value)};
@@ -58,16 +39,8 @@ protected:
         return {QStringLiteral("mpac"), QStringLiteral("uibu"), bytes};
     }
 
-    [[nodiscard]] QString agentName() const { return QStringLiteral("com.tamborel.kivune.p%1").arg(agent->pid()); }
-
     /// Sends an event and returns the handler's status.
-    int send(const QList<RawParameter> &parameters)
-    {
-        const QDBusReply<int> reply =
-            peer->connection().call(rawEvent(agentName(), QStringLiteral("kvmc"), QStringLiteral("kvme"), parameters));
-        EXPECT_TRUE(reply.isValid()) << qPrintable(reply.error().message());
-        return reply.value();
-    }
+    int send(const QList<RawParameter> &parameters) { return RawCommand::send(*peer, agent->pid(), parameters); }
 
     int claim(qint64 pid) { return send({command("mesp"), sender(pid)}); }
 
@@ -83,8 +56,6 @@ protected:
     }
 
     const qint64 self = ::getpid();
-    Desktop desktop;
-    std::optional<Agent> agent;
     std::optional<BusPeer> peer;
 };
 
@@ -147,8 +118,8 @@ TEST_F(RawLink, AnswersNoErrorForAnUnknownCommandAndNoHandlerForAnotherClass)
     EXPECT_EQ(claim(self), 0);
     EXPECT_EQ(send({command("zzzz"), sender(self), flags(0)}), 0);
     EXPECT_TRUE(itemStays());
-    const QDBusReply<int> other = peer->connection().call(
-        rawEvent(agentName(), QStringLiteral("abcd"), QStringLiteral("kvme"), {command("mesp"), sender(self)}));
+    const QDBusReply<int> other = peer->connection().call(rawEvent(
+        agentName(agent->pid()), QStringLiteral("abcd"), QStringLiteral("kvme"), {command("mesp"), sender(self)}));
     EXPECT_EQ(other.value(), -1708);
 }
 
@@ -186,11 +157,10 @@ TEST_F(RawLink, HandlesTwentyThousandEventsInARowInTheirOrder)
     for (int i = 0; i < events; ++i) {
         // Off and on again in bit 4; only the very last one takes the item away.
         const bool last = i == events - 1;
-        ASSERT_TRUE(peer->connection().send(rawEvent(agentName(), QStringLiteral("kvmc"), QStringLiteral("kvme"),
-                                                     {command("meso"), sender(self),
-                                                      flags(last    ? 0
-                                                            : i % 2 ? 2
-                                                                    : 6)})));
+        ASSERT_TRUE(peer->connection().send(event(agent->pid(), {command("meso"), sender(self),
+                                                                 flags(last    ? 0
+                                                                       : i % 2 ? 2
+                                                                               : 6)})));
     }
     EXPECT_EQ(send({command("zzzz"), sender(self)}), 0) << "answered after all of them";
     EXPECT_TRUE(itemGoes());

@@ -1,32 +1,21 @@
 #pragma once
 
-#include "Agent.h"
 #include "AgentClock.h"
 #include "Browser.h"
-#include "Desktop.h"
+#include "DesktopWithAgent.h"
 #include "FeedMessages.h"
 #include "MessageCache.h"
 #include "SettingsProgram.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/WaitUntil.h"
 
-#include <gtest/gtest.h>
-
 #include <optional>
 
-/// The agent with a feed in a session of its own, and a clock that the test sets.
-class SessionWithMessages : public testing::Test
+/// The agent with a feed, and a clock that the test sets.
+class SessionWithMessages : public DesktopWithAgent
 {
 protected:
     enum Button { RemindMeLater, DoNotRemindMeLater };
-
-    void SetUp() override
-    {
-        ASSERT_TRUE(desktop.start());
-        ASSERT_TRUE(desktop.startWindowManager());
-        ASSERT_TRUE(desktop.startPanel());
-        agent.emplace(desktop);
-    }
 
     /// Starts the agent with a feed that has these messages at the first request, those at the second, and so on; none
     /// at all later requests.
@@ -114,9 +103,7 @@ protected:
         return window.geometry.topLeft() + QPoint(72 + 12, 11 + 20 + 11 + 8);
     }
 
-    Desktop desktop;
     FeedServer feed;
     AgentClock clock;
     Browser browser;
-    std::optional<Agent> agent; ///< Once the desktop is there.
 };

@@ -48,6 +48,26 @@ bool XInput::isFree() const
     return free;
 }
 
+void XInput::holdServer()
+{
+    xcb_grab_server(connection());
+    waitForServer();
+}
+
+void XInput::letServerGo()
+{
+    // First everybody is told of what the user has done meanwhile.
+    waitForServer();
+    xcb_ungrab_server(connection());
+    waitForServer();
+}
+
+void XInput::waitForServer() const
+{
+    const auto cookie = xcb_get_input_focus(connection());
+    const XReply<xcb_get_input_focus_reply_t> reply(xcb_get_input_focus_reply(connection(), cookie, nullptr));
+}
+
 void XInput::fake(std::uint8_t type, std::uint8_t detail, QPoint position)
 {
     xcb_test_fake_input(connection(), type, detail, XCB_CURRENT_TIME, root(), static_cast<std::int16_t>(position.x()),

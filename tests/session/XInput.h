@@ -22,7 +22,12 @@ public:
     /// menu lets go of it a moment after it has gone from the screen.
     [[nodiscard]] bool isFree() const;
 
+    /// From now on the X server does nothing that another program asks for; what the user does still reaches them.
+    void holdServer();
+    void letServerGo();
+
 private:
+    void waitForServer() const;
     void fake(std::uint8_t type, std::uint8_t detail, QPoint position = {});
     [[nodiscard]] xcb_keycode_t keycode(xcb_keysym_t symbol) const;
 };

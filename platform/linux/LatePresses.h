@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+#include <QObject>
+
+#include <xcb/xcb.h>
+
+#include <cstdint>
+#include <optional>
+
+/// Keeps Qt from seeing a press of the mouse on a window that it has hidden already.
+///
+/// Such a press is on its way while a pop-up closes because its time is over. Qt remembers the window for it, and does
+/// not forget it when the window is deleted right after; whichever window is hidden next then looks at memory that is
+/// free. Main thread only.
+class LatePresses final : public QObject, private QAbstractNativeEventFilter
+{
+    Q_OBJECT
+
+public:
+    /// From now on, as long as the application object lives, which owns this. Without an X server nothing is done.
+    static void keepFromQt();
+
+private:
+    LatePresses(QObject *parent, std::uint8_t inputExtension);
+
+    bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
+    /// The window that was pressed; nothing for any other event.
+    [[nodiscard]] std::optional<xcb_window_t> pressedWindow(const xcb_generic_event_t *event) const;
+
+    const std::uint8_t m_inputExtension; ///< The number that its events have in this X server.
+};

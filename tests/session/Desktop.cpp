@@ -39,7 +39,7 @@ bool Desktop::startWindowManager()
     m_windowManager.environment = environment();
     silence(m_windowManager);
     const bool ready = m_windowManager.start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")}) &&
-                       waitUntil([this] { return m_view->hasWindowManager(); });
+                       waitUntil([this] { return m_view->hasWindowManager() && (!hasPanel() || panelIsFramed()); });
     EXPECT_TRUE(ready) << "openbox did not start";
     return ready;
 }
@@ -108,6 +108,12 @@ QProcessEnvironment Desktop::environment() const
     environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime.path());
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus.address());
     return environment;
+}
+
+bool Desktop::panelIsFramed() const
+{
+    const QList<XWindow> windows = m_view->windowsOf(m_panel.pid());
+    return !windows.isEmpty() && m_view->isFramed(windows.first().id);
 }
 
 QRect Desktop::panelGeometry() const

@@ -29,6 +29,8 @@ public:
     bool start(Server server = Server::RemoteDesktop);
     /// Ends the X server, and with it all that has windows there; start() starts another, with the same home.
     void stopServer();
+    /// Returns once it has put a frame around a panel that is there: while it does so, the panel is off the screen, and
+    /// a click at it falls through.
     bool startWindowManager();
     /// Ends the window manager; returns once the X server has none.
     bool stopWindowManager();
@@ -53,6 +55,7 @@ public:
     [[nodiscard]] QRect panelGeometry() const;
 
 private:
+    [[nodiscard]] bool panelIsFramed() const;
     [[nodiscard]] QString panelConfiguration(TraySide side) const;
 
     QTemporaryDir m_home;

@@ -32,6 +32,8 @@ public:
     [[nodiscard]] QList<QSize> modeSizes() const;
     /// True when the one window, or the frame around it, lies in front of the other.
     [[nodiscard]] bool isInFront(xcb_window_t one, xcb_window_t other) const;
+    /// True when a window manager has put a frame, be it an invisible one, around the window.
+    [[nodiscard]] bool isFramed(xcb_window_t window) const { return topLevelOf(window) != window; }
     /// The process that has the keyboard; 0 when none has.
     [[nodiscard]] qint64 focusOwnerPid() const;
     [[nodiscard]] qint64 selectionOwnerPid(const QByteArray &selection) const;

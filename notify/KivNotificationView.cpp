@@ -1,6 +1,7 @@
 #include "KivNotificationView.h"
 
-#include <QBitmap>
+#include "notify/RoundedRegion.h"
+
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -8,7 +9,7 @@
 namespace
 {
 
-constexpr qreal radius = 6;
+constexpr int radius = 6;
 constexpr int inset = KivNotificationView::inset;
 
 QPainterPath rounded(const QRectF &frame, qreal distance)
@@ -28,12 +29,8 @@ KivNotificationView::KivNotificationView(QWidget *parent)
 
 QRegion KivNotificationView::mask() const
 {
-    QBitmap bits(size());
-    bits.clear();
-    QPainter painter(&bits);
-    painter.fillPath(rounded(rect(), isTranslucent() ? 0 : inset), Qt::color1);
-    painter.end();
-    return QRegion(bits);
+    const int distance = isTranslucent() ? 0 : inset;
+    return roundedRegion(rect().adjusted(distance, distance, -distance, -distance), radius + inset - distance);
 }
 
 void KivNotificationView::paintEvent(QPaintEvent *event)

@@ -1,0 +1,23 @@
+#include "platform/Compositor.h"
+#include "platform/StatusBar.h"
+
+#include <QWidget>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+TEST(WithoutAnXServer, NoCompositorRuns)
+{
+    EXPECT_FALSE(Compositor::isRunning());
+    QWidget window;
+    Compositor::announceShadow(window, 3); // To nobody.
+}
+
+TEST(WithoutAnXServer, TheStatusBarIs22PointsAtTheTop)
+{
+    EXPECT_EQ(StatusBar::at({10, 790}), (StatusBar{StatusBar::Edge::Top, 22}));
+}
+
+} // namespace

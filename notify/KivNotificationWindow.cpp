@@ -137,11 +137,10 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
                            Qt::WindowDoesNotAcceptFocus)
     , m_notification(std::move(record))
 {
+    Compositor::Question compositor;
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_MacAlwaysShowToolWindow);
     setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
-    // Without a compositor what is to be translucent would be black.
-    setAttribute(Qt::WA_TranslucentBackground, Compositor::isRunning());
 
     const QString title = m_notification->messageTypeString();
     setWindowTitle(title.isEmpty() ? QStringLiteral("Kivune") : title);
@@ -190,6 +189,8 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
         addButton(QStringLiteral("Do Not Remind Me Later"), layout.dontRemindMe,
                   &KivNotificationWindow::onDontRemindMeButton);
     }
+    // Without a compositor what is to be translucent would be black.
+    setAttribute(Qt::WA_TranslucentBackground, compositor.isRunning());
     setMask(view->mask());
     watchScreens();
 }

@@ -4,13 +4,36 @@
 
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace Compositor
 {
 
-bool isRunning()
+Question::Question()
 {
-    return XConnection::selectionOwner("_NET_WM_CM_S" + QByteArray::number(XConnection::screenNumber())) != XCB_NONE;
+    if (xcb_connection_t *x = XConnection::get()) {
+        const QByteArray selection = "_NET_WM_CM_S" + QByteArray::number(XConnection::screenNumber());
+        m_request = xcb_get_selection_owner(x, XConnection::atom(selection)).sequence;
+        xcb_flush(x);
+    }
+}
+
+Question::~Question()
+{
+    if (m_request != 0) {
+        xcb_discard_reply(XConnection::get(), m_request);
+    }
+}
+
+bool Question::isRunning()
+{
+    if (m_request == 0) {
+        return false;
+    }
+    const xcb_get_selection_owner_cookie_t cookie{std::exchange(m_request, 0U)};
+    const XcbReply<xcb_get_selection_owner_reply_t> owner(
+        xcb_get_selection_owner_reply(XConnection::get(), cookie, nullptr));
+    return owner && owner->owner != XCB_NONE;
 }
 
 void announceShadow(QWidget &window, int extent)

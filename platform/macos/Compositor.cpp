@@ -3,7 +3,11 @@
 namespace Compositor
 {
 
-bool isRunning()
+Question::Question() = default;
+
+Question::~Question() = default;
+
+bool Question::isRunning()
 {
     return true;
 }

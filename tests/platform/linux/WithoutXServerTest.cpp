@@ -10,7 +10,7 @@ namespace
 
 TEST(WithoutAnXServer, NoCompositorRuns)
 {
-    EXPECT_FALSE(Compositor::isRunning());
+    EXPECT_FALSE(Compositor::Question().isRunning());
     QWidget window;
     Compositor::announceShadow(window, 3); // To nobody.
 }

@@ -19,6 +19,7 @@
 #include <map>
 #include <numeric>
 #include <random>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -32,9 +33,7 @@ constexpr int pace = 24 * 60;
 
 constexpr std::array messageTypes{"update", "news", "notice", "warning"};
 constexpr std::array messagePriorities{"low", "medium", "high"};
-constexpr std::array messageIds{"1",  "2",  "3",  "4",  "5",  "6",  "7",  "8",  "9",  "10", "11", "12", "13", "14",
-                                "15", "16", "17", "18", "19", "20", "21", "22", "23", "24", "25", "26", "27", "28",
-                                "29", "30", "31", "32", "33", "34", "35", "36", "37", "38", "39", "40"};
+constexpr int lastMessageId = 150;
 
 std::chrono::duration<double> lengthOfTheRun()
 {
@@ -62,7 +61,8 @@ public:
     }
 
     bool start();
-    /// False, with a test failure, when the operation does not lead to what it must.
+    /// Carries one operation out, and perhaps another on the pop-up that is shown then. False, with a test failure,
+    /// when one does not lead to what it must.
     bool carryOutOne();
     /// Lets the agent's clock catch up with its pace.
     void letTimePass();
@@ -81,6 +81,7 @@ private:
         Carry carryOut;
     };
     static const Operation operations[];
+    static const Operation operationsOnAPopUp[];
 
     bool openAndCloseTheMenu();
     bool chooseACommand();
@@ -96,6 +97,8 @@ private:
     bool killTheBus();
     bool startASecondCopy();
 
+    const Operation &draw(std::span<const Operation> from);
+    void carryOut(const Operation &operation);
     int random(int below) { return std::uniform_int_distribution(0, below - 1)(m_random); }
     template <typename Container>
     const auto &oneOf(const Container &container)
@@ -155,8 +158,6 @@ const Life::Operation Life::operations[] = {
     {"question asked and refused", 3, &Life::askForADisconnect},
     {"item removed and shown", 3, &Life::takeTheItemAway},
     {"hint sent", 6, &Life::hint},
-    {"pop-up closed", 20, &Life::closeThePopUp},
-    {"link followed", 5, &Life::followTheLink},
     {"settings changed", 4, &Life::changeTheSettings},
     {"screen resized", 3, &Life::changeTheScreen},
     {"panel killed and started", 2, &Life::killThePanel},
@@ -165,13 +166,18 @@ const Life::Operation Life::operations[] = {
     {"second copy started", 1, &Life::startASecondCopy},
 };
 
+const Life::Operation Life::operationsOnAPopUp[] = {
+    {"pop-up closed", 1, &Life::closeThePopUp},
+    {"link followed", 1, &Life::followTheLink},
+};
+
 bool Life::start()
 {
     QList<ScriptedAnswer> answers;
-    for (std::size_t id = 0; id < messageIds.size();) {
+    for (int id = 0; id < lastMessageId;) {
         QList<FeedMessage> messages;
-        for (int left = random(4); left > 0 && id < messageIds.size(); --left) {
-            messages.append({.id = messageIds[id++],
+        for (int left = random(12); left > 0 && id < lastMessageId; --left) {
+            messages.append({.id = QByteArray::number(++id),
                              .type = oneOf(messageTypes),
                              .priority = oneOf(messagePriorities),
                              .repeat = random(4),
@@ -458,16 +464,21 @@ bool Life::startASecondCopy()
     return true;
 }
 
-bool Life::carryOutOne()
+const Life::Operation &Life::draw(std::span<const Operation> from)
 {
-    const int sum = std::accumulate(std::begin(operations), std::end(operations), 0,
+    const int sum = std::accumulate(from.begin(), from.end(), 0,
                                     [](int before, const Operation &operation) { return before + operation.weight; });
     int lot = random(sum);
-    const Operation *operation = std::begin(operations);
+    auto operation = from.begin();
     for (; lot >= operation->weight; ++operation) {
         lot -= operation->weight;
     }
-    m_last.push_back(operation->name);
+    return *operation;
+}
+
+void Life::carryOut(const Operation &operation)
+{
+    m_last.push_back(operation.name);
     if (m_last.size() > 5) {
         m_last.pop_front();
     }
@@ -475,10 +486,19 @@ bool Life::carryOutOne()
         __FILE__, __LINE__,
         std::accumulate(m_last.begin(), m_last.end(), std::string("the last operations"),
                         [](const std::string &all, const std::string &name) { return all + ", " + name; }));
-    if ((this->*operation->carryOut)()) {
-        ++m_counts[operation->name];
+    if ((this->*operation.carryOut)()) {
+        ++m_counts[operation.name];
     }
     EXPECT_TRUE(m_session.agent->process().isRunning()) << "the agent has died";
+}
+
+bool Life::carryOutOne()
+{
+    carryOut(draw(operations));
+    // The next time it may have gone: half a minute of the agent's passes in a moment.
+    if (!testing::Test::HasFailure() && popUp() && random(2) == 0) {
+        carryOut(draw(operationsOnAPopUp));
+    }
     return !testing::Test::HasFailure();
 }
 
@@ -511,21 +531,21 @@ TEST(Soak, OfDaysInASessionLeavesTheAgentAsItWas)
     ASSERT_TRUE(life.start());
     const qint64 atStart = life.memory();
     qint64 afterAQuarter = 0;
-    int operations = 0;
     const auto start = std::chrono::steady_clock::now();
     const auto length = lengthOfTheRun();
     bool goesOn = true;
     while (goesOn && std::chrono::steady_clock::now() - start < length) {
         life.letTimePass();
         goesOn = life.carryOutOne();
-        ++operations;
         if (afterAQuarter == 0 && std::chrono::steady_clock::now() - start > length / 4) {
             afterAQuarter = life.memory();
         }
     }
     const qint64 atEnd = life.memory();
+    int operations = 0;
     for (const auto &[name, count] : life.counts()) {
         std::printf("%6d  %s\n", count, name.c_str());
+        operations += count;
     }
     std::printf("%d operations in %.1f simulated days, %d failures\n"
                 "private memory %lld kB at the start, %lld kB after a quarter, %lld kB at the end\n",

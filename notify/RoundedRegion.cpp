@@ -28,18 +28,23 @@ QRegion roundedRegion(const QRect &frame, int radius)
     // In the order from top to bottom that QRegion asks for.
     QList<QRect> parts;
     parts.reserve(2 * radius + 1);
-    const auto addRow = [&](int y, int row) {
-        const int inset = pixelsBeforeCircle(row, radius);
-        parts.append(QRect(frame.left() + inset, y, frame.width() - 2 * inset, 1));
+    // Neighbours of one width are one part, or their seams would show at a scale that is no whole number.
+    const auto addRows = [&](int y, int height, int inset) {
+        const QRect rows(frame.left() + inset, y, frame.width() - 2 * inset, height);
+        if (!parts.isEmpty() && parts.last().left() == rows.left()) {
+            parts.last().setBottom(rows.bottom());
+        } else {
+            parts.append(rows);
+        }
     };
     for (int row = 0; row < radius; ++row) {
-        addRow(frame.top() + row, row);
+        addRows(frame.top() + row, 1, pixelsBeforeCircle(row, radius));
     }
     if (const int height = frame.height() - 2 * radius; height > 0) {
-        parts.append(QRect(frame.left(), frame.top() + radius, frame.width(), height));
+        addRows(frame.top() + radius, height, 0);
     }
     for (int row = radius - 1; row >= 0; --row) {
-        addRow(frame.bottom() - row, row);
+        addRows(frame.bottom() - row, 1, pixelsBeforeCircle(row, radius));
     }
     QRegion region;
     region.setRects(parts.constData(), static_cast<int>(parts.size()));

@@ -18,7 +18,7 @@ public:
     Question(const Question &) = delete;
     Question &operator=(const Question &) = delete;
 
-    /// Once only.
+    /// To be called once: the answer is not kept.
     [[nodiscard]] bool isRunning();
 
 private:

@@ -38,7 +38,7 @@ def _table(figures):
 def section(title, figures):
     """A table of the figures, and below it how each was measured."""
     methods = "\n".join(f"- **{figure.title}.** {figure.how}" for figure in figures if figure.how)
-    return f"## {title}\n\n{_table(figures)}\n\n{methods}\n"
+    return "\n\n".join([f"## {title}", _table(figures), *([methods] if methods else [])]) + "\n"
 
 
 def page(facts, sections, notes=""):

@@ -1,7 +1,7 @@
 #include "platform/GraphicalSession.h"
 
 #include "platform/linux/FreedMemory.h"
-#include "platform/linux/LatePresses.h"
+#include "platform/linux/LateMouseEvents.h"
 #include "platform/linux/RootProperties.h"
 #include "platform/linux/SessionBusAddress.h"
 
@@ -79,5 +79,5 @@ void GraphicalSession::settle()
 {
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
-    LatePresses::keepFromQt();
+    LateMouseEvents::keepFromQt();
 }

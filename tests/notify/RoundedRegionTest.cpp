@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <tuple>
 
@@ -29,11 +30,15 @@ TEST_P(RoundedRegion, HasThePixelsWhoseMiddleLiesWithinTheShape)
 {
     const auto [frame, radius] = GetParam();
     const QRegion region = roundedRegion(frame, radius);
+    QRegion pixelByPixel;
     for (int y = frame.top() - 2; y <= frame.bottom() + 2; ++y) {
         for (int x = frame.left() - 2; x <= frame.right() + 2; ++x) {
-            EXPECT_EQ(region.contains(QPoint(x, y)), isWithin({x, y}, frame, radius)) << x << ", " << y;
+            const bool expected = isWithin({x, y}, frame, radius);
+            EXPECT_EQ(region.contains(QPoint(x, y)), expected) << x << ", " << y;
+            pixelByPixel += expected ? QRect(x, y, 1, 1) : QRect();
         }
     }
+    EXPECT_EQ(region, pixelByPixel) << "the same pixels in other parts";
 }
 
 INSTANTIATE_TEST_SUITE_P(Frames, RoundedRegion,

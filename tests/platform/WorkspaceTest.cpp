@@ -8,46 +8,61 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
 
 namespace
 {
 
+/// One default program for all tests: Qt looks for it only once.
 class WorkspaceTest : public testing::Test
 {
 protected:
-    WorkspaceTest()
+    static void SetUpTestSuite()
     {
+        browser = std::make_unique<Browser>();
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        browser.addTo(environment);
+        browser->addTo(environment);
         path.emplace("PATH", environment.value(QStringLiteral("PATH")).toLocal8Bit());
     }
-
-    [[nodiscard]] bool opens(const QByteArray &what)
+    static void TearDownTestSuite()
     {
-        return waitUntil([&] { return !browser.opened().isEmpty(); }) && browser.opened() == QByteArrayList{what};
+        path.reset();
+        browser.reset();
     }
 
-    Browser browser;
-    std::optional<ScopedVariable> path;
+    /// True once one thing more has been opened, and that was this.
+    [[nodiscard]] bool opens(const QByteArray &what) const
+    {
+        return waitUntil([&] { return browser->opened().size() > before; }) &&
+               browser->opened().mid(before) == QByteArrayList{what};
+    }
+
+    static std::unique_ptr<Browser> browser;
+    static std::optional<ScopedVariable> path;
+    const qsizetype before = browser->opened().size();
 };
+
+std::unique_ptr<Browser> WorkspaceTest::browser;
+std::optional<ScopedVariable> WorkspaceTest::path;
 
 TEST_F(WorkspaceTest, OpensAFileThatIsThere)
 {
     QTemporaryFile file;
     ASSERT_TRUE(file.open());
     Workspace::openFile(file.fileName());
-    EXPECT_TRUE(opens("file://" + file.fileName().toUtf8())) << browser.opened().join('|').constData();
+    EXPECT_TRUE(opens("file://" + file.fileName().toUtf8())) << browser->opened().join('|').constData();
 }
 
 TEST_F(WorkspaceTest, LeavesAFileThatIsNotThereAloneAndATextThatIsNoAddress)
 {
     Workspace::openFile(QStringLiteral("/nowhere/preferences.prefPane"));
     Workspace::openUrl(QStringLiteral("not an address"));
+    Workspace::openUrl(QStringLiteral("support.html"));
     Workspace::openUrl(QStringLiteral("http://[::"));
     Workspace::openUrl(QString());
     Workspace::openUrl(QStringLiteral("http://127.0.0.1/support"));
-    EXPECT_TRUE(opens("http://127.0.0.1/support")) << browser.opened().join('|').constData();
+    EXPECT_TRUE(opens("http://127.0.0.1/support")) << browser->opened().join('|').constData();
 }
 
 } // namespace

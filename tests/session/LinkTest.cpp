@@ -84,6 +84,21 @@ TEST_F(Link, LogsOneErrorForAChoiceAfterTheServiceHasGone)
     EXPECT_EQ(agent->systemLog(), QByteArrayList{"3 kivmAESendEvent failed, error=-600"});
 }
 
+TEST_F(Link, LogsOneErrorForAChoiceWhileThereIsNoBus)
+{
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_TRUE(service->attach(*agent));
+    ASSERT_TRUE(service->allow(*agent, "32793"));
+    desktop.bus().stop();
+
+    chooseMinimize();
+
+    EXPECT_TRUE(waitUntil([&] { return !agent->systemLog().isEmpty(); }));
+    // The number depends on whether the service, which ends without a bus, still runs.
+    ASSERT_EQ(agent->systemLog().size(), 1);
+    EXPECT_TRUE(agent->systemLog().first().startsWith("3 kivmAESendEvent failed, error=-60"));
+}
+
 TEST_F(Link, EndsTheAgentAtTheServicesWord)
 {
     ASSERT_TRUE(agent->startAndDock());

@@ -174,9 +174,10 @@ TEST_F(ManagedMenu, LeavesOneSubmenuLevelAtATimeOnEscape)
 
 TEST_F(ManagedMenu, OutlivesThePanel)
 {
-    ASSERT_TRUE(agent->openMenu());
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
     desktop.stopPanel();
-    EXPECT_FALSE(waitUntil([&] { return !agent->process().isRunning(); }, std::chrono::milliseconds(500)));
+    EXPECT_FALSE(waitUntil([&] { return !agent->freeWindows().contains(*menu); }, std::chrono::milliseconds(500)));
     desktop.input().key(XK_Escape);
     ASSERT_TRUE(desktop.startPanel(Desktop::TraySide::Left));
     ASSERT_TRUE(waitUntil([&] { return agent->isDocked() && !agent->hasMenu(); }));

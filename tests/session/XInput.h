@@ -22,7 +22,8 @@ public:
     /// menu lets go of it a moment after it has gone from the screen.
     [[nodiscard]] bool isFree() const;
 
-    /// From now on the X server does nothing that another program asks for; what the user does still reaches them.
+    /// Until letServerGo() the X server does nothing that another program asks for; what the user does still reaches
+    /// them. Whoever waits for its answer meanwhile waits until then.
     void holdServer();
     void letServerGo();
 

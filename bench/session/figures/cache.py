@@ -75,5 +75,6 @@ def measure(place):
     least, most = COUNTS[0], COUNTS[-1]
     writes[-1].require(f"{most // least} x that of {least}", most // least * (medians[least][1] - without))
     starts[0].how = (f"All that the process writes in its first {SETTLE} s counts as written, less what it writes "
-                     f"without a cache, which goes to the server and the bus. Medians of {RUNS} runs.")
+                     f"without a cache, which goes to the server and the bus. The item docks while the agent reads the "
+                     f"messages: the times differ by chance. Medians of {RUNS} runs.")
     return starts + writes

@@ -35,11 +35,11 @@ def _growth(place, program, make_act):
             for _ in range(FEW):
                 act()
         time.sleep(SETTLE)
-        before = cost.private_memory([running.process.pid])
+        before = cost.private_memory(desktop.processes_of(running.process))
         for _ in range(MANY - FEW):
             act()
         time.sleep(SETTLE)
-        return cost.private_memory([running.process.pid]) - before
+        return cost.private_memory(desktop.processes_of(running.process)) - before
 
 
 def _menu(desktop, _running):

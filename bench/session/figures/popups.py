@@ -10,7 +10,7 @@ from bench.session.figure import Figure
 from bench.session.programs import Kind
 from bench.session.use import Hints
 
-STARTS = 7  # Each gives one first pop-up.
+STARTS = 30  # Each gives one first pop-up.
 SHOWN = 31  # The first does not count among the later ones.
 
 

@@ -40,8 +40,9 @@ def measure(place):
         changed = wake_ups_during(change_root_properties)
 
     return [
-        Figure(f"Wake-ups in {IDLE} s", "", f"Idle, from {SETTLE} s after the start on. Voluntary context switches of "
-               "all threads, of what the program made the bus start too.", idle).require("0", 0),
+        Figure(f"Wake-ups in {IDLE} s", "", f"Idle, from {SETTLE} s after the start on, which is after the one look at "
+               "its pictures that the toolkit takes 30 s after the first was drawn. Voluntary context switches of all "
+               "threads, of what the program made the bus start too.", idle).require("0", 0),
         Figure("Wake-ups per change of the root window", "", f"Another program changes a property of the root window "
                f"{CHANGES} times, as window managers and panels do all the time.",
                {name: count / CHANGES for name, count in changed.items()}, digits=2).require("0", 0),

@@ -1,4 +1,4 @@
-#include "LatePresses.h"
+#include "LateMouseEvents.h"
 
 #include "platform/linux/XConnection.h"
 
@@ -23,40 +23,41 @@ bool isHiddenWindowOfQt(xcb_window_t id)
 
 } // namespace
 
-void LatePresses::keepFromQt()
+void LateMouseEvents::keepFromQt()
 {
     if (xcb_connection_t *x = XConnection::get()) {
         // Qt takes the mouse from this extension where there is one, and has asked for it already.
         const xcb_query_extension_reply_t *extension = xcb_get_extension_data(x, &xcb_input_id);
-        new LatePresses(QCoreApplication::instance(), extension && extension->present ? extension->major_opcode : 0);
+        new LateMouseEvents(QCoreApplication::instance(),
+                            extension && extension->present ? extension->major_opcode : 0);
     }
 }
 
-LatePresses::LatePresses(QObject *parent, std::uint8_t inputExtension)
+LateMouseEvents::LateMouseEvents(QObject *parent, std::uint8_t inputExtension)
     : QObject(parent)
     , m_inputExtension(inputExtension)
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
 }
 
-bool LatePresses::nativeEventFilter(const QByteArray &, void *message, qintptr *)
+bool LateMouseEvents::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
-    const std::optional<xcb_window_t> window = pressedWindow(static_cast<const xcb_generic_event_t *>(message));
+    const std::optional<xcb_window_t> window = windowOf(static_cast<const xcb_generic_event_t *>(message));
     return window && isHiddenWindowOfQt(*window);
 }
 
-std::optional<xcb_window_t> LatePresses::pressedWindow(const xcb_generic_event_t *event) const
+std::optional<xcb_window_t> LateMouseEvents::windowOf(const xcb_generic_event_t *event) const
 {
+    // Presses and moves are laid out alike, in the core protocol and in the extension.
     constexpr std::uint8_t sentBit = 0x80;
     switch (event->response_type & ~sentBit) {
     case XCB_BUTTON_PRESS:
+    case XCB_MOTION_NOTIFY:
         return reinterpret_cast<const xcb_button_press_event_t *>(event)->event;
     case XCB_GE_GENERIC: {
-        const auto *press = reinterpret_cast<const xcb_input_button_press_event_t *>(event);
-        if (press->extension == m_inputExtension && press->event_type == XCB_INPUT_BUTTON_PRESS) {
-            return press->event;
-        }
-        return std::nullopt;
+        const auto *input = reinterpret_cast<const xcb_input_button_press_event_t *>(event);
+        const bool isOfTheMouse = input->event_type == XCB_INPUT_BUTTON_PRESS || input->event_type == XCB_INPUT_MOTION;
+        return input->extension == m_inputExtension && isOfTheMouse ? std::optional(input->event) : std::nullopt;
     }
     default:
         return std::nullopt;

@@ -7,6 +7,7 @@
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QPixmapCache>
 
 #include <xcb/xcb.h>
 
@@ -37,6 +38,14 @@ void keepQtFromLaunchingOrWaiting()
 void keepQtFromLookingForLargerImages()
 {
     qputenv("QT_HIGHDPI_DISABLE_2X_IMAGE_LOADING", "1");
+}
+
+/// The style keeps the arrow of each entry with a submenu under a name of its own each time the entry is selected: a
+/// session of much use would grow by megabytes, and a timer that looks after them would wake every session up. Nothing
+/// that is drawn here is worth keeping.
+void keepQtFromCachingPictures()
+{
+    QPixmapCache::setCacheLimit(0);
 }
 
 } // namespace
@@ -80,4 +89,5 @@ void GraphicalSession::settle()
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();
+    keepQtFromCachingPictures();
 }

@@ -10,8 +10,8 @@ namespace GraphicalSession
 [[nodiscard]] QString prepare();
 
 /// Makes this process a quiet part of the session: it no longer wakes up for what others do on the screen while it
-/// shows nothing there itself, gives back the memory of windows that have gone, and keeps from Qt what would have it
-/// remember such a window. To be called once the application object is there.
+/// shows nothing there itself, gives back the memory of windows that have gone, stores no pictures, and keeps from Qt
+/// what would have it remember a window that has gone. To be called once the application object is there.
 void settle();
 
 } // namespace GraphicalSession

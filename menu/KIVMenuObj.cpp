@@ -1,4 +1,4 @@
-#include "KIVMenuObj.h"
+#include "menu/KIVMenuObj.h"
 
 #include "menu/AnchorWindow.h"
 #include "menu/AssociatedObjects.h"

@@ -1,4 +1,4 @@
-#include "CheckInterval.h"
+#include "notify/CheckInterval.h"
 
 std::chrono::minutes checkInterval(std::int32_t notificationShow) noexcept
 {

@@ -1,4 +1,4 @@
-#include "CloseTimeout.h"
+#include "notify/CloseTimeout.h"
 
 #include "notify/KivNotification.h"
 

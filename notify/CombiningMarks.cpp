@@ -1,4 +1,4 @@
-#include "CombiningMarks.h"
+#include "notify/CombiningMarks.h"
 
 QString withoutPiledUpMarks(const QString &text)
 {

@@ -1,4 +1,4 @@
-#include "DayComparison.h"
+#include "notify/DayComparison.h"
 
 QDateTime normalizedDateWithDate(const QDateTime &date)
 {

@@ -1,4 +1,4 @@
-#include "DistantFuture.h"
+#include "notify/DistantFuture.h"
 
 QDateTime distantFuture()
 {

@@ -1,4 +1,4 @@
-#include "KivNotification.h"
+#include "notify/KivNotification.h"
 
 #include "notify/FeedVocabulary.h"
 #include "notify/TextMeasure.h"

@@ -1,4 +1,4 @@
-#include "KivNotificationProperties.h"
+#include "notify/KivNotificationProperties.h"
 
 #include "notify/FeedVocabulary.h"
 #include "notify/Relevance.h"

@@ -1,4 +1,4 @@
-#include "KivNotificationView.h"
+#include "notify/KivNotificationView.h"
 
 #include "notify/RoundedRegion.h"
 

@@ -1,4 +1,4 @@
-#include "KivNotificationWindow.h"
+#include "notify/KivNotificationWindow.h"
 
 #include "notify/KivNotificationView.h"
 #include "notify/KivTextView.h"

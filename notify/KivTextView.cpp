@@ -1,4 +1,4 @@
-#include "KivTextView.h"
+#include "notify/KivTextView.h"
 
 #include "notify/CombiningMarks.h"
 #include "notify/LinkScan.h"

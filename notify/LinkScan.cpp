@@ -1,4 +1,4 @@
-#include "LinkScan.h"
+#include "notify/LinkScan.h"
 
 #include <QUrl>
 

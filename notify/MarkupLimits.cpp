@@ -1,4 +1,4 @@
-#include "MarkupLimits.h"
+#include "notify/MarkupLimits.h"
 
 #include "notify/ScriptRuns.h"
 

@@ -1,4 +1,4 @@
-#include "NotificationCache.h"
+#include "notify/NotificationCache.h"
 
 #include "platform/AtomicFile.h"
 #include "platform/PropertyList.h"

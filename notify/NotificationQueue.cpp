@@ -1,4 +1,4 @@
-#include "NotificationQueue.h"
+#include "notify/NotificationQueue.h"
 
 #include "notify/KivNotification.h"
 

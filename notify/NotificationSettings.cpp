@@ -1,4 +1,4 @@
-#include "NotificationSettings.h"
+#include "notify/NotificationSettings.h"
 
 #include "platform/StringValues.h"
 

@@ -1,4 +1,4 @@
-#include "PopUpLayout.h"
+#include "notify/PopUpLayout.h"
 
 #include <algorithm>
 #include <cmath>

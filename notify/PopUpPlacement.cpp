@@ -1,4 +1,4 @@
-#include "PopUpPlacement.h"
+#include "notify/PopUpPlacement.h"
 
 NSPoint popUpOrigin(NSSize mainScreen, NSSize popUp) noexcept
 {

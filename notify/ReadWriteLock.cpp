@@ -1,4 +1,4 @@
-#include "ReadWriteLock.h"
+#include "notify/ReadWriteLock.h"
 
 ReadWriteLock::Hold::Hold(pthread_rwlock_t &lock) noexcept
     : m_lock(lock)

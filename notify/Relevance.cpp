@@ -1,4 +1,4 @@
-#include "Relevance.h"
+#include "notify/Relevance.h"
 
 #include "notify/DayComparison.h"
 #include "notify/FeedVocabulary.h"

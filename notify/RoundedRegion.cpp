@@ -1,4 +1,4 @@
-#include "RoundedRegion.h"
+#include "notify/RoundedRegion.h"
 
 #include <QList>
 

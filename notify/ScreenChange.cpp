@@ -1,4 +1,4 @@
-#include "ScreenChange.h"
+#include "notify/ScreenChange.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "ScriptRuns.h"
+#include "notify/ScriptRuns.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "ShowPermission.h"
+#include "notify/ShowPermission.h"
 
 #include "notify/KivNotification.h"
 

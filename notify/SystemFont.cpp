@@ -1,4 +1,4 @@
-#include "SystemFont.h"
+#include "notify/SystemFont.h"
 
 #include <QFontDatabase>
 

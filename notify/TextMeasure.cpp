@@ -1,4 +1,4 @@
-#include "TextMeasure.h"
+#include "notify/TextMeasure.h"
 
 #include "notify/CombiningMarks.h"
 #include "notify/ScriptRuns.h"

@@ -1,4 +1,4 @@
-#include "UserLevel.h"
+#include "notify/UserLevel.h"
 
 #include <algorithm>
 #include <grp.h>

@@ -1,4 +1,4 @@
-#include "VersionComparison.h"
+#include "notify/VersionComparison.h"
 
 #include "platform/StringValues.h"
 

@@ -1,4 +1,4 @@
-#include "AlertIcon.h"
+#include "platform/AlertIcon.h"
 
 #include <QPainter>
 

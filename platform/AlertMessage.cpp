@@ -1,4 +1,4 @@
-#include "AlertMessage.h"
+#include "platform/AlertMessage.h"
 
 #include <QRegularExpression>
 

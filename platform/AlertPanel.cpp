@@ -1,4 +1,4 @@
-#include "AlertPanel.h"
+#include "platform/AlertPanel.h"
 
 #include "platform/AlertIcon.h"
 #include "platform/AlertMessage.h"

@@ -1,4 +1,4 @@
-#include "DecimalNumber.h"
+#include "platform/DecimalNumber.h"
 
 #include <QLocale>
 

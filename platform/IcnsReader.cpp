@@ -1,4 +1,4 @@
-#include "IcnsReader.h"
+#include "platform/IcnsReader.h"
 
 #include <QBuffer>
 #include <QImageReader>

@@ -1,4 +1,4 @@
-#include "IconDrawing.h"
+#include "platform/IconDrawing.h"
 
 #include <QPainter>
 

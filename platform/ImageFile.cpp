@@ -1,4 +1,4 @@
-#include "ImageFile.h"
+#include "platform/ImageFile.h"
 
 #include "platform/TiffReader.h"
 

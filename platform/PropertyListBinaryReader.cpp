@@ -1,4 +1,4 @@
-#include "PropertyListBinaryReader.h"
+#include "platform/PropertyListBinaryReader.h"
 
 #include "platform/PropertyListValues.h"
 

@@ -1,4 +1,4 @@
-#include "PropertyListValues.h"
+#include "platform/PropertyListValues.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "PropertyListXmlReader.h"
+#include "platform/PropertyListXmlReader.h"
 
 #include "platform/CrowdedTag.h"
 #include "platform/DecimalNumber.h"

@@ -1,4 +1,4 @@
-#include "PropertyListXmlWriter.h"
+#include "platform/PropertyListXmlWriter.h"
 
 #include "platform/PropertyListValues.h"
 

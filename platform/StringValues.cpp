@@ -1,4 +1,4 @@
-#include "StringValues.h"
+#include "platform/StringValues.h"
 
 #include "platform/DecimalNumber.h"
 

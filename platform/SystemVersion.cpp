@@ -1,4 +1,4 @@
-#include "SystemVersion.h"
+#include "platform/SystemVersion.h"
 
 #include "platform/PropertyList.h"
 

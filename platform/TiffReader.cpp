@@ -1,4 +1,4 @@
-#include "TiffReader.h"
+#include "platform/TiffReader.h"
 
 #include <QtEndian>
 

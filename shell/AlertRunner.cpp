@@ -1,4 +1,4 @@
-#include "AlertRunner.h"
+#include "shell/AlertRunner.h"
 
 #include "platform/AlertMessage.h"
 #include "platform/AlertPanel.h"

@@ -1,4 +1,4 @@
-#include "MenuProcedure.h"
+#include "shell/MenuProcedure.h"
 
 #include "menu/MenuCommands.h"
 #include "platform/AlertPanel.h"

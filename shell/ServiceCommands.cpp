@@ -1,4 +1,4 @@
-#include "ServiceCommands.h"
+#include "shell/ServiceCommands.h"
 
 #include "notify/KivNotification.h"
 #include "notify/KivNotificationManager.h"

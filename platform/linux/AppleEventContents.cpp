@@ -1,4 +1,4 @@
-#include "AppleEventContents.h"
+#include "platform/linux/AppleEventContents.h"
 
 OSErr AppleEventContents::setParameter(AEKeyword keyword, DescType type, const void *data, Size size)
 {

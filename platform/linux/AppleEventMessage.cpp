@@ -1,4 +1,4 @@
-#include "AppleEventMessage.h"
+#include "platform/linux/AppleEventMessage.h"
 
 #include "platform/linux/EventBusName.h"
 

@@ -1,4 +1,4 @@
-#include "AppleEventTransport.h"
+#include "platform/linux/AppleEventTransport.h"
 
 #include "platform/linux/AppleEventMessage.h"
 #include "platform/linux/AppleEventsContract.h"

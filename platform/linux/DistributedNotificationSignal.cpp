@@ -1,4 +1,4 @@
-#include "DistributedNotificationSignal.h"
+#include "platform/linux/DistributedNotificationSignal.h"
 
 #include "platform/linux/SessionBus.h"
 

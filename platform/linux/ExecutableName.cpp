@@ -1,4 +1,4 @@
-#include "ExecutableName.h"
+#include "platform/linux/ExecutableName.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "KernelVersion.h"
+#include "platform/linux/KernelVersion.h"
 
 namespace
 {

@@ -1,4 +1,4 @@
-#include "LateMouseEvents.h"
+#include "platform/linux/LateMouseEvents.h"
 
 #include "platform/linux/XConnection.h"
 

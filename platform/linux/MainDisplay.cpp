@@ -1,4 +1,4 @@
-#include "MainDisplay.h"
+#include "platform/linux/MainDisplay.h"
 
 #include "platform/linux/XConnection.h"
 

@@ -1,4 +1,4 @@
-#include "PanelBar.h"
+#include "platform/linux/PanelBar.h"
 
 StatusBar panelBar(const QRect &window, const QRect &screen, double ratio)
 {

@@ -1,4 +1,4 @@
-#include "PeerProcesses.h"
+#include "platform/linux/PeerProcesses.h"
 
 #include "platform/linux/SessionBus.h"
 

@@ -1,4 +1,4 @@
-#include "RootProperties.h"
+#include "platform/linux/RootProperties.h"
 
 #include "platform/linux/XConnection.h"
 

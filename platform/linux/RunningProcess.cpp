@@ -1,4 +1,4 @@
-#include "RunningProcess.h"
+#include "platform/linux/RunningProcess.h"
 
 #include <QByteArray>
 #include <QFile>

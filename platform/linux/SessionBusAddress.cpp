@@ -1,4 +1,4 @@
-#include "SessionBusAddress.h"
+#include "platform/linux/SessionBusAddress.h"
 
 #include <QByteArray>
 #include <QDeadlineTimer>

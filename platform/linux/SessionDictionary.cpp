@@ -1,4 +1,4 @@
-#include "SessionDictionary.h"
+#include "platform/linux/SessionDictionary.h"
 
 #include "platform/linux/XConnection.h"
 

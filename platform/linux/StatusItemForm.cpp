@@ -1,4 +1,4 @@
-#include "StatusItemForm.h"
+#include "platform/linux/StatusItemForm.h"
 
 namespace
 {

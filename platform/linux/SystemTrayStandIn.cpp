@@ -1,4 +1,4 @@
-#include "SystemTrayStandIn.h"
+#include "platform/linux/SystemTrayStandIn.h"
 
 #include "platform/linux/RootProperties.h"
 

@@ -1,4 +1,4 @@
-#include "TrayHost.h"
+#include "platform/linux/TrayHost.h"
 
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/XConnection.h"

@@ -1,4 +1,4 @@
-#include "TrayHostWatch.h"
+#include "platform/linux/TrayHostWatch.h"
 
 #include "platform/linux/SessionBus.h"
 #include "platform/linux/XConnection.h"

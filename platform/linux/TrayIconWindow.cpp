@@ -1,4 +1,4 @@
-#include "TrayIconWindow.h"
+#include "platform/linux/TrayIconWindow.h"
 
 #include "platform/linux/RootProperties.h"
 #include "platform/linux/XConnection.h"

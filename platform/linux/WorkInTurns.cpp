@@ -1,4 +1,4 @@
-#include "WorkInTurns.h"
+#include "platform/linux/WorkInTurns.h"
 
 #include <utility>
 

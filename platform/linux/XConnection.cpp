@@ -1,4 +1,4 @@
-#include "XConnection.h"
+#include "platform/linux/XConnection.h"
 
 #include <QGuiApplication>
 #include <QHash>

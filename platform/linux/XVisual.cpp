@@ -1,4 +1,4 @@
-#include "XVisual.h"
+#include "platform/linux/XVisual.h"
 
 QImage::Format imageFormat(std::uint8_t depth, std::uint32_t redMask)
 {

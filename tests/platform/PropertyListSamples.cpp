@@ -1,4 +1,4 @@
-#include "PropertyListSamples.h"
+#include "tests/platform/PropertyListSamples.h"
 
 #include <QDateTime>
 #include <QJsonObject>

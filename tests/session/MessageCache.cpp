@@ -1,4 +1,4 @@
-#include "MessageCache.h"
+#include "tests/session/MessageCache.h"
 
 #include "platform/PropertyList.h"
 #include "tests/support/WaitUntil.h"

@@ -1,4 +1,4 @@
-#include "SettingsProgram.h"
+#include "tests/session/SettingsProgram.h"
 
 #include "platform/PropertyList.h"
 #include "tests/support/BusPeer.h"

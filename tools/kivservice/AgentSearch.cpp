@@ -1,4 +1,4 @@
-#include "AgentSearch.h"
+#include "tools/kivservice/AgentSearch.h"
 
 #include "platform/linux/EventBusName.h"
 #include "platform/linux/ExecutableName.h"

@@ -1,4 +1,4 @@
-#include "AttachCommand.h"
+#include "tools/kivservice/AttachCommand.h"
 
 #include "platform/linux/EventBusName.h"
 #include "platform/linux/SessionBus.h"

@@ -1,4 +1,4 @@
-#include "DisplaySwitcher.h"
+#include "tools/kivservice/DisplaySwitcher.h"
 
 #include "platform/linux/MainDisplay.h"
 #include "platform/linux/XConnection.h"

@@ -1,4 +1,4 @@
-#include "FakeTray.h"
+#include "tests/platform/linux/FakeTray.h"
 
 #include "platform/linux/XConnection.h"
 

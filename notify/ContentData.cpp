@@ -1,7 +1,7 @@
 #include "notify/ContentData.h"
 
 #include "notify/Base64.h"
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 #include <QByteArray>
 

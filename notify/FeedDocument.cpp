@@ -1,7 +1,7 @@
 #include "notify/FeedDocument.h"
 
-#include "platform/CrowdedTag.h"
-#include "platform/DocumentType.h"
+#include "platform/data/CrowdedTag.h"
+#include "platform/data/DocumentType.h"
 
 #include <QStringDecoder>
 #include <QXmlStreamReader>

@@ -6,7 +6,7 @@
 #include "notify/FeedDocument.h"
 #include "notify/FeedVocabulary.h"
 #include "notify/KivNotification.h"
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 #include <QXmlStreamReader>
 

@@ -3,7 +3,7 @@
 #include "notify/FeedVocabulary.h"
 #include "notify/TextMeasure.h"
 #include "notify/UndefinedKeyException.h"
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 #include <QMetaProperty>
 #include <QTextStream>

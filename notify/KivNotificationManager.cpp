@@ -9,7 +9,7 @@
 #include "notify/ScreenChange.h"
 #include "notify/UndefinedKeyException.h"
 #include "platform/MainScreen.h"
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 #include <QDir>
 

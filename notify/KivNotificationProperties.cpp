@@ -4,9 +4,9 @@
 #include "notify/Relevance.h"
 #include "notify/ShowPermission.h"
 #include "platform/Bundle.h"
-#include "platform/PropertyList.h"
-#include "platform/StringValues.h"
 #include "platform/SystemVersion.h"
+#include "platform/data/PropertyList.h"
+#include "platform/data/StringValues.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "notify/NotificationCache.h"
 
-#include "platform/AtomicFile.h"
-#include "platform/PropertyList.h"
+#include "platform/data/AtomicFile.h"
+#include "platform/data/PropertyList.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>

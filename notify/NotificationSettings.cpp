@@ -1,6 +1,6 @@
 #include "notify/NotificationSettings.h"
 
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 NotificationSettings NotificationSettings::fromDictionary(const QVariantMap &preferences)
 {

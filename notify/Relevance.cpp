@@ -4,7 +4,7 @@
 #include "notify/FeedVocabulary.h"
 #include "notify/KivNotification.h"
 #include "notify/VersionComparison.h"
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 namespace
 {

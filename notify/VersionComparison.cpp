@@ -1,6 +1,6 @@
 #include "notify/VersionComparison.h"
 
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 #include <stdexcept>
 

@@ -2,7 +2,7 @@
 
 #include "notify/KivNotification.h"
 #include "notify/KivNotificationManager.h"
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 #include "shell/EventCodes.h"
 #include "shell/ProcessState.h"
 

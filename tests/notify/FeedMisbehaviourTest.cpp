@@ -2,7 +2,7 @@
 #include "notify/KivNotificationReceiver.h"
 #include "notify/NotificationSink.h"
 #include "platform/Bundle.h"
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "shell/Application.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/WaitUntil.h"

@@ -6,7 +6,7 @@
 #include "notify/KivNotificationWindow.h"
 #include "platform/Bundle.h"
 #include "platform/MainScreen.h"
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "platform/linux/XConnection.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"

@@ -2,7 +2,7 @@
 
 #include "notify/KivNotification.h"
 #include "platform/Bundle.h"
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "tests/support/SystemLog.h"
 
 #include <QDir>

@@ -5,7 +5,7 @@
 #include "notify/NotificationSink.h"
 #include "notify/UndefinedKeyException.h"
 #include "platform/Bundle.h"
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/WaitUntil.h"
 

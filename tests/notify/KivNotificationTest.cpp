@@ -3,7 +3,7 @@
 #include "notify/DistantFuture.h"
 #include "notify/TextMeasure.h"
 #include "notify/UndefinedKeyException.h"
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 
 #include <gtest/gtest.h>
 

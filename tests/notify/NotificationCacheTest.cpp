@@ -1,6 +1,6 @@
 #include "notify/NotificationCache.h"
 
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "tests/support/FullDisk.h"
 
 #include <QDateTime>

@@ -1,6 +1,6 @@
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
-#include "platform/DecimalNumber.h"
+#include "platform/data/DecimalNumber.h"
 
 #include <QStringDecoder>
 

@@ -1,10 +1,10 @@
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 
-#include "platform/AtomicFile.h"
-#include "platform/PropertyListBinaryReader.h"
-#include "platform/PropertyListValues.h"
-#include "platform/PropertyListXmlReader.h"
-#include "platform/PropertyListXmlWriter.h"
+#include "platform/data/AtomicFile.h"
+#include "platform/data/PropertyListBinaryReader.h"
+#include "platform/data/PropertyListValues.h"
+#include "platform/data/PropertyListXmlReader.h"
+#include "platform/data/PropertyListXmlWriter.h"
 
 #include <QFile>
 #include <QFileInfo>

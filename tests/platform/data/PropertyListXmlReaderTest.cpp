@@ -1,6 +1,6 @@
-#include "platform/PropertyListXmlReader.h"
+#include "platform/data/PropertyListXmlReader.h"
 
-#include "platform/PropertyListValues.h"
+#include "platform/data/PropertyListValues.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>

@@ -1,6 +1,6 @@
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 
-#include "tests/platform/PropertyListSamples.h"
+#include "tests/platform/data/PropertyListSamples.h"
 #include "tests/support/FullDisk.h"
 
 #include <QDateTime>

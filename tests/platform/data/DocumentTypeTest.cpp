@@ -1,4 +1,4 @@
-#include "platform/DocumentType.h"
+#include "platform/data/DocumentType.h"
 
 #include <QStringList>
 #include <QXmlStreamReader>

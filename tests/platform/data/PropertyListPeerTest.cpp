@@ -1,7 +1,7 @@
 // Both ways against an implementation that shares nothing with ours.
 
-#include "platform/PropertyList.h"
-#include "tests/platform/PropertyListSamples.h"
+#include "platform/data/PropertyList.h"
+#include "tests/platform/data/PropertyListSamples.h"
 #include "tests/support/ChildProcess.h"
 
 #include <QJsonDocument>

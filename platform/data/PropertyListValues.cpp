@@ -1,4 +1,4 @@
-#include "platform/PropertyListValues.h"
+#include "platform/data/PropertyListValues.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "platform/CrowdedTag.h"
+#include "platform/data/CrowdedTag.h"
 
 #include <QString>
 

@@ -1,4 +1,4 @@
-#include "platform/AtomicFile.h"
+#include "platform/data/AtomicFile.h"
 
 #include "tests/support/FullDisk.h"
 

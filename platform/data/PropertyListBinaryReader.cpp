@@ -1,6 +1,6 @@
-#include "platform/PropertyListBinaryReader.h"
+#include "platform/data/PropertyListBinaryReader.h"
 
-#include "platform/PropertyListValues.h"
+#include "platform/data/PropertyListValues.h"
 
 #include <QHash>
 #include <QtEndian>

@@ -1,4 +1,4 @@
-#include "platform/StringValues.h"
+#include "platform/data/StringValues.h"
 
 #include <QDateTime>
 #include <QLocale>

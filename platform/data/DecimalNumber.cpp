@@ -1,4 +1,4 @@
-#include "platform/DecimalNumber.h"
+#include "platform/data/DecimalNumber.h"
 
 #include <QLocale>
 

@@ -1,9 +1,9 @@
-#include "platform/PropertyListXmlReader.h"
+#include "platform/data/PropertyListXmlReader.h"
 
-#include "platform/CrowdedTag.h"
-#include "platform/DecimalNumber.h"
-#include "platform/DocumentType.h"
-#include "platform/PropertyListValues.h"
+#include "platform/data/CrowdedTag.h"
+#include "platform/data/DecimalNumber.h"
+#include "platform/data/DocumentType.h"
+#include "platform/data/PropertyListValues.h"
 
 #include <QRegularExpression>
 #include <QStringConverter>

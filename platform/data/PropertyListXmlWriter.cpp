@@ -1,6 +1,6 @@
-#include "platform/PropertyListXmlWriter.h"
+#include "platform/data/PropertyListXmlWriter.h"
 
-#include "platform/PropertyListValues.h"
+#include "platform/data/PropertyListValues.h"
 
 #include <QLocale>
 

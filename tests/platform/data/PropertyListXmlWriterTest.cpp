@@ -1,6 +1,6 @@
-#include "platform/PropertyListXmlWriter.h"
+#include "platform/data/PropertyListXmlWriter.h"
 
-#include "platform/PropertyListXmlReader.h"
+#include "platform/data/PropertyListXmlReader.h"
 
 #include <QDateTime>
 #include <QRect>

@@ -1,4 +1,4 @@
-#include "tests/platform/PropertyListSamples.h"
+#include "tests/platform/data/PropertyListSamples.h"
 
 #include <QDateTime>
 #include <QJsonObject>

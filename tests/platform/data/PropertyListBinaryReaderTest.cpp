@@ -1,7 +1,7 @@
-#include "platform/PropertyListBinaryReader.h"
+#include "platform/data/PropertyListBinaryReader.h"
 
-#include "platform/PropertyListValues.h"
-#include "tests/platform/PropertyListSamples.h"
+#include "platform/data/PropertyListValues.h"
+#include "tests/platform/data/PropertyListSamples.h"
 
 #include <QDateTime>
 

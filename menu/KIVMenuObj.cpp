@@ -9,9 +9,9 @@
 #include "menu/MenuEntries.h"
 #include "menu/StatusItemPlacement.h"
 #include "platform/AlertPanel.h"
-#include "platform/ImageFile.h"
 #include "platform/MainScreen.h"
 #include "platform/StatusBar.h"
+#include "platform/images/ImageFile.h"
 
 #include <QKeySequence>
 #include <QPointer>

@@ -6,9 +6,9 @@
 #include "notify/SystemFont.h"
 #include "platform/Bundle.h"
 #include "platform/Compositor.h"
-#include "platform/IcnsReader.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
+#include "platform/images/IcnsReader.h"
 
 #include <QAccessible>
 #include <QCloseEvent>

@@ -1,4 +1,4 @@
-#include "platform/ImageFile.h"
+#include "platform/images/ImageFile.h"
 
 #include <QFile>
 #include <QImage>

@@ -1,6 +1,6 @@
-#include "platform/ImageFile.h"
+#include "platform/images/ImageFile.h"
 
-#include "platform/TiffReader.h"
+#include "platform/images/TiffReader.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "platform/IcnsReader.h"
+#include "platform/images/IcnsReader.h"
 
 #include <QBuffer>
 #include <QImageReader>

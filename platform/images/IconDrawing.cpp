@@ -1,4 +1,4 @@
-#include "platform/IconDrawing.h"
+#include "platform/images/IconDrawing.h"
 
 #include <QPainter>
 

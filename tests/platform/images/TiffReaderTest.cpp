@@ -1,4 +1,4 @@
-#include "platform/TiffReader.h"
+#include "platform/images/TiffReader.h"
 
 #include <QtEndian>
 

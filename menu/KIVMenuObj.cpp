@@ -8,9 +8,9 @@
 #include "menu/MenuEnabling.h"
 #include "menu/MenuEntries.h"
 #include "menu/StatusItemPlacement.h"
-#include "platform/AlertPanel.h"
 #include "platform/MainScreen.h"
 #include "platform/StatusBar.h"
+#include "platform/alert/AlertPanel.h"
 #include "platform/images/ImageFile.h"
 
 #include <QKeySequence>

@@ -1,4 +1,4 @@
-#include "platform/AlertMessage.h"
+#include "platform/alert/AlertMessage.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/AlertIcon.h"
+#include "platform/alert/AlertIcon.h"
 
 #include <QPainter>
 

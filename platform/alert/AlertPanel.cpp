@@ -1,8 +1,8 @@
-#include "platform/AlertPanel.h"
+#include "platform/alert/AlertPanel.h"
 
-#include "platform/AlertIcon.h"
-#include "platform/AlertMessage.h"
 #include "platform/WindowStacking.h"
+#include "platform/alert/AlertIcon.h"
+#include "platform/alert/AlertMessage.h"
 
 #include <QDialogButtonBox>
 #include <QEventLoop>

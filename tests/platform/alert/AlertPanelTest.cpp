@@ -1,4 +1,4 @@
-#include "platform/AlertPanel.h"
+#include "platform/alert/AlertPanel.h"
 
 #include "tests/support/WaitUntil.h"
 

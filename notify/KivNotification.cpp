@@ -1,9 +1,9 @@
 #include "notify/KivNotification.h"
 
 #include "notify/FeedVocabulary.h"
-#include "notify/TextMeasure.h"
 #include "notify/UndefinedKeyException.h"
 #include "platform/data/StringValues.h"
+#include "platform/text/TextMeasure.h"
 
 #include <QMetaProperty>
 #include <QTextStream>

@@ -3,12 +3,12 @@
 #include "notify/KivNotificationView.h"
 #include "notify/KivTextView.h"
 #include "notify/PopUpLayout.h"
-#include "notify/SystemFont.h"
 #include "platform/Bundle.h"
 #include "platform/Compositor.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
 #include "platform/images/IcnsReader.h"
+#include "platform/text/SystemFont.h"
 
 #include <QAccessible>
 #include <QCloseEvent>

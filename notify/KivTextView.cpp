@@ -1,10 +1,10 @@
 #include "notify/KivTextView.h"
 
-#include "notify/CombiningMarks.h"
 #include "notify/LinkScan.h"
 #include "notify/MarkupLimits.h"
-#include "notify/ScriptRuns.h"
-#include "notify/SystemFont.h"
+#include "platform/text/CombiningMarks.h"
+#include "platform/text/ScriptRuns.h"
+#include "platform/text/SystemFont.h"
 
 #include <QContextMenuEvent>
 #include <QImage>

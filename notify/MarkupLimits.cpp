@@ -1,6 +1,6 @@
 #include "notify/MarkupLimits.h"
 
-#include "notify/ScriptRuns.h"
+#include "platform/text/ScriptRuns.h"
 
 #include <QStringList>
 

@@ -1,9 +1,9 @@
 #include "notify/KivNotification.h"
 
 #include "notify/DistantFuture.h"
-#include "notify/TextMeasure.h"
 #include "notify/UndefinedKeyException.h"
 #include "platform/data/PropertyList.h"
+#include "platform/text/TextMeasure.h"
 
 #include <gtest/gtest.h>
 

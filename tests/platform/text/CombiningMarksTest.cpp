@@ -1,4 +1,4 @@
-#include "notify/CombiningMarks.h"
+#include "platform/text/CombiningMarks.h"
 
 #include <gtest/gtest.h>
 

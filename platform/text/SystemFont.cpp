@@ -1,4 +1,4 @@
-#include "notify/SystemFont.h"
+#include "platform/text/SystemFont.h"
 
 #include <QFontDatabase>
 

@@ -1,8 +1,8 @@
-#include "notify/TextMeasure.h"
+#include "platform/text/TextMeasure.h"
 
-#include "notify/CombiningMarks.h"
-#include "notify/ScriptRuns.h"
-#include "notify/SystemFont.h"
+#include "platform/text/CombiningMarks.h"
+#include "platform/text/ScriptRuns.h"
+#include "platform/text/SystemFont.h"
 
 #include <QTextLayout>
 #include <QTextOption>

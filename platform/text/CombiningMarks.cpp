@@ -1,4 +1,4 @@
-#include "notify/CombiningMarks.h"
+#include "platform/text/CombiningMarks.h"
 
 QString withoutPiledUpMarks(const QString &text)
 {

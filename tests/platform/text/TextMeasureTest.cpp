@@ -1,4 +1,4 @@
-#include "notify/TextMeasure.h"
+#include "platform/text/TextMeasure.h"
 
 #include <QElapsedTimer>
 #include <QFontDatabase>

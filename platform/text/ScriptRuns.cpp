@@ -1,4 +1,4 @@
-#include "notify/ScriptRuns.h"
+#include "platform/text/ScriptRuns.h"
 
 namespace
 {

@@ -4,7 +4,7 @@
 // Each message carries the time (CLOCK_MONOTONIC) at which its making began.
 
 #include "platform/FourCharCode.h"
-#include "platform/linux/EventBusName.h"
+#include "platform/linux/include/EventBusName.h"
 #include "tests/platform/linux/RawEvent.h"
 
 #include <Carbon/Carbon.h>

@@ -1,6 +1,6 @@
 #include "platform/linux/AppleEventContents.h"
 #include "platform/linux/AppleEventTransport.h"
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 
 #include <Carbon/AppleEvents.h>
 

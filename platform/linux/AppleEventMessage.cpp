@@ -1,6 +1,6 @@
 #include "platform/linux/AppleEventMessage.h"
 
-#include "platform/linux/EventBusName.h"
+#include "platform/linux/include/EventBusName.h"
 
 #include <QDBusArgument>
 #include <QDBusMetaType>

@@ -1,6 +1,6 @@
 #include "platform/Compositor.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <array>
 #include <cmath>

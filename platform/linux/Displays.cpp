@@ -1,5 +1,5 @@
-#include "platform/linux/MainDisplay.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/MainDisplay.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <Carbon/CoreGraphics.h>
 

@@ -1,6 +1,6 @@
 #include "platform/linux/DistributedNotificationSignal.h"
 
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include "platform/DistributedNotifications.h"
 
 #include "platform/linux/DistributedNotificationSignal.h"
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 
 #include <utility>
 

@@ -1,6 +1,6 @@
 #include "platform/linux/LateMouseEvents.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <QGuiApplication>
 #include <QWindow>

@@ -1,6 +1,6 @@
-#include "platform/linux/MainDisplay.h"
+#include "platform/linux/include/MainDisplay.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <QGuiApplication>
 #include <QScreen>

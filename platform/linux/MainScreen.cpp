@@ -1,7 +1,7 @@
 #include "platform/MainScreen.h"
 
-#include "platform/linux/MainDisplay.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/MainDisplay.h"
+#include "platform/linux/include/XConnection.h"
 
 namespace MainScreen
 {

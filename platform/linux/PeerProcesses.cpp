@@ -1,6 +1,6 @@
 #include "platform/linux/PeerProcesses.h"
 
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 
 PeerProcesses::PeerProcesses(const SessionBus &bus)
     : m_bus(bus)

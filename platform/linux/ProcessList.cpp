@@ -1,6 +1,6 @@
-#include "platform/linux/ExecutableName.h"
 #include "platform/linux/RunningProcess.h"
 #include "platform/linux/TrayHost.h"
+#include "platform/linux/include/ExecutableName.h"
 
 #include <Carbon/Processes.h>
 #include <QByteArray>

@@ -1,6 +1,6 @@
 #include "platform/linux/SessionDictionary.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <Carbon/CoreGraphics.h>
 #include <QCoreApplication>

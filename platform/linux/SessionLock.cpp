@@ -1,6 +1,6 @@
 #include "platform/SessionLock.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 /// The lock is the X selection _KIVMENUA_S<screen>: one for each display, whoever's sessions share a bus or a home
 /// folder, and released by the server when its owner's connection ends.

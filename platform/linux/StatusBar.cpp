@@ -1,8 +1,8 @@
 #include "platform/StatusBar.h"
 
-#include "platform/linux/MainDisplay.h"
 #include "platform/linux/PanelBar.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/MainDisplay.h"
+#include "platform/linux/include/XConnection.h"
 
 StatusBar StatusBar::at(NSPoint point)
 {

@@ -1,7 +1,7 @@
 #include "platform/linux/TrayHostWatch.h"
 
-#include "platform/linux/SessionBus.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/SessionBus.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <QCoreApplication>
 #include <QDBusServiceWatcher>

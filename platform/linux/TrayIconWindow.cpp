@@ -1,7 +1,7 @@
 #include "platform/linux/TrayIconWindow.h"
 
 #include "platform/linux/RootProperties.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <QApplication>
 #include <QCursor>

@@ -1,6 +1,6 @@
 #include "platform/WindowStacking.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 void bringToFront(QWidget &window)
 {

@@ -1,4 +1,4 @@
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <QGuiApplication>
 #include <QHash>

@@ -7,7 +7,7 @@
 #include "platform/Bundle.h"
 #include "platform/MainScreen.h"
 #include "platform/data/PropertyList.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileChanges.h"

@@ -1,7 +1,7 @@
 #include "notify/KivNotificationWindow.h"
 
 #include "platform/MainScreen.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 #include "tests/session/Browser.h"
 #include "tests/session/OtherWindow.h"
 #include "tests/session/XView.h"

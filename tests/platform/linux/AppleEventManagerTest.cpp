@@ -1,5 +1,5 @@
-#include "platform/linux/SessionBus.h"
 #include "platform/linux/WorkInTurns.h"
+#include "platform/linux/include/SessionBus.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/WaitUntil.h"

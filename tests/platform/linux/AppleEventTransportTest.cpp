@@ -1,7 +1,7 @@
 #include "platform/linux/AppleEventTransport.h"
 
 #include "platform/linux/AppleEventMessage.h"
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 #include "tests/platform/linux/RawEvent.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"

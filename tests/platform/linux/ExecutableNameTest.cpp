@@ -1,4 +1,4 @@
-#include "platform/linux/ExecutableName.h"
+#include "platform/linux/include/ExecutableName.h"
 
 #include <gtest/gtest.h>
 

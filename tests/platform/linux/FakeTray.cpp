@@ -1,6 +1,6 @@
 #include "tests/platform/linux/FakeTray.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <array>
 

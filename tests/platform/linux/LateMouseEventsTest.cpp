@@ -1,6 +1,6 @@
 #include "platform/linux/LateMouseEvents.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 #include "tests/session/XInput.h"
 #include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"

@@ -1,6 +1,6 @@
 #include "platform/MainScreen.h"
 
-#include "platform/linux/MainDisplay.h"
+#include "platform/linux/include/MainDisplay.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
 #include "tests/support/WaitUntil.h"

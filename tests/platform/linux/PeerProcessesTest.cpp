@@ -1,6 +1,6 @@
 #include "platform/linux/PeerProcesses.h"
 
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/ScopedVariable.h"

@@ -1,6 +1,6 @@
 #include "platform/linux/RootProperties.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QGuiApplication>

@@ -1,5 +1,5 @@
 #include "platform/StatusItem.h"
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 #include "tests/platform/linux/FakeNotifierHost.h"
 #include "tests/platform/linux/FakeTray.h"
 #include "tests/support/PrivateBus.h"

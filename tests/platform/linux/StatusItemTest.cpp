@@ -1,7 +1,7 @@
 #include "platform/StatusItem.h"
 
 #include "platform/MainScreen.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 #include "tests/platform/linux/FakeTray.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"

@@ -3,7 +3,7 @@
 #include "platform/linux/FreedMemory.h"
 #include "platform/linux/LateMouseEvents.h"
 #include "platform/linux/RootProperties.h"
-#include "platform/linux/SessionBusAddress.h"
+#include "platform/linux/bus/SessionBusAddress.h"
 
 #include <QApplication>
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-#include "platform/linux/SessionBusAddress.h"
+#include "platform/linux/bus/SessionBusAddress.h"
 
 #include <QByteArray>
 #include <QDeadlineTimer>

@@ -1,6 +1,6 @@
 #include "platform/linux/include/SessionBus.h"
 
-#include "platform/linux/SessionBusAddress.h"
+#include "platform/linux/bus/SessionBusAddress.h"
 
 #include <QDBusError>
 

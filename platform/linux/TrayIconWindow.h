@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/linux/StatusItemLook.h"
-#include "platform/linux/XVisual.h"
+#include "platform/linux/screen/XVisual.h"
 
 #include <QAbstractNativeEventFilter>
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "platform/linux/XVisual.h"
+#include "platform/linux/screen/XVisual.h"
 
 QImage::Format imageFormat(std::uint8_t depth, std::uint32_t redMask)
 {

@@ -1,4 +1,4 @@
-#include "tests/platform/linux/SessionFacts.h"
+#include "tests/platform/linux/screen/SessionFacts.h"
 
 namespace
 {

@@ -1,8 +1,8 @@
 #include "platform/StatusBar.h"
 
-#include "platform/linux/PanelBar.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/screen/PanelBar.h"
 
 StatusBar StatusBar::at(NSPoint point)
 {

@@ -1,6 +1,6 @@
-#include "platform/linux/SessionDictionary.h"
+#include "platform/linux/screen/SessionDictionary.h"
 
-#include "tests/platform/linux/SessionFacts.h"
+#include "tests/platform/linux/screen/SessionFacts.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/SilentSocket.h"

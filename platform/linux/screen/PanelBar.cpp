@@ -1,4 +1,4 @@
-#include "platform/linux/PanelBar.h"
+#include "platform/linux/screen/PanelBar.h"
 
 StatusBar panelBar(const QRect &window, const QRect &screen, double ratio)
 {

@@ -1,4 +1,4 @@
-#include "platform/linux/SessionDictionary.h"
+#include "platform/linux/screen/SessionDictionary.h"
 
 #include "platform/linux/include/XConnection.h"
 

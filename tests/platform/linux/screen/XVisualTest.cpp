@@ -1,4 +1,4 @@
-#include "platform/linux/XVisual.h"
+#include "platform/linux/screen/XVisual.h"
 
 #include <gtest/gtest.h>
 

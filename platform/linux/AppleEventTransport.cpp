@@ -2,9 +2,9 @@
 
 #include "platform/linux/AppleEventMessage.h"
 #include "platform/linux/AppleEventsContract.h"
-#include "platform/linux/RunningProcess.h"
 #include "platform/linux/include/EventBusName.h"
 #include "platform/linux/include/SessionBus.h"
+#include "platform/linux/processes/RunningProcess.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-#include "platform/linux/TrayHost.h"
+#include "platform/linux/processes/TrayHost.h"
 
 #include "platform/linux/include/XConnection.h"
 #include "tests/support/ChildProcess.h"

@@ -1,4 +1,4 @@
-#include "platform/linux/KernelVersion.h"
+#include "platform/linux/processes/KernelVersion.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-#include "platform/linux/TrayHost.h"
 #include "platform/linux/include/SessionBus.h"
+#include "platform/linux/processes/TrayHost.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"

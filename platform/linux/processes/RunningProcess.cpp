@@ -1,4 +1,4 @@
-#include "platform/linux/RunningProcess.h"
+#include "platform/linux/processes/RunningProcess.h"
 
 #include <QByteArray>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "platform/SystemVersion.h"
 
-#include "platform/linux/KernelVersion.h"
+#include "platform/linux/processes/KernelVersion.h"
 
 #include <sys/utsname.h>
 

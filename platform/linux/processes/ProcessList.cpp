@@ -1,6 +1,6 @@
-#include "platform/linux/RunningProcess.h"
-#include "platform/linux/TrayHost.h"
 #include "platform/linux/include/ExecutableName.h"
+#include "platform/linux/processes/RunningProcess.h"
+#include "platform/linux/processes/TrayHost.h"
 
 #include <Carbon/Processes.h>
 #include <QByteArray>

@@ -5,7 +5,7 @@
 
 #include "platform/FourCharCode.h"
 #include "platform/linux/include/EventBusName.h"
-#include "tests/platform/linux/RawEvent.h"
+#include "tests/platform/linux/events/RawEvent.h"
 
 #include <Carbon/Carbon.h>
 #include <QCoreApplication>

@@ -1,4 +1,4 @@
-#include "platform/linux/AppleEventMessage.h"
+#include "platform/linux/events/AppleEventMessage.h"
 
 #include "platform/linux/include/EventBusName.h"
 

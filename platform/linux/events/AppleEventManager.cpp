@@ -1,5 +1,5 @@
-#include "platform/linux/AppleEventContents.h"
-#include "platform/linux/AppleEventTransport.h"
+#include "platform/linux/events/AppleEventContents.h"
+#include "platform/linux/events/AppleEventTransport.h"
 #include "platform/linux/include/SessionBus.h"
 
 #include <Carbon/AppleEvents.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/DistributedNotificationSignal.h"
+#include "platform/linux/events/DistributedNotificationSignal.h"
 
 #include "platform/linux/include/SessionBus.h"
 

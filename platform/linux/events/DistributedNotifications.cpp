@@ -1,6 +1,6 @@
 #include "platform/DistributedNotifications.h"
 
-#include "platform/linux/DistributedNotificationSignal.h"
+#include "platform/linux/events/DistributedNotificationSignal.h"
 #include "platform/linux/include/SessionBus.h"
 
 #include <utility>

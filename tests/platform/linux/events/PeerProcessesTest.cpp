@@ -1,4 +1,4 @@
-#include "platform/linux/PeerProcesses.h"
+#include "platform/linux/events/PeerProcesses.h"
 
 #include "platform/linux/include/SessionBus.h"
 #include "tests/support/BusPeer.h"

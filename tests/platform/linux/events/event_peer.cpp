@@ -1,4 +1,4 @@
-#include "tests/platform/linux/RawEvent.h"
+#include "tests/platform/linux/events/RawEvent.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>

@@ -1,4 +1,4 @@
-#include "platform/linux/AppleEventContents.h"
+#include "platform/linux/events/AppleEventContents.h"
 
 OSErr AppleEventContents::setParameter(AEKeyword keyword, DescType type, const void *data, Size size)
 {

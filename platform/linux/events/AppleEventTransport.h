@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/linux/AppleEventContents.h"
-#include "platform/linux/PeerProcesses.h"
-#include "platform/linux/WorkInTurns.h"
+#include "platform/linux/events/AppleEventContents.h"
+#include "platform/linux/events/PeerProcesses.h"
+#include "platform/linux/events/WorkInTurns.h"
 
 #include <QDBusVirtualObject>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/AppleEventContents.h"
+#include "platform/linux/events/AppleEventContents.h"
 
 #include <QDBusMessage>
 

@@ -1,8 +1,8 @@
-#include "platform/linux/AppleEventTransport.h"
+#include "platform/linux/events/AppleEventTransport.h"
 
-#include "platform/linux/AppleEventMessage.h"
+#include "platform/linux/events/AppleEventMessage.h"
 #include "platform/linux/include/SessionBus.h"
-#include "tests/platform/linux/RawEvent.h"
+#include "tests/platform/linux/events/RawEvent.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"

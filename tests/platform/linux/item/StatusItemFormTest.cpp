@@ -1,4 +1,4 @@
-#include "platform/linux/StatusItemForm.h"
+#include "platform/linux/item/StatusItemForm.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "platform/StatusItem.h"
 #include "platform/linux/include/SessionBus.h"
-#include "tests/platform/linux/FakeNotifierHost.h"
-#include "tests/platform/linux/FakeTray.h"
+#include "tests/platform/linux/item/FakeNotifierHost.h"
+#include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/WaitUntil.h"
 

@@ -1,4 +1,4 @@
-#include "tests/platform/linux/FakeTray.h"
+#include "tests/platform/linux/item/FakeTray.h"
 
 #include "platform/linux/include/XConnection.h"
 

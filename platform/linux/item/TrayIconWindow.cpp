@@ -1,4 +1,4 @@
-#include "platform/linux/TrayIconWindow.h"
+#include "platform/linux/item/TrayIconWindow.h"
 
 #include "platform/linux/RootProperties.h"
 #include "platform/linux/include/XConnection.h"

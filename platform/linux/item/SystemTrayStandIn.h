@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/StatusItemLook.h"
+#include "platform/linux/item/StatusItemLook.h"
 
 #include <QObject>
 #include <QSystemTrayIcon>

@@ -2,7 +2,7 @@
 
 #include "platform/MainScreen.h"
 #include "platform/linux/include/XConnection.h"
-#include "tests/platform/linux/FakeTray.h"
+#include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
 #include "tests/support/WaitUntil.h"

@@ -1,4 +1,4 @@
-#include "tests/platform/linux/FakeNotifierHost.h"
+#include "tests/platform/linux/item/FakeNotifierHost.h"
 
 #include "tests/support/WaitUntil.h"
 

@@ -1,11 +1,11 @@
 #include "platform/StatusItem.h"
 
-#include "platform/linux/StatusItemForm.h"
-#include "platform/linux/SystemTrayStandIn.h"
-#include "platform/linux/TrayHostWatch.h"
-#include "platform/linux/TrayIconWindow.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/item/StatusItemForm.h"
+#include "platform/linux/item/SystemTrayStandIn.h"
+#include "platform/linux/item/TrayHostWatch.h"
+#include "platform/linux/item/TrayIconWindow.h"
 
 #include <QGuiApplication>
 #include <QScreen>

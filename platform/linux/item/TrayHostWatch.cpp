@@ -1,4 +1,4 @@
-#include "platform/linux/TrayHostWatch.h"
+#include "platform/linux/item/TrayHostWatch.h"
 
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"

@@ -1,4 +1,4 @@
-#include "platform/linux/SystemTrayStandIn.h"
+#include "platform/linux/item/SystemTrayStandIn.h"
 
 #include "platform/linux/RootProperties.h"
 

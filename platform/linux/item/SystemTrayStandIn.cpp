@@ -1,6 +1,6 @@
 #include "platform/linux/item/SystemTrayStandIn.h"
 
-#include "platform/linux/RootProperties.h"
+#include "platform/linux/workarounds/RootProperties.h"
 
 SystemTrayStandIn::SystemTrayStandIn()
 {

@@ -1,7 +1,7 @@
 #include "platform/linux/item/TrayIconWindow.h"
 
-#include "platform/linux/RootProperties.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
 #include <QCursor>

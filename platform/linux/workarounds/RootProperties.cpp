@@ -1,4 +1,4 @@
-#include "platform/linux/RootProperties.h"
+#include "platform/linux/workarounds/RootProperties.h"
 
 #include "platform/linux/include/XConnection.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/LateMouseEvents.h"
+#include "platform/linux/workarounds/LateMouseEvents.h"
 
 #include "platform/linux/include/XConnection.h"
 #include "tests/session/XInput.h"

@@ -1,6 +1,6 @@
 #include "notify/CloseTimeout.h"
 
-#include "notify/KivNotification.h"
+#include "notify/record/KivNotification.h"
 
 std::int32_t closeTimeout(std::int32_t messageType, std::int32_t notificationClose) noexcept
 {

@@ -1,11 +1,11 @@
 #include "notify/FeedParser.h"
 
 #include "notify/ContentData.h"
-#include "notify/DistantFuture.h"
 #include "notify/FeedDate.h"
 #include "notify/FeedDocument.h"
-#include "notify/FeedVocabulary.h"
-#include "notify/KivNotification.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/FeedVocabulary.h"
+#include "notify/record/KivNotification.h"
 #include "platform/data/StringValues.h"
 
 #include <QXmlStreamReader>

@@ -2,12 +2,12 @@
 
 #include "notify/CheckInterval.h"
 #include "notify/CloseTimeout.h"
-#include "notify/KivNotification.h"
 #include "notify/KivNotificationProperties.h"
 #include "notify/KivNotificationWindow.h"
 #include "notify/PopUpPlacement.h"
 #include "notify/ScreenChange.h"
-#include "notify/UndefinedKeyException.h"
+#include "notify/record/KivNotification.h"
+#include "notify/record/UndefinedKeyException.h"
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
 

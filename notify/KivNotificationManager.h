@@ -2,9 +2,9 @@
 
 #include "notify/NotificationCache.h"
 #include "notify/NotificationQueue.h"
-#include "notify/NotificationSink.h"
 #include "notify/NotificationWindowDelegate.h"
 #include "notify/ReadWriteLock.h"
+#include "notify/record/NotificationSink.h"
 #include "platform/DistributedNotifications.h"
 #include "platform/Geometry.h"
 

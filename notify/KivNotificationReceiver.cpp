@@ -4,7 +4,7 @@
 #include "notify/FeedRequest.h"
 #include "notify/KivNotificationManager.h"
 #include "notify/KivNotificationProperties.h"
-#include "notify/NotificationSink.h"
+#include "notify/record/NotificationSink.h"
 #include "platform/Bundle.h"
 
 #include <QTimer>

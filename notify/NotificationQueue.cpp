@@ -1,6 +1,6 @@
 #include "notify/NotificationQueue.h"
 
-#include "notify/KivNotification.h"
+#include "notify/record/KivNotification.h"
 
 #include <algorithm>
 #include <utility>

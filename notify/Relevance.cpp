@@ -1,9 +1,9 @@
 #include "notify/Relevance.h"
 
 #include "notify/DayComparison.h"
-#include "notify/FeedVocabulary.h"
-#include "notify/KivNotification.h"
 #include "notify/VersionComparison.h"
+#include "notify/record/FeedVocabulary.h"
+#include "notify/record/KivNotification.h"
 #include "platform/data/StringValues.h"
 
 namespace

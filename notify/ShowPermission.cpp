@@ -1,6 +1,6 @@
 #include "notify/ShowPermission.h"
 
-#include "notify/KivNotification.h"
+#include "notify/record/KivNotification.h"
 
 namespace
 {

@@ -1,7 +1,7 @@
 #include "shell/ServiceCommands.h"
 
-#include "notify/KivNotification.h"
 #include "notify/KivNotificationManager.h"
+#include "notify/record/KivNotification.h"
 #include "platform/data/StringValues.h"
 #include "shell/EventCodes.h"
 #include "shell/ProcessState.h"

@@ -1,6 +1,6 @@
 #include "notify/DayComparison.h"
 
-#include "notify/DistantFuture.h"
+#include "notify/record/DistantFuture.h"
 #include "tests/notify/TimeZone.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "notify/FeedParser.h"
 
-#include "notify/DistantFuture.h"
-#include "notify/KivNotification.h"
-#include "notify/UndefinedKeyException.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/KivNotification.h"
+#include "notify/record/UndefinedKeyException.h"
 
 #include <QElapsedTimer>
 #include <QStringEncoder>

@@ -1,6 +1,6 @@
 #include "notify/KivNotificationProperties.h"
 
-#include "notify/KivNotification.h"
+#include "notify/record/KivNotification.h"
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
 #include "tests/support/SystemLog.h"

@@ -1,7 +1,7 @@
 #include "notify/Relevance.h"
 
-#include "notify/DistantFuture.h"
-#include "notify/KivNotification.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/KivNotification.h"
 #include "tests/notify/TimeZone.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "notify/ShowPermission.h"
 
-#include "notify/DistantFuture.h"
-#include "notify/KivNotification.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/KivNotification.h"
 
 #include <gtest/gtest.h>
 

@@ -6,11 +6,11 @@
 // Before each step it writes the state that the queue will have to standard output: a line of the queued messages' ids
 // and repeat codes. What the cache file holds at any moment is one of the last two or three of these lines.
 
-#include "notify/DistantFuture.h"
-#include "notify/KivNotification.h"
 #include "notify/KivNotificationManager.h"
 #include "notify/KivNotificationProperties.h"
 #include "notify/KivNotificationWindow.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/KivNotification.h"
 #include "platform/Bundle.h"
 
 #include <QApplication>

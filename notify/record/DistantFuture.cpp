@@ -1,4 +1,4 @@
-#include "notify/DistantFuture.h"
+#include "notify/record/DistantFuture.h"
 
 QDateTime distantFuture()
 {

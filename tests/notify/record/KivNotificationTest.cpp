@@ -1,7 +1,7 @@
-#include "notify/KivNotification.h"
+#include "notify/record/KivNotification.h"
 
-#include "notify/DistantFuture.h"
-#include "notify/UndefinedKeyException.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/UndefinedKeyException.h"
 #include "platform/data/PropertyList.h"
 #include "platform/text/TextMeasure.h"
 

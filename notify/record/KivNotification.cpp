@@ -1,7 +1,7 @@
-#include "notify/KivNotification.h"
+#include "notify/record/KivNotification.h"
 
-#include "notify/FeedVocabulary.h"
-#include "notify/UndefinedKeyException.h"
+#include "notify/record/FeedVocabulary.h"
+#include "notify/record/UndefinedKeyException.h"
 #include "platform/data/StringValues.h"
 #include "platform/text/TextMeasure.h"
 

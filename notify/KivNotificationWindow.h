@@ -1,8 +1,8 @@
 #pragma once
 
-#include "notify/LinkScan.h"
 #include "notify/NotificationWindowDelegate.h"
 #include "notify/record/KivNotification.h"
+#include "notify/text/LinkScan.h"
 #include "platform/Geometry.h"
 
 #include <QTimer>

@@ -1,7 +1,7 @@
 #include "notify/KivTextView.h"
 
-#include "notify/LinkScan.h"
-#include "notify/MarkupLimits.h"
+#include "notify/text/LinkScan.h"
+#include "notify/text/MarkupLimits.h"
 #include "platform/text/CombiningMarks.h"
 #include "platform/text/ScriptRuns.h"
 #include "platform/text/SystemFont.h"

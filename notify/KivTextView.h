@@ -13,8 +13,8 @@ public:
     explicit KivTextView(QWidget *parent);
 
     /// Shows the text at `width` points: as HTML when it begins with "<", else plain with links to the addresses in it.
-    /// HTML beyond the limits of notify/MarkupLimits.h is shown plain; of a plain text no more than 8,000 characters
-    /// are shown, or the fewer of firstScriptRuns(), and no more than 200 links are made.
+    /// HTML beyond the limits of notify/text/MarkupLimits.h is shown plain; of a plain text no more than 8,000
+    /// characters are shown, or the fewer of firstScriptRuns(), and no more than 200 links are made.
     void setMessage(const QString &text, int width);
 
     /// The height of all the text at that width, in points.

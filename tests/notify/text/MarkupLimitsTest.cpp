@@ -1,4 +1,4 @@
-#include "notify/MarkupLimits.h"
+#include "notify/text/MarkupLimits.h"
 
 #include <gtest/gtest.h>
 

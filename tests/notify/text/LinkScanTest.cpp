@@ -1,4 +1,4 @@
-#include "notify/LinkScan.h"
+#include "notify/text/LinkScan.h"
 
 #include <QElapsedTimer>
 

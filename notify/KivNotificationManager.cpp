@@ -1,13 +1,13 @@
 #include "notify/KivNotificationManager.h"
 
-#include "notify/CheckInterval.h"
-#include "notify/CloseTimeout.h"
-#include "notify/KivNotificationProperties.h"
 #include "notify/KivNotificationWindow.h"
 #include "notify/PopUpPlacement.h"
 #include "notify/ScreenChange.h"
 #include "notify/record/KivNotification.h"
 #include "notify/record/UndefinedKeyException.h"
+#include "notify/rules/CheckInterval.h"
+#include "notify/rules/CloseTimeout.h"
+#include "notify/rules/KivNotificationProperties.h"
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
 

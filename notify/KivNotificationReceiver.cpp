@@ -3,8 +3,8 @@
 #include "notify/FeedConnection.h"
 #include "notify/FeedRequest.h"
 #include "notify/KivNotificationManager.h"
-#include "notify/KivNotificationProperties.h"
 #include "notify/record/NotificationSink.h"
+#include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
 
 #include <QTimer>

@@ -1,6 +1,6 @@
-#include "notify/KivNotificationProperties.h"
 #include "notify/KivNotificationReceiver.h"
 #include "notify/record/NotificationSink.h"
+#include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
 #include "shell/Application.h"

@@ -1,9 +1,9 @@
 #include "notify/KivNotificationManager.h"
 
-#include "notify/KivNotificationProperties.h"
 #include "notify/KivNotificationWindow.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
+#include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
 #include "platform/MainScreen.h"
 #include "platform/data/PropertyList.h"

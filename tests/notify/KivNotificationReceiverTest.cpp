@@ -1,9 +1,9 @@
 #include "notify/KivNotificationReceiver.h"
 
-#include "notify/KivNotificationProperties.h"
 #include "notify/record/KivNotification.h"
 #include "notify/record/NotificationSink.h"
 #include "notify/record/UndefinedKeyException.h"
+#include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
 #include "tests/support/FeedServer.h"

@@ -7,10 +7,10 @@
 // and repeat codes. What the cache file holds at any moment is one of the last two or three of these lines.
 
 #include "notify/KivNotificationManager.h"
-#include "notify/KivNotificationProperties.h"
 #include "notify/KivNotificationWindow.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
+#include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
 
 #include <QApplication>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "notify/Installation.h"
-#include "notify/NotificationSettings.h"
-#include "notify/UserLevel.h"
+#include "notify/rules/Installation.h"
+#include "notify/rules/NotificationSettings.h"
+#include "notify/rules/UserLevel.h"
 
 #include <QDateTime>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "notify/KivNotificationProperties.h"
+#include "notify/rules/KivNotificationProperties.h"
 
 #include "notify/record/KivNotification.h"
 #include "platform/Bundle.h"

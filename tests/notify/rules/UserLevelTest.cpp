@@ -1,4 +1,4 @@
-#include "notify/UserLevel.h"
+#include "notify/rules/UserLevel.h"
 
 #include <QProcess>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "notify/NotificationSettings.h"
+#include "notify/rules/NotificationSettings.h"
 
 #include <QDateTime>
 

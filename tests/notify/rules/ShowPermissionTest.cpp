@@ -1,4 +1,4 @@
-#include "notify/ShowPermission.h"
+#include "notify/rules/ShowPermission.h"
 
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"

@@ -1,4 +1,4 @@
-#include "notify/CheckInterval.h"
+#include "notify/rules/CheckInterval.h"
 
 #include <gtest/gtest.h>
 

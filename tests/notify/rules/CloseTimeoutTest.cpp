@@ -1,4 +1,4 @@
-#include "notify/CloseTimeout.h"
+#include "notify/rules/CloseTimeout.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
-#include "notify/KivNotificationProperties.h"
+#include "notify/rules/KivNotificationProperties.h"
 
-#include "notify/Relevance.h"
-#include "notify/ShowPermission.h"
 #include "notify/record/FeedVocabulary.h"
+#include "notify/rules/Relevance.h"
+#include "notify/rules/ShowPermission.h"
 #include "platform/Bundle.h"
 #include "platform/SystemVersion.h"
 #include "platform/data/PropertyList.h"

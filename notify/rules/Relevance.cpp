@@ -1,9 +1,9 @@
-#include "notify/Relevance.h"
+#include "notify/rules/Relevance.h"
 
-#include "notify/DayComparison.h"
-#include "notify/VersionComparison.h"
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
+#include "notify/rules/DayComparison.h"
+#include "notify/rules/VersionComparison.h"
 #include "platform/data/StringValues.h"
 
 namespace

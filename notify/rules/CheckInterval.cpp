@@ -1,4 +1,4 @@
-#include "notify/CheckInterval.h"
+#include "notify/rules/CheckInterval.h"
 
 std::chrono::minutes checkInterval(std::int32_t notificationShow) noexcept
 {

@@ -1,4 +1,4 @@
-#include "notify/DayComparison.h"
+#include "notify/rules/DayComparison.h"
 
 QDateTime normalizedDateWithDate(const QDateTime &date)
 {

@@ -1,4 +1,4 @@
-#include "notify/VersionComparison.h"
+#include "notify/rules/VersionComparison.h"
 
 #include "platform/data/StringValues.h"
 

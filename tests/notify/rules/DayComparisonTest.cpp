@@ -1,7 +1,7 @@
-#include "notify/DayComparison.h"
+#include "notify/rules/DayComparison.h"
 
 #include "notify/record/DistantFuture.h"
-#include "tests/notify/TimeZone.h"
+#include "tests/notify/rules/TimeZone.h"
 
 #include <gtest/gtest.h>
 

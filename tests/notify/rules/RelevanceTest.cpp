@@ -1,8 +1,8 @@
-#include "notify/Relevance.h"
+#include "notify/rules/Relevance.h"
 
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
-#include "tests/notify/TimeZone.h"
+#include "tests/notify/rules/TimeZone.h"
 
 #include <gtest/gtest.h>
 

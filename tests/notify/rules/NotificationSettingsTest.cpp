@@ -1,4 +1,4 @@
-#include "notify/NotificationSettings.h"
+#include "notify/rules/NotificationSettings.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "notify/Installation.h"
+#include "notify/rules/Installation.h"
 
 #include <QDateTime>
 

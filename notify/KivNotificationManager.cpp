@@ -1,8 +1,8 @@
 #include "notify/KivNotificationManager.h"
 
-#include "notify/KivNotificationWindow.h"
-#include "notify/PopUpPlacement.h"
-#include "notify/ScreenChange.h"
+#include "notify/popup/KivNotificationWindow.h"
+#include "notify/popup/PopUpPlacement.h"
+#include "notify/popup/ScreenChange.h"
 #include "notify/record/KivNotification.h"
 #include "notify/record/UndefinedKeyException.h"
 #include "notify/rules/CheckInterval.h"

@@ -2,8 +2,8 @@
 
 #include "notify/NotificationCache.h"
 #include "notify/NotificationQueue.h"
-#include "notify/NotificationWindowDelegate.h"
 #include "notify/ReadWriteLock.h"
+#include "notify/popup/NotificationWindowDelegate.h"
 #include "notify/record/NotificationSink.h"
 #include "platform/DistributedNotifications.h"
 #include "platform/Geometry.h"

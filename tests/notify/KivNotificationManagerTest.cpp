@@ -1,6 +1,6 @@
 #include "notify/KivNotificationManager.h"
 
-#include "notify/KivNotificationWindow.h"
+#include "notify/popup/KivNotificationWindow.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
 #include "notify/rules/KivNotificationProperties.h"

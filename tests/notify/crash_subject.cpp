@@ -7,7 +7,7 @@
 // and repeat codes. What the cache file holds at any moment is one of the last two or three of these lines.
 
 #include "notify/KivNotificationManager.h"
-#include "notify/KivNotificationWindow.h"
+#include "notify/popup/KivNotificationWindow.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
 #include "notify/rules/KivNotificationProperties.h"

@@ -1,8 +1,8 @@
-#include "notify/KivNotificationWindow.h"
+#include "notify/popup/KivNotificationWindow.h"
 
-#include "notify/KivNotificationView.h"
-#include "notify/KivTextView.h"
-#include "notify/PopUpLayout.h"
+#include "notify/popup/KivNotificationView.h"
+#include "notify/popup/KivTextView.h"
+#include "notify/popup/PopUpLayout.h"
 #include "platform/Bundle.h"
 #include "platform/Compositor.h"
 #include "platform/MainScreen.h"

@@ -1,4 +1,4 @@
-#include "notify/PopUpLayout.h"
+#include "notify/popup/PopUpLayout.h"
 
 #include <gtest/gtest.h>
 

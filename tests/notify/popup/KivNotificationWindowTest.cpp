@@ -1,4 +1,4 @@
-#include "notify/KivNotificationWindow.h"
+#include "notify/popup/KivNotificationWindow.h"
 
 #include "platform/MainScreen.h"
 #include "platform/linux/include/XConnection.h"

@@ -1,4 +1,4 @@
-#include "notify/KivTextView.h"
+#include "notify/popup/KivTextView.h"
 
 #include "notify/text/LinkScan.h"
 #include "notify/text/MarkupLimits.h"

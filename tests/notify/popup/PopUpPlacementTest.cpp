@@ -1,4 +1,4 @@
-#include "notify/PopUpPlacement.h"
+#include "notify/popup/PopUpPlacement.h"
 
 #include <gtest/gtest.h>
 

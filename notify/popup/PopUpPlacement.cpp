@@ -1,4 +1,4 @@
-#include "notify/PopUpPlacement.h"
+#include "notify/popup/PopUpPlacement.h"
 
 NSPoint popUpOrigin(NSSize mainScreen, NSSize popUp) noexcept
 {

@@ -1,5 +1,5 @@
 // Shows a pop-up on the display at hand, to be looked at: show_pop_up [update|warning|news|notice|instant] [dark]
-#include "notify/KivNotificationWindow.h"
+#include "notify/popup/KivNotificationWindow.h"
 #include "platform/MainScreen.h"
 
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "notify/ScreenChange.h"
+#include "notify/popup/ScreenChange.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "notify/KivNotificationView.h"
+#include "notify/popup/KivNotificationView.h"
 
-#include "notify/RoundedRegion.h"
+#include "notify/popup/RoundedRegion.h"
 
 #include <QPaintEvent>
 #include <QPainter>

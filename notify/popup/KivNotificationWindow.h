@@ -1,6 +1,6 @@
 #pragma once
 
-#include "notify/NotificationWindowDelegate.h"
+#include "notify/popup/NotificationWindowDelegate.h"
 #include "notify/record/KivNotification.h"
 #include "notify/text/LinkScan.h"
 #include "platform/Geometry.h"

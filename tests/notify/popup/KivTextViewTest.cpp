@@ -1,4 +1,4 @@
-#include "notify/KivTextView.h"
+#include "notify/popup/KivTextView.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

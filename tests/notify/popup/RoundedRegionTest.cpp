@@ -1,4 +1,4 @@
-#include "notify/RoundedRegion.h"
+#include "notify/popup/RoundedRegion.h"
 
 #include <gtest/gtest.h>
 

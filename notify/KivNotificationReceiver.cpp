@@ -2,7 +2,7 @@
 
 #include "notify/FeedConnection.h"
 #include "notify/FeedRequest.h"
-#include "notify/KivNotificationManager.h"
+#include "notify/queue/KivNotificationManager.h"
 #include "notify/record/NotificationSink.h"
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"

@@ -1,6 +1,6 @@
 #include "shell/ServiceCommands.h"
 
-#include "notify/KivNotificationManager.h"
+#include "notify/queue/KivNotificationManager.h"
 #include "notify/record/KivNotification.h"
 #include "platform/data/StringValues.h"
 #include "shell/EventCodes.h"

@@ -1,7 +1,7 @@
 #include "shell/ServiceCommands.h"
 
-#include "notify/KivNotificationManager.h"
 #include "notify/popup/KivNotificationWindow.h"
+#include "notify/queue/KivNotificationManager.h"
 #include "notify/record/KivNotification.h"
 #include "shell/ProcessState.h"
 #include "tests/shell/EventBuilder.h"

@@ -1,4 +1,4 @@
-#include "notify/ReadWriteLock.h"
+#include "notify/queue/ReadWriteLock.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,8 @@
 // Before each step it writes the state that the queue will have to standard output: a line of the queued messages' ids
 // and repeat codes. What the cache file holds at any moment is one of the last two or three of these lines.
 
-#include "notify/KivNotificationManager.h"
 #include "notify/popup/KivNotificationWindow.h"
+#include "notify/queue/KivNotificationManager.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
 #include "notify/rules/KivNotificationProperties.h"

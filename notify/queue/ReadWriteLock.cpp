@@ -1,4 +1,4 @@
-#include "notify/ReadWriteLock.h"
+#include "notify/queue/ReadWriteLock.h"
 
 ReadWriteLock::Hold::Hold(pthread_rwlock_t &lock) noexcept
     : m_lock(lock)

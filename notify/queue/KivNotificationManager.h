@@ -1,9 +1,9 @@
 #pragma once
 
-#include "notify/NotificationCache.h"
-#include "notify/NotificationQueue.h"
-#include "notify/ReadWriteLock.h"
 #include "notify/popup/NotificationWindowDelegate.h"
+#include "notify/queue/NotificationCache.h"
+#include "notify/queue/NotificationQueue.h"
+#include "notify/queue/ReadWriteLock.h"
 #include "notify/record/NotificationSink.h"
 #include "platform/DistributedNotifications.h"
 #include "platform/Geometry.h"

@@ -1,4 +1,4 @@
-#include "notify/NotificationCache.h"
+#include "notify/queue/NotificationCache.h"
 
 #include "platform/data/PropertyList.h"
 #include "tests/support/FullDisk.h"

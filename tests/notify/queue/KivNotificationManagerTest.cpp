@@ -1,4 +1,4 @@
-#include "notify/KivNotificationManager.h"
+#include "notify/queue/KivNotificationManager.h"
 
 #include "notify/popup/KivNotificationWindow.h"
 #include "notify/record/DistantFuture.h"

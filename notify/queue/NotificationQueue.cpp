@@ -1,4 +1,4 @@
-#include "notify/NotificationQueue.h"
+#include "notify/queue/NotificationQueue.h"
 
 #include "notify/record/KivNotification.h"
 

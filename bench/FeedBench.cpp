@@ -1,5 +1,5 @@
 #include "bench/Ratios.h"
-#include "notify/FeedParser.h"
+#include "notify/feed/FeedParser.h"
 #include "notify/record/KivNotification.h"
 
 #include <QGuiApplication>

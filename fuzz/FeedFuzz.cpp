@@ -1,5 +1,5 @@
 #include "fuzz/Check.h"
-#include "notify/FeedParser.h"
+#include "notify/feed/FeedParser.h"
 #include "notify/record/KivNotification.h"
 #include "notify/record/UndefinedKeyException.h"
 

@@ -1,5 +1,5 @@
 #include "menu/MenuCommands.h"
-#include "notify/KivNotificationReceiver.h"
+#include "notify/feed/KivNotificationReceiver.h"
 #include "notify/queue/KivNotificationManager.h"
 #include "platform/GraphicalSession.h"
 #include "platform/SessionLock.h"

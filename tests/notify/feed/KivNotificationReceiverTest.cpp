@@ -1,4 +1,4 @@
-#include "notify/KivNotificationReceiver.h"
+#include "notify/feed/KivNotificationReceiver.h"
 
 #include "notify/record/KivNotification.h"
 #include "notify/record/NotificationSink.h"

@@ -1,4 +1,4 @@
-#include "notify/FeedRequest.h"
+#include "notify/feed/FeedRequest.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "notify/ContentData.h"
+#include "notify/feed/ContentData.h"
 
-#include "notify/Base64.h"
+#include "notify/feed/Base64.h"
 #include "platform/data/StringValues.h"
 
 #include <QByteArray>

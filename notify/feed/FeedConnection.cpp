@@ -1,4 +1,4 @@
-#include "notify/FeedConnection.h"
+#include "notify/feed/FeedConnection.h"
 
 #include <csignal>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "notify/FeedDocument.h"
+#include "notify/feed/FeedDocument.h"
 
 #include "platform/data/CrowdedTag.h"
 #include "platform/data/DocumentType.h"

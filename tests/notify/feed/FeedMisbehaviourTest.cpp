@@ -1,4 +1,4 @@
-#include "notify/KivNotificationReceiver.h"
+#include "notify/feed/KivNotificationReceiver.h"
 #include "notify/record/NotificationSink.h"
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"

@@ -1,4 +1,4 @@
-#include "notify/Base64.h"
+#include "notify/feed/Base64.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "notify/FeedConnection.h"
-#include "notify/FeedParser.h"
+#include "notify/feed/FeedConnection.h"
+#include "notify/feed/FeedParser.h"
 
 #include <QByteArray>
 #include <QObject>

@@ -1,4 +1,4 @@
-#include "notify/FeedParser.h"
+#include "notify/feed/FeedParser.h"
 
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"

@@ -1,4 +1,4 @@
-#include "notify/ContentData.h"
+#include "notify/feed/ContentData.h"
 
 #include <gtest/gtest.h>
 

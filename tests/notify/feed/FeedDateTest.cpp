@@ -1,4 +1,4 @@
-#include "notify/FeedDate.h"
+#include "notify/feed/FeedDate.h"
 
 #include <gtest/gtest.h>
 

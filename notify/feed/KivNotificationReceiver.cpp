@@ -1,7 +1,7 @@
-#include "notify/KivNotificationReceiver.h"
+#include "notify/feed/KivNotificationReceiver.h"
 
-#include "notify/FeedConnection.h"
-#include "notify/FeedRequest.h"
+#include "notify/feed/FeedConnection.h"
+#include "notify/feed/FeedRequest.h"
 #include "notify/queue/KivNotificationManager.h"
 #include "notify/record/NotificationSink.h"
 #include "notify/rules/KivNotificationProperties.h"

@@ -1,4 +1,4 @@
-#include "notify/FeedDocument.h"
+#include "notify/feed/FeedDocument.h"
 
 #include <QList>
 #include <QStringEncoder>

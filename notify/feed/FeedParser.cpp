@@ -1,8 +1,8 @@
-#include "notify/FeedParser.h"
+#include "notify/feed/FeedParser.h"
 
-#include "notify/ContentData.h"
-#include "notify/FeedDate.h"
-#include "notify/FeedDocument.h"
+#include "notify/feed/ContentData.h"
+#include "notify/feed/FeedDate.h"
+#include "notify/feed/FeedDocument.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"

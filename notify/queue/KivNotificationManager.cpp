@@ -11,7 +11,6 @@
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
 
-#include <QDir>
 
 #include <algorithm>
 #include <stdexcept>
@@ -55,14 +54,6 @@ KivNotificationManager::~KivNotificationManager()
     if (m_notificationWindow) {
         m_notificationWindow->setDelegate(nullptr);
     }
-}
-
-KivNotificationManager &KivNotificationManager::sharedInstance()
-{
-    // Pop-ups and timers may refer to it until the very end of the process.
-    static KivNotificationManager &instance = *new KivNotificationManager(
-        KivNotificationProperties::sharedInstance(), QDir::homePath(), [] { return QDateTime::currentDateTimeUtc(); });
-    return instance;
 }
 
 void KivNotificationManager::updateNotificationPreferences()

@@ -1,5 +1,5 @@
-#include "tests/session/Service.h"
-#include "tests/session/SessionWithMessages.h"
+#include "tests/session/support/Service.h"
+#include "tests/session/support/SessionWithMessages.h"
 
 #include <QDir>
 #include <QFileInfo>

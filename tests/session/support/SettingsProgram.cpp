@@ -1,4 +1,4 @@
-#include "tests/session/SettingsProgram.h"
+#include "tests/session/support/SettingsProgram.h"
 
 #include "platform/data/PropertyList.h"
 #include "tests/support/BusPeer.h"

@@ -1,4 +1,4 @@
-#include "tests/session/XClient.h"
+#include "tests/session/support/XClient.h"
 
 #include <QFile>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "tests/session/Agent.h"
-#include "tests/session/Browser.h"
-#include "tests/session/Desktop.h"
-#include "tests/session/Service.h"
+#include "tests/session/support/Agent.h"
+#include "tests/session/support/Browser.h"
+#include "tests/session/support/Desktop.h"
+#include "tests/session/support/Service.h"
 
 #include <optional>
 

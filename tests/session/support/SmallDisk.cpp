@@ -1,4 +1,4 @@
-#include "tests/session/SmallDisk.h"
+#include "tests/session/support/SmallDisk.h"
 
 #include <QByteArray>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "tests/session/AgentClock.h"
+#include "tests/session/support/AgentClock.h"
 
 #include <QFile>
 

@@ -1,4 +1,4 @@
-#include "tests/session/Desktop.h"
+#include "tests/session/support/Desktop.h"
 
 #include "tests/support/WaitUntil.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/session/XClient.h"
+#include "tests/session/support/XClient.h"
 
 #include <QPoint>
 

@@ -1,4 +1,4 @@
-#include "tests/session/ScriptFile.h"
+#include "tests/session/support/ScriptFile.h"
 
 #include <QFile>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/session/Agent.h"
-#include "tests/session/Desktop.h"
+#include "tests/session/support/Agent.h"
+#include "tests/session/support/Desktop.h"
 
 #include <gtest/gtest.h>
 

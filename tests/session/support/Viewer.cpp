@@ -1,4 +1,4 @@
-#include "tests/session/Viewer.h"
+#include "tests/session/support/Viewer.h"
 
 #include "tests/support/WaitUntil.h"
 

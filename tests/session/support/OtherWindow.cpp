@@ -1,4 +1,4 @@
-#include "tests/session/OtherWindow.h"
+#include "tests/session/support/OtherWindow.h"
 
 #include "tests/support/WaitUntil.h"
 

@@ -1,4 +1,4 @@
-#include "tests/session/MenuPicture.h"
+#include "tests/session/support/MenuPicture.h"
 
 #include <functional>
 

@@ -1,4 +1,4 @@
-#include "tests/session/MessageCache.h"
+#include "tests/session/support/MessageCache.h"
 
 #include "platform/data/PropertyList.h"
 #include "tests/support/WaitUntil.h"

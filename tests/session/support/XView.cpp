@@ -1,4 +1,4 @@
-#include "tests/session/XView.h"
+#include "tests/session/support/XView.h"
 
 #include <xcb/randr.h>
 #include <xcb/res.h>

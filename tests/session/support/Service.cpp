@@ -1,4 +1,4 @@
-#include "tests/session/Service.h"
+#include "tests/session/support/Service.h"
 
 #include "tests/support/WaitUntil.h"
 

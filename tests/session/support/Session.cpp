@@ -1,6 +1,6 @@
-#include "tests/session/Session.h"
+#include "tests/session/support/Session.h"
 
-#include "tests/session/MenuPicture.h"
+#include "tests/session/support/MenuPicture.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

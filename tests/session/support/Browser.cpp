@@ -1,6 +1,6 @@
-#include "tests/session/Browser.h"
+#include "tests/session/support/Browser.h"
 
-#include "tests/session/ScriptFile.h"
+#include "tests/session/support/ScriptFile.h"
 
 #include <QFile>
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "tests/session/AgentClock.h"
-#include "tests/session/Browser.h"
-#include "tests/session/DesktopWithAgent.h"
-#include "tests/session/FeedMessages.h"
-#include "tests/session/MessageCache.h"
-#include "tests/session/SettingsProgram.h"
+#include "tests/session/support/AgentClock.h"
+#include "tests/session/support/Browser.h"
+#include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/FeedMessages.h"
+#include "tests/session/support/MessageCache.h"
+#include "tests/session/support/SettingsProgram.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/WaitUntil.h"
 

@@ -1,4 +1,4 @@
-#include "tests/session/XInput.h"
+#include "tests/session/support/XInput.h"
 
 #include <gtest/gtest.h>
 #include <xcb/xtest.h>

@@ -1,4 +1,4 @@
-#include "tests/session/FeedMessages.h"
+#include "tests/session/support/FeedMessages.h"
 
 namespace
 {

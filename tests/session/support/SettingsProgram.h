@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/session/Agent.h"
-#include "tests/session/Desktop.h"
+#include "tests/session/support/Agent.h"
+#include "tests/session/support/Desktop.h"
 
 /// What the server's settings program does to the agent's settings.
 namespace SettingsProgram

@@ -1,4 +1,4 @@
-#include "tests/session/Agent.h"
+#include "tests/session/support/Agent.h"
 
 #include "tests/support/WaitUntil.h"
 

@@ -52,8 +52,6 @@ TerminationSignals::TerminationSignals()
         char bytes[16];
         while (::read(m_pipe[0], bytes, sizeof bytes) > 0) {
         }
-        // Not quit(), which closes all windows first: to close a pop-up is to be done with its message, and one of the
-        // service's that is closed so comes up again at once, for ever.
         QCoreApplication::exit();
     });
     wakeUp = m_pipe[1];

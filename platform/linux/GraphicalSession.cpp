@@ -11,6 +11,7 @@
 
 #include <xcb/xcb.h>
 
+#include <X11/ICE/ICElib.h>
 #include <csignal>
 
 namespace
@@ -31,6 +32,13 @@ void keepQtFromLaunchingOrWaiting()
         static_cast<void>(QDBusConnection::sessionBus());
         qputenv(variable, address);
     }
+}
+
+/// A session manager that goes without a word has ended the session, too. The library of its protocol would call exit()
+/// there and then, with status 1 and in the middle of whatever is done.
+void endInOrderWhenTheSessionManagerDies()
+{
+    IceSetIOErrorHandler([](IceConn) { QCoreApplication::exit(); });
 }
 
 /// On a screen with a scale Qt looks for "name@2x" beside each image that a text names before it asks the text view,
@@ -65,6 +73,7 @@ QString GraphicalSession::prepare()
     // The desktop's platform theme would cost up to 14 MB of private memory a session, and 30 ms of start-up.
     QApplication::setDesktopSettingsAware(false);
 
+    endInOrderWhenTheSessionManagerDies();
     keepQtFromLaunchingOrWaiting();
     keepQtFromLookingForLargerImages();
 

@@ -3,7 +3,9 @@
 #include "shell/TerminationSignals.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QEvent>
 #include <QTimer>
+#include <QWidget>
 
 #include <gtest/gtest.h>
 
@@ -16,6 +18,16 @@ TEST(Application, GoesOnAfterAnExceptionInAnEventCallback)
     QTimer::singleShot(0, qApp, [] { throw std::out_of_range("no second component"); });
     QTimer::singleShot(0, qApp, [&] { later = true; });
     EXPECT_TRUE(waitUntil([&] { return later; }));
+}
+
+TEST(Application, EndsWithoutClosingItsWindowsWhenItIsAskedToQuit)
+{
+    QWidget window;
+    window.show();
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::postEvent(qApp, new QEvent(QEvent::Quit)); });
+    QTimer::singleShot(std::chrono::seconds(10), qApp, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(Application::exec(), 0);
+    EXPECT_TRUE(window.isVisible());
 }
 
 TEST(TerminationSignals, EndTheEventLoop)

@@ -38,7 +38,7 @@ void setHandler(void (*handler)(int))
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
         ::sigaction(signal, &action, nullptr);
     }
 }
@@ -60,7 +60,7 @@ TerminationSignals::TerminationSignals()
 
 TerminationSignals::~TerminationSignals()
 {
-    setHandler(SIG_DFL);
+    setHandler(SIG_IGN);
     wakeUp = -1;
     m_notifier.setEnabled(false);
     for (const int end : m_pipe) {

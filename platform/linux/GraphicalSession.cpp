@@ -62,6 +62,8 @@ QString GraphicalSession::prepare()
 {
     // Who ignores its children hands that down, and Qt then never learns how one has ended: to it each has crashed.
     std::signal(SIGCHLD, SIG_DFL);
+    // Who reads standard error may be gone; a warning that nobody reads is no reason to die.
+    std::signal(SIGPIPE, SIG_IGN);
 
     // Placement, tray and display modes are X11's; under Wayland that is XWayland, whatever the session tells its
     // programs to prefer. Without a display at all the two others serve tests.

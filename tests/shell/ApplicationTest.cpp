@@ -32,11 +32,24 @@ TEST(Application, EndsWithoutClosingItsWindowsWhenItIsAskedToQuit)
 
 TEST(TerminationSignals, EndTheEventLoop)
 {
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
         const TerminationSignals endTheLoop;
         QTimer::singleShot(0, qApp, [signal] { ::raise(signal); });
         QTimer::singleShot(std::chrono::seconds(10), qApp, [] { QCoreApplication::exit(1); });
         EXPECT_EQ(Application::exec(), 0) << "signal " << signal;
+    }
+}
+
+TEST(TerminationSignals, ThatComeAfterTheFirstDisturbNothing)
+{
+    {
+        const TerminationSignals endTheLoop;
+        QTimer::singleShot(0, qApp, [] { ::raise(SIGTERM); });
+        EXPECT_EQ(Application::exec(), 0);
+        ::raise(SIGHUP);
+    }
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
+        ::raise(signal);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "platform/linux/LateMouseEvents.h"
 #include "platform/linux/RootProperties.h"
 #include "platform/linux/SessionBusAddress.h"
+#include "platform/linux/workarounds/LibdbusWarnings.h"
 
 #include <QApplication>
 #include <QDBusConnection>
@@ -21,11 +22,12 @@ namespace
 /// address libdbus would run dbus-launch, and a bus that never answers would hold up the loop for minutes.
 void keepQtFromLaunchingOrWaiting()
 {
+    keepLibdbusFromAborting();
     constexpr char variable[] = "DBUS_SESSION_BUS_ADDRESS";
     const QString usable = sessionBusAddress();
     const QByteArray address = usable.isEmpty() ? QByteArrayLiteral("disabled:") : usable.toLocal8Bit();
     qputenv(variable, address);
-    if (probeBus(usable).state == BusState::Silent) {
+    if (probeBus(usable).state == BusState::Unusable) {
         // Qt asks for its shared connection only once: had without a bus, it stays without. The variable itself is the
         // bridge's only switch, but the programs started from here inherit that, and this one still needs it.
         qputenv(variable, "disabled:");

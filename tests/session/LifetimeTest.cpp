@@ -1,5 +1,6 @@
 #include "DesktopWithAgent.h"
 #include "tests/support/SilentSocket.h"
+#include "tests/support/StallingBus.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>
@@ -116,6 +117,15 @@ TEST_F(Lifetime, GoesOnWithoutABusThatNeverAnswersUntilOneDoes)
     silent.reset();
     ASSERT_TRUE(desktop.bus().start());
     EXPECT_TRUE(waitUntil([&] { return agent->isLinked(); }));
+}
+
+TEST_F(Lifetime, GoesOnWithoutABusThatStallsBeforeItsWelcome)
+{
+    const StallingBus stalling;
+    agent->environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromLocal8Bit(stalling.address()));
+    ASSERT_TRUE(agent->startAndDock());
+    EXPECT_TRUE(agent->openMenu()) << "the loop runs";
+    EXPECT_EQ(agent->standardError(), QByteArray());
 }
 
 TEST_F(Lifetime, SaysNothingWhenAllIsWell)

@@ -1,6 +1,6 @@
-#include "Service.h"
-#include "SessionManager.h"
-#include "SessionWithMessages.h"
+#include "tests/session/Service.h"
+#include "tests/session/SessionManager.h"
+#include "tests/session/SessionWithMessages.h"
 
 #include <QDir>
 #include <QFileInfo>

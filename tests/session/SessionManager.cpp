@@ -1,4 +1,4 @@
-#include "SessionManager.h"
+#include "tests/session/SessionManager.h"
 
 #include "tests/support/WaitUntil.h"
 

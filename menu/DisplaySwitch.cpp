@@ -3,6 +3,7 @@
 #include <Carbon/Carbon.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -27,6 +28,7 @@ bool runTool(const char *tool, const char *width, const char *height)
         return false;
     }
     if (child == 0) {
+        ::signal(SIGPIPE, SIG_DFL); // Ignored here, and it would be there.
         ::execl(tool, tool, "dspcmd", "set", "-w", width, "-h", height, "-c", static_cast<char *>(nullptr));
         ::_exit(0);
     }

@@ -1,5 +1,7 @@
 #include "shell/Application.h"
 
+#include <QEvent>
+
 #include <exception>
 
 bool Application::notify(QObject *receiver, QEvent *event)
@@ -10,4 +12,15 @@ bool Application::notify(QObject *receiver, QEvent *event)
         qWarning("exception in an event callback: %s", exception.what());
         return true;
     }
+}
+
+bool Application::event(QEvent *event)
+{
+    if (event->type() == QEvent::Quit) {
+        // Qt would close all windows first: to close a pop-up is to be done with its message, and one of the service's
+        // that is closed so comes up again at once, for ever.
+        exit();
+        return true;
+    }
+    return QApplication::event(event);
 }

@@ -38,7 +38,7 @@ void setHandler(void (*handler)(int))
     struct sigaction action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
         ::sigaction(signal, &action, nullptr);
     }
 }
@@ -52,8 +52,6 @@ TerminationSignals::TerminationSignals()
         char bytes[16];
         while (::read(m_pipe[0], bytes, sizeof bytes) > 0) {
         }
-        // Not quit(), which closes all windows first: to close a pop-up is to be done with its message, and one of the
-        // service's that is closed so comes up again at once, for ever.
         QCoreApplication::exit();
     });
     wakeUp = m_pipe[1];
@@ -62,7 +60,7 @@ TerminationSignals::TerminationSignals()
 
 TerminationSignals::~TerminationSignals()
 {
-    setHandler(SIG_DFL);
+    setHandler(SIG_IGN);
     wakeUp = -1;
     m_notifier.setEnabled(false);
     for (const int end : m_pipe) {

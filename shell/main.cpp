@@ -60,8 +60,8 @@ int main(int, char **argv)
     }
     GraphicalSession::settle();
     startUp();
+    const TerminationSignals signalsEndTheLoop;
     {
-        const TerminationSignals signalsEndTheLoop;
         const SuddenExit whenTheServerDies;
         Application::exec();
     }

@@ -12,7 +12,7 @@ constexpr int mostMilliseconds = 1000;
 /// At the end of a session, or by Ctrl-C, it may get the signal before its agent does.
 bool wasAskedToEnd(int signal)
 {
-    return signal == SIGTERM || signal == SIGINT;
+    return signal == SIGTERM || signal == SIGINT || signal == SIGHUP || signal == SIGQUIT;
 }
 
 } // namespace

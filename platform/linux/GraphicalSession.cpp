@@ -3,6 +3,7 @@
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
+#include "platform/linux/workarounds/LibdbusWarnings.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -11,6 +12,7 @@
 
 #include <xcb/xcb.h>
 
+#include <X11/ICE/ICElib.h>
 #include <csignal>
 
 namespace
@@ -20,17 +22,25 @@ namespace
 /// address libdbus would run dbus-launch, and a bus that never answers would hold up the loop for minutes.
 void keepQtFromLaunchingOrWaiting()
 {
+    keepLibdbusFromAborting();
     constexpr char variable[] = "DBUS_SESSION_BUS_ADDRESS";
     const QString usable = sessionBusAddress();
     const QByteArray address = usable.isEmpty() ? QByteArrayLiteral("disabled:") : usable.toLocal8Bit();
     qputenv(variable, address);
-    if (probeBus(usable).state == BusState::Silent) {
+    if (probeBus(usable).state == BusState::Unusable) {
         // Qt asks for its shared connection only once: had without a bus, it stays without. The variable itself is the
         // bridge's only switch, but the programs started from here inherit that, and this one still needs it.
         qputenv(variable, "disabled:");
         static_cast<void>(QDBusConnection::sessionBus());
         qputenv(variable, address);
     }
+}
+
+/// A session manager that goes without a word has ended the session, too. The library of its protocol would call exit()
+/// there and then, with status 1 and in the middle of whatever is done.
+void endInOrderWhenTheSessionManagerDies()
+{
+    IceSetIOErrorHandler([](IceConn) { QCoreApplication::exit(); });
 }
 
 /// On a screen with a scale Qt looks for "name@2x" beside each image that a text names before it asks the text view,
@@ -54,6 +64,8 @@ QString GraphicalSession::prepare()
 {
     // Who ignores its children hands that down, and Qt then never learns how one has ended: to it each has crashed.
     std::signal(SIGCHLD, SIG_DFL);
+    // Who reads standard error may be gone; a warning that nobody reads is no reason to die.
+    std::signal(SIGPIPE, SIG_IGN);
 
     // Placement, tray and display modes are X11's; under Wayland that is XWayland, whatever the session tells its
     // programs to prefer. Without a display at all the two others serve tests.
@@ -65,6 +77,7 @@ QString GraphicalSession::prepare()
     // The desktop's platform theme would cost up to 14 MB of private memory a session, and 30 ms of start-up.
     QApplication::setDesktopSettingsAware(false);
 
+    endInOrderWhenTheSessionManagerDies();
     keepQtFromLaunchingOrWaiting();
     keepQtFromLookingForLargerImages();
 

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 namespace
 {
 
@@ -98,4 +100,17 @@ TEST_F(DisplaySwitch, LeavesNoChildBehind)
     QFile children(QStringLiteral("/proc/thread-self/children"));
     ASSERT_TRUE(children.open(QIODevice::ReadOnly));
     EXPECT_EQ(children.readAll().trimmed().split(' '), QList<QByteArray>{QByteArray::number(testXServer().pid())});
+}
+
+TEST_F(DisplaySwitch, LetsTheToolDieWithWhoReadsItsOutputAsAnyProgramDoes)
+{
+    const auto before = std::signal(SIGPIPE, SIG_IGN); // As in the agent.
+    EXPECT_FALSE(set_dmod(1024, 768, newTool("grep SigIgn: /proc/self/status > \"${0%/*}/ignored\"")));
+    std::signal(SIGPIPE, before);
+    QFile ignored(folder.filePath(QStringLiteral("ignored")));
+    ASSERT_TRUE(ignored.open(QIODevice::ReadOnly));
+    bool isNumber = false;
+    const qulonglong signals = ignored.readAll().simplified().split(' ').last().toULongLong(&isNumber, 16);
+    ASSERT_TRUE(isNumber);
+    EXPECT_EQ(signals & (1ULL << (SIGPIPE - 1)), 0U);
 }

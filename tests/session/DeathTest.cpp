@@ -1,4 +1,5 @@
 #include "tests/session/support/Service.h"
+#include "tests/session/support/SessionManager.h"
 #include "tests/session/support/SessionWithMessages.h"
 
 #include <QDir>
@@ -194,6 +195,61 @@ TEST_F(Death, OfTheSessionIsNotHeldUpByAHint)
     agent->process().terminate();
     ASSERT_TRUE(waitUntil([this] { return !agent->process().isRunning(); }));
     EXPECT_EQ(agent->process().exitCode(), EXIT_SUCCESS);
+}
+
+TEST_F(Death, OfTheSessionByItsManagerIsNotHeldUpByAHint)
+{
+    SessionManager manager;
+    manager.addTo(agent->environment);
+    ASSERT_TRUE(start({}));
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    service.send("hint Good night");
+    ASSERT_TRUE(popUp());
+    ASSERT_TRUE(manager.logOut());
+    ASSERT_TRUE(waitUntil([this] { return !agent->process().isRunning(); })) << "the log-out hangs";
+    EXPECT_EQ(agent->process().exitCode(), EXIT_SUCCESS);
+    EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
+}
+
+TEST_F(Death, OfTheSessionByItsManagerLeavesTheMessageThatWasOnTheScreen)
+{
+    SessionManager manager;
+    manager.addTo(agent->environment);
+    ASSERT_TRUE(start({{{.id = "1", .repeat = 0}}}));
+    ASSERT_TRUE(popUp());
+    ASSERT_TRUE(manager.logOut());
+    ASSERT_TRUE(waitUntil([this] { return !agent->process().isRunning(); }));
+    EXPECT_EQ(agent->process().exitCode(), EXIT_SUCCESS);
+    EXPECT_EQ(cache(), Entries{"1x0"}) << "nobody has closed it";
+}
+
+TEST_F(Death, OfTheSessionManagerIsTheEndOfTheSession)
+{
+    SessionManager manager;
+    manager.addTo(agent->environment);
+    ASSERT_TRUE(start({{{.id = "1", .repeat = 0}}}));
+    ASSERT_TRUE(popUp());
+    ASSERT_TRUE(manager.die());
+    ASSERT_TRUE(waitUntil([this] { return !agent->process().isRunning(); }));
+    EXPECT_EQ(agent->process().exitCode(), EXIT_SUCCESS);
+    EXPECT_EQ(cache(), Entries{"1x0"});
+    EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
+}
+
+TEST_F(Death, OfTheSessionThatIsOnlyThoughtOfLeavesThePopUpAndTheMenu)
+{
+    SessionManager manager;
+    manager.addTo(agent->environment);
+    ASSERT_TRUE(startWithMessages());
+    const std::optional<XWindow> first = popUp();
+    ASSERT_TRUE(first);
+    ASSERT_TRUE(agent->openMenu());
+    const QList<XWindow> before = agent->freeWindows();
+    ASSERT_TRUE(manager.saveState());
+    ASSERT_TRUE(manager.beginLogOutAndCancel());
+    EXPECT_FALSE(waitUntil([&] { return agent->freeWindows() != before; }, 300ms)) << "it closes windows";
+    EXPECT_EQ(cache(), (Entries{"1x2", "2x2", "3x2"}));
 }
 
 TEST_F(Death, OfAllRoomOnTheDiskLeavesTheFileAsItWasUntilThereIsRoomAgain)

@@ -1,5 +1,6 @@
 #include "tests/session/support/DesktopWithAgent.h"
 #include "tests/support/SilentSocket.h"
+#include "tests/support/StallingBus.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>
@@ -18,12 +19,26 @@ class Lifetime : public DesktopWithAgent
 
 TEST_F(Lifetime, EndsWithStatusZeroOnEachSignalThatAsksItTo)
 {
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
         ASSERT_TRUE(agent->startAndDock());
         ASSERT_EQ(::kill(static_cast<pid_t>(agent->pid()), signal), 0);
         ASSERT_TRUE(waitUntil([&] { return !agent->process().isRunning(); })) << "signal " << signal;
         EXPECT_EQ(agent->process().exitCode(), 0) << "signal " << signal;
     }
+}
+
+TEST_F(Lifetime, EndsWithStatusZeroHoweverOftenItIsAskedTo)
+{
+    ASSERT_TRUE(agent->startAndDock());
+    const auto pid = static_cast<pid_t>(agent->pid());
+    const bool ended = waitUntil([&] {
+        for (int i = 0; i < 100 && agent->process().isRunning(); ++i) {
+            ::kill(pid, i % 2 == 0 ? SIGTERM : SIGHUP);
+        }
+        return !agent->process().isRunning();
+    });
+    ASSERT_TRUE(ended);
+    EXPECT_EQ(agent->process().exitCode(), 0);
 }
 
 TEST_F(Lifetime, EndsWithStatusZeroWhileTheMenuIsOpen)
@@ -102,6 +117,15 @@ TEST_F(Lifetime, GoesOnWithoutABusThatNeverAnswersUntilOneDoes)
     silent.reset();
     ASSERT_TRUE(desktop.bus().start());
     EXPECT_TRUE(waitUntil([&] { return agent->isLinked(); }));
+}
+
+TEST_F(Lifetime, GoesOnWithoutABusThatStallsBeforeItsWelcome)
+{
+    const StallingBus stalling;
+    agent->environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromLocal8Bit(stalling.address()));
+    ASSERT_TRUE(agent->startAndDock());
+    EXPECT_TRUE(agent->openMenu()) << "the loop runs";
+    EXPECT_EQ(agent->standardError(), QByteArray());
 }
 
 TEST_F(Lifetime, SaysNothingWhenAllIsWell)

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <unistd.h>
 
 namespace
 {
@@ -64,6 +65,28 @@ TEST_F(Notification, IsKeptWhenTheNextOneCannotBeJudged)
     EXPECT_TRUE(cacheFile().becomes({"2x1"}));
     clock.advance(15min);
     EXPECT_TRUE(popUp());
+}
+
+TEST_F(Notification, StaysWhenNobodyReadsTheWarningAboutAnother)
+{
+    QProcess &process = agent->process().process();
+    process.setChildProcessModifier([before = process.childProcessModifier()] {
+        before();
+        std::signal(SIGPIPE, SIG_DFL);
+        int ends[2];
+        if (::pipe(ends) == 0) {
+            ::dup2(ends[1], STDERR_FILENO);
+            ::close(ends[0]);
+            ::close(ends[1]);
+        }
+    });
+    ASSERT_TRUE(start({{{.id = "1"}, {.id = "2"}, {.id = "3", .minVersion = "3"}}}));
+    ASSERT_TRUE(popUp());
+    EXPECT_TRUE(cacheFile().becomes({"1x1", "2x1"}));
+    clock.advance(31s);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    EXPECT_TRUE(cacheFile().becomes({"2x1"}));
+    EXPECT_TRUE(agent->process().isRunning());
 }
 
 TEST_F(Notification, LeavesQueueAndFileAsItsButtonSays)

@@ -3,7 +3,9 @@
 #include "shell/TerminationSignals.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QEvent>
 #include <QTimer>
+#include <QWidget>
 
 #include <gtest/gtest.h>
 
@@ -18,13 +20,36 @@ TEST(Application, GoesOnAfterAnExceptionInAnEventCallback)
     EXPECT_TRUE(waitUntil([&] { return later; }));
 }
 
+TEST(Application, EndsWithoutClosingItsWindowsWhenItIsAskedToQuit)
+{
+    QWidget window;
+    window.show();
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::postEvent(qApp, new QEvent(QEvent::Quit)); });
+    QTimer::singleShot(std::chrono::seconds(10), qApp, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(Application::exec(), 0);
+    EXPECT_TRUE(window.isVisible());
+}
+
 TEST(TerminationSignals, EndTheEventLoop)
 {
-    for (const int signal : {SIGTERM, SIGINT}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
         const TerminationSignals endTheLoop;
         QTimer::singleShot(0, qApp, [signal] { ::raise(signal); });
         QTimer::singleShot(std::chrono::seconds(10), qApp, [] { QCoreApplication::exit(1); });
         EXPECT_EQ(Application::exec(), 0) << "signal " << signal;
+    }
+}
+
+TEST(TerminationSignals, ThatComeAfterTheFirstDisturbNothing)
+{
+    {
+        const TerminationSignals endTheLoop;
+        QTimer::singleShot(0, qApp, [] { ::raise(SIGTERM); });
+        EXPECT_EQ(Application::exec(), 0);
+        ::raise(SIGHUP);
+    }
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGQUIT}) {
+        ::raise(signal);
     }
 }
 

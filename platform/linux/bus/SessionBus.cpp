@@ -1,6 +1,7 @@
 #include "platform/linux/include/SessionBus.h"
 
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/workarounds/LibdbusWarnings.h"
 
 #include <QDBusError>
 
@@ -66,6 +67,7 @@ SessionBus &SessionBus::instance()
 SessionBus::SessionBus(std::chrono::milliseconds retryInterval)
     : m_connection(noConnection())
 {
+    keepLibdbusFromAborting();
     m_retry.setInterval(retryInterval);
     connect(&m_retry, &QTimer::timeout, this, &SessionBus::tryToConnect);
     tryToConnect();

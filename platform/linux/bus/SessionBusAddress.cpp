@@ -67,15 +67,98 @@ private:
     int m_descriptor;
 };
 
-bool isReadableBy(int descriptor, const QDeadlineTimer &deadline)
+/// A method call without arguments, as the D-Bus specification lays it out.
+class MethodCall final
 {
-    pollfd wanted{descriptor, POLLIN, 0};
-    int ready = 0;
-    do {
-        ready = ::poll(&wanted, 1, static_cast<int>(deadline.remainingTime()));
-    } while (ready < 0 && errno == EINTR);
-    return ready > 0;
+public:
+    void addField(char code, char type, const QByteArray &value)
+    {
+        padTo8();
+        m_message += code;
+        m_message += '\1';
+        m_message += type;
+        m_message += '\0';
+        m_message += static_cast<char>(value.size());
+        m_message += QByteArray(3, '\0') + value + '\0';
+        m_message[12] = static_cast<char>(m_message.size() - 16);
+    }
+
+    [[nodiscard]] QByteArray bytes()
+    {
+        padTo8();
+        return m_message;
+    }
+
+private:
+    void padTo8() { m_message.resize((m_message.size() + 7) / 8 * 8, '\0'); }
+
+    // Little-endian, a method call, no flags, version 1; no body, number 1, and the length of the fields.
+    QByteArray m_message = QByteArray("l\1\0\1\0\0\0\0\1\0\0\0\0\0\0\0", 16);
+};
+
+QByteArray helloToTheBus()
+{
+    const QByteArray bus = QByteArrayLiteral("org.freedesktop.DBus");
+    MethodCall call;
+    call.addField(1, 'o', QByteArrayLiteral("/org/freedesktop/DBus"));
+    call.addField(2, 's', bus);
+    call.addField(3, 's', QByteArrayLiteral("Hello"));
+    call.addField(6, 's', bus);
+    return call.bytes();
 }
+
+/// A talk with a bus, which ends at the deadline.
+class Talk final
+{
+public:
+    Talk(int descriptor, const QDeadlineTimer &deadline)
+        : m_descriptor(descriptor)
+        , m_deadline(deadline)
+    {
+    }
+
+    [[nodiscard]] bool say(const QByteArray &words) const
+    {
+        return ::send(m_descriptor, words.constData(), static_cast<std::size_t>(words.size()), MSG_NOSIGNAL) ==
+               words.size();
+    }
+
+    /// Waits for more of the answer. False when the bus has gone, or says nothing more in time.
+    [[nodiscard]] bool hearMore()
+    {
+        pollfd wanted{m_descriptor, POLLIN, 0};
+        int ready = 0;
+        do {
+            ready = ::poll(&wanted, 1, static_cast<int>(m_deadline.remainingTime()));
+        } while (ready < 0 && errno == EINTR);
+        char bytes[256];
+        const ssize_t size = ready > 0 ? ::recv(m_descriptor, bytes, sizeof bytes, 0) : -1;
+        m_isOver = size == 0;
+        m_heard.append(bytes, size > 0 ? size : 0);
+        return size > 0;
+    }
+
+    /// Waits until so much has been heard; the same.
+    [[nodiscard]] bool hear(qsizetype size)
+    {
+        while (m_heard.size() < size) {
+            if (!hearMore()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    [[nodiscard]] BusState whyNoAnswer() const { return m_isOver ? BusState::Absent : BusState::Unusable; }
+    [[nodiscard]] const QByteArray &heard() const { return m_heard; }
+    void forgetLine() { m_heard.remove(0, m_heard.indexOf('\n') + 1); }
+
+private:
+    int m_descriptor;
+    QDeadlineTimer m_deadline;
+    QByteArray m_heard;
+    bool m_isOver = false;
+};
 
 BusState stateOf(const QByteArray &name, const QDeadlineTimer &deadline)
 {
@@ -91,19 +174,27 @@ BusState stateOf(const QByteArray &name, const QDeadlineTimer &deadline)
                                              (name.front() == '\0' ? 0 : 1));
     if (::connect(socket.descriptor(), reinterpret_cast<const sockaddr *>(&address), size) != 0) {
         // So many wait to be taken already that nobody seems to take any.
-        return errno == EAGAIN ? BusState::Silent : BusState::Absent;
+        return errno == EAGAIN ? BusState::Unusable : BusState::Absent;
     }
-    QByteArray hello("\0AUTH EXTERNAL ", 15);
-    hello += QByteArray::number(::getuid()).toHex() + "\r\n";
-    if (::send(socket.descriptor(), hello.constData(), static_cast<std::size_t>(hello.size()), MSG_NOSIGNAL) !=
-        hello.size()) {
+    Talk talk(socket.descriptor(), deadline);
+    if (!talk.say(QByteArray("\0AUTH EXTERNAL ", 15) + QByteArray::number(::getuid()).toHex() + "\r\n")) {
         return BusState::Absent;
     }
-    if (!isReadableBy(socket.descriptor(), deadline)) {
-        return BusState::Silent;
+    while (!talk.heard().contains('\n')) {
+        if (!talk.hearMore()) {
+            return talk.whyNoAnswer();
+        }
     }
-    char first = 0;
-    return ::recv(socket.descriptor(), &first, 1, 0) == 1 ? BusState::Answers : BusState::Absent;
+    if (!talk.heard().startsWith("OK ")) {
+        return BusState::Answers;
+    }
+    talk.forgetLine();
+    // The type of a message is its second byte.
+    if (!talk.say("BEGIN\r\n" + helloToTheBus()) || !talk.hear(2)) {
+        return BusState::Unusable;
+    }
+    constexpr char methodReturn = 2;
+    return talk.heard().at(1) == methodReturn ? BusState::Answers : BusState::Unusable;
 }
 
 } // namespace
@@ -129,8 +220,8 @@ ProbedBus probeBus(const QString &address, std::chrono::milliseconds limit)
         switch (name ? stateOf(*name, deadline) : BusState::Answers) {
         case BusState::Answers:
             return {BusState::Answers, entry};
-        case BusState::Silent:
-            state = BusState::Silent;
+        case BusState::Unusable:
+            state = BusState::Unusable;
             break;
         case BusState::Absent:
             break;

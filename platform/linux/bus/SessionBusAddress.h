@@ -10,8 +10,8 @@
 
 enum class BusState {
     Answers,
-    Absent, ///< Nobody takes the connection.
-    Silent  ///< The connection is taken, or waits to be, and not a word comes.
+    Absent,  ///< Nobody takes the connection.
+    Unusable ///< The connection is taken, or waits to be, but Hello is not answered, or refused.
 };
 
 struct ProbedBus {
@@ -19,7 +19,8 @@ struct ProbedBus {
     QString address; ///< The one entry of the address that answers; empty when none does.
 };
 
-/// Says the first word to each bus of an address, as a client does, and waits for an answer: `limit` in all. A bus at
-/// the other end of anything but a local socket is taken to answer.
+/// Joins each bus of an address, as a client does, until one answers to Hello, and leaves it again: `limit` in all. A
+/// bus at the other end of anything but a local socket, or one that wants to know more than this process's user, is
+/// taken to answer.
 [[nodiscard]] ProbedBus probeBus(const QString &address,
                                  std::chrono::milliseconds limit = std::chrono::milliseconds(500));

@@ -1,8 +1,11 @@
 #include "platform/linux/include/SessionBus.h"
 
+#include "platform/linux/bus/SessionBusAddress.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/SilentSocket.h"
+#include "tests/support/StallingBus.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QCoreApplication>
@@ -22,6 +25,38 @@ QString folderOf(const PrivateBus &bus)
 {
     return QFileInfo(bus.address().mid(QStringLiteral("unix:path=").size())).path();
 }
+
+/// A bus that has room for one connection.
+class BusForOne final
+{
+public:
+    BusForOne()
+    {
+        const QString configuration = m_folder.filePath(QStringLiteral("bus.conf"));
+        QFile file(configuration);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("<busconfig><type>session</type><listen>" + address() +
+                   "</listen><policy context=\"default\"><allow send_destination=\"*\"/><allow "
+                   "receive_sender=\"*\"/><allow own=\"*\"/></policy>"
+                   "<limit name=\"max_completed_connections\">1</limit></busconfig>");
+        file.close();
+        EXPECT_TRUE(m_daemon.start(QStringLiteral("dbus-daemon"),
+                                   {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
+                                    QStringLiteral("--config-file=") + configuration}));
+        m_isRunning = waitUntil([this] { return m_daemon.output().contains('\n'); });
+    }
+
+    [[nodiscard]] bool isRunning() const { return m_isRunning; }
+    [[nodiscard]] QByteArray address() const
+    {
+        return "unix:path=" + m_folder.filePath(QStringLiteral("bus")).toLatin1();
+    }
+
+private:
+    QTemporaryDir m_folder;
+    ChildProcess m_daemon;
+    bool m_isRunning = false;
+};
 
 TEST(SessionBus, HasNoConnectionWhenNoBusIsNamed)
 {
@@ -93,6 +128,56 @@ TEST(SessionBus, TakesABusThatNeverAnswersForNoneUntilOneDoes)
     silent.reset();
     ASSERT_TRUE(daemon.start());
     EXPECT_TRUE(waitUntil([&] { return bus.isConnected(); }));
+}
+
+TEST(SessionBus, TakesABusThatStallsBeforeItsWelcomeForNone)
+{
+    const StallingBus stalling;
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", stalling.address());
+    QElapsedTimer time;
+    time.start();
+    const SessionBus bus;
+    EXPECT_LT(time.elapsed(), 1000);
+    EXPECT_FALSE(bus.isConnected());
+}
+
+TEST(SessionBus, TakesABusAtItsLimitForNoneUntilThereIsAPlace)
+{
+    const BusForOne crowded;
+    ASSERT_TRUE(crowded.isRunning());
+    const QString occupant = QStringLiteral("occupant");
+    ASSERT_TRUE(QDBusConnection::connectToBus(QString::fromLatin1(crowded.address()), occupant).isConnected());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", crowded.address());
+    SessionBus bus(10ms);
+    EXPECT_FALSE(bus.isConnected());
+
+    QDBusConnection::disconnectFromBus(occupant);
+    EXPECT_TRUE(waitUntil([&] { return bus.isConnected(); }));
+}
+
+TEST(SessionBus, GetsTheLastPlaceOfABus)
+{
+    const BusForOne crowded;
+    ASSERT_TRUE(crowded.isRunning());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", crowded.address());
+    for (int round = 0; round < 20; ++round) {
+        // The round before may still be about to leave.
+        ASSERT_TRUE(waitUntil([] { return probeBus(sessionBusAddress()).state == BusState::Answers; }));
+        EXPECT_TRUE(SessionBus().isConnected());
+    }
+}
+
+TEST(SessionBus, OutlivesABusThatRefusesAtTheLastMoment)
+{
+    const BusForOne crowded;
+    ASSERT_TRUE(crowded.isRunning());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", crowded.address());
+    const SessionBus bus;
+    ASSERT_TRUE(bus.isConnected());
+    // As a bus does whose last place is taken between the probe and the connection proper.
+    const QString refused = QStringLiteral("refused");
+    EXPECT_FALSE(QDBusConnection::connectToBus(QString::fromLatin1(crowded.address()), refused).isConnected());
+    QDBusConnection::disconnectFromBus(refused);
 }
 
 TEST(SessionBus, DoesNotWaitInTheQueueOfABusThatTakesNobody)

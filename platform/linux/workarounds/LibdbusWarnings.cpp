@@ -1,0 +1,9 @@
+#include "platform/linux/workarounds/LibdbusWarnings.h"
+
+#include <QByteArray>
+
+void keepLibdbusFromAborting()
+{
+    // Read by libdbus with its first warning, and only then; there is no function for it.
+    qputenv("DBUS_FATAL_WARNINGS", "0");
+}

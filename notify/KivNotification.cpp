@@ -4,6 +4,7 @@
 #include "notify/TextMeasure.h"
 #include "notify/UndefinedKeyException.h"
 #include "platform/StringValues.h"
+#include "platform/UtcTime.h"
 
 #include <QMetaProperty>
 #include <QTextStream>
@@ -85,7 +86,7 @@ KivNotification::KivNotification()
     , m_systemCode(QLatin1String(""))
     , m_minSysVer(kMsgPropertyAny)
     , m_maxSysVer(kMsgPropertyAny)
-    , m_minDate(QDateTime::fromMSecsSinceEpoch(0, Qt::UTC))
+    , m_minDate(QDateTime::fromMSecsSinceEpoch(0, inUtc))
     , m_maxDate(m_minDate)
     , m_lastShowDate(m_minDate)
     , m_contentEncoding(QStringLiteral("base64"))

@@ -10,6 +10,7 @@
 #include "notify/UndefinedKeyException.h"
 #include "platform/MainScreen.h"
 #include "platform/StringValues.h"
+#include "platform/UtcTime.h"
 
 #include <QDir>
 
@@ -28,7 +29,7 @@ const QString settingsChanged = QStringLiteral("KivMunuUpdateSettingsNotificatio
 
 QDateTime never()
 {
-    return QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
+    return QDateTime::fromMSecsSinceEpoch(0, inUtc);
 }
 
 NSRect mainScreen()

@@ -2,6 +2,7 @@
 
 #include "notify/DistantFuture.h"
 #include "notify/KivNotification.h"
+#include "platform/UtcTime.h"
 #include "tests/notify/TimeZone.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@
 namespace
 {
 
-const QDateTime now(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC);
+const QDateTime now(QDate(2024, 3, 1), QTime(12, 0), inUtc);
 
 Installation installation()
 {

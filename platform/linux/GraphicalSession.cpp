@@ -2,6 +2,7 @@
 
 #include "platform/linux/FreedMemory.h"
 #include "platform/linux/LateMouseEvents.h"
+#include "platform/linux/MenuMouse.h"
 #include "platform/linux/RootProperties.h"
 #include "platform/linux/SessionBusAddress.h"
 
@@ -89,5 +90,6 @@ void GraphicalSession::settle()
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();
+    MenuMouse::follow();
     keepQtFromCachingPictures();
 }

@@ -1,7 +1,7 @@
-#include "MenuPicture.h"
-#include "OtherWindow.h"
-#include "Session.h"
-#include "Viewer.h"
+#include "tests/session/support/MenuPicture.h"
+#include "tests/session/support/OtherWindow.h"
+#include "tests/session/support/Session.h"
+#include "tests/session/support/Viewer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

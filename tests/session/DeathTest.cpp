@@ -1,5 +1,5 @@
-#include "Service.h"
-#include "SessionWithMessages.h"
+#include "tests/session/support/Service.h"
+#include "tests/session/support/SessionWithMessages.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,5 +1,5 @@
-#include "RawCommand.h"
-#include "SessionWithMessages.h"
+#include "tests/session/support/RawCommand.h"
+#include "tests/session/support/SessionWithMessages.h"
 
 #include <QTemporaryDir>
 

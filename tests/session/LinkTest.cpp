@@ -1,5 +1,5 @@
-#include "DesktopWithAgent.h"
-#include "Service.h"
+#include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

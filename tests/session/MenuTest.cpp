@@ -1,6 +1,6 @@
-#include "Agent.h"
-#include "Desktop.h"
-#include "Service.h"
+#include "tests/session/support/Agent.h"
+#include "tests/session/support/Desktop.h"
+#include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

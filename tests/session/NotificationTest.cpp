@@ -1,7 +1,7 @@
-#include "OtherWindow.h"
-#include "Service.h"
-#include "SessionWithMessages.h"
-#include "SmallDisk.h"
+#include "tests/session/support/OtherWindow.h"
+#include "tests/session/support/Service.h"
+#include "tests/session/support/SessionWithMessages.h"
+#include "tests/session/support/SmallDisk.h"
 
 #include <QCoreApplication>
 #include <QDir>

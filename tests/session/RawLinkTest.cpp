@@ -1,6 +1,6 @@
-#include "DesktopWithAgent.h"
-#include "RawCommand.h"
-#include "Service.h"
+#include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/RawCommand.h"
+#include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>

@@ -1,8 +1,0 @@
-#include "DistantFuture.h"
-
-#include "platform/UtcTime.h"
-
-QDateTime distantFuture()
-{
-    return QDateTime(QDate(1'000'000, 1, 1), QTime(0, 0), inUtc);
-}

@@ -10,6 +10,7 @@
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
+#include "platform/data/UtcTime.h"
 
 
 #include <algorithm>
@@ -27,7 +28,7 @@ const QString settingsChanged = QStringLiteral("KivMunuUpdateSettingsNotificatio
 
 QDateTime never()
 {
-    return QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
+    return QDateTime::fromMSecsSinceEpoch(0, inUtc);
 }
 
 NSRect mainScreen()

@@ -79,7 +79,10 @@ void SmallDisk::makeRoom() const
 
 void SmallDisk::setAccess(Access access) const
 {
-    const unsigned long flags = MS_REMOUNT | (access == Access::ReadOnly ? MS_RDONLY : 0);
+    unsigned long flags = MS_REMOUNT;
+    if (access == Access::ReadOnly) {
+        flags |= MS_RDONLY;
+    }
     EXPECT_EQ(::mount(nullptr, QFile::encodeName(m_folder).constData(), nullptr, flags, options), 0)
         << std::strerror(errno);
 }

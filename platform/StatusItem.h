@@ -40,8 +40,10 @@ public:
     [[nodiscard]] std::optional<NSRect> frame() const;
 
 Q_SIGNALS:
-    /// The primary button went down on the enabled item. Sent from the event loop, never from inside a host's call.
-    void pressed();
+    /// The primary button went down on the enabled item, or its host asks for its menu in another way: at `place`, in
+    /// points, where the item's frame is unknown and its host tells more than the mouse's position does. Sent from the
+    /// event loop, never from inside a host's call.
+    void pressed(std::optional<NSPoint> place);
 
 private:
     class Private;

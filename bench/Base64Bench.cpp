@@ -1,6 +1,6 @@
 #include "bench/Ratios.h"
 #include "bench/TableDecoders.h"
-#include "notify/Base64.h"
+#include "notify/feed/Base64.h"
 
 #include <benchmark/benchmark.h>
 

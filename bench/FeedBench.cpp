@@ -1,6 +1,6 @@
 #include "bench/Ratios.h"
-#include "notify/FeedParser.h"
-#include "notify/KivNotification.h"
+#include "notify/feed/FeedParser.h"
+#include "notify/record/KivNotification.h"
 
 #include <QGuiApplication>
 #include <QXmlStreamReader>

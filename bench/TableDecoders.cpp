@@ -1,6 +1,6 @@
 #include "bench/TableDecoders.h"
 
-#include "notify/Base64.h"
+#include "notify/feed/Base64.h"
 
 #include <array>
 #include <bit>

@@ -1,5 +1,5 @@
 #include "fuzz/Check.h"
-#include "notify/Base64.h"
+#include "notify/feed/Base64.h"
 
 #include <algorithm>
 #include <cstddef>

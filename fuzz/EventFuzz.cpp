@@ -1,5 +1,5 @@
 #include "fuzz/Check.h"
-#include "platform/linux/AppleEventMessage.h"
+#include "platform/linux/events/AppleEventMessage.h"
 
 #include <QCoreApplication>
 #include <QDBusArgument>

@@ -1,7 +1,7 @@
 #include "fuzz/Check.h"
-#include "notify/FeedParser.h"
-#include "notify/KivNotification.h"
-#include "notify/UndefinedKeyException.h"
+#include "notify/feed/FeedParser.h"
+#include "notify/record/KivNotification.h"
+#include "notify/record/UndefinedKeyException.h"
 
 #include <QGuiApplication>
 

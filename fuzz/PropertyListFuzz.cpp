@@ -1,5 +1,5 @@
 #include "fuzz/Check.h"
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "AnchorWindow.h"
+#include "menu/AnchorWindow.h"
 
 namespace
 {

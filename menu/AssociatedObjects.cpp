@@ -1,4 +1,4 @@
-#include "AssociatedObjects.h"
+#include "menu/AssociatedObjects.h"
 
 #include <QPointer>
 #include <QVariant>

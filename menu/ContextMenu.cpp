@@ -1,4 +1,4 @@
-#include "ContextMenu.h"
+#include "menu/ContextMenu.h"
 
 #include <QCoreApplication>
 

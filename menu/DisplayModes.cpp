@@ -1,4 +1,4 @@
-#include "DisplayModes.h"
+#include "menu/DisplayModes.h"
 
 #include <algorithm>
 #include <set>

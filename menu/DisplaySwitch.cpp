@@ -1,4 +1,4 @@
-#include "DisplaySwitch.h"
+#include "menu/DisplaySwitch.h"
 
 #include <Carbon/Carbon.h>
 

@@ -1,4 +1,4 @@
-#include "KIVMenuObj.h"
+#include "menu/KIVMenuObj.h"
 
 #include "menu/AnchorWindow.h"
 #include "menu/AssociatedObjects.h"
@@ -8,10 +8,10 @@
 #include "menu/MenuEnabling.h"
 #include "menu/MenuEntries.h"
 #include "menu/StatusItemPlacement.h"
-#include "platform/AlertPanel.h"
-#include "platform/ImageFile.h"
 #include "platform/MainScreen.h"
 #include "platform/StatusBar.h"
+#include "platform/alert/AlertPanel.h"
+#include "platform/images/ImageFile.h"
 
 #include <QKeySequence>
 #include <QPointer>

@@ -1,4 +1,4 @@
-#include "LoginSession.h"
+#include "menu/LoginSession.h"
 
 #include <optional>
 

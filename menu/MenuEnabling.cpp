@@ -1,4 +1,4 @@
-#include "MenuEnabling.h"
+#include "menu/MenuEnabling.h"
 
 #include "menu/MenuCommands.h"
 

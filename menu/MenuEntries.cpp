@@ -1,4 +1,4 @@
-#include "MenuEntries.h"
+#include "menu/MenuEntries.h"
 
 #include <algorithm>
 

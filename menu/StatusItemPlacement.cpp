@@ -1,4 +1,4 @@
-#include "StatusItemPlacement.h"
+#include "menu/StatusItemPlacement.h"
 
 #include <cmath>
 

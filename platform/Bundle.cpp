@@ -1,8 +1,8 @@
-#include "Bundle.h"
+#include "platform/Bundle.h"
 
 #include "platform/MainBundlePath.h"
-#include "platform/PropertyList.h"
-#include "platform/StringValues.h"
+#include "platform/data/PropertyList.h"
+#include "platform/data/StringValues.h"
 
 #include <QFileInfo>
 

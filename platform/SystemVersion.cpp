@@ -1,6 +1,6 @@
-#include "SystemVersion.h"
+#include "platform/SystemVersion.h"
 
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 
 #include <QFile>
 #include <QVariantMap>

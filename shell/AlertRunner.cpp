@@ -1,7 +1,7 @@
-#include "AlertRunner.h"
+#include "shell/AlertRunner.h"
 
-#include "platform/AlertMessage.h"
-#include "platform/AlertPanel.h"
+#include "platform/alert/AlertMessage.h"
+#include "platform/alert/AlertPanel.h"
 #include "shell/ProcessState.h"
 
 namespace

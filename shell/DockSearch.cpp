@@ -1,4 +1,4 @@
-#include "DockSearch.h"
+#include "shell/DockSearch.h"
 
 #include "platform/FourCharCode.h"
 

@@ -1,4 +1,4 @@
-#include "EventHandler.h"
+#include "shell/EventHandler.h"
 
 #include "shell/EventCodes.h"
 #include "shell/EventLink.h"

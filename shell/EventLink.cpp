@@ -1,4 +1,4 @@
-#include "EventLink.h"
+#include "shell/EventLink.h"
 
 #include "shell/EventCodes.h"
 

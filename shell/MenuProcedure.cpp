@@ -1,9 +1,9 @@
-#include "MenuProcedure.h"
+#include "shell/MenuProcedure.h"
 
 #include "menu/MenuCommands.h"
-#include "platform/AlertPanel.h"
 #include "platform/Bundle.h"
 #include "platform/Workspace.h"
+#include "platform/alert/AlertPanel.h"
 #include "shell/AlertRunner.h"
 #include "shell/EventCodes.h"
 #include "shell/EventLink.h"

@@ -1,4 +1,4 @@
-#include "ProcessState.h"
+#include "shell/ProcessState.h"
 
 std::unique_ptr<KIVMenuObj> __menu;
 ProcessSerialNumber __mypsn{};

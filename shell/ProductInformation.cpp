@@ -1,4 +1,4 @@
-#include "ProductInformation.h"
+#include "shell/ProductInformation.h"
 
 #include "shell/ProductTexts.h"
 

@@ -1,8 +1,8 @@
-#include "ServiceCommands.h"
+#include "shell/ServiceCommands.h"
 
-#include "notify/KivNotification.h"
-#include "notify/KivNotificationManager.h"
-#include "platform/StringValues.h"
+#include "notify/queue/KivNotificationManager.h"
+#include "notify/record/KivNotification.h"
+#include "platform/data/StringValues.h"
 #include "shell/EventCodes.h"
 #include "shell/ProcessState.h"
 

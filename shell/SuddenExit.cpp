@@ -1,4 +1,4 @@
-#include "SuddenExit.h"
+#include "shell/SuddenExit.h"
 
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 #include "menu/MenuCommands.h"
-#include "notify/KivNotificationManager.h"
-#include "notify/KivNotificationReceiver.h"
+#include "notify/feed/KivNotificationReceiver.h"
+#include "notify/queue/KivNotificationManager.h"
 #include "platform/GraphicalSession.h"
 #include "platform/SessionLock.h"
 #include "shell/Application.h"

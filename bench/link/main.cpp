@@ -4,8 +4,8 @@
 // Each message carries the time (CLOCK_MONOTONIC) at which its making began.
 
 #include "platform/FourCharCode.h"
-#include "platform/linux/EventBusName.h"
-#include "tests/platform/linux/RawEvent.h"
+#include "platform/linux/include/EventBusName.h"
+#include "tests/platform/linux/events/RawEvent.h"
 
 #include <Carbon/Carbon.h>
 #include <QCoreApplication>

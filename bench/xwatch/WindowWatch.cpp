@@ -1,4 +1,4 @@
-#include "WindowWatch.h"
+#include "bench/xwatch/WindowWatch.h"
 
 #include <xcb/xtest.h>
 

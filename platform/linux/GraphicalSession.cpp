@@ -1,9 +1,9 @@
 #include "platform/GraphicalSession.h"
 
-#include "platform/linux/FreedMemory.h"
-#include "platform/linux/LateMouseEvents.h"
-#include "platform/linux/RootProperties.h"
-#include "platform/linux/SessionBusAddress.h"
+#include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/workarounds/FreedMemory.h"
+#include "platform/linux/workarounds/LateMouseEvents.h"
+#include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
 #include <QDBusConnection>

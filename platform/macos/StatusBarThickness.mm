@@ -1,4 +1,4 @@
-#include "StatusBarThickness.h"
+#include "platform/macos/StatusBarThickness.h"
 
 #import <AppKit/AppKit.h>
 

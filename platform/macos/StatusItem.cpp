@@ -1,7 +1,7 @@
 #include "platform/StatusItem.h"
 
-#include "platform/IconDrawing.h"
 #include "platform/MainScreen.h"
+#include "platform/images/IconDrawing.h"
 
 #include <QSystemTrayIcon>
 

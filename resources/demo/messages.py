@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Prints the feed of support messages that the demonstration serves.
 
-Every message is for everybody and always; see notify/FeedParser.h for what an element may say.
+Every message is for everybody and always; see notify/feed/FeedParser.h for what an element may say.
 """
 
 import base64

@@ -5,7 +5,7 @@
 #include "menu/MenuCommands.h"
 #include "platform/MainScreen.h"
 #include "tests/menu/ModeList.h"
-#include "tests/platform/linux/FakeTray.h"
+#include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Carbon.h>

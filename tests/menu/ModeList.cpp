@@ -1,4 +1,4 @@
-#include "ModeList.h"
+#include "tests/menu/ModeList.h"
 
 #include <QJsonObject>
 

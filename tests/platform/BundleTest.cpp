@@ -1,6 +1,6 @@
 #include "platform/Bundle.h"
 
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "tests/support/ChildProcess.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "platform/SystemVersion.h"
 
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,4 +1,4 @@
-#include "Agent.h"
+#include "tests/session/Agent.h"
 
 #include "tests/support/WaitUntil.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Desktop.h"
+#include "tests/session/Desktop.h"
 #include "tests/support/ChildProcess.h"
 
 #include <QByteArrayList>

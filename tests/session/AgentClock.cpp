@@ -1,4 +1,4 @@
-#include "AgentClock.h"
+#include "tests/session/AgentClock.h"
 
 #include <QFile>
 

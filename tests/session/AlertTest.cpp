@@ -1,7 +1,7 @@
-#include "MenuPicture.h"
-#include "OtherWindow.h"
-#include "Session.h"
-#include "Viewer.h"
+#include "tests/session/MenuPicture.h"
+#include "tests/session/OtherWindow.h"
+#include "tests/session/Session.h"
+#include "tests/session/Viewer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

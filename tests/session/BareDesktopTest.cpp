@@ -1,5 +1,5 @@
-#include "Agent.h"
-#include "Desktop.h"
+#include "tests/session/Agent.h"
+#include "tests/session/Desktop.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "Browser.h"
+#include "tests/session/Browser.h"
 
-#include "ScriptFile.h"
+#include "tests/session/ScriptFile.h"
 
 #include <QFile>
 

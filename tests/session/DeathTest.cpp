@@ -1,5 +1,5 @@
-#include "Service.h"
-#include "SessionWithMessages.h"
+#include "tests/session/Service.h"
+#include "tests/session/SessionWithMessages.h"
 
 #include <QDir>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "Desktop.h"
+#include "tests/session/Desktop.h"
 
 #include "tests/support/WaitUntil.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "XInput.h"
-#include "XView.h"
+#include "tests/session/XInput.h"
+#include "tests/session/XView.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"

@@ -1,4 +1,4 @@
-#include "FeedMessages.h"
+#include "tests/session/FeedMessages.h"
 
 namespace
 {

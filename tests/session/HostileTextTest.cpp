@@ -1,5 +1,5 @@
-#include "RawCommand.h"
-#include "SessionWithMessages.h"
+#include "tests/session/RawCommand.h"
+#include "tests/session/SessionWithMessages.h"
 
 #include <QTemporaryDir>
 

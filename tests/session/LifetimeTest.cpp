@@ -1,4 +1,4 @@
-#include "DesktopWithAgent.h"
+#include "tests/session/DesktopWithAgent.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/WaitUntil.h"
 

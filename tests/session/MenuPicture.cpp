@@ -1,4 +1,4 @@
-#include "MenuPicture.h"
+#include "tests/session/MenuPicture.h"
 
 #include <functional>
 

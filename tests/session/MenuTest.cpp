@@ -1,6 +1,6 @@
-#include "Agent.h"
-#include "Desktop.h"
-#include "Service.h"
+#include "tests/session/Agent.h"
+#include "tests/session/Desktop.h"
+#include "tests/session/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "MessageCache.h"
+#include "tests/session/MessageCache.h"
 
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>

@@ -1,7 +1,7 @@
-#include "OtherWindow.h"
-#include "Service.h"
-#include "SessionWithMessages.h"
-#include "SmallDisk.h"
+#include "tests/session/OtherWindow.h"
+#include "tests/session/Service.h"
+#include "tests/session/SessionWithMessages.h"
+#include "tests/session/SmallDisk.h"
 
 #include <QCoreApplication>
 #include <QDir>

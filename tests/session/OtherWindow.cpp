@@ -1,4 +1,4 @@
-#include "OtherWindow.h"
+#include "tests/session/OtherWindow.h"
 
 #include "tests/support/WaitUntil.h"
 

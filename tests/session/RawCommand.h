@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/platform/linux/RawEvent.h"
+#include "tests/platform/linux/events/RawEvent.h"
 #include "tests/support/BusPeer.h"
 
 #include <QDBusReply>

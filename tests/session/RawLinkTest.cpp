@@ -1,6 +1,6 @@
-#include "DesktopWithAgent.h"
-#include "RawCommand.h"
-#include "Service.h"
+#include "tests/session/DesktopWithAgent.h"
+#include "tests/session/RawCommand.h"
+#include "tests/session/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>

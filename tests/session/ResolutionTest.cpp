@@ -1,7 +1,7 @@
-#include "MenuPicture.h"
-#include "ScriptFile.h"
-#include "Session.h"
-#include "Viewer.h"
+#include "tests/session/MenuPicture.h"
+#include "tests/session/ScriptFile.h"
+#include "tests/session/Session.h"
+#include "tests/session/Viewer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>

@@ -1,4 +1,4 @@
-#include "ScriptFile.h"
+#include "tests/session/ScriptFile.h"
 
 #include <QFile>
 

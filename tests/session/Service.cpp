@@ -1,4 +1,4 @@
-#include "Service.h"
+#include "tests/session/Service.h"
 
 #include "tests/support/WaitUntil.h"
 

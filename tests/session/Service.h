@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Agent.h"
-#include "Desktop.h"
+#include "tests/session/Agent.h"
+#include "tests/session/Desktop.h"
 #include "tests/support/ChildProcess.h"
 
 #include <QByteArrayList>

@@ -1,6 +1,6 @@
-#include "Session.h"
+#include "tests/session/Session.h"
 
-#include "MenuPicture.h"
+#include "tests/session/MenuPicture.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "Agent.h"
-#include "Browser.h"
-#include "Desktop.h"
-#include "Service.h"
+#include "tests/session/Agent.h"
+#include "tests/session/Browser.h"
+#include "tests/session/Desktop.h"
+#include "tests/session/Service.h"
 
 #include <optional>
 

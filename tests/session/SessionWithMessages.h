@@ -1,11 +1,11 @@
 #pragma once
 
-#include "AgentClock.h"
-#include "Browser.h"
-#include "DesktopWithAgent.h"
-#include "FeedMessages.h"
-#include "MessageCache.h"
-#include "SettingsProgram.h"
+#include "tests/session/AgentClock.h"
+#include "tests/session/Browser.h"
+#include "tests/session/DesktopWithAgent.h"
+#include "tests/session/FeedMessages.h"
+#include "tests/session/MessageCache.h"
+#include "tests/session/SettingsProgram.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/WaitUntil.h"
 

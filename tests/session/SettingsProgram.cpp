@@ -1,6 +1,6 @@
-#include "SettingsProgram.h"
+#include "tests/session/SettingsProgram.h"
 
-#include "platform/PropertyList.h"
+#include "platform/data/PropertyList.h"
 #include "tests/support/BusPeer.h"
 
 #include <QDBusMessage>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Agent.h"
-#include "Desktop.h"
+#include "tests/session/Agent.h"
+#include "tests/session/Desktop.h"
 
 /// What the server's settings program does to the agent's settings.
 namespace SettingsProgram

@@ -1,4 +1,4 @@
-#include "SmallDisk.h"
+#include "tests/session/SmallDisk.h"
 
 #include <QByteArray>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "Viewer.h"
+#include "tests/session/Viewer.h"
 
 #include "tests/support/WaitUntil.h"
 

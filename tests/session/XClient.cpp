@@ -1,4 +1,4 @@
-#include "XClient.h"
+#include "tests/session/XClient.h"
 
 #include <QFile>
 

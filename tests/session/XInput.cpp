@@ -1,4 +1,4 @@
-#include "XInput.h"
+#include "tests/session/XInput.h"
 
 #include <gtest/gtest.h>
 #include <xcb/xtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "XClient.h"
+#include "tests/session/XClient.h"
 
 #include <QPoint>
 

@@ -1,4 +1,4 @@
-#include "XView.h"
+#include "tests/session/XView.h"
 
 #include <xcb/randr.h>
 #include <xcb/res.h>

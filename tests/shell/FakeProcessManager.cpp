@@ -1,4 +1,4 @@
-#include "FakeProcessManager.h"
+#include "tests/shell/FakeProcessManager.h"
 
 #include <Carbon/Carbon.h>
 

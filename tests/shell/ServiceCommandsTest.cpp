@@ -1,8 +1,8 @@
 #include "shell/ServiceCommands.h"
 
-#include "notify/KivNotification.h"
-#include "notify/KivNotificationManager.h"
-#include "notify/KivNotificationWindow.h"
+#include "notify/popup/KivNotificationWindow.h"
+#include "notify/queue/KivNotificationManager.h"
+#include "notify/record/KivNotification.h"
 #include "shell/ProcessState.h"
 #include "tests/shell/EventBuilder.h"
 

@@ -1,4 +1,4 @@
-#include "FakeInput.h"
+#include "tests/support/FakeInput.h"
 
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>

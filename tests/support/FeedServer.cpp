@@ -1,4 +1,4 @@
-#include "FeedServer.h"
+#include "tests/support/FeedServer.h"
 
 #include "tests/support/WaitUntil.h"
 

@@ -1,4 +1,4 @@
-#include "FileChanges.h"
+#include "tests/support/FileChanges.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,7 +1,7 @@
 // The definitions below would clash with the inline ones of a fortified header.
 #undef _FORTIFY_SOURCE
 
-#include "SystemLog.h"
+#include "tests/support/SystemLog.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "tools/kivservice/DisplaySwitcher.h"
 
-#include "platform/linux/MainDisplay.h"
+#include "platform/linux/include/MainDisplay.h"
 #include "tools/kivservice/ModeTiming.h"
 
 #include <Carbon/Carbon.h>

@@ -1,7 +1,7 @@
-#include "AgentSearch.h"
+#include "tools/kivservice/AgentSearch.h"
 
-#include "platform/linux/EventBusName.h"
-#include "platform/linux/ExecutableName.h"
+#include "platform/linux/include/EventBusName.h"
+#include "platform/linux/include/ExecutableName.h"
 
 #include <algorithm>
 

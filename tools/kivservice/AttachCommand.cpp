@@ -1,7 +1,7 @@
-#include "AttachCommand.h"
+#include "tools/kivservice/AttachCommand.h"
 
-#include "platform/linux/EventBusName.h"
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/EventBusName.h"
+#include "platform/linux/include/SessionBus.h"
 #include "tools/kivservice/AgentSearch.h"
 #include "tools/kivservice/AttachedService.h"
 #include "tools/kivservice/VncSession.h"

@@ -1,4 +1,4 @@
-#include "AttachedService.h"
+#include "tools/kivservice/AttachedService.h"
 
 #include "menu/MenuEntries.h"
 #include "shell/EventCodes.h"

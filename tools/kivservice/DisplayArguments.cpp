@@ -1,4 +1,4 @@
-#include "DisplayArguments.h"
+#include "tools/kivservice/DisplayArguments.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
-#include "DisplaySwitcher.h"
+#include "tools/kivservice/DisplaySwitcher.h"
 
-#include "platform/linux/MainDisplay.h"
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/MainDisplay.h"
+#include "platform/linux/include/XConnection.h"
 #include "tools/kivservice/ModeTiming.h"
 
 #include <QRect>

@@ -1,4 +1,4 @@
-#include "ModeTiming.h"
+#include "tools/kivservice/ModeTiming.h"
 
 #include <algorithm>
 #include <cmath>

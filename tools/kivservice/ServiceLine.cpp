@@ -1,4 +1,4 @@
-#include "ServiceLine.h"
+#include "tools/kivservice/ServiceLine.h"
 
 #include <QList>
 

@@ -1,4 +1,4 @@
-#include "VncSession.h"
+#include "tools/kivservice/VncSession.h"
 
 #include "menu/MenuEntries.h"
 

@@ -1,6 +1,6 @@
-#include "DisplayMembership.h"
+#include "platform/linux/item/DisplayMembership.h"
 
-#include "platform/linux/XConnection.h"
+#include "platform/linux/include/XConnection.h"
 
 #include <QFile>
 #include <QList>

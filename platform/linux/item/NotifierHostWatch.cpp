@@ -1,4 +1,4 @@
-#include "NotifierHostWatch.h"
+#include "platform/linux/item/NotifierHostWatch.h"
 
 #include "platform/linux/item/DisplayMembership.h"
 #include "platform/linux/item/NotifierWatcher.h"

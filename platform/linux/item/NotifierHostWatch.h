@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 
 #include <QObject>
 #include <QString>

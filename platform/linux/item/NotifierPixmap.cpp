@@ -1,4 +1,4 @@
-#include "NotifierPixmap.h"
+#include "platform/linux/item/NotifierPixmap.h"
 
 #include <QtEndian>
 

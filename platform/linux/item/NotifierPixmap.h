@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/IconDrawing.h"
+#include "platform/images/IconDrawing.h"
 
 #include <QByteArray>
 #include <QDBusArgument>

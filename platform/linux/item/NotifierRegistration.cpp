@@ -1,6 +1,6 @@
-#include "NotifierRegistration.h"
+#include "platform/linux/item/NotifierRegistration.h"
 
-#include "platform/linux/SessionBus.h"
+#include "platform/linux/include/SessionBus.h"
 #include "platform/linux/item/NotifierWatcher.h"
 
 #include <QDBusMessage>

@@ -1,7 +1,7 @@
-#include "StatusNotifierItem.h"
+#include "platform/linux/item/StatusNotifierItem.h"
 
 #include "StatusNotifierItemAdaptor.h"
-#include "platform/linux/RootProperties.h"
+#include "platform/linux/workarounds/RootProperties.h"
 
 #include <QDBusMetaType>
 

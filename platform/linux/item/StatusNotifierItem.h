@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/StatusItemLook.h"
+#include "platform/linux/item/StatusItemLook.h"
 #include "platform/linux/item/NotifierPixmap.h"
 
 #include <QDBusObjectPath>

@@ -1,6 +1,0 @@
-#include "DistantFuture.h"
-
-QDateTime distantFuture()
-{
-    return QDateTime(QDate(1'000'000, 1, 1), QTime(0, 0), Qt::UTC);
-}

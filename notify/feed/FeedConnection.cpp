@@ -1,0 +1,92 @@
+#include "notify/feed/FeedConnection.h"
+
+#include <csignal>
+#include <utility>
+
+namespace
+{
+
+/// How long the event loop may stand still for a process that was killed.
+constexpr int mostMilliseconds = 1000;
+
+/// At the end of a session, or by Ctrl-C, it may get the signal before its agent does.
+bool wasAskedToEnd(int signal)
+{
+    return signal == SIGTERM || signal == SIGINT;
+}
+
+} // namespace
+
+FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeOut, QObject *parent)
+    : QObject(parent)
+    , m_program(std::move(program))
+    , m_address(std::move(address))
+    , m_timeOut(timeOut)
+{
+    m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &FeedConnection::read);
+    connect(m_process.get(), &QProcess::finished, this, [this](int exitCode, QProcess::ExitStatus status) {
+        if (status == QProcess::CrashExit && !wasAskedToEnd(exitCode)) { // Then it is the signal's number.
+            qWarning("kivfetch has crashed");
+        }
+        finish(status == QProcess::NormalExit && exitCode == 0 ? End::Complete : End::Failed);
+    });
+    connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) {
+            qWarning("cannot run kivfetch: %s", qPrintable(m_process->errorString()));
+            finish(End::Failed);
+        }
+    });
+}
+
+FeedConnection::~FeedConnection()
+{
+    cancel();
+    m_process->waitForFinished(mostMilliseconds); // It was killed if it was running.
+    if (m_process->state() != QProcess::NotRunning) {
+        // It hangs in a call of the kernel, and its object would wait for it another half a minute.
+        QProcess *const process = m_process.release();
+        connect(process, &QProcess::finished, process, &QObject::deleteLater);
+    }
+}
+
+void FeedConnection::start()
+{
+    m_process->start(m_program, {QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeOut.count())});
+}
+
+void FeedConnection::cancel()
+{
+    m_isFinished = true;
+    m_process->disconnect(this);
+    m_process->kill();
+}
+
+void FeedConnection::read()
+{
+    if (!m_hasResponse && m_process->canReadLine()) {
+        readResponse();
+    }
+    if (m_hasResponse && !m_isFinished && m_process->bytesAvailable() > 0) {
+        Q_EMIT receivedData(m_process->readAllStandardOutput());
+    }
+}
+
+void FeedConnection::readResponse()
+{
+    m_hasResponse = true;
+    const QByteArray line = m_process->readLine().chopped(1);
+    const qsizetype blank = line.indexOf(' ');
+    if (blank < 0) {
+        cancel();
+        finish(End::Failed); // Whatever that is, it is not kivfetch.
+        return;
+    }
+    Q_EMIT receivedResponse(line.first(blank).toInt(), line.mid(blank + 1));
+}
+
+void FeedConnection::finish(End end)
+{
+    m_isFinished = true;
+    Q_EMIT ended(end);
+}

@@ -1,0 +1,158 @@
+#include "notify/feed/FeedParser.h"
+
+#include "notify/feed/ContentData.h"
+#include "notify/feed/FeedDate.h"
+#include "notify/feed/FeedDocument.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/FeedVocabulary.h"
+#include "notify/record/KivNotification.h"
+#include "platform/data/StringValues.h"
+
+#include <QXmlStreamReader>
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <utility>
+
+namespace
+{
+
+constexpr int mostAttributes = 64;
+constexpr int mostLevels = 100;
+constexpr int mostMessages = 10'000;
+
+/// A field whose code is the place of the feed's word among these; another word leaves the field alone.
+struct CodeField {
+    QLatin1String element;
+    std::span<const QLatin1String> words;
+    void (KivNotification::*set)(std::int32_t);
+};
+
+constexpr std::array typeWords{kMsgPropertyUpdate, kMsgPropertyNotice, kMsgPropertyNews, kMsgPropertyWarning};
+constexpr std::array levelWords{kMsgPropertyUser, kMsgPropertyAdmin, kMsgPropertyAny};
+constexpr std::array priorityWords{kMsgPropertyLow, kMsgPropertyMedium, kMsgPropertyHigh};
+constexpr std::array productWords{kMsgPropertyKivune, kMsgPropertyKivuneTS, kMsgPropertyAny};
+constexpr std::array licenseWords{kMsgPropertyTrial, kMsgPropertyPaid, kMsgPropertyAny};
+
+constexpr std::array codeFields{
+    CodeField{kMessageTypeKey, typeWords, &KivNotification::setMessageType},
+    CodeField{kMessageLevelKey, levelWords, &KivNotification::setMessageLevel},
+    CodeField{kMessagePriorityKey, priorityWords, &KivNotification::setMessagePriority},
+    CodeField{kProductCodeKey, productWords, &KivNotification::setProductCode},
+    CodeField{kLicenseTypeKey, licenseWords, &KivNotification::setLicenseType},
+};
+
+} // namespace
+
+FeedParser::FeedParser(Handover handover)
+    : m_handover(std::move(handover))
+{
+}
+
+FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
+{
+    QXmlStreamReader reader;
+    reader.setNamespaceProcessing(false);
+    const FeedDocument document = feedDocument(bytes, mostAttributes);
+    reader.addData(document.text);
+    int levels = 0;
+    int messages = 0;
+    for (;;) {
+        switch (reader.readNext()) {
+        case QXmlStreamReader::StartElement:
+            messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
+            if (++levels > mostLevels || messages > mostMessages) {
+                return Outcome::Malformed;
+            }
+            didStartElement(reader.qualifiedName());
+            break;
+        case QXmlStreamReader::Characters:
+            foundCharacters(reader.text());
+            break;
+        case QXmlStreamReader::EndElement:
+            --levels;
+            didEndElement(reader.qualifiedName());
+            break;
+        case QXmlStreamReader::EndDocument:
+            return document.isWhole ? Outcome::EndOfDocument : Outcome::Malformed;
+        case QXmlStreamReader::DTD:
+        case QXmlStreamReader::EntityReference:
+        case QXmlStreamReader::Invalid:
+            return Outcome::Malformed;
+        default:
+            break;
+        }
+    }
+}
+
+void FeedParser::didStartElement(QStringView name)
+{
+    if (name == kSupportMessageKey) {
+        m_notification = std::make_shared<KivNotification>();
+    } else {
+        m_readingChars = true;
+        m_currentChars = QStringLiteral("");
+    }
+}
+
+void FeedParser::foundCharacters(QStringView characters)
+{
+    if (m_readingChars) {
+        m_currentChars += characters;
+    }
+}
+
+void FeedParser::didEndElement(QStringView name)
+{
+    if (!m_notification) {
+        // Outside a message no element means anything.
+    } else if (name == kSupportMessageKey) {
+        m_handover(m_notification);
+        m_notification = nullptr;
+    } else {
+        setField(name);
+    }
+    m_readingChars = false;
+}
+
+void FeedParser::setField(QStringView element)
+{
+    // Everything but the content is lowercased, ids and plain texts included: the feed's authors write words, versions
+    // and ids in either case.
+    if (element != kContentDataKey) {
+        m_currentChars = m_currentChars.toLower();
+    }
+    const QString &text = m_currentChars;
+    KivNotification &record = *m_notification;
+    const auto code = std::find_if(codeFields.begin(), codeFields.end(),
+                                   [element](const CodeField &field) { return field.element == element; });
+    if (code != codeFields.end()) {
+        const auto word = std::find(code->words.begin(), code->words.end(), text);
+        if (word != code->words.end()) {
+            (record.*code->set)(static_cast<std::int32_t>(word - code->words.begin()));
+        }
+    } else if (element == kMessageRepeatKey) {
+        record.setMessageRepeat(static_cast<std::uint32_t>(StringValues::intValue(text)));
+    } else if (element == kBuildDateKey) {
+        record.setBuildDate(QString(text).remove(u'-'));
+    } else if (element == kMinDateKey) {
+        if (text != kMsgPropertyAny) {
+            record.setMinDate(dateFromString(text));
+        }
+    } else if (element == kMaxDateKey) {
+        record.setMaxDate(text == kMsgPropertyAny ? distantFuture() : dateFromString(text));
+    } else if (element == kContentWidthKey) {
+        if (text != kMsgPropertyAuto) {
+            record.setContentWidth(StringValues::floatValue(text));
+        }
+    } else if (element == kContentHeightKey) {
+        if (text != kMsgPropertyAuto) {
+            record.setContentHeight(StringValues::floatValue(text));
+        }
+    } else if (element == kContentDataKey) {
+        record.setMessageText(messageTextFromContent(text));
+    } else {
+        record.setValueForKey(element.toString(), text);
+    }
+}

@@ -1,0 +1,145 @@
+#include "notify/feed/KivNotificationReceiver.h"
+
+#include "notify/feed/FeedConnection.h"
+#include "notify/feed/FeedRequest.h"
+#include "notify/queue/KivNotificationManager.h"
+#include "notify/record/NotificationSink.h"
+#include "notify/rules/KivNotificationProperties.h"
+#include "platform/Bundle.h"
+
+#include <QTimer>
+
+namespace
+{
+
+/// The most bytes that are kept, of one answer or of several after malformed ones. Far more than messages for one
+/// pop-up at a time ever need.
+constexpr qsizetype mostBytes = qsizetype{16} * 1024 * 1024;
+
+FeedRequest requestOf(const KivNotificationProperties &properties, const Bundle &bundle)
+{
+    return {.baseAddress = bundle.infoString(QStringLiteral("KIVSupportMessages")),
+            .productCode = properties.productCode(),
+            .productVersion = properties.productVersion(),
+            .buildDate = properties.buildDate(),
+            .systemCode = properties.systemCode(),
+            .systemVersion = properties.systemVersion(),
+            .messageLevel = properties.messageLevel(),
+            .licenseType = properties.licenseType(),
+            .lastMesID = properties.lastMesID()};
+}
+
+} // namespace
+
+KivNotificationReceiver::KivNotificationReceiver(const KivNotificationProperties &properties, const Bundle &bundle,
+                                                 NotificationSink &sink, FeedTiming timing)
+    : m_properties(properties)
+    , m_bundle(bundle)
+    , m_sink(sink)
+    , m_timing(timing)
+    , m_parser([&sink](const std::shared_ptr<KivNotification> &record) { sink.enqueueNotification(record); })
+{
+}
+
+KivNotificationReceiver::~KivNotificationReceiver() = default;
+
+KivNotificationReceiver &KivNotificationReceiver::sharedInstance()
+{
+    static KivNotificationReceiver &instance = *new KivNotificationReceiver(
+        KivNotificationProperties::sharedInstance(), Bundle::main(), KivNotificationManager::sharedInstance());
+    return instance;
+}
+
+void KivNotificationReceiver::recieveNotifications()
+{
+    // Not from within start-up, which has more urgent things to do than to start another process.
+    QTimer::singleShot(0, this, &KivNotificationReceiver::receiveNextNotification);
+    m_timer = std::make_unique<QTimer>();
+    m_timer->setTimerType(Qt::PreciseTimer);
+    m_timer->callOnTimeout(this, &KivNotificationReceiver::receiveNextNotification);
+    m_timer->start(m_timing.interval);
+}
+
+void KivNotificationReceiver::receiveNextNotification()
+{
+    const QUrl address = feedAddress(requestOf(m_properties, m_bundle));
+    if (!address.isValid()) {
+        return;
+    }
+    letGoOfCancelled();
+    auto *const connection = new FeedConnection(m_bundle.pathForAuxiliaryExecutable(QStringLiteral("kivfetch")),
+                                                address, m_timing.timeOut, this);
+    connect(connection, &FeedConnection::receivedResponse, this,
+            [this, connection](int status, const QByteArray &contentType) {
+                connectionDidReceiveResponse(connection, status, contentType);
+            });
+    connect(connection, &FeedConnection::receivedData, this,
+            [this, connection](const QByteArray &bytes) { connectionDidReceiveData(connection, bytes); });
+    // Queued, so that what the parse throws leaves the event loop and nothing of the connection's own.
+    connect(
+        connection, &FeedConnection::ended, this,
+        [this, connection](FeedConnection::End end) { connectionDidEnd(connection, end); }, Qt::QueuedConnection);
+    m_connection = connection;
+    connection->start();
+}
+
+void KivNotificationReceiver::parseNotificationData()
+{
+    const NotificationSink::Delivery delivery(m_sink);
+    if (m_parser.parse(m_data) == FeedParser::Outcome::EndOfDocument) {
+        m_data.clear();
+    }
+}
+
+const std::shared_ptr<KivNotification> &KivNotificationReceiver::notification() const noexcept
+{
+    return m_parser.notification();
+}
+
+void KivNotificationReceiver::connectionDidReceiveResponse(FeedConnection *connection, int status,
+                                                           const QByteArray &contentType)
+{
+    // A character set after the type is refused, too: the feed has never sent one.
+    if (status != 200 || !contentType.endsWith("/xml")) {
+        cancel(connection);
+    }
+}
+
+void KivNotificationReceiver::connectionDidReceiveData(FeedConnection *connection, const QByteArray &bytes)
+{
+    m_data += bytes;
+    if (m_data.size() > mostBytes) {
+        cancel(connection);
+        m_data.clear(); // Whatever came next, it could not become a document any more.
+    }
+}
+
+void KivNotificationReceiver::connectionDidEnd(FeedConnection *connection, FeedConnection::End end)
+{
+    letGoOfCancelled();
+    connection->deleteLater();
+    m_connection = nullptr; // Whichever it was.
+    if (end == FeedConnection::End::Complete) {
+        parseNotificationData();
+    }
+}
+
+void KivNotificationReceiver::letGoOfCancelled()
+{
+    if (m_isCancelled) {
+        m_connection->deleteLater();
+        m_connection = nullptr;
+        m_isCancelled = false;
+    }
+}
+
+void KivNotificationReceiver::cancel(FeedConnection *connection)
+{
+    connection->disconnect(this);
+    connection->cancel();
+    if (connection == m_connection) {
+        m_isCancelled = true;
+    } else {
+        connection->deleteLater();
+    }
+}

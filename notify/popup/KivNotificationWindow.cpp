@@ -1,0 +1,419 @@
+#include "notify/popup/KivNotificationWindow.h"
+
+#include "notify/popup/KivNotificationView.h"
+#include "notify/popup/KivTextView.h"
+#include "notify/popup/PopUpLayout.h"
+#include "platform/Bundle.h"
+#include "platform/Compositor.h"
+#include "platform/MainScreen.h"
+#include "platform/Workspace.h"
+#include "platform/images/IcnsReader.h"
+#include "platform/text/SystemFont.h"
+
+#include <QAccessible>
+#include <QCloseEvent>
+#include <QFile>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QUrl>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <tuple>
+#include <utility>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr auto fadeDuration = 500ms;
+constexpr int fadeFrames = 15; ///< 30 a second.
+constexpr std::int32_t defaultTimeout = 15;
+constexpr std::int32_t longestTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
+constexpr auto linkCloseDelay = 1s;
+
+constexpr NSSize smallestScreen = {640, 480};
+
+QString iconName(std::int32_t messageType)
+{
+    switch (messageType) {
+    case kTypeUpdate:
+        return QStringLiteral("update");
+    case kTypeNotice:
+        return QStringLiteral("information");
+    case kTypeWarning:
+        return QStringLiteral("warning");
+    default:
+        return QStringLiteral("kivmenua");
+    }
+}
+
+/// Null when there is none.
+QImage readIcon(std::int32_t messageType, int side, qreal devicePixelRatio)
+{
+    QFile file(Bundle::main().pathForResource(iconName(messageType), QStringLiteral("icns")));
+    if (file.fileName().isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    const int pixels = static_cast<int>(std::ceil(side * devicePixelRatio));
+    const QImage image = readIcns(file.readAll(), pixels);
+    if (image.isNull()) {
+        return {};
+    }
+    QImage scaled = image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    scaled.setDevicePixelRatio(devicePixelRatio);
+    return scaled;
+}
+
+/// The same; the last one is kept. To decode and scale it takes as long as half of all else that a pop-up needs until
+/// it is shown, and most pop-ups are of one type. Not in Qt's cache, whose clean-up would wake the process up.
+QPixmap icon(std::int32_t messageType, int side, qreal devicePixelRatio)
+{
+    static std::tuple<std::int32_t, int, qreal> kind;
+    static QImage kept; // A pixmap must not outlive the application object.
+    if (const std::tuple asked(messageType, side, devicePixelRatio); kept.isNull() || asked != kind) {
+        kind = asked;
+        kept = readIcon(messageType, side, devicePixelRatio);
+    }
+    return QPixmap::fromImage(kept);
+}
+
+/// A frame within the window in Qt's coordinates, which count from the top.
+QRect inWindow(const NSRect &frame, const NSSize &window)
+{
+    const auto rounded = [](float length) { return static_cast<int>(std::lround(length)); };
+    const int left = rounded(frame.origin.x);
+    const int top = rounded(window.height - frame.origin.y - frame.size.height);
+    const int right = rounded(frame.origin.x + frame.size.width);
+    const int bottom = rounded(window.height - frame.origin.y);
+    return QRect(left, top, right - left, bottom - top);
+}
+
+QSize sizeInWindows(const NSSize &size)
+{
+    return {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))};
+}
+
+QPushButton *newButton(const QString &text, const QRect &frame, QWidget *parent)
+{
+    auto *button = new QPushButton(parent);
+    button->setFont(systemFont(QFont::Normal));
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setAutoDefault(false);
+    button->setGeometry(frame);
+    constexpr int padding = 12;
+    button->setText(button->fontMetrics().elidedText(text, Qt::ElideRight, frame.width() - padding));
+    button->setAccessibleName(text);
+    return button;
+}
+
+void addIcon(std::int32_t messageType, const QRect &frame, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setGeometry(frame);
+    label->setPixmap(icon(messageType, frame.height(), parent->devicePixelRatio()));
+    label->setAccessibleName(QStringLiteral("Message type"));
+}
+
+void addTitle(const QString &text, const QRect &frame, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setFont(systemFont(QFont::Bold));
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setGeometry(frame);
+    label->setText(label->fontMetrics().elidedText(text, Qt::ElideRight, frame.width()));
+    label->setAccessibleName(text);
+}
+
+} // namespace
+
+KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> record)
+    : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint | Qt::X11BypassWindowManagerHint |
+                           Qt::WindowDoesNotAcceptFocus)
+    , m_notification(std::move(record))
+{
+    Compositor::Question compositor;
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_MacAlwaysShowToolWindow);
+    setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
+
+    const QString title = m_notification->messageTypeString();
+    setWindowTitle(title.isEmpty() ? QStringLiteral("Kivune") : title);
+    setAccessibleName(windowTitle());
+
+    const std::optional<NSRect> mainScreen = MainScreen::frame();
+    const NSSize screen = mainScreen ? mainScreen->size : smallestScreen;
+    PopUpContents contents{
+        .contentSize = boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen),
+        .hasTitle = !title.isEmpty(),
+        .isInstant = m_notification->messagePriority() == kPriorityInstant,
+        .textHeight = std::nullopt,
+    };
+
+    auto *view = new KivNotificationView(this);
+    auto *text = new KivTextView(view);
+    text->setMessage(m_notification->messageText(), static_cast<int>(std::lround(contents.contentSize.width)));
+    text->setAccessibleName(QStringLiteral("Message"));
+    const float visibleHeight = largestTextHeight(contents, screen);
+    if (text->textHeight() > visibleHeight) {
+        text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    }
+    contents.textHeight = std::min(text->textHeight(), visibleHeight);
+    const PopUpLayout layout = popUpLayout(contents);
+    const NSSize size = layout.window.size;
+
+    m_frame = layout.window;
+    resize(sizeInWindows(size));
+    view->setGeometry(rect());
+    addIcon(m_notification->messageType(), inWindow(layout.icon, size), view);
+    if (contents.hasTitle) {
+        addTitle(title, inWindow(layout.title, size), view);
+    }
+    text->setGeometry(inWindow(layout.text, size));
+    connect(text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
+
+    const auto addButton = [&](const QString &label, const NSRect &frame, void (KivNotificationWindow::*action)()) {
+        const QPushButton *button = newButton(label, inWindow(frame, size), view);
+        connect(button, &QPushButton::clicked, this, action);
+    };
+    if (contents.isInstant) {
+        addButton(QStringLiteral("Close"), layout.closeButton, &KivNotificationWindow::onCloseButton);
+    } else {
+        addButton(QStringLiteral("Remind Me Later"), layout.remindMeLater,
+                  &KivNotificationWindow::remindMeLaterPressed);
+        addButton(QStringLiteral("Do Not Remind Me Later"), layout.dontRemindMe,
+                  &KivNotificationWindow::onDontRemindMeButton);
+    }
+    // Without a compositor what is to be translucent would be black.
+    setAttribute(Qt::WA_TranslucentBackground, compositor.isRunning());
+    setMask(view->mask());
+    watchScreens();
+}
+
+KivNotificationWindow::~KivNotificationWindow()
+{
+    dealloc_animation();
+    dealloc_timer();
+}
+
+void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTimeout)
+{
+    setFrame({origin, m_frame.size});
+    setWindowOpacity(0);
+    if (testAttribute(Qt::WA_TranslucentBackground)) {
+        Compositor::announceShadow(*this, KivNotificationView::inset);
+    }
+    show();
+    m_shown = true;
+    fadeIn();
+    if (QAccessible::isActive()) {
+        QAccessibleEvent alert(this, QAccessible::Alert);
+        QAccessible::updateAccessibility(&alert);
+    }
+
+    if (theTimeout >= 0) {
+        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, longestTimeout));
+        m_timer = new QTimer(this);
+        m_timer->setSingleShot(true);
+        m_timer->setTimerType(Qt::PreciseTimer); // It may be late, never early.
+        connect(m_timer, &QTimer::timeout, this, &KivNotificationWindow::onCloseButton);
+        m_timer->start(timeout);
+    }
+}
+
+NSRect KivNotificationWindow::frame() const
+{
+    return !m_shown || isWhereItWasPut() ? m_frame : MainScreen::fromQt(geometry());
+}
+
+void KivNotificationWindow::setFrame(const NSRect &frame)
+{
+    m_frame = frame;
+    setGeometry({MainScreen::toQt({frame.origin.x, frame.origin.y + frame.size.height}), sizeInWindows(frame.size)});
+}
+
+std::optional<NSRect> KivNotificationWindow::screenFrame() const
+{
+    const QScreen *best = nullptr;
+    int most = 0;
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        const QRect common = screen->geometry().intersected(geometry());
+        if (const int area = common.width() * common.height(); !common.isEmpty() && area > most) {
+            best = screen;
+            most = area;
+        }
+    }
+    if (!best) {
+        return std::nullopt;
+    }
+    // The main screen's is asked of the window system: Qt may not know yet of a new size.
+    return best == QGuiApplication::primaryScreen() ? MainScreen::frame() : MainScreen::fromQt(best->geometry());
+}
+
+void KivNotificationWindow::fadeIn()
+{
+    startFade(Fade::In);
+}
+
+void KivNotificationWindow::fadeOut()
+{
+    startFade(Fade::Out);
+}
+
+void KivNotificationWindow::startFade(Fade direction)
+{
+    dealloc_animation();
+    m_fadingOut = direction == Fade::Out;
+    m_animation = new QVariantAnimation(this);
+    m_animation->setDuration(static_cast<int>(std::chrono::milliseconds(fadeDuration).count()));
+    // Whole frames, so that the opacity changes no more often than they are to come.
+    m_animation->setStartValue(m_fadingOut ? fadeFrames : 0);
+    m_animation->setEndValue(m_fadingOut ? 0 : fadeFrames);
+    connect(m_animation, &QVariantAnimation::valueChanged, this,
+            [this](const QVariant &frame) { setWindowOpacity(frame.toDouble() / fadeFrames); });
+    connect(m_animation, &QVariantAnimation::finished, this,
+            [this, animation = m_animation] { animationDidEnd(animation); });
+    m_animation->start();
+}
+
+void KivNotificationWindow::animationDidEnd(const QVariantAnimation *animation)
+{
+    if (animation != m_animation) {
+        return;
+    }
+    if (m_fadingOut) {
+        close();
+    } else {
+        dealloc_animation();
+    }
+}
+
+void KivNotificationWindow::close()
+{
+    if (m_closed) {
+        return;
+    }
+    m_closed = true;
+    dealloc_animation();
+    dealloc_timer();
+    if (m_delegate) {
+        m_delegate->windowWillClose(*this);
+    }
+    hide();
+    deleteLater();
+}
+
+void KivNotificationWindow::dealloc_animation()
+{
+    // Cleared first: what stopping brings about finds no animation any more.
+    if (QVariantAnimation *animation = std::exchange(m_animation, nullptr)) {
+        animation->stop();
+        animation->deleteLater(); // It may be its own signal that brought us here.
+    }
+}
+
+void KivNotificationWindow::dealloc_timer()
+{
+    if (QTimer *timer = std::exchange(m_timer, nullptr)) {
+        timer->stop();
+        timer->deleteLater();
+    }
+}
+
+void KivNotificationWindow::onCloseButton()
+{
+    m_notification->setMessageRepeat(m_notification->messageRepeat() - 1);
+    close();
+}
+
+void KivNotificationWindow::remindMeLaterPressed()
+{
+    close();
+}
+
+void KivNotificationWindow::onDontRemindMeButton()
+{
+    m_notification->setMessageRepeat(0);
+    close();
+}
+
+QList<LinkMatch> KivNotificationWindow::scanStringForLinks(const QString &text)
+{
+    return findLinks(text);
+}
+
+void KivNotificationWindow::clickedOnLink(const QUrl &link)
+{
+    m_notification->setMessageRepeat(0);
+    QTimer::singleShot(linkCloseDelay, Qt::PreciseTimer, this, &KivNotificationWindow::close);
+    // Others could name programs or files of the user's.
+    static const QStringList opened = {QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("ftp"),
+                                       QStringLiteral("mailto")};
+    if (opened.contains(link.scheme())) {
+        Workspace::openUrl(link.toString(QUrl::FullyEncoded));
+    }
+}
+
+void KivNotificationWindow::closeEvent(QCloseEvent *event)
+{
+    event->accept();
+    close();
+}
+
+void KivNotificationWindow::moveEvent(QMoveEvent *event)
+{
+    QWidget::moveEvent(event);
+    tellOfMove();
+}
+
+void KivNotificationWindow::watchScreens()
+{
+    const auto screensChanged = [this] {
+        m_screensChanged = true;
+        tellOfMove();
+    };
+    for (QScreen *screen : QGuiApplication::screens()) {
+        watchScreen(screen);
+    }
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, [this, screensChanged](QScreen *screen) {
+        watchScreen(screen);
+        screensChanged();
+    });
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, screensChanged);
+    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, screensChanged);
+}
+
+void KivNotificationWindow::watchScreen(QScreen *screen)
+{
+    // Nobody moves a window when a screen changes its size.
+    connect(screen, &QScreen::geometryChanged, this, [this] {
+        m_screensChanged = true;
+        tellOfMove();
+    });
+}
+
+void KivNotificationWindow::tellOfMove()
+{
+    if (!m_shown || m_closed || m_moveToTell) {
+        return;
+    }
+    // Later: the delegate may close this window, which Qt is at work on now, and several changes are told as one.
+    m_moveToTell = true;
+    QTimer::singleShot(0, this, [this] {
+        m_moveToTell = false;
+        const bool tell = std::exchange(m_screensChanged, false) || !isWhereItWasPut();
+        if (tell && m_delegate && !m_closed) {
+            m_delegate->windowDidMove(*this);
+        }
+    });
+}
+
+bool KivNotificationWindow::isWhereItWasPut() const
+{
+    return geometry().topLeft() == MainScreen::toQt({m_frame.origin.x, m_frame.origin.y + m_frame.size.height});
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QTextBrowser>
+
+/// The text of a pop-up, without frame or background. Nothing in it can be selected, and nothing that it refers to is
+/// ever loaded: the text comes from elsewhere and may name any file of the user's or address of the network.
+/// A click on a link is told by anchorClicked() and does nothing else.
+class KivTextView final : public QTextBrowser
+{
+    Q_OBJECT
+
+public:
+    explicit KivTextView(QWidget *parent);
+
+    /// Shows the text at `width` points: as HTML when it begins with "<", else plain with links to the addresses in it.
+    /// HTML beyond the limits of notify/text/MarkupLimits.h is shown plain; of a plain text no more than 8,000
+    /// characters are shown, or the fewer of firstScriptRuns(), and no more than 200 links are made.
+    void setMessage(const QString &text, int width);
+
+    /// The height of all the text at that width, in points.
+    [[nodiscard]] float textHeight() const;
+
+    /// An empty image, whatever is asked for.
+    [[nodiscard]] QVariant loadResource(int type, const QUrl &name) override;
+
+protected:
+    void contextMenuEvent(QContextMenuEvent *event) override;
+
+private:
+    void setSelectedRange();
+    void setPlainMessage(const QString &text);
+    void setHtmlMessage(const QString &text);
+    [[nodiscard]] QColor linkColour() const;
+};

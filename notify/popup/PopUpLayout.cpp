@@ -1,0 +1,63 @@
+#include "notify/popup/PopUpLayout.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+constexpr float margin = 11;
+constexpr float iconSize = 50;
+constexpr float titleHeight = 20;
+constexpr float buttonHeight = 30;
+constexpr float closeButtonWidth = 70;
+constexpr float textLeft = margin + iconSize + margin;
+
+constexpr float defaultWidth = 320;
+constexpr float largestHeight = 20000; ///< As high as a text is ever measured.
+constexpr float sideDistance = 10;
+constexpr float topDistance = 30;
+constexpr float bottomDistance = 10;
+
+/// The height of all but the text itself, when that has the height that it asks for.
+float heightAroundText(const PopUpContents &contents)
+{
+    const float asked = contents.contentSize.height;
+    const float block = std::max(iconSize, asked + (contents.hasTitle ? titleHeight : 0));
+    return block - asked + buttonHeight + margin * static_cast<float>(contents.hasTitle ? 4 : 3);
+}
+
+} // namespace
+
+PopUpLayout popUpLayout(const PopUpContents &contents)
+{
+    const NSSize asked = contents.contentSize;
+    const float textHeight = contents.textHeight ? std::max(titleHeight, *contents.textHeight) : asked.height;
+    const float width = asked.width + iconSize + 3 * margin;
+    const float height = heightAroundText(contents) + textHeight;
+    const float aboveText = margin + (contents.hasTitle ? titleHeight + margin : 0);
+    const float half = (asked.width + iconSize) / 2;
+    return {
+        .window = {{0, 0}, {width, height}},
+        .icon = {{margin, height - iconSize - margin}, {iconSize, iconSize}},
+        .title = {{textLeft, height - titleHeight - margin}, {asked.width, titleHeight}},
+        .text = {{textLeft, height - textHeight - aboveText}, {asked.width, textHeight}},
+        .remindMeLater = {{margin, margin}, {half, buttonHeight}},
+        .dontRemindMe = {{2 * margin + half, margin}, {half, buttonHeight}},
+        .closeButton = {{(width - closeButtonWidth) / 2, margin}, {closeButtonWidth, buttonHeight}},
+    };
+}
+
+NSSize boundedContentSize(NSSize asked, NSSize screen)
+{
+    const float largestWidth = std::max(defaultWidth, screen.width - 2 * sideDistance - iconSize - 3 * margin);
+    // Written so that what is not a number fails each test.
+    const float width = asked.width > 0 ? std::min(asked.width, largestWidth) : defaultWidth;
+    const float height = asked.height > 0 ? std::min(asked.height, largestHeight) : 0;
+    return {width, height};
+}
+
+float largestTextHeight(const PopUpContents &contents, NSSize screen)
+{
+    return std::max(iconSize, screen.height - topDistance - bottomDistance - heightAroundText(contents));
+}

@@ -1,0 +1,286 @@
+#include "notify/queue/KivNotificationManager.h"
+
+#include "notify/popup/KivNotificationWindow.h"
+#include "notify/popup/PopUpPlacement.h"
+#include "notify/popup/ScreenChange.h"
+#include "notify/record/KivNotification.h"
+#include "notify/record/UndefinedKeyException.h"
+#include "notify/rules/CheckInterval.h"
+#include "notify/rules/CloseTimeout.h"
+#include "notify/rules/KivNotificationProperties.h"
+#include "platform/MainScreen.h"
+#include "platform/data/StringValues.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace
+{
+
+/// The main screen's size when a pop-up was last placed.
+NSSize prevScreenSize;
+
+/// The name is spelt so by the settings program.
+const QString settingsChanged = QStringLiteral("KivMunuUpdateSettingsNotification");
+
+QDateTime never()
+{
+    return QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
+}
+
+NSRect mainScreen()
+{
+    return MainScreen::frame().value_or(NSRect());
+}
+
+} // namespace
+
+KivNotificationManager::KivNotificationManager(KivNotificationProperties &properties, const QString &homeFolder,
+                                               std::function<QDateTime()> clock)
+    : m_properties(properties)
+    , m_clock(std::move(clock))
+    , m_cache(homeFolder)
+    , m_settingsObserver(
+          DistributedNotifications::addObserver(settingsChanged, [this] { updateNotificationPreferences(); }))
+{
+    importNotificationsFromFile();
+    startCheckTimer();
+}
+
+KivNotificationManager::~KivNotificationManager()
+{
+    if (m_notificationWindow) {
+        m_notificationWindow->setDelegate(nullptr);
+    }
+}
+
+KivNotificationManager &KivNotificationManager::sharedInstance()
+{
+    // Pop-ups and timers may refer to it until the very end of the process.
+    static KivNotificationManager &instance = *new KivNotificationManager(
+        KivNotificationProperties::sharedInstance(), QDir::homePath(), [] { return QDateTime::currentDateTimeUtc(); });
+    return instance;
+}
+
+void KivNotificationManager::updateNotificationPreferences()
+{
+    const QString received = m_properties.lastMesID();
+    if (m_properties.loadPrefList()) {
+        if (m_isLastMesIDDue) {
+            m_properties.setLastMesID(received); // The file does not have it yet.
+        }
+        startCheckTimer();
+    }
+}
+
+void KivNotificationManager::startCheckTimer()
+{
+    m_showNextTimer = std::make_unique<QTimer>();
+    // A tick may be late by 1 % of the interval, and never early. The coarser types may be early, and leave that
+    // tolerance behind; this one is within a millisecond, and costs no wake-up more.
+    m_showNextTimer->setTimerType(Qt::PreciseTimer);
+    m_showNextTimer->callOnTimeout(this, &KivNotificationManager::showNextNotification);
+    m_showNextTimer->start(checkInterval(m_properties.notificationShow()));
+}
+
+void KivNotificationManager::forceNotification()
+{
+    if (m_showNextTimer) {
+        showNextNotification();
+    }
+}
+
+void KivNotificationManager::showNextNotification()
+{
+    const ReadWriteLock::Hold hold = m_rwLock.lockForWriting();
+    if (!hold || m_notificationWindow) {
+        return;
+    }
+    if (const std::shared_ptr<KivNotification> record = retrieveNextNotification()) {
+        displayNotification(record);
+    }
+}
+
+std::shared_ptr<KivNotification> KivNotificationManager::retrieveNextNotification() const
+{
+    const auto &records = m_notifications.records();
+    const auto next = std::ranges::find_if(
+        records, [this](const auto &record) { return m_properties.shouldShowNotification(*record); });
+    return next == records.end() ? nullptr : *next;
+}
+
+void KivNotificationManager::displayNotification(const std::shared_ptr<KivNotification> &record)
+{
+    if (m_notificationWindow) {
+        return;
+    }
+    const MainScreen::Held screen;                            // It is built for it, placed in it and shown on it.
+    m_notificationWindow = new KivNotificationWindow(record); // It destroys itself after it has closed.
+    m_notificationWindow->setDelegate(this);
+    const std::int32_t timeout = closeTimeout(record->messageType(), m_properties.notificationClose());
+    m_notificationWindow->showAtScreenPoint(getWindowPoint(), timeout);
+    record->setLastShowDate(m_clock());
+    record->setWasDisplayed(true);
+}
+
+NSPoint KivNotificationManager::getWindowPoint()
+{
+    prevScreenSize = mainScreen().size;
+    return popUpOrigin(prevScreenSize, m_notificationWindow ? m_notificationWindow->frame().size : NSSize());
+}
+
+void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotification> &record)
+{
+    const Delivery delivery(*this);
+    // Before the relevance: a message that is not for this installation need not be sent again either.
+    if (StringValues::longLongValue(m_properties.lastMesID()) < StringValues::longLongValue(record->messageId())) {
+        m_properties.setLastMesID(record->messageId());
+        m_isLastMesIDDue = true;
+    }
+    if (!m_properties.notificationIsRelevant(*record)) {
+        return;
+    }
+    const std::lock_guard hold(m_notificationsLock);
+    record->setWasDisplayed(false);
+    queueAdd(record);
+    if (m_notifications.records().size() == 1 && !m_notificationWindow) {
+        forceNotification();
+    } else {
+        exportNotificationsToFile();
+    }
+}
+
+void KivNotificationManager::queueAdd(const std::shared_ptr<KivNotification> &record)
+{
+    m_notifications.add(record);
+}
+
+void KivNotificationManager::showNotificationInstantly(const std::shared_ptr<KivNotification> &record)
+{
+    record->setMessagePriority(kPriorityInstant);
+    const std::lock_guard hold(m_notificationsLock);
+    queueAdd(record);
+    if (!m_notificationWindow) {
+        forceNotification();
+    }
+}
+
+void KivNotificationManager::importNotificationsFromFile()
+{
+    // The file stays whole until all of it has been read: an agent that is killed on the way loses nothing. And if
+    // nothing has changed then, it is not written at all.
+    const Delivery delivery(*this);
+    for (const QVariant &entry : m_cache.read()) {
+        if (entry.typeId() != QMetaType::QVariantMap) {
+            continue;
+        }
+        try {
+            enqueueNotification(std::make_shared<KivNotification>(entry.toMap()));
+        } catch (const UndefinedKeyException &) {
+            continue; // Of another version of the agent, or of nobody's.
+        } catch (const std::out_of_range &) {
+            continue; // It has a version that cannot be compared.
+        }
+    }
+}
+
+void KivNotificationManager::exportNotificationsToFile()
+{
+    m_isExportDue = true;
+    if (m_deliveries > 0) {
+        return;
+    }
+    QVariantList list;
+    list.reserve(static_cast<qsizetype>(m_notifications.records().size()));
+    for (const std::shared_ptr<KivNotification> &record : m_notifications.records()) {
+        list.append(record->exportToDictionary());
+    }
+    m_isExportDue = !m_cache.write(list);
+}
+
+void KivNotificationManager::beginDelivery()
+{
+    ++m_deliveries;
+}
+
+void KivNotificationManager::endDelivery() noexcept
+{
+    if (--m_deliveries > 0) {
+        return;
+    }
+    const std::lock_guard hold(m_notificationsLock);
+    if (m_isExportDue) {
+        exportNotificationsToFile();
+    }
+    // Also when there was no room for the queue: in a home that never has any, a message that the user is done with
+    // would come again in every session.
+    if (std::exchange(m_isLastMesIDDue, false)) {
+        m_properties.saveLastMessID(m_properties.lastMesID());
+    }
+}
+
+KivNotificationWindow *KivNotificationManager::notificationWindow() const noexcept
+{
+    return m_notificationWindow;
+}
+
+void KivNotificationManager::windowWillClose(KivNotificationWindow &)
+{
+    if (m_notificationWindow) {
+        const std::shared_ptr<KivNotification> record = m_notificationWindow->notification();
+        if (record->messageRepeat() == 0) {
+            const std::lock_guard hold(m_notificationsLock);
+            m_notifications.remove(*record);
+        }
+        m_notificationWindow->setDelegate(nullptr);
+        m_notificationWindow = nullptr;
+    }
+    exportNotificationsToFile();
+    const auto &records = m_notifications.records();
+    if (!records.empty() && records.front()->messagePriority() == kPriorityInstant) {
+        forceNotification();
+    }
+}
+
+void KivNotificationManager::windowDidMove(KivNotificationWindow &window)
+{
+    const NSSize placedOn = prevScreenSize;
+    const NSRect screen = mainScreen();
+    const NSRect frame = window.frame();
+    const NSPoint wanted = getWindowPoint();
+    switch (reactionTo({.prevScreenSize = placedOn,
+                        .screenSize = screen.size,
+                        .popUpScreen = window.screenFrame(),
+                        .mainScreen = screen,
+                        .wanted = wanted,
+                        .actual = frame.origin})) {
+    case PopUpReaction::Nothing:
+        return;
+    case PopUpReaction::MoveThere:
+        window.setFrame({wanted, frame.size});
+        return;
+    case PopUpReaction::Recreate:
+        recreateNotificaionWindow();
+        return;
+    }
+}
+
+void KivNotificationManager::recreateNotificaionWindow()
+{
+    if (!m_notificationWindow) {
+        return;
+    }
+    const std::shared_ptr<KivNotification> record = m_notificationWindow->notification();
+    record->setLastShowDate(never());
+    record->setWasDisplayed(false);
+    // Without its owner: the user has not closed it, so the message is not done with.
+    m_notificationWindow->setDelegate(nullptr);
+    m_notificationWindow->close();
+    if (const ReadWriteLock::Hold hold = m_rwLock.lockForWriting()) {
+        m_notificationWindow = nullptr;
+        displayNotification(record);
+    }
+}

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "notify/popup/NotificationWindowDelegate.h"
+#include "notify/queue/NotificationCache.h"
+#include "notify/queue/NotificationQueue.h"
+#include "notify/queue/ReadWriteLock.h"
+#include "notify/record/NotificationSink.h"
+#include "platform/DistributedNotifications.h"
+#include "platform/Geometry.h"
+
+#include <QDateTime>
+#include <QObject>
+#include <QPointer>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+class KIVMenuObj;
+class KivNotificationProperties;
+
+/// Owns the support messages that the agent has accepted: keeps them in a queue and, for its next run, in a cache file,
+/// decides when the next one may appear, and shows one at a time in a pop-up at the top-right corner of the main
+/// screen.
+///
+/// What is wanted, and what may be shown now, the properties decide. Main thread only; the locks make sure that nothing
+/// which runs on the way opens a second pop-up or changes the queue half-way. The queue's lock is always taken before
+/// m_rwLock.
+class KivNotificationManager final : public QObject, public NotificationSink, private NotificationWindowDelegate
+{
+public:
+    /// Reads the cache under `homeFolder`, starts the check timer, and from now on follows the server's settings
+    /// program. `properties` must outlive this object; `clock` tells when a message is shown.
+    KivNotificationManager(KivNotificationProperties &properties, const QString &homeFolder,
+                           std::function<QDateTime()> clock);
+    /// A pop-up that is open stays.
+    ~KivNotificationManager() override;
+
+    /// The one of this process, with its properties, home and clock. Made at first use, and never destroyed.
+    [[nodiscard]] static KivNotificationManager &sharedInstance();
+
+    /// Loads the user's settings again; a new check interval counts from now. Nothing happens without a preferences
+    /// file.
+    void updateNotificationPreferences();
+
+    /// Starts the check timer, anew if it runs. The first tick comes after one whole interval.
+    void startCheckTimer();
+
+    /// A tick of the check timer right now, and besides the regular ones. None while there is no timer.
+    void forceNotification();
+
+    /// Opens a pop-up for the next message that may be shown, unless one is open.
+    void showNextNotification();
+
+    /// The first queued message that may be shown now; null when there is none. It stays in the queue.
+    [[nodiscard]] std::shared_ptr<KivNotification> retrieveNextNotification() const;
+
+    /// Opens a pop-up for `record`, which is never null, unless one is open.
+    void displayNotification(const std::shared_ptr<KivNotification> &record);
+
+    /// Where the bottom-left corner of the pop-up belongs, as PopUpPlacement.h says; of one without size when none is
+    /// open. Remembers the size of the main screen.
+    [[nodiscard]] NSPoint getWindowPoint();
+
+    /// Accepts a record from feed or cache, if it is meant for this installation: queues it, and shows it when it is
+    /// the only one, else saves the queue. Its id counts as received in any case. Throws as the relevance rule does;
+    /// the record is not accepted then.
+    ///
+    /// The saving waits for the end of the delivery, of which a record without one is all by itself. First comes the
+    /// queue and then the id, so that an agent that is killed in between is sent the messages again. The id is stored
+    /// also when the queue is not: because it could not be written, or because its only record is shown at once. Such a
+    /// record is saved at the agent's end, and lost when the agent is killed before.
+    void enqueueNotification(const std::shared_ptr<KivNotification> &record) override;
+
+    /// Queues `record`, which is never null, as NotificationQueue::add does.
+    void queueAdd(const std::shared_ptr<KivNotification> &record);
+
+    /// Puts `record`, which is never null, in front of all that is not instant, and shows it when no pop-up is open.
+    void showNotificationInstantly(const std::shared_ptr<KivNotification> &record);
+
+    /// Accepts what the cache file holds. An entry that is no record, or that no relevance can be told of, is skipped.
+    void importNotificationsFromFile();
+
+    /// Saves the queue to the cache file; within a delivery, at its end.
+    /// When that fails, the file stays as it was until the next time or the end of the next delivery.
+    void exportNotificationsToFile();
+
+    /// Closes the pop-up and opens another one for its message where it belongs. (The name is spelt so on purpose.)
+    void recreateNotificaionWindow();
+
+    /// The status item's menu: kept here for the life of the agent, and not used. Null before start-up's end and after
+    /// teardown.
+    [[nodiscard]] KIVMenuObj *kivMenu() const noexcept { return m_kivMenu; }
+    void setKivMenu(KIVMenuObj *kivMenu) noexcept { m_kivMenu = kivMenu; }
+
+    /// The pop-up that is open; null when none is.
+    [[nodiscard]] KivNotificationWindow *notificationWindow() const noexcept;
+    [[nodiscard]] const NotificationQueue &notifications() const noexcept { return m_notifications; }
+    /// The check timer; null during the import.
+    [[nodiscard]] const QTimer *showNextTimer() const noexcept { return m_showNextTimer.get(); }
+
+private:
+    void windowWillClose(KivNotificationWindow &window) override;
+    void windowDidMove(KivNotificationWindow &window) override;
+
+    void beginDelivery() override;
+    void endDelivery() noexcept override;
+
+    KivNotificationProperties &m_properties;
+    std::function<QDateTime()> m_clock;
+    NotificationCache m_cache;
+    int m_deliveries = 0;          ///< How many are under way, one within the other.
+    bool m_isExportDue = false;    ///< Asked for in a delivery, or failed.
+    bool m_isLastMesIDDue = false; ///< Raised in the delivery that is under way.
+    /// The pop-up destroys itself some time after it has closed.
+    QPointer<KivNotificationWindow> m_notificationWindow;
+    NotificationQueue m_notifications;
+    std::recursive_mutex m_notificationsLock;
+    std::unique_ptr<QTimer> m_showNextTimer;
+    KIVMenuObj *m_kivMenu = nullptr;
+    ReadWriteLock m_rwLock;
+    std::unique_ptr<DistributedNotifications::Observer> m_settingsObserver;
+};

@@ -1,0 +1,45 @@
+#include "notify/queue/NotificationQueue.h"
+
+#include "notify/record/KivNotification.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace
+{
+
+/// A record is always found by itself, though an instant one equals nothing: it could never be removed otherwise. Both
+/// are asked, for of an instant and another record without id only the one denies that they are equal.
+auto equals(const KivNotification &record)
+{
+    return [&record](const std::shared_ptr<KivNotification> &queued) {
+        return queued.get() == &record || (queued->isEqual(record) && record.isEqual(*queued));
+    };
+}
+
+} // namespace
+
+void NotificationQueue::add(std::shared_ptr<KivNotification> record)
+{
+    if (contains(*record)) {
+        return;
+    }
+    const auto isLess = [&record](const std::shared_ptr<KivNotification> &queued) {
+        return queued->messagePriority() < record->messagePriority();
+    };
+    m_records.insert(std::ranges::find_if(m_records, isLess), std::move(record));
+}
+
+void NotificationQueue::remove(const KivNotification &record)
+{
+    // In two steps, for it may be the queue that keeps the record alive.
+    const auto removed =
+        std::stable_partition(m_records.begin(), m_records.end(),
+                              [isEqual = equals(record)](const auto &queued) { return !isEqual(queued); });
+    m_records.erase(removed, m_records.end());
+}
+
+bool NotificationQueue::contains(const KivNotification &record) const
+{
+    return std::ranges::any_of(m_records, equals(record));
+}

@@ -1,0 +1,128 @@
+#include "notify/rules/KivNotificationProperties.h"
+
+#include "notify/record/FeedVocabulary.h"
+#include "notify/rules/Relevance.h"
+#include "notify/rules/ShowPermission.h"
+#include "platform/Bundle.h"
+#include "platform/SystemVersion.h"
+#include "platform/data/PropertyList.h"
+#include "platform/data/StringValues.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <optional>
+#include <syslog.h>
+#include <utility>
+
+namespace
+{
+
+const QLatin1String lastMessageIdKey("KivNotificationLastMessId");
+
+/// The dictionary in the file; nothing when it cannot be read or holds another value.
+std::optional<QVariantMap> readDictionary(const QString &path)
+{
+    const QVariant value = PropertyList::readFile(path);
+    return value.typeId() == QMetaType::QVariantMap ? std::optional(value.toMap()) : std::nullopt;
+}
+
+/// The version's digits as one number.
+std::uint32_t joinedDigits(QString version)
+{
+    return static_cast<std::uint32_t>(StringValues::intValue(version.remove(u'.')));
+}
+
+} // namespace
+
+KivNotificationProperties::KivNotificationProperties(const Bundle &bundle, const QString &homeFolder,
+                                                     const QString &systemVersionFile, UserDatabase users,
+                                                     std::function<QDateTime()> clock)
+    : m_preferencesFile(homeFolder + QLatin1String("/Library/Preferences/com.tamborel.kivmenua.plist"))
+    , m_users(std::move(users))
+    , m_clock(std::move(clock))
+    , m_installation(gatheredFacts(bundle, systemVersionFile))
+    , m_lastMesID(QStringLiteral("0"))
+{
+    if (!loadPrefList()) {
+        loadDefaultProperties();
+    }
+}
+
+KivNotificationProperties &KivNotificationProperties::sharedInstance()
+{
+    static KivNotificationProperties instance(Bundle::main(), QDir::homePath(),
+                                              QStringLiteral("/System/Library/CoreServices/SystemVersion.plist"),
+                                              UserDatabase::system(), [] { return QDateTime::currentDateTimeUtc(); });
+    return instance;
+}
+
+Installation KivNotificationProperties::gatheredFacts(const Bundle &bundle, const QString &systemVersionFile) const
+{
+    const bool isAdmin = isCurrentUserIsAdminLevelUser();
+    const QString productVersion = bundle.infoString(QStringLiteral("KIVBuildVersion"));
+    const QString systemVersion = ::systemVersion(systemVersionFile);
+    return {
+        .messageLevel = isAdmin ? 1 : 0,
+        .productCode = 1,
+        .licenseType = 1,
+        .messageLevelString = isAdmin ? kMsgPropertyAdmin : kMsgPropertyUser,
+        .productCodeString = kMsgPropertyKivuneTS,
+        .licenseTypeString = kMsgPropertyPaid,
+        // The feed knows no other.
+        .systemCodeString = QStringLiteral("osx"),
+        .productVersion = joinedDigits(productVersion),
+        .systemVersion = joinedDigits(systemVersion),
+        .buildDate = bundle.infoString(QStringLiteral("KIVBuildDate")),
+        .productVersionString = productVersion,
+        .systemVersionString = systemVersion,
+    };
+}
+
+bool KivNotificationProperties::isCurrentUserIsAdminLevelUser() const
+{
+    const std::optional<std::string> login = m_users.loginName();
+    return login && isAdminLevelUser(*login, m_users.groupMembers("admin"), m_users.groupMembers("wheel"));
+}
+
+bool KivNotificationProperties::loadPrefList()
+{
+    if (!QFile::exists(m_preferencesFile)) {
+        return false;
+    }
+    const QVariantMap preferences = readDictionary(m_preferencesFile).value_or(QVariantMap());
+    m_lastMesID = StringValues::stringValue(preferences.value(lastMessageIdKey));
+    m_settings = NotificationSettings::fromDictionary(preferences);
+    return true;
+}
+
+void KivNotificationProperties::loadDefaultProperties()
+{
+    m_settings = {};
+}
+
+void KivNotificationProperties::saveLastMessID(const QString &messageId)
+{
+    m_lastMesID = messageId;
+    if (!QFile::exists(m_preferencesFile)) {
+        return;
+    }
+    std::optional<QVariantMap> preferences = readDictionary(m_preferencesFile);
+    if (preferences) {
+        preferences->insert(lastMessageIdKey, messageId);
+    }
+    // In place, so that the file keeps its owner and links, and a file that could not be read stays as it is.
+    if (!preferences || !PropertyList::writeFile(m_preferencesFile, *preferences, PropertyList::Writing::InPlace)) {
+        syslog(LOG_ERR, "Kivune[M]: Could not write file: : %s", QFile::encodeName(m_preferencesFile).constData());
+    }
+}
+
+bool KivNotificationProperties::notificationIsRelevant(const KivNotification &record) const
+{
+    return ::notificationIsRelevant(record, m_installation, m_clock());
+}
+
+bool KivNotificationProperties::shouldShowNotification(const KivNotification &record) const
+{
+    return ::shouldShowNotification(record, m_settings, m_clock());
+}

@@ -1,0 +1,194 @@
+#include "platform/linux/include/SessionBus.h"
+
+#include "platform/linux/bus/SessionBusAddress.h"
+
+#include <QDBusError>
+
+#include <dlfcn.h>
+#include <limits>
+#include <mutex>
+
+namespace
+{
+
+/// Qt hands out one connection for a name, dead or alive: each try needs a name of its own.
+QString freshConnectionName()
+{
+    static int count = 0;
+    return QStringLiteral("kivune-session-%1").arg(++count);
+}
+
+QDBusConnection noConnection()
+{
+    return QDBusConnection(QString());
+}
+
+/// libdbus stops reading while the messages that it has read and that are still in use take up more than a limit, 63 MB
+/// unless told otherwise, and QtDBus never goes on from there (seen in 6.4): it is this thread that lets go of
+/// messages, and another one that reads. Whoever sends very much very fast would make the program deaf for ever. QtDBus
+/// is linked to libdbus, so that the function is there without its headers.
+void readWithoutLimit(const QDBusConnection &connection)
+{
+    using SetLimit = void (*)(void *connection, long bytes);
+    if (const auto setLimit =
+            reinterpret_cast<SetLimit>(::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"))) {
+        setLimit(connection.internalPointer(), std::numeric_limits<long>::max());
+        return;
+    }
+    static std::once_flag once;
+    std::call_once(once, [] { qWarning("no way to lift libdbus's limit: a flood of messages may cut off the bus"); });
+}
+
+/// Whether the bus has not said anything to a question: there is none, or it has not answered in time.
+bool isUnanswered(const QDBusMessage &answer)
+{
+    switch (QDBusError(answer).type()) {
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+    case QDBusError::Disconnected:
+        return true;
+    default:
+        return answer.type() == QDBusMessage::InvalidMessage;
+    }
+}
+
+} // namespace
+
+SessionBus &SessionBus::instance()
+{
+    // Never destroyed: without a bus at the start QtDBus makes its own statics later, and is gone before this one,
+    // which would then wait for it for ever.
+    static SessionBus &bus = *new SessionBus;
+    return bus;
+}
+
+SessionBus::SessionBus(std::chrono::milliseconds retryInterval)
+    : m_connection(noConnection())
+{
+    m_retry.setInterval(retryInterval);
+    connect(&m_retry, &QTimer::timeout, this, &SessionBus::tryToConnect);
+    tryToConnect();
+}
+
+SessionBus::~SessionBus()
+{
+    disconnectFromBus();
+}
+
+bool SessionBus::isConnected() const
+{
+    return m_connection.isConnected();
+}
+
+QDBusConnection SessionBus::connection() const
+{
+    return m_connection;
+}
+
+QDBusConnection SessionBus::connectOnceMore() const
+{
+    if (!isConnected()) {
+        return noConnection();
+    }
+    QDBusConnection connection = QDBusConnection::connectToBus(m_address, freshConnectionName());
+    if (connection.isConnected()) {
+        readWithoutLimit(connection);
+    }
+    return connection;
+}
+
+std::optional<qint64> SessionBus::processOf(const QString &busName) const
+{
+    const QDBusMessage answer = ask(QStringLiteral("GetConnectionUnixProcessID"), {busName});
+    if (answer.type() == QDBusMessage::ReplyMessage) {
+        return answer.arguments().value(0).toUInt();
+    }
+    return isUnanswered(answer) ? std::nullopt : std::optional<qint64>(0);
+}
+
+QString SessionBus::ownerOf(const QString &busName) const
+{
+    const QDBusMessage answer = ask(QStringLiteral("GetNameOwner"), {busName});
+    if (answer.type() == QDBusMessage::ReplyMessage) {
+        return answer.arguments().value(0).toString();
+    }
+    return isUnanswered(answer) ? QString() : QStringLiteral("");
+}
+
+QStringList SessionBus::names() const
+{
+    return ask(QStringLiteral("ListNames"), {}).arguments().value(0).toStringList();
+}
+
+bool SessionBus::requestName(const QString &busName) const
+{
+    constexpr uint doNotQueue = 4;
+    const QDBusMessage answer = ask(QStringLiteral("RequestName"), {busName, doNotQueue});
+    if (answer.type() != QDBusMessage::ReplyMessage) {
+        return isUnanswered(answer);
+    }
+    constexpr uint isOwner = 1;
+    constexpr uint wasOwner = 4;
+    const uint result = answer.arguments().value(0).toUInt();
+    return result == isOwner || result == wasOwner;
+}
+
+void SessionBus::releaseName(const QString &busName) const
+{
+    static_cast<void>(ask(QStringLiteral("ReleaseName"), {busName}));
+}
+
+QDBusMessage SessionBus::ask(const QString &member, const QVariantList &arguments) const
+{
+    if (!isConnected()) {
+        return {};
+    }
+    constexpr int limit = 500;
+    const QString bus = QStringLiteral("org.freedesktop.DBus");
+    QDBusMessage question = QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, member);
+    question.setArguments(arguments);
+    return m_connection.call(question, QDBus::Block, limit);
+}
+
+void SessionBus::tryToConnect()
+{
+    // Qt's way to a bus waits 25 s for one that takes connections and then says nothing: a probe goes ahead of it.
+    const ProbedBus bus = probeBus(sessionBusAddress());
+    if (bus.state == BusState::Answers) {
+        m_connection = QDBusConnection::connectToBus(bus.address, freshConnectionName());
+        m_address = bus.address;
+    }
+    if (!isConnected()) {
+        disconnectFromBus();
+        m_retry.start();
+        return;
+    }
+    m_retry.stop();
+    readWithoutLimit(m_connection);
+    // QtDBus knows no other way to name a slot than by a string.
+    m_connection.connect(QString(), QStringLiteral("/org/freedesktop/DBus/Local"),
+                         QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"), this,
+                         SLOT(onDisconnected()));
+    Q_EMIT connected();
+}
+
+void SessionBus::onDisconnected()
+{
+    // A late word of an earlier connection says nothing about the present one.
+    if (isConnected() || m_retry.isActive()) {
+        return;
+    }
+    disconnectFromBus();
+    m_retry.start();
+    Q_EMIT disconnected();
+}
+
+void SessionBus::disconnectFromBus()
+{
+    const QString name = m_connection.name();
+    m_connection = noConnection();
+    if (!name.isEmpty()) {
+        QDBusConnection::disconnectFromBus(name);
+    }
+}

@@ -1,0 +1,256 @@
+#include "platform/linux/events/AppleEventTransport.h"
+
+#include "platform/linux/AppleEventsContract.h"
+#include "platform/linux/events/AppleEventMessage.h"
+#include "platform/linux/include/EventBusName.h"
+#include "platform/linux/include/SessionBus.h"
+#include "platform/linux/processes/RunningProcess.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+
+#include <exception>
+#include <limits>
+#include <utility>
+
+namespace
+{
+
+OSErr statusOf(const QDBusMessage &answer)
+{
+    if (answer.type() == QDBusMessage::ReplyMessage) {
+        bool isNumber = false;
+        const int status = answer.arguments().value(0).toInt(&isNumber);
+        const bool fits = status >= std::numeric_limits<OSErr>::min() && status <= std::numeric_limits<OSErr>::max();
+        return isNumber && fits ? static_cast<OSErr>(status) : OSErr(errAEEventFailed);
+    }
+    switch (QDBusError(answer).type()) {
+    case QDBusError::ServiceUnknown:
+        return procNotFound;
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+        return errAETimeout;
+    case QDBusError::Disconnected:
+        return connectionInvalid;
+    default:
+        return errAEEventFailed;
+    }
+}
+
+void refuse(const QDBusMessage &message, const QDBusConnection &connection, QDBusError::ErrorType error,
+            const QString &why)
+{
+    if (message.isReplyRequired()) {
+        connection.send(message.createErrorReply(error, why));
+    }
+}
+
+QString ownBusName()
+{
+    return eventBusName(QCoreApplication::applicationPid());
+}
+
+} // namespace
+
+AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t mostThatWait)
+    : m_bus(bus)
+    , m_receiver(std::move(receiver))
+    , m_peers(bus)
+    , m_incoming(WorkInTurns::kShareOfATurn, mostThatWait)
+{
+    connect(&bus, &SessionBus::connected, this, &AppleEventTransport::enter);
+    // Another bus counts its unique names from the start again.
+    connect(&bus, &SessionBus::disconnected, this, [this] { m_taker.reset(); });
+}
+
+AppleEventTransport::~AppleEventTransport()
+{
+    stopReceiving();
+}
+
+void AppleEventTransport::startReceiving()
+{
+    if (m_reception == Reception::Off) {
+        m_reception = Reception::On;
+        enter();
+    }
+}
+
+void AppleEventTransport::stopReceiving()
+{
+    if (m_reception == Reception::On) {
+        m_reception = Reception::Off;
+        leave();
+    }
+}
+
+void AppleEventTransport::enter()
+{
+    if (m_reception == Reception::Off || !m_bus.isConnected()) {
+        return;
+    }
+    QDBusConnection connection = m_bus.connection();
+    // The object first: who sees the name may call at once.
+    if (!connection.registerVirtualObject(eventObjectPath(), this) || !m_bus.requestName(ownBusName())) {
+        qWarning("cannot take events on the session bus");
+    }
+}
+
+void AppleEventTransport::leave()
+{
+    QDBusConnection connection = m_bus.connection();
+    if (connection.isConnected()) {
+        m_bus.releaseName(ownBusName());
+    }
+    connection.unregisterObject(eventObjectPath());
+}
+
+OSErr AppleEventTransport::findTaker(SInt32 pid)
+{
+    // The bus takes a message to nobody without a word, so it is asked first; and who holds the name of a process that
+    // it is not gets nothing.
+    m_taker.reset();
+    const QString uniqueName = m_bus.ownerOf(eventBusName(pid));
+    if (uniqueName.isEmpty()) {
+        return uniqueName.isNull() ? connectionInvalid : procNotFound;
+    }
+    const std::optional<qint64> owner = m_bus.processOf(uniqueName);
+    if (owner != pid) {
+        return owner ? procNotFound : connectionInvalid;
+    }
+    m_taker = Taker{pid, uniqueName};
+    return noErr;
+}
+
+OSErr AppleEventTransport::deliver(const QDBusMessage &message)
+{
+    // The bus answers in order, so that the event has gone on when the question after it is answered: Qt sends from a
+    // thread of its own, and what a program sends just before it ends would be lost. The answer says, too, whether the
+    // one it went to still was the taker; to a unique name that has gone, nobody listens ever after.
+    const Taker taker = *std::exchange(m_taker, std::nullopt);
+    const QString owner = m_bus.connection().send(message) ? m_bus.ownerOf(eventBusName(taker.pid)) : QString();
+    if (owner != taker.uniqueName) {
+        return owner.isNull() ? connectionInvalid : procNotFound;
+    }
+    m_taker = taker;
+    return noErr;
+}
+
+OSErr AppleEventTransport::send(const AppleEventContents &event)
+{
+    const bool isKnown = m_taker && m_taker->pid == event.target;
+    const std::optional<QDBusMessage> message = messageOf(event, isKnown ? m_taker->uniqueName : QString());
+    if (!message) {
+        return paramErr;
+    }
+    // Who took the last event gets this one at once: a question to the bus, or to the system, would take as long as the
+    // event itself.
+    if (isKnown) {
+        if (const OSErr error = deliver(*message); error != procNotFound) {
+            return error;
+        }
+    }
+    if (!isRunningProcess(*event.target)) {
+        return procNotFound;
+    }
+    if (const OSErr error = findTaker(*event.target); error != noErr) {
+        return error;
+    }
+    return deliver(*messageOf(event, m_taker->uniqueName));
+}
+
+OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage &message) const
+{
+    // Qt answers a blocking call to this process itself, for which it must see the connection's own name.
+    const bool isToItself =
+        m_reception == Reception::On && event.target == static_cast<SInt32>(QCoreApplication::applicationPid());
+    const std::optional<QDBusMessage> call =
+        messageOf(event, isToItself ? m_bus.connection().baseService() : QString());
+    if (!call) {
+        return paramErr;
+    }
+    if (!isRunningProcess(*event.target)) {
+        return procNotFound;
+    }
+    // The bus takes a message to nobody without a word, so it is asked first; and who holds the name of a process that
+    // it is not gets nothing.
+    const std::optional<qint64> taker = m_bus.processOf(eventBusName(*event.target));
+    if (taker != *event.target) {
+        return taker ? procNotFound : connectionInvalid;
+    }
+    message = *call;
+    return noErr;
+}
+
+OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chrono::milliseconds limit) const
+{
+    QDBusMessage message;
+    if (const OSErr error = prepare(event, message); error != noErr) {
+        return error;
+    }
+    return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(limit.count())));
+}
+
+QString AppleEventTransport::introspect(const QString &) const
+{
+    // Qt writes the node around it.
+    const QString contract = QString::fromUtf8(kAppleEventsContract);
+    const QString end = QStringLiteral("</interface>\n");
+    const qsizetype from = contract.indexOf(QStringLiteral("  <interface "));
+    return contract.mid(from, contract.indexOf(end) + end.size() - from);
+}
+
+bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
+{
+    const bool isOurs = message.interface().isEmpty() || message.interface() == eventInterface();
+    if (!isOurs || message.member() != QStringLiteral("Send")) {
+        return false;
+    }
+    // Asked now, while the sender is likely to be there still.
+    const std::optional<qint64> sender = m_peers.processOf(message.service());
+    // To a blocking call to its own process, Qt wants the answer before this returns.
+    if (message.service() == connection.baseService()) {
+        take(message, connection, sender);
+        return true;
+    }
+    const bool isAccepted = m_incoming.carryOut(
+        message.service(), [this, message, connection, sender] { take(message, connection, sender); });
+    if (!isAccepted) {
+        refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many events wait already"));
+    }
+    return true;
+}
+
+void AppleEventTransport::take(const QDBusMessage &message, const QDBusConnection &connection,
+                               std::optional<qint64> sender)
+{
+    std::optional<AppleEventContents> event = eventOf(message);
+    if (!event) {
+        refuse(message, connection, QDBusError::InvalidArgs,
+               QStringLiteral("Not an event: see the interface's description"));
+        return;
+    }
+    if (sender) {
+        event->sender = static_cast<SInt32>(*sender);
+    }
+    const OSErr status = receive(std::move(*event));
+    if (message.isReplyRequired()) {
+        connection.send(message.createReply(int(status)));
+    }
+}
+
+OSErr AppleEventTransport::receive(AppleEventContents event)
+{
+    // Nothing may be thrown through QtDBus: it would tell the sender that there is no such object.
+    try {
+        return m_receiver(std::move(event));
+    } catch (const std::exception &failure) {
+        qCritical("an event handler failed: %s", failure.what());
+    } catch (...) {
+        qCritical("an event handler failed");
+    }
+    return errAEEventFailed;
+}

@@ -1,0 +1,36 @@
+#include "platform/linux/events/DistributedNotificationSignal.h"
+
+#include "platform/linux/include/SessionBus.h"
+
+#include <utility>
+
+namespace
+{
+const QString interfaceName = QStringLiteral("com.tamborel.kivune.DistributedNotifications");
+}
+
+DistributedNotificationSignal::DistributedNotificationSignal(SessionBus &bus, QString name,
+                                                             std::function<void()> callback)
+    : m_bus(bus)
+    , m_name(std::move(name))
+    , m_callback(std::move(callback))
+{
+    connect(&bus, &SessionBus::connected, this, &DistributedNotificationSignal::observe);
+    observe();
+}
+
+DistributedNotificationSignal::~DistributedNotificationSignal()
+{
+    m_bus.connection().disconnect(QString(), QString(), interfaceName, m_name, this, SLOT(onPosted()));
+}
+
+void DistributedNotificationSignal::observe()
+{
+    // Of any sender, from any path. QtDBus knows no other way to name a slot than by a string.
+    m_bus.connection().connect(QString(), QString(), interfaceName, m_name, this, SLOT(onPosted()));
+}
+
+void DistributedNotificationSignal::onPosted()
+{
+    m_callback();
+}

@@ -1,0 +1,257 @@
+#include "platform/StatusItem.h"
+
+#include "platform/linux/include/MainDisplay.h"
+#include "platform/linux/include/SessionBus.h"
+#include "platform/linux/include/XConnection.h"
+#include "platform/linux/item/NotifierHostWatch.h"
+#include "platform/linux/item/NotifierRegistration.h"
+#include "platform/linux/item/StatusItemForm.h"
+#include "platform/linux/item/StatusNotifierItem.h"
+#include "platform/linux/item/TrayHostWatch.h"
+#include "platform/linux/item/TrayIconWindow.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QTimer>
+
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace
+{
+
+constexpr double sideInPoints = 22;
+
+int deviceSide(const ScreenCoordinates &screen)
+{
+    return static_cast<int>(std::lround(sideInPoints * screen.ratio));
+}
+
+/// The top-right corner of the main screen.
+QRect stripPlace(const ScreenCoordinates &screen)
+{
+    const int side = deviceSide(screen);
+    return {screen.mainScreen.x() + screen.mainScreen.width() - side, screen.mainScreen.y(), side, side};
+}
+
+} // namespace
+
+class StatusItem::Private final : public QObject
+{
+public:
+    explicit Private(StatusItem *owner);
+
+    void update(Settling settling);
+    void apply();
+
+    StatusItemLook look;
+    std::unique_ptr<TrayIconWindow> window; ///< In the forms Tray and Strip.
+
+private:
+    void take(StatusItemForm form);
+    void setWindow(std::unique_ptr<TrayIconWindow> made);
+    void handleUndocked();
+    void watchScreen(QScreen *screen);
+    void placeStrip();
+    void handlePress(std::optional<QPoint> place);
+
+    StatusItem *const m_owner;
+    TrayHostWatch m_trays;
+    NotifierHostWatch m_notifiers;
+    bool m_isNew = true; ///< Until all has been asked for the first time.
+    StatusItemForm m_form = StatusItemForm::None;
+    xcb_window_t m_tray = XCB_NONE; ///< The one that `window` was made for, in the form Tray.
+    QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
+    std::unique_ptr<StatusNotifierItem> m_notifierItem;
+    std::unique_ptr<NotifierRegistration> m_registration;
+    QTimer m_settling;
+};
+
+StatusItem::Private::Private(StatusItem *owner)
+    : m_owner(owner)
+    , m_notifiers(SessionBus::instance())
+{
+    using namespace std::chrono_literals;
+    m_settling.setSingleShot(true);
+    m_settling.setInterval(1s);
+    connect(&m_settling, &QTimer::timeout, this, [this] { update(Settling::Over); });
+    connect(&m_trays, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
+    connect(&m_notifiers, &NotifierHostWatch::changed, this,
+            [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
+
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::watchScreen);
+    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::placeStrip);
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (QScreen *screen : screens) {
+        watchScreen(screen);
+    }
+    m_isNew = m_notifiers.isAsking();
+    update(m_isNew ? Settling::Underway : Settling::Over);
+}
+
+void StatusItem::Private::update(Settling settling)
+{
+    const StatusItemHosts hosts{m_trays.tray() != XCB_NONE, !m_notifiers.watcher().isEmpty()};
+    const StatusItemForm form = pickForm(hosts, m_form, settling);
+    if (form == wantedForm(hosts)) {
+        m_settling.stop();
+    } else if (!m_settling.isActive()) {
+        m_settling.start();
+    }
+    if (form != m_form || (form == StatusItemForm::Tray && m_tray != m_trays.tray()) ||
+        (form == StatusItemForm::Notifier && m_watcher != m_notifiers.watcher())) {
+        take(form);
+    }
+}
+
+void StatusItem::Private::take(StatusItemForm form)
+{
+    // The old form goes first: the item is never seen twice.
+    window.reset();
+    m_registration.reset();
+    m_notifierItem.reset();
+    m_form = form;
+    m_tray = XCB_NONE;
+    m_watcher.clear();
+    switch (form) {
+    case StatusItemForm::None:
+        break;
+    case StatusItemForm::Tray:
+        m_tray = m_trays.tray();
+        setWindow(TrayIconWindow::dockedIn(m_tray, deviceSide(screenCoordinates())));
+        break;
+    case StatusItemForm::Notifier:
+        m_watcher = m_notifiers.watcher();
+        m_notifierItem = std::make_unique<StatusNotifierItem>();
+        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, &Private::handlePress);
+        m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
+        break;
+    case StatusItemForm::Strip:
+        if (const ScreenCoordinates screen = screenCoordinates(); !screen.mainScreen.isEmpty()) {
+            setWindow(TrayIconWindow::standingAt(stripPlace(screen)));
+        }
+        break;
+    }
+    apply();
+}
+
+void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
+{
+    window = std::move(made);
+    if (window) {
+        connect(window.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+        connect(window.get(), &TrayIconWindow::undocked, this, &Private::handleUndocked);
+    }
+}
+
+/// The tray has gone, or it has put the icon out while it rebuilds itself; either way it is asked again after settling.
+void StatusItem::Private::handleUndocked()
+{
+    take(StatusItemForm::None);
+    m_settling.start();
+}
+
+void StatusItem::Private::watchScreen(QScreen *screen)
+{
+    connect(screen, &QScreen::geometryChanged, this, &Private::placeStrip);
+}
+
+void StatusItem::Private::placeStrip()
+{
+    if (m_form != StatusItemForm::Strip) {
+        return;
+    }
+    const ScreenCoordinates screen = screenCoordinates();
+    if (window && !screen.mainScreen.isEmpty()) {
+        window->moveTo(stripPlace(screen));
+    } else {
+        take(StatusItemForm::Strip);
+    }
+}
+
+void StatusItem::Private::apply()
+{
+    if (window) {
+        window->setLook(look);
+    }
+    if (m_notifierItem) {
+        m_notifierItem->setLook(look);
+    }
+}
+
+void StatusItem::Private::handlePress(std::optional<QPoint> place)
+{
+    if (look.enabled) {
+        Q_EMIT m_owner->pressed(place ? std::optional(screenCoordinates().fromDevice(*place)) : std::nullopt);
+    }
+}
+
+StatusItem::StatusItem(QObject *parent)
+    : QObject(parent)
+    , d(std::make_unique<Private>(this))
+{
+}
+
+StatusItem::~StatusItem() = default;
+
+void StatusItem::setEnabled(bool enabled)
+{
+    if (d->look.enabled != enabled) {
+        d->look.enabled = enabled;
+        d->apply();
+    }
+}
+
+bool StatusItem::isEnabled() const
+{
+    return d->look.enabled;
+}
+
+void StatusItem::setToolTip(const QString &text)
+{
+    if (d->look.toolTip != text) {
+        d->look.toolTip = text;
+        d->apply();
+    }
+}
+
+QString StatusItem::toolTip() const
+{
+    return d->look.toolTip;
+}
+
+void StatusItem::setTitle(const QString &title)
+{
+    if (d->look.title != title) {
+        d->look.title = title;
+        d->apply();
+    }
+}
+
+QString StatusItem::title() const
+{
+    return d->look.title;
+}
+
+void StatusItem::setImage(const QIcon &image)
+{
+    if (d->look.image.cacheKey() != image.cacheKey()) {
+        d->look.image = image;
+        d->apply();
+    }
+}
+
+QIcon StatusItem::image() const
+{
+    return d->look.image;
+}
+
+std::optional<NSRect> StatusItem::frame() const
+{
+    const std::optional<QRect> place = d->window ? d->window->place() : std::nullopt;
+    if (!place) {
+        return std::nullopt;
+    }
+    return screenCoordinates().fromDevice(*place);
+}

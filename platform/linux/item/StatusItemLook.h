@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/images/IconDrawing.h"
+
+#include <QIcon>
+#include <QString>
+
+/// What a status item shows, in whatever form.
+struct StatusItemLook {
+    QIcon image;
+    bool enabled = true;
+    QString toolTip;
+    QString title;
+
+    [[nodiscard]] IconLook iconLook() const noexcept { return enabled ? IconLook::Normal : IconLook::Faded; }
+};

@@ -1,0 +1,66 @@
+#include "platform/linux/item/TrayHostWatch.h"
+
+#include "platform/linux/include/XConnection.h"
+
+#include <QCoreApplication>
+
+#include <xcb/xfixes.h>
+
+TrayHostWatch::TrayHostWatch(QObject *parent)
+    : QObject(parent)
+{
+    watchSelection();
+}
+
+TrayHostWatch::~TrayHostWatch()
+{
+    if (m_window != XCB_NONE) {
+        QCoreApplication::instance()->removeNativeEventFilter(this);
+        xcb_destroy_window(XConnection::get(), m_window);
+        xcb_flush(XConnection::get());
+    }
+}
+
+void TrayHostWatch::watchSelection()
+{
+    xcb_connection_t *x = XConnection::get();
+    const xcb_query_extension_reply_t *xfixes = x ? xcb_get_extension_data(x, &xcb_xfixes_id) : nullptr;
+    if (!xfixes || !xfixes->present) {
+        return;
+    }
+    const auto versionCookie = xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
+    const XcbReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(x, versionCookie, nullptr));
+    m_selectionNotify = xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY;
+
+    m_window = xcb_generate_id(x);
+    xcb_create_window(x, XCB_COPY_FROM_PARENT, m_window, XConnection::screen()->root, -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_xfixes_select_selection_input(x, m_window, XConnection::atom(XConnection::traySelection()),
+                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    QCoreApplication::instance()->installNativeEventFilter(this);
+    // After the selecting, so that no change falls between.
+    m_tray = XConnection::selectionOwner(XConnection::traySelection());
+}
+
+bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr *)
+{
+    const auto *event = static_cast<const xcb_generic_event_t *>(message);
+    if ((event->response_type & 0x7f) == m_selectionNotify) {
+        const auto *notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event);
+        if (notify->window == m_window) {
+            setTray(notify->owner);
+        }
+    }
+    return false;
+}
+
+void TrayHostWatch::setTray(xcb_window_t owner)
+{
+    if (m_tray != owner) {
+        m_tray = owner;
+        // Not from inside Qt's event filters, of which the listener adds and removes some.
+        QMetaObject::invokeMethod(this, &TrayHostWatch::changed, Qt::QueuedConnection);
+    }
+}

@@ -1,0 +1,409 @@
+#include "platform/linux/item/TrayIconWindow.h"
+
+#include "platform/linux/include/XConnection.h"
+#include "platform/linux/workarounds/RootProperties.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstring>
+#include <vector>
+
+namespace
+{
+
+constexpr std::uint32_t systemTrayRequestDock = 0;
+constexpr std::uint32_t xembedVersion = 0;
+constexpr std::uint32_t xembedMapped = 1;
+/// Alone, the icon may lie on any picture; on a plate of its own it can be told from it.
+constexpr QRgb plateColour = 0xffececec;
+const QByteArray className = QByteArrayLiteral("kivmenua");
+
+/// The tray's windows may be gone before a request about them arrives; that is no error worth Qt's log.
+void ignoreError(xcb_void_cookie_t cookie)
+{
+    xcb_discard_reply(XConnection::get(), cookie.sequence);
+}
+
+/// The visual that the tray asks its icons to have; the root window's where it asks for none.
+std::optional<XVisual> trayVisual(xcb_window_t tray)
+{
+    xcb_connection_t *x = XConnection::get();
+    xcb_screen_t *screen = XConnection::screen();
+    const auto cookie =
+        xcb_get_property(x, false, tray, XConnection::atom("_NET_SYSTEM_TRAY_VISUAL"), XCB_ATOM_VISUALID, 0, 1);
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x, cookie, nullptr));
+    xcb_visualid_t id = screen->root_visual;
+    if (reply && reply->format == 32 && xcb_get_property_value_length(reply.get()) == sizeof id) {
+        std::memcpy(&id, xcb_get_property_value(reply.get()), sizeof id);
+    }
+    return findVisual(screen, id);
+}
+
+void closePopups()
+{
+    while (QWidget *popup = QApplication::activePopupWidget()) {
+        popup->close();
+        if (QApplication::activePopupWidget() == popup) {
+            return;
+        }
+    }
+}
+
+} // namespace
+
+std::unique_ptr<TrayIconWindow> TrayIconWindow::dockedIn(xcb_window_t tray, int side)
+{
+    const std::optional<XVisual> visual = trayVisual(tray);
+    if (!visual) {
+        return nullptr;
+    }
+    std::unique_ptr<TrayIconWindow> window(new TrayIconWindow(Kind::Docked, *visual, QRect(0, 0, side, side)));
+    window->requestDock(tray);
+    return window;
+}
+
+std::unique_ptr<TrayIconWindow> TrayIconWindow::standingAt(const QRect &place)
+{
+    xcb_screen_t *screen = XConnection::screen();
+    const std::optional<XVisual> visual = findVisual(screen, screen->root_visual);
+    if (!visual) {
+        return nullptr;
+    }
+    std::unique_ptr<TrayIconWindow> window(new TrayIconWindow(Kind::Alone, *visual, place));
+    xcb_map_window(XConnection::get(), window->m_window);
+    xcb_flush(XConnection::get());
+    return window;
+}
+
+TrayIconWindow::TrayIconWindow(Kind kind, const XVisual &visual, const QRect &place)
+    : m_kind(kind)
+    , m_visual(visual)
+    , m_geometry(place)
+{
+    xcb_connection_t *x = XConnection::get();
+    xcb_screen_t *screen = XConnection::screen();
+    m_window = xcb_generate_id(x);
+    m_colormap = screen->default_colormap;
+    if (visual.id != screen->root_visual) {
+        m_colormap = xcb_generate_id(x);
+        xcb_create_colormap(x, XCB_COLORMAP_ALLOC_NONE, m_colormap, screen->root, visual.id);
+    }
+    // "Parent relative" is allowed only where the depths agree; elsewhere all bits zero, which is transparent.
+    const bool parentRelative = visual.depth == screen->root_depth;
+    // Override-redirect: when a tray dies, the server puts its icons back on the root window and maps them; no window
+    // manager shall make a framed window of ours then.
+    const std::array<std::uint32_t, 5> values = {
+        parentRelative ? static_cast<std::uint32_t>(XCB_BACK_PIXMAP_PARENT_RELATIVE) : 0U, 0, true,
+        XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_BUTTON_PRESS |
+            XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW,
+        m_colormap};
+    xcb_create_window(x, visual.depth, m_window, screen->root, static_cast<std::int16_t>(place.x()),
+                      static_cast<std::int16_t>(place.y()), static_cast<std::uint16_t>(place.width()),
+                      static_cast<std::uint16_t>(place.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, visual.id,
+                      (parentRelative ? XCB_CW_BACK_PIXMAP : XCB_CW_BACK_PIXEL) | XCB_CW_BORDER_PIXEL |
+                          XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
+                      values.data());
+
+    // Two names, instance and class, each with its zero.
+    const QByteArray classHint = className + '\0' + className + '\0';
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
+                        static_cast<std::uint32_t>(classHint.size()), classHint.constData());
+    setNames();
+    QCoreApplication::instance()->installNativeEventFilter(this);
+
+    using namespace std::chrono_literals;
+    m_toolTipDelay.setSingleShot(true);
+    m_toolTipDelay.setInterval(700ms);
+    connect(&m_toolTipDelay, &QTimer::timeout, this, &TrayIconWindow::showToolTip);
+}
+
+TrayIconWindow::~TrayIconWindow()
+{
+    QCoreApplication::instance()->removeNativeEventFilter(this);
+    hideToolTip();
+    xcb_connection_t *x = XConnection::get();
+    ignoreError(xcb_destroy_window_checked(x, m_window));
+    if (m_colormap != XConnection::screen()->default_colormap) {
+        xcb_free_colormap(x, m_colormap);
+    }
+    xcb_flush(x);
+}
+
+void TrayIconWindow::requestDock(xcb_window_t tray)
+{
+    xcb_connection_t *x = XConnection::get();
+    const std::array<std::uint32_t, 2> info = {xembedVersion, xembedMapped};
+    const xcb_atom_t infoAtom = XConnection::atom("_XEMBED_INFO");
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, m_window, infoAtom, infoAtom, 32, info.size(), info.data());
+
+    // Trays made with a toolkit ask for the least size and take a window without one for a single pixel.
+    std::array<std::uint32_t, 18> hints = {};
+    constexpr std::uint32_t hasMinimumSize = 1U << 4U;
+    hints[0] = hasMinimumSize;
+    hints[5] = static_cast<std::uint32_t>(m_geometry.width());
+    hints[6] = static_cast<std::uint32_t>(m_geometry.height());
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
+                        hints.size(), hints.data());
+
+    xcb_client_message_event_t request = {};
+    request.response_type = XCB_CLIENT_MESSAGE;
+    request.format = 32;
+    request.window = tray;
+    request.type = XConnection::atom("_NET_SYSTEM_TRAY_OPCODE");
+    request.data.data32[0] = XCB_CURRENT_TIME;
+    request.data.data32[1] = systemTrayRequestDock;
+    request.data.data32[2] = m_window;
+    ignoreError(
+        xcb_send_event_checked(x, false, tray, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&request)));
+    xcb_flush(x);
+}
+
+void TrayIconWindow::setLook(const StatusItemLook &look)
+{
+    const bool repaint = look.image.cacheKey() != m_look.image.cacheKey() || look.enabled != m_look.enabled;
+    const bool rename = look.title != m_look.title;
+    m_look = look;
+    if (rename) {
+        setNames();
+    }
+    if (repaint) {
+        paint();
+    }
+}
+
+void TrayIconWindow::moveTo(const QRect &place)
+{
+    const std::array<std::uint32_t, 5> values = {
+        static_cast<std::uint32_t>(place.x()), static_cast<std::uint32_t>(place.y()),
+        static_cast<std::uint32_t>(place.width()), static_cast<std::uint32_t>(place.height()), XCB_STACK_MODE_ABOVE};
+    xcb_configure_window(XConnection::get(), m_window,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT | XCB_CONFIG_WINDOW_STACK_MODE,
+                         values.data());
+    xcb_flush(XConnection::get());
+}
+
+std::optional<QRect> TrayIconWindow::place() const
+{
+    xcb_connection_t *x = XConnection::get();
+    const xcb_window_t root = XConnection::screen()->root;
+    const auto treeCookie = xcb_query_tree(x, m_window);
+    const auto attributesCookie = xcb_get_window_attributes(x, m_window);
+    const auto geometryCookie = xcb_get_geometry(x, m_window);
+    const auto placeCookie = xcb_translate_coordinates(x, m_window, root, 0, 0);
+    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(x, treeCookie, nullptr));
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(x, attributesCookie, nullptr));
+    const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(x, geometryCookie, nullptr));
+    const XcbReply<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(x, placeCookie, nullptr));
+    if (!tree || !attributes || !geometry || !place) {
+        return std::nullopt;
+    }
+    const bool isEmbedded = tree->parent != root;
+    if (attributes->map_state != XCB_MAP_STATE_VIEWABLE || isEmbedded != (m_kind == Kind::Docked)) {
+        return std::nullopt;
+    }
+    return QRect(place->dst_x, place->dst_y, geometry->width, geometry->height);
+}
+
+bool TrayIconWindow::nativeEventFilter(const QByteArray &, void *message, qintptr *)
+{
+    // Never kept from Qt, which reads the time of the last user action from them.
+    handleEvent(static_cast<const xcb_generic_event_t *>(message));
+    return false;
+}
+
+void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
+{
+    switch (event->response_type & 0x7f) {
+    case XCB_EXPOSE: {
+        const auto *expose = reinterpret_cast<const xcb_expose_event_t *>(event);
+        if (expose->window == m_window && expose->count == 0) {
+            paint();
+        }
+        break;
+    }
+    case XCB_CONFIGURE_NOTIFY: {
+        const auto *configure = reinterpret_cast<const xcb_configure_notify_event_t *>(event);
+        if (configure->window == m_window) {
+            // The background that was mixed in is that of the old place.
+            m_geometry = QRect(configure->x, configure->y, configure->width, configure->height);
+            paint();
+        }
+        break;
+    }
+    case XCB_MAP_NOTIFY:
+        if (reinterpret_cast<const xcb_map_notify_event_t *>(event)->window == m_window) {
+            m_mapped = true;
+        }
+        break;
+    case XCB_UNMAP_NOTIFY:
+        if (reinterpret_cast<const xcb_unmap_notify_event_t *>(event)->window == m_window) {
+            m_mapped = false;
+        }
+        break;
+    case XCB_REPARENT_NOTIFY: {
+        const auto *reparent = reinterpret_cast<const xcb_reparent_notify_event_t *>(event);
+        if (reparent->window == m_window) {
+            handleReparent(reparent->parent);
+        }
+        break;
+    }
+    case XCB_DESTROY_NOTIFY:
+        if (reinterpret_cast<const xcb_destroy_notify_event_t *>(event)->window == m_window) {
+            m_mapped = false;
+            setUndocked();
+        }
+        break;
+    case XCB_BUTTON_PRESS: {
+        const auto *press = reinterpret_cast<const xcb_button_press_event_t *>(event);
+        if (press->event == m_window) {
+            handlePress(press->detail);
+        }
+        break;
+    }
+    case XCB_ENTER_NOTIFY: {
+        const auto *enter = reinterpret_cast<const xcb_enter_notify_event_t *>(event);
+        if (enter->event == m_window && enter->mode == XCB_NOTIFY_MODE_NORMAL) {
+            m_toolTipDelay.start();
+        }
+        break;
+    }
+    case XCB_LEAVE_NOTIFY:
+        if (reinterpret_cast<const xcb_leave_notify_event_t *>(event)->event == m_window) {
+            hideToolTip();
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+void TrayIconWindow::handleReparent(xcb_window_t parent)
+{
+    if (parent != XConnection::screen()->root) {
+        m_embedded = true;
+        return;
+    }
+    // Put back on the root window, mapped, by the server or by a tray that has no more use for it.
+    if (m_embedded) {
+        ignoreError(xcb_unmap_window_checked(XConnection::get(), m_window));
+        xcb_flush(XConnection::get());
+        setUndocked();
+    }
+}
+
+void TrayIconWindow::setUndocked()
+{
+    m_embedded = false;
+    if (m_kind == Kind::Docked) {
+        QMetaObject::invokeMethod(this, &TrayIconWindow::undocked, Qt::QueuedConnection);
+    }
+}
+
+void TrayIconWindow::handlePress(xcb_button_t button)
+{
+    hideToolTip();
+    if (button > XCB_BUTTON_INDEX_3) {
+        return;
+    }
+    // The press has given this window the pointer until the release. Qt takes the pointer for its menus through the
+    // input extension, which the server refuses while a core grab stands: the menu would not see the mouse.
+    xcb_ungrab_pointer(XConnection::get(), XCB_CURRENT_TIME);
+    xcb_flush(XConnection::get());
+    RootProperties::hear(this, [this, button] {
+        // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
+        // opened by an earlier press of the same turn, or that could not get hold of the pointer.
+        if (QApplication::activePopupWidget()) {
+            closePopups();
+        } else if (button == XCB_BUTTON_INDEX_1) {
+            Q_EMIT pressed();
+        }
+    });
+}
+
+void TrayIconWindow::showToolTip()
+{
+    if (!m_look.toolTip.isEmpty() && !QApplication::activePopupWidget()) {
+        QToolTip::showText(QCursor::pos(), m_look.toolTip);
+        m_toolTipShown = true;
+    }
+}
+
+void TrayIconWindow::hideToolTip()
+{
+    m_toolTipDelay.stop();
+    if (m_toolTipShown) {
+        QToolTip::hideText();
+        m_toolTipShown = false;
+    }
+}
+
+void TrayIconWindow::setNames()
+{
+    const QByteArray name = m_look.title.isEmpty() ? className : m_look.title.toUtf8();
+    const auto set = [this, &name](xcb_atom_t property, xcb_atom_t type) {
+        ignoreError(xcb_change_property_checked(XConnection::get(), XCB_PROP_MODE_REPLACE, m_window, property, type, 8,
+                                                static_cast<std::uint32_t>(name.size()), name.constData()));
+    };
+    set(XCB_ATOM_WM_NAME, XConnection::atom("UTF8_STRING"));
+    set(XConnection::atom("_NET_WM_NAME"), XConnection::atom("UTF8_STRING"));
+    xcb_flush(XConnection::get());
+}
+
+void TrayIconWindow::paint()
+{
+    const int side = std::min(m_geometry.width(), m_geometry.height());
+    if (!m_mapped || side <= 0) {
+        return;
+    }
+    xcb_connection_t *x = XConnection::get();
+    const QRect area((m_geometry.width() - side) / 2, (m_geometry.height() - side) / 2, side, side);
+    ignoreError(xcb_clear_area_checked(x, false, m_window, 0, 0, 0, 0));
+    QImage canvas = background(area);
+    if (canvas.isNull()) {
+        return;
+    }
+    QPainter painter(&canvas);
+    painter.drawImage(QPoint(0, 0), drawIcon(m_look.image, side, m_look.iconLook()));
+    painter.end();
+
+    const xcb_gcontext_t context = xcb_generate_id(x);
+    ignoreError(xcb_create_gc_checked(x, context, m_window, 0, nullptr));
+    ignoreError(xcb_put_image_checked(x, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, context, static_cast<std::uint16_t>(side),
+                                      static_cast<std::uint16_t>(side), static_cast<std::int16_t>(area.x()),
+                                      static_cast<std::int16_t>(area.y()), 0, m_visual.depth,
+                                      static_cast<std::uint32_t>(canvas.sizeInBytes()), canvas.constBits()));
+    ignoreError(xcb_free_gc_checked(x, context));
+    xcb_flush(x);
+}
+
+QImage TrayIconWindow::background(const QRect &area) const
+{
+    QImage canvas(area.size(), m_visual.format);
+    if (m_kind == Kind::Alone) {
+        canvas.fill(plateColour);
+        return canvas;
+    }
+    if (m_visual.isTranslucent()) {
+        canvas.fill(Qt::transparent);
+        return canvas;
+    }
+    xcb_connection_t *x = XConnection::get();
+    const auto cookie = xcb_get_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, static_cast<std::int16_t>(area.x()),
+                                      static_cast<std::int16_t>(area.y()), static_cast<std::uint16_t>(area.width()),
+                                      static_cast<std::uint16_t>(area.height()), ~0U);
+    const XcbReply<xcb_get_image_reply_t> image(xcb_get_image_reply(x, cookie, nullptr));
+    // Refused while a part of the window is off the screen; it is exposed, and painted, when it comes back.
+    if (!image || xcb_get_image_data_length(image.get()) < canvas.sizeInBytes()) {
+        return {};
+    }
+    std::memcpy(canvas.bits(), xcb_get_image_data(image.get()), static_cast<std::size_t>(canvas.sizeInBytes()));
+    return canvas;
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "platform/linux/item/StatusItemLook.h"
+#include "platform/linux/screen/XVisual.h"
+
+#include <QAbstractNativeEventFilter>
+#include <QObject>
+#include <QRect>
+#include <QTimer>
+
+#include <memory>
+#include <optional>
+
+/// The X window that is a status item: docked in a tray by the freedesktop.org System Tray protocol, or standing alone
+/// on the screen. One window is for one tray: it ends with it, since the next may want another visual.
+///
+/// It is a plain window on Qt's connection and no QWidget: a tray names the visual, and a window without transparency
+/// has to mix its icon with the panel's background itself. Needs X; main thread only.
+class TrayIconWindow final : public QObject, private QAbstractNativeEventFilter
+{
+    Q_OBJECT
+
+public:
+    /// A window that asks the owner of the tray selection to take it in. `side` is its size, in device pixels, until
+    /// the tray decides. Null when the tray's visual cannot be painted.
+    [[nodiscard]] static std::unique_ptr<TrayIconWindow> dockedIn(xcb_window_t tray, int side);
+    /// A window that stands alone at `place` (device pixels of the root window), above the others.
+    [[nodiscard]] static std::unique_ptr<TrayIconWindow> standingAt(const QRect &place);
+
+    ~TrayIconWindow() override;
+
+    void setLook(const StatusItemLook &look);
+    /// Moves a window that stands alone.
+    void moveTo(const QRect &place);
+
+    /// Where the window is on the root window, in device pixels, as the server has it now; nothing while it is not on
+    /// screen or, for a docked one, not (or no longer) inside its tray.
+    [[nodiscard]] std::optional<QRect> place() const;
+
+Q_SIGNALS:
+    /// The primary button went down on it. From the event loop. A press that only closed an open menu is not told.
+    void pressed();
+    /// The tray has put the window out, or has taken it along at its end. From the event loop.
+    void undocked();
+
+private:
+    enum class Kind { Docked, Alone };
+
+    TrayIconWindow(Kind kind, const XVisual &visual, const QRect &place);
+
+    bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
+    void handleEvent(const xcb_generic_event_t *event);
+    void handleReparent(xcb_window_t parent);
+    void handlePress(xcb_button_t button);
+    void showToolTip();
+    void hideToolTip();
+    void setUndocked();
+    void requestDock(xcb_window_t tray);
+    void setNames();
+    void paint();
+    [[nodiscard]] QImage background(const QRect &area) const;
+
+    const Kind m_kind;
+    const XVisual m_visual;
+    xcb_window_t m_window = XCB_NONE;
+    xcb_colormap_t m_colormap = XCB_NONE;
+    QRect m_geometry; ///< Within its parent.
+    bool m_mapped = false;
+    bool m_embedded = false;
+    StatusItemLook m_look;
+    QTimer m_toolTipDelay;
+    bool m_toolTipShown = false;
+};

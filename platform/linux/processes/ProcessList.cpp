@@ -1,0 +1,143 @@
+#include "platform/linux/include/ExecutableName.h"
+#include "platform/linux/processes/RunningProcess.h"
+#include "platform/linux/processes/TrayHost.h"
+
+#include <Carbon/Processes.h>
+#include <QByteArray>
+#include <QFile>
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+QString folderOf(pid_t pid)
+{
+    return QStringLiteral("/proc/%1").arg(pid);
+}
+
+/// All process IDs, ascending.
+std::vector<UInt32> allProcesses()
+{
+    std::vector<UInt32> found;
+    // Not by QDir, which looks into every entry.
+    std::error_code error;
+    const std::filesystem::directory_iterator end;
+    for (std::filesystem::directory_iterator entry("/proc", error); !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        UInt32 number = 0;
+        const auto [rest, failure] = std::from_chars(name.data(), name.data() + name.size(), number);
+        if (failure == std::errc() && rest == name.data() + name.size() && number != kNoProcess) {
+            found.push_back(number);
+        }
+    }
+    std::sort(found.begin(), found.end());
+    return found;
+}
+
+bool isOurs(pid_t pid)
+{
+    struct stat folder {
+    };
+    return ::stat(QFile::encodeName(folderOf(pid)).constData(), &folder) == 0 && folder.st_uid == ::geteuid();
+}
+
+std::optional<pid_t> runningProcess(const ProcessSerialNumber &psn)
+{
+    pid_t pid = 0;
+    return GetProcessPID(&psn, &pid) == noErr ? std::optional(pid) : std::nullopt;
+}
+
+/// A length byte, then at most 31 bytes.
+void copyAsPascalString(const QByteArray &text, unsigned char *to)
+{
+    const qsizetype length = std::min<qsizetype>(text.size(), 31);
+    *to = static_cast<unsigned char>(length);
+    std::memcpy(to + 1, text.constData(), static_cast<std::size_t>(length));
+}
+
+struct Release {
+    void operator()(CFStringRef object) const { CFRelease(object); }
+};
+
+} // namespace
+
+OSErr GetNextProcess(ProcessSerialNumber *psn)
+{
+    if (!psn) {
+        return paramErr;
+    }
+    if (psn->highLongOfPSN != 0) {
+        return procNotFound;
+    }
+    // Read once for a whole pass: a terminal server runs thousands of processes, and each step would read them all.
+    static std::vector<UInt32> pass;
+    if (psn->lowLongOfPSN == kNoProcess || pass.empty()) {
+        pass = allProcesses();
+    }
+    const auto rest = std::ranges::upper_bound(pass, psn->lowLongOfPSN);
+    const auto next = std::find_if(rest, pass.end(), [](UInt32 number) {
+        const auto pid = static_cast<pid_t>(number);
+        return isOurs(pid) && isRunningProcess(pid);
+    });
+    if (next == pass.end()) {
+        pass = {};
+        return procNotFound;
+    }
+    *psn = {0, *next};
+    return noErr;
+}
+
+OSErr GetProcessInformation(const ProcessSerialNumber *psn, ProcessInfoRec *info)
+{
+    if (!psn || !info || info->processInfoLength != sizeof *info) {
+        return paramErr;
+    }
+    const std::optional<pid_t> pid = runningProcess(*psn);
+    if (!pid) {
+        return procNotFound;
+    }
+    const bool isDock = *pid == trayHost();
+    info->processNumber = *psn;
+    info->processType = isDock ? fourCharCode("APPL") : 0;
+    info->processSignature = isDock ? fourCharCode("dock") : 0;
+    info->processMode = 0;
+    if (info->processName) {
+        copyAsPascalString(executableName(*pid), info->processName);
+    }
+    return noErr;
+}
+
+CFDictionaryRef ProcessInformationCopyDictionary(const ProcessSerialNumber *psn, UInt32)
+{
+    const std::optional<pid_t> pid = psn ? runningProcess(*psn) : std::nullopt;
+    if (!pid) {
+        return nullptr;
+    }
+    const QByteArray name = executableName(*pid);
+    const std::unique_ptr<const __CFString, Release> bundleName(
+        CFStringCreateWithCString(kCFAllocatorDefault, name.constData(), kCFStringEncodingUTF8));
+    std::vector<const void *> keys;
+    std::vector<const void *> values;
+    if (bundleName) {
+        keys.push_back(CFSTR("CFBundleName"));
+        values.push_back(bundleName.get());
+    }
+    if (*pid == trayHost()) {
+        keys.push_back(CFSTR("CFBundleIdentifier"));
+        values.push_back(CFSTR("com.apple.dock"));
+    }
+    return CFDictionaryCreate(kCFAllocatorDefault, keys.data(), values.data(), static_cast<CFIndex>(keys.size()),
+                              &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+}

@@ -1,0 +1,93 @@
+#include "platform/linux/include/MainDisplay.h"
+
+#include "platform/linux/include/XConnection.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+
+#include <algorithm>
+#include <map>
+#include <vector>
+
+std::optional<std::size_t> pickMainOutput(xcb_randr_output_t primary, std::span<const DisplayOutput> outputs)
+{
+    const auto shows = [](const DisplayOutput &output) { return output.connected && output.crtc != XCB_NONE; };
+    auto chosen = std::ranges::find_if(
+        outputs, [&](const DisplayOutput &output) { return output.output == primary && shows(output); });
+    if (chosen == outputs.end()) {
+        chosen = std::ranges::find_if(outputs, shows);
+    }
+    if (chosen == outputs.end()) {
+        return std::nullopt;
+    }
+    return chosen - outputs.begin();
+}
+
+std::optional<MainDisplay> mainDisplay()
+{
+    xcb_connection_t *x = XConnection::get();
+    const xcb_screen_t *screen = XConnection::screen();
+    return x && screen ? mainDisplay(x, screen->root) : std::nullopt;
+}
+
+std::optional<MainDisplay> mainDisplay(xcb_connection_t *x, xcb_window_t root)
+{
+    if (!xcb_get_extension_data(x, &xcb_randr_id)->present) {
+        return std::nullopt;
+    }
+    const auto resourcesCookie = xcb_randr_get_screen_resources_current(x, root);
+    const auto primaryCookie = xcb_randr_get_output_primary(x, root);
+    const XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
+        xcb_randr_get_screen_resources_current_reply(x, resourcesCookie, nullptr));
+    const XcbReply<xcb_randr_get_output_primary_reply_t> primary(
+        xcb_randr_get_output_primary_reply(x, primaryCookie, nullptr));
+    if (!resources) {
+        return std::nullopt;
+    }
+
+    // All at once: a pop-up waits for these answers, and a round to the server and back takes longer than they do.
+    const std::span<const xcb_randr_output_t> ids(
+        xcb_randr_get_screen_resources_current_outputs(resources.get()),
+        static_cast<std::size_t>(xcb_randr_get_screen_resources_current_outputs_length(resources.get())));
+    std::vector<xcb_randr_get_output_info_cookie_t> outputCookies;
+    for (const xcb_randr_output_t id : ids) {
+        outputCookies.push_back(xcb_randr_get_output_info(x, id, resources->config_timestamp));
+    }
+    const std::span<const xcb_randr_crtc_t> crtcs(
+        xcb_randr_get_screen_resources_current_crtcs(resources.get()),
+        static_cast<std::size_t>(xcb_randr_get_screen_resources_current_crtcs_length(resources.get())));
+    std::vector<xcb_randr_get_crtc_info_cookie_t> crtcCookies;
+    for (const xcb_randr_crtc_t crtc : crtcs) {
+        crtcCookies.push_back(xcb_randr_get_crtc_info(x, crtc, resources->config_timestamp));
+    }
+
+    std::vector<DisplayOutput> outputs;
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        const XcbReply<xcb_randr_get_output_info_reply_t> info(
+            xcb_randr_get_output_info_reply(x, outputCookies[i], nullptr));
+        if (info) {
+            outputs.push_back({ids[i], info->crtc, info->connection == XCB_RANDR_CONNECTION_CONNECTED});
+        }
+    }
+    std::map<xcb_randr_crtc_t, QRect> bounds;
+    for (std::size_t i = 0; i < crtcs.size(); ++i) {
+        const XcbReply<xcb_randr_get_crtc_info_reply_t> info(xcb_randr_get_crtc_info_reply(x, crtcCookies[i], nullptr));
+        if (info) {
+            bounds[crtcs[i]] = QRect(info->x, info->y, info->width, info->height);
+        }
+    }
+
+    const std::optional<std::size_t> chosen = pickMainOutput(primary ? primary->output : XCB_NONE, outputs);
+    if (!chosen || !bounds.contains(outputs[*chosen].crtc)) {
+        return std::nullopt;
+    }
+    const DisplayOutput &output = outputs[*chosen];
+    return MainDisplay{output.output, output.crtc, bounds[output.crtc]};
+}
+
+ScreenCoordinates screenCoordinates()
+{
+    const std::optional<MainDisplay> display = mainDisplay();
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return {display ? display->bounds : QRect(), screen ? screen->devicePixelRatio() : 1.0};
+}

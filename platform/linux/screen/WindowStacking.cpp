@@ -1,0 +1,12 @@
+#include "platform/WindowStacking.h"
+
+#include "platform/linux/include/XConnection.h"
+
+void bringToFront(QWidget &window)
+{
+    window.raise();
+    // Qt sends requests off when it next reads events, and a program in the background may get none.
+    if (xcb_connection_t *x = XConnection::get()) {
+        xcb_flush(x);
+    }
+}

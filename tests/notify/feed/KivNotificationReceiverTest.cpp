@@ -1,0 +1,658 @@
+#include "notify/feed/KivNotificationReceiver.h"
+
+#include "notify/record/KivNotification.h"
+#include "notify/record/NotificationSink.h"
+#include "notify/record/UndefinedKeyException.h"
+#include "notify/rules/KivNotificationProperties.h"
+#include "platform/Bundle.h"
+#include "platform/data/PropertyList.h"
+#include "tests/support/FeedServer.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QPointer>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+/// Catches what leaves a callback of the event loop, as the agent's own application object does.
+class CatchingApplication final : public QApplication
+{
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject *receiver, QEvent *event) override
+    {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const UndefinedKeyException &) {
+            ++caught;
+            return false;
+        }
+    }
+
+    static inline int caught = 0;
+};
+
+using Ids = std::vector<std::string>;
+
+class Sink final : public NotificationSink
+{
+public:
+    void enqueueNotification(const std::shared_ptr<KivNotification> &record) override
+    {
+        EXPECT_EQ(deliveries, ends + 1) << "outside a delivery";
+        ids.push_back(record->messageId().toStdString());
+    }
+
+    Ids ids;
+    int deliveries = 0;
+    int ends = 0;
+
+private:
+    void beginDelivery() override { ++deliveries; }
+    void endDelivery() noexcept override { ++ends; }
+};
+
+QByteArray feedWith(const QByteArray &id)
+{
+    return "<supportMessages><supportMessage><messageId>" + id + "</messageId></supportMessage></supportMessages>";
+}
+
+ScriptedAnswer answerWith(const QByteArray &body)
+{
+    return {.body = body};
+}
+
+QList<std::pair<QString, QString>> typed(const char *contentType)
+{
+    return {{QStringLiteral("Content-Type"), QString::fromLatin1(contentType)}};
+}
+
+/// The body as HTTP's "deflate" has it, which is zlib's format (RFC 9110, section 8.4.1.2).
+ScriptedAnswer compressed(const QByteArray &body)
+{
+    constexpr qsizetype sizeInFrontOfZlibs = 4;
+    return {.headers = typed("text/xml") + QList<std::pair<QString, QString>>{{QStringLiteral("Content-Encoding"),
+                                                                               QStringLiteral("deflate")}},
+            .body = qCompress(body).mid(sizeInFrontOfZlibs)};
+}
+
+/// While it lives, programs started from here have that variable.
+class Variable final
+{
+public:
+    Variable(const char *name, const QString &value)
+        : m_name(name)
+    {
+        qputenv(name, value.toLocal8Bit());
+    }
+    ~Variable() { qunsetenv(m_name); }
+    Variable(const Variable &) = delete;
+    Variable &operator=(const Variable &) = delete;
+
+private:
+    const char *m_name;
+};
+
+constexpr char trustedCertificate[] = "KIV_TRUSTED_CERTIFICATE"; ///< Read by fetch_of_the_test.
+constexpr char applicationProxy[] = "KIV_APPLICATION_PROXY";     ///< As well.
+
+class KivNotificationReceiverTest : public testing::Test
+{
+protected:
+    /// A receiver whose feed is a server that answers so.
+    void serve(const QList<ScriptedAnswer> &answers, FeedTiming timing = {})
+    {
+        ASSERT_TRUE(server.start(answers));
+        receiveFrom(server.address(QStringLiteral("/feed/messages")), timing);
+    }
+
+    void receiveFrom(const QString &address, FeedTiming timing = {})
+    {
+        const QVariantMap info{{QStringLiteral("KIVSupportMessages"), address},
+                               {QStringLiteral("KIVBuildVersion"), QStringLiteral("3.2.1")},
+                               {QStringLiteral("KIVBuildDate"), QStringLiteral("20110520")}};
+        const QVariantMap system{{QStringLiteral("ProductVersion"), QStringLiteral("10.6.8")}};
+        ASSERT_TRUE(PropertyList::writeFile(directory.filePath(QStringLiteral("Info.plist")), info,
+                                            PropertyList::Writing::InPlace));
+        const QString systemVersionFile = directory.filePath(QStringLiteral("SystemVersion.plist"));
+        ASSERT_TRUE(PropertyList::writeFile(systemVersionFile, system, PropertyList::Writing::InPlace));
+        QFile::link(QStringLiteral(KIV_FETCH_OF_THE_TEST), fetch()); // Unless it is there.
+        bundle.emplace(directory.path());
+        const UserDatabase nobody{.loginName = [] { return std::nullopt; },
+                                  .groupMembers = [](const std::string &) { return std::vector<std::string>(); }};
+        properties.emplace(*bundle, directory.path(), systemVersionFile, nobody, &QDateTime::currentDateTimeUtc);
+        receiver.emplace(*properties, *bundle, sink, timing);
+    }
+
+    QString fetch() const { return directory.filePath(QStringLiteral("kivfetch")); }
+
+    void putInPlaceOfFetch(const QByteArray &shellScript) const
+    {
+        QFile::remove(fetch());
+        QFile file(fetch());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("#!/bin/sh\n" + shellScript + '\n');
+        ASSERT_TRUE(file.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    }
+
+    /// Sends a request and waits until it has ended.
+    void receive()
+    {
+        receiver->receiveNextNotification();
+        ASSERT_NE(receiver->connection(), nullptr);
+        ASSERT_TRUE(waitUntil([this] { return !receiver->connection() || receiver->connection()->isFinished(); }));
+        QCoreApplication::sendPostedEvents(&*receiver); // It may not have heard of the end yet.
+    }
+
+    /// A self-signed certificate for 127.0.0.1 and its key, in a PEM file.
+    QString makeCertificate() const
+    {
+        QString file = directory.filePath(QStringLiteral("server.pem"));
+        const QString command =
+            QStringLiteral("req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj /CN=feed "
+                           "-addext subjectAltName=IP:127.0.0.1 -keyout %1 -out %1")
+                .arg(file);
+        EXPECT_EQ(QProcess::execute(QStringLiteral("openssl"), command.split(u' ')), 0);
+        return file;
+    }
+
+    bool wasCancelled() const { return receiver->connection() && receiver->connection()->isFinished(); }
+
+    QTemporaryDir directory;
+    FeedServer server;
+    std::optional<Bundle> bundle;
+    std::optional<KivNotificationProperties> properties;
+    Sink sink;
+    std::optional<KivNotificationReceiver> receiver;
+};
+
+TEST_F(KivNotificationReceiverTest, AsksAsItsInstallationAndUser)
+{
+    serve({answerWith(feedWith("1"))});
+    receive();
+    const QList<QJsonObject> requests = server.requests();
+    ASSERT_EQ(requests.size(), 1);
+    EXPECT_EQ(requests.first().value(QLatin1String("line")).toString().toStdString(),
+              "GET /feed/messages?product=kivunets&version=3.2.1&build_date=20110520&system=osx&sysver=10.6.8"
+              "&level=user&license=paid&lastId=0&limit=5 HTTP/1.1");
+}
+
+TEST_F(KivNotificationReceiverTest, AsksForWhatFollowsTheLastMessage)
+{
+    serve({answerWith(feedWith("1"))});
+    properties->saveLastMessID(QStringLiteral("50% a&b"));
+    receive();
+    ASSERT_EQ(server.requests().size(), 1);
+    const QString line = server.requests().first().value(QLatin1String("line")).toString();
+    EXPECT_TRUE(line.contains(QLatin1String("&license=paid&lastId=50%25%20a&b&limit=5 "))) << line.toStdString();
+}
+
+TEST_F(KivNotificationReceiverTest, HandsTheRecordsOverInTheirOrder)
+{
+    serve({answerWith("<supportMessages><supportMessage><messageId>2</messageId></supportMessage>"
+                      "<supportMessage><messageId>1</messageId></supportMessage></supportMessages>")});
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"2", "1"}));
+    EXPECT_EQ(sink.deliveries, 1) << "in one delivery";
+    EXPECT_EQ(sink.ends, 1);
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(receiver->notification(), nullptr);
+}
+
+TEST_F(KivNotificationReceiverTest, TakesAnyTypeThatEndsInXml)
+{
+    serve({{.headers = typed("text/xml"), .body = feedWith("1")},
+           {.headers = typed("application/xml"), .body = feedWith("2")},
+           {.headers = {{QStringLiteral("CONTENT-TYPE"), QStringLiteral("anything/xml")}}, .body = feedWith("3")}});
+    for (int i = 0; i < 3; ++i) {
+        receive();
+    }
+    EXPECT_EQ(sink.ids, (Ids{"1", "2", "3"}));
+}
+
+TEST_F(KivNotificationReceiverTest, CancelsAnyOtherType)
+{
+    const QList<QList<std::pair<QString, QString>>> refused = {
+        typed("text/xml; charset=utf-8"),
+        typed("text/xml;"),
+        typed("text/html"),
+        typed("text/XML"),
+        typed("application/rss+xml"),
+        typed("xml"),
+        {},
+    };
+    QList<ScriptedAnswer> answers;
+    for (const auto &headers : refused) {
+        answers.append({.headers = headers, .body = feedWith("0")});
+    }
+    answers.append(answerWith(feedWith("1")));
+    serve(answers);
+    for (qsizetype i = 0; i < refused.size(); ++i) {
+        receive();
+        EXPECT_TRUE(wasCancelled()) << i;
+    }
+    receive(); // Nothing of what was refused is in its way.
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, CancelsAnyStatusButTwoHundred)
+{
+    const QList<int> refused = {201, 204, 302, 304, 400, 401, 404, 407, 500, 503};
+    QList<ScriptedAnswer> answers;
+    for (const int status : refused) {
+        answers.append({.status = status, .body = status == 204 || status == 304 ? QByteArray() : feedWith("0")});
+    }
+    answers.append(answerWith(feedWith("1")));
+    serve(answers);
+    for (const int status : refused) {
+        receive();
+        EXPECT_TRUE(wasCancelled()) << status;
+    }
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, ClosesTheConnectionOfACancelledRequestAndHoldsItUntilTheNext)
+{
+    serve({{.status = 404, .body = feedWith("0"), .mutedFrom = 10}, {.body = feedWith("1"), .gated = true}});
+    receive();
+    EXPECT_TRUE(waitUntil([this] { return server.closedByClient() == QList{0}; }));
+    ASSERT_TRUE(wasCancelled());
+
+    const QPointer<const QObject> cancelled = receiver->connection();
+    receiver->receiveNextNotification();
+    EXPECT_NE(receiver->connection(), cancelled);
+    EXPECT_TRUE(waitUntil([&] { return !cancelled; }));
+    server.open(1);
+    EXPECT_TRUE(waitUntil([this] { return sink.ids == Ids{"1"}; }));
+}
+
+TEST_F(KivNotificationReceiverTest, FollowsARedirect)
+{
+    serve({{.status = 302,
+            .headers = {{QStringLiteral("Location"), QStringLiteral("/moved?a=b")}},
+            .body = "<html>elsewhere</html>"},
+           answerWith(feedWith("1"))});
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+    ASSERT_EQ(server.requests().size(), 2);
+    EXPECT_EQ(server.requests().last().value(QLatin1String("line")).toString().toStdString(),
+              "GET /moved?a=b HTTP/1.1");
+}
+
+TEST_F(KivNotificationReceiverTest, FollowsNoRedirectToAFileNorInCircles)
+{
+    QFile secret(directory.filePath(QStringLiteral("secret.xml")));
+    ASSERT_TRUE(secret.open(QIODevice::WriteOnly) && secret.write(feedWith("secret")) > 0);
+    secret.close();
+    serve({{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("file://") + secret.fileName()}}},
+           {.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/feed/messages")}}}});
+    for (int i = 0; i < 2; ++i) {
+        receive();
+    }
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, FetchesOverTls)
+{
+    const QString certificate = makeCertificate();
+    const Variable trust(trustedCertificate, certificate);
+    ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, certificate));
+    receiveFrom(server.address(QStringLiteral("/feed")));
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, AsksNothingOfAServerThatItCannotTrust)
+{
+    ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, makeCertificate()));
+    receiveFrom(server.address(QStringLiteral("/feed")));
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(server.requests(), QList<QJsonObject>());
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, FollowsNoRedirectFromTlsToPlainHttp)
+{
+    FeedServer plain;
+    ASSERT_TRUE(plain.start({answerWith(feedWith("1"))}));
+    const QString certificate = makeCertificate();
+    const Variable trust(trustedCertificate, certificate);
+    ASSERT_TRUE(server.startSecurely(
+        {{.status = 302, .headers = {{QStringLiteral("Location"), plain.address(QStringLiteral("/feed"))}}}},
+        certificate));
+    receiveFrom(server.address(QStringLiteral("/feed")));
+    receive();
+    EXPECT_EQ(server.requests().size(), 1);
+    EXPECT_EQ(plain.requests(), QList<QJsonObject>());
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, TakesABodyInPiecesOfOneByte)
+{
+    serve({{.body = feedWith("1"), .pieces = 1}});
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, KeepsTheBytesOfAConnectionCutInTheMiddle)
+{
+    const QByteArray whole = "<supportMessages><supportMessage><messageId>1</messageId></supportMessage>"
+                             "<supportMessage><messageId>2</messageId></supportMessage></supportMessages>";
+    const int middle = static_cast<int>(whole.lastIndexOf("<messageId>"));
+    serve({{.body = whole, .cutAfter = middle}, answerWith(whole.mid(middle))});
+    receive();
+    EXPECT_EQ(sink.ids, Ids()); // Nothing is parsed yet.
+    EXPECT_EQ(receiver->connection(), nullptr);
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1", "2"}));
+}
+
+TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComes)
+{
+    serve({{.gated = true}, answerWith(feedWith("1"))}, {.timeOut = 200ms});
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComesAfterARedirect)
+{
+    serve({{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}}, {.gated = true}},
+          {.timeOut = 200ms});
+    receive();
+    EXPECT_EQ(server.requests().size(), 2);
+    EXPECT_EQ(receiver->connection(), nullptr);
+}
+
+TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatFallsSilent)
+{
+    serve({{.body = feedWith("1"), .mutedFrom = 20}}, {.timeOut = 200ms});
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(sink.ids, Ids());
+    EXPECT_TRUE(waitUntil([this] { return server.closedByClient() == QList{0}; }));
+}
+
+TEST_F(KivNotificationReceiverTest, WaitsForASlowAnswerThatGoesOn)
+{
+    const ScriptedAnswer slow{.body = feedWith("1"), .pieces = 10, .pause = 80};
+    const FeedTiming timing{.timeOut = 1s};
+    serve({slow}, timing);
+    QElapsedTimer clock;
+    clock.start();
+    receive();
+    EXPECT_GT(clock.elapsed(), 1000) << "it was no test of the time-out";
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, FailsQuietlyWhereNobodyListens)
+{
+    receiveFrom(QStringLiteral("http://127.0.0.1:1/feed"));
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, SendsNothingToWhatIsNoWebAddress)
+{
+    QFile file(directory.filePath(QStringLiteral("feed.xml")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(feedWith("1")) > 0);
+    file.close();
+    for (const QString &address : {QString(), QStringLiteral("feed"), QStringLiteral("file://") + file.fileName()}) {
+        receiveFrom(address);
+        receiver->receiveNextNotification();
+        EXPECT_EQ(receiver->connection(), nullptr) << address.toStdString();
+    }
+}
+
+TEST_F(KivNotificationReceiverTest, CancelsNeitherOfTwoRequestsInFlight)
+{
+    serve({{.body = feedWith("1"), .gated = true}, {.body = feedWith("2"), .gated = true}});
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 2; }));
+    server.open(1);
+    ASSERT_TRUE(waitUntil([this] { return sink.ids == Ids{"2"}; }));
+    server.open(0);
+    EXPECT_TRUE(waitUntil([this] { return sink.ids == Ids{"2", "1"}; }));
+    EXPECT_EQ(server.closedByClient(), QList<int>());
+}
+
+TEST_F(KivNotificationReceiverTest, LetsGoOfACancelledRequestWhenAnEarlierOneEnds)
+{
+    serve({{.body = feedWith("1"), .gated = true}, {.status = 404, .body = feedWith("2")}});
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return wasCancelled(); }));
+    const QPointer<const QObject> cancelled = receiver->connection();
+    server.open(0);
+    ASSERT_TRUE(waitUntil([this] { return sink.ids == Ids{"1"}; }));
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_TRUE(waitUntil([&] { return !cancelled; }));
+}
+
+TEST_F(KivNotificationReceiverTest, CancelsAnEarlierRequestWithoutTheLaterOne)
+{
+    serve({{.status = 404, .gated = true}, {.body = feedWith("2"), .gated = true}});
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
+    const QPointer<const QObject> earlier = receiver->connection();
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 2; }));
+    const QPointer<const QObject> later = receiver->connection();
+    server.open(0);
+    EXPECT_TRUE(waitUntil([&] { return !earlier; }));
+    EXPECT_EQ(receiver->connection(), later);
+    EXPECT_NE(later, nullptr);
+    server.open(1);
+    EXPECT_TRUE(waitUntil([this] { return sink.ids == Ids{"2"}; }));
+}
+
+TEST_F(KivNotificationReceiverTest, AppendsTheNextAnswerToAMalformedOne)
+{
+    const QByteArray malformed = "<supportMessages><supportMessage><messageId>1</messageId></supportMessage>";
+    serve({answerWith(malformed), answerWith("</supportMessages>"), answerWith(feedWith("2"))});
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+    receive(); // Now it is a document.
+    EXPECT_EQ(sink.ids, (Ids{"1", "1"}));
+    receive(); // And forgotten.
+    EXPECT_EQ(sink.ids, (Ids{"1", "1", "2"}));
+}
+
+TEST_F(KivNotificationReceiverTest, StaysStuckBehindADocumentThatNothingCanComplete)
+{
+    serve({answerWith("<a><supportMessage><messageId>1</messageId></supportMessage></b>"), answerWith(feedWith("2"))});
+    receive();
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1", "1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, KeepsTheBytesWhenAnExceptionLeavesTheParse)
+{
+    CatchingApplication::caught = 0;
+    serve({answerWith("<a><supportMessage><messageId>1</messageId></supportMessage>"
+                      "<supportMessage><unheard>of</unheard></supportMessage></a>"),
+           answerWith(feedWith("2"))});
+    for (int request = 1; request <= 2; ++request) {
+        receive();
+        EXPECT_EQ(CatchingApplication::caught, request);
+        EXPECT_EQ(sink.ends, request) << "the delivery has no end";
+        EXPECT_EQ(receiver->connection(), nullptr);
+    }
+    EXPECT_EQ(sink.ids, (Ids{"1", "1"})); // The first document's, twice.
+}
+
+TEST_F(KivNotificationReceiverTest, TakesSixteenMebibytesAndCancelsOneByteMore)
+{
+    constexpr qsizetype most = 16 * 1024 * 1024;
+    const auto sized = [](const QByteArray &id, qsizetype size) {
+        const QByteArray document = feedWith(id);
+        return answerWith(document + QByteArray(size - document.size(), ' '));
+    };
+    serve({sized("1", most), sized("2", most + 1), answerWith(feedWith("3"))});
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+    receive();
+    EXPECT_TRUE(wasCancelled());
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+    receive(); // What was kept of it is gone.
+    EXPECT_EQ(sink.ids, (Ids{"1", "3"}));
+}
+
+TEST_F(KivNotificationReceiverTest, TakesACompressedAnswer)
+{
+    serve({compressed(feedWith("1"))});
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, CountsTheBytesOfACompressedAnswerAsTheyAre)
+{
+    const QByteArray document = feedWith("1");
+    serve({compressed(document + QByteArray(16 * 1024 * 1024, ' ')), answerWith(feedWith("2"))});
+    receive();
+    EXPECT_EQ(sink.ids, Ids());
+    receive(); // What was kept of it is gone.
+    EXPECT_EQ(sink.ids, (Ids{"2"}));
+}
+
+TEST_F(KivNotificationReceiverTest, CountsTheBytesKeptOfEarlierAnswers)
+{
+    const QByteArray half = "<a>" + QByteArray(9 * 1024 * 1024, ' ');
+    serve({answerWith(half), answerWith(half), answerWith(feedWith("1"))});
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    receive();
+    EXPECT_TRUE(wasCancelled());
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, FetchesAtOnceAndThenAtEveryInterval)
+{
+    serve({answerWith(feedWith("1")), answerWith(feedWith("2")), answerWith(feedWith("3"))}, {.interval = 300ms});
+    QElapsedTimer clock;
+    clock.start();
+    receiver->recieveNotifications();
+    EXPECT_EQ(receiver->connection(), nullptr); // Not before the event loop has a turn.
+    ASSERT_TRUE(waitUntil([this] { return sink.ids.size() == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return sink.ids.size() >= 3; }));
+    EXPECT_GE(clock.elapsed(), 600);
+    EXPECT_EQ(Ids(sink.ids.begin(), sink.ids.begin() + 3), (Ids{"1", "2", "3"}));
+}
+
+TEST_F(KivNotificationReceiverTest, FetchesDailyUnlessToldOtherwise)
+{
+    EXPECT_EQ(requestTimeInterval, 86400.0);
+    EXPECT_EQ(FeedTiming().interval, 24h);
+    EXPECT_EQ(FeedTiming().timeOut, 60s);
+}
+
+TEST_F(KivNotificationReceiverTest, SendsNoCookiesBack)
+{
+    serve({{.headers = typed("text/xml") + QList<std::pair<QString, QString>>{{QStringLiteral("Set-Cookie"),
+                                                                               QStringLiteral("a=b; Path=/")}},
+            .body = feedWith("1")},
+           answerWith(feedWith("2"))});
+    receive();
+    receive();
+    ASSERT_EQ(server.requests().size(), 2);
+    EXPECT_FALSE(server.requests().last().value(QLatin1String("headers")).toObject().contains(QLatin1String("cookie")));
+}
+
+TEST_F(KivNotificationReceiverTest, GoesByNoProxy)
+{
+    ASSERT_TRUE(server.start({answerWith(feedWith("1"))}));
+    const QString port = QString::number(QUrl(server.address(QString())).port());
+    const Variable proxy(applicationProxy, port);
+    // This machine, too, but not by a name that Qt would never go to a proxy for. Nobody listens there.
+    receiveFrom(QStringLiteral("http://0.0.0.0:1/feed"));
+    receive();
+    EXPECT_EQ(server.requests(), QList<QJsonObject>());
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, FailsQuietlyWithoutTheProgramThatFetches)
+{
+    serve({answerWith(feedWith("1"))});
+    ASSERT_TRUE(QFile::remove(fetch()));
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    QFile other(fetch());
+    ASSERT_TRUE(other.open(QIODevice::WriteOnly)); // No program at all.
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, FailsQuietlyWhenAnotherProgramAnswers)
+{
+    serve({answerWith(feedWith("1"))});
+    putInPlaceOfFetch("echo nonsense; echo '" + feedWith("1") + "'; exec sleep 60");
+    receive();
+    EXPECT_EQ(receiver->connection(), nullptr);
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, TellsOfACrashButNotOfAnEndByTheSignalsOfASessionsEnd)
+{
+    const std::pair<const char *, QByteArray> cases[] = {{"SEGV", "kivfetch has crashed"}, {"TERM", ""}, {"INT", ""}};
+    serve({answerWith(feedWith("1"))});
+    for (const auto &[signal, said] : cases) {
+        putInPlaceOfFetch(QByteArray("kill -") + signal + " $$");
+        static QByteArray heard;
+        heard.clear();
+        const QtMessageHandler before = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &message) { heard += message.toUtf8(); });
+        receive();
+        qInstallMessageHandler(before);
+        EXPECT_EQ(heard, said) << signal;
+        EXPECT_EQ(receiver->connection(), nullptr) << signal;
+    }
+}
+
+TEST_F(KivNotificationReceiverTest, KeepsNoConnectionThatHasEnded)
+{
+    serve({answerWith(feedWith("1"))});
+    receive();
+    EXPECT_TRUE(waitUntil([this] { return receiver->findChildren<FeedConnection *>().isEmpty(); }));
+}
+
+TEST_F(KivNotificationReceiverTest, EndsWithARequestInFlight)
+{
+    serve({{.body = feedWith("1"), .mutedFrom = 5}});
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return server.requests().size() == 1; }));
+    receiver.reset();
+    EXPECT_TRUE(waitUntil([this] { return server.closedByClient() == QList{0}; }));
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    QApplication::setDesktopSettingsAware(false);
+    CatchingApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}

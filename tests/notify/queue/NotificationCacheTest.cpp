@@ -1,0 +1,192 @@
+#include "notify/queue/NotificationCache.h"
+
+#include "platform/data/PropertyList.h"
+#include "tests/support/FullDisk.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+namespace
+{
+
+QVariantList listWith(const char *id)
+{
+    return {QVariantMap{{QStringLiteral("messageId"), QString::fromLatin1(id)}}};
+}
+
+class NotificationCacheTest : public testing::Test
+{
+protected:
+    [[nodiscard]] static struct stat status(const QString &path)
+    {
+        struct stat result = {};
+        EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &result), 0);
+        return result;
+    }
+    [[nodiscard]] static mode_t mode(const QString &path) { return status(path).st_mode & 0777; }
+
+    [[nodiscard]] static QByteArray contentOf(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    void put(const QByteArray &content) const
+    {
+        ASSERT_TRUE(QDir().mkpath(folder()));
+        QFile file(cache.path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        ASSERT_EQ(file.write(content), content.size());
+    }
+
+    [[nodiscard]] QString folder() const { return QFileInfo(cache.path()).path(); }
+    [[nodiscard]] QStringList files() const
+    {
+        return QDir(folder()).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name);
+    }
+
+    const QTemporaryDir home;
+    NotificationCache cache{home.path()};
+};
+
+TEST_F(NotificationCacheTest, LiesInTheUsersCaches)
+{
+    EXPECT_EQ(cache.path(), home.path() + QStringLiteral("/Library/Caches/com.tamborel.kivune/notifications.plist"));
+    EXPECT_FALSE(QFileInfo::exists(home.filePath(QStringLiteral("Library")))) << "made before anything is written";
+}
+
+TEST_F(NotificationCacheTest, ReadsBackWhatWasWritten)
+{
+    EXPECT_EQ(cache.read(), QVariantList());
+    ASSERT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(NotificationCache(home.path()).read(), listWith("1"));
+    ASSERT_TRUE(cache.write({}));
+    EXPECT_EQ(contentOf(cache.path()), PropertyList::toXml(QVariantList())) << "an empty queue is an empty array";
+    EXPECT_EQ(NotificationCache(home.path()).read(), QVariantList());
+}
+
+TEST_F(NotificationCacheTest, IsTheUsersAlone)
+{
+    const mode_t before = ::umask(0);
+    EXPECT_TRUE(cache.write(listWith("1")));
+    ::umask(before);
+    EXPECT_EQ(mode(cache.path()), 0600U);
+    EXPECT_EQ(mode(folder()), 0700U);
+}
+
+TEST_F(NotificationCacheTest, LocksUpAFileThatOthersCouldRead)
+{
+    ASSERT_TRUE(cache.write(listWith("1")));
+    ASSERT_EQ(::chmod(QFile::encodeName(cache.path()).constData(), 0644), 0);
+    EXPECT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(mode(cache.path()), 0600U);
+}
+
+TEST_F(NotificationCacheTest, DoesNotTouchAFileThatHoldsThisAlready)
+{
+    ASSERT_TRUE(cache.write(listWith("1")));
+    const ino_t before = status(cache.path()).st_ino;
+    EXPECT_TRUE(cache.write(listWith("1")));
+    EXPECT_TRUE(NotificationCache(home.path()).write(listWith("1")));
+    EXPECT_EQ(status(cache.path()).st_ino, before);
+    EXPECT_TRUE(cache.write(listWith("2")));
+    EXPECT_NE(status(cache.path()).st_ino, before);
+}
+
+TEST_F(NotificationCacheTest, WritesAgainWhatSomebodyHasTakenAway)
+{
+    ASSERT_TRUE(cache.write(listWith("1")));
+    ASSERT_TRUE(QDir(home.filePath(QStringLiteral("Library"))).removeRecursively());
+    EXPECT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(cache.read(), listWith("1"));
+}
+
+TEST_F(NotificationCacheTest, IsEmptyWhenTheFileHoldsNoArray)
+{
+    for (const QByteArray &content :
+         {QByteArray(), QByteArray("garbage"), QByteArray("<plist><array><string>cut"),
+          PropertyList::toXml(QVariantMap{{QStringLiteral("a"), 1}}), PropertyList::toXml(QStringLiteral("text"))}) {
+        put(content);
+        EXPECT_EQ(cache.read(), QVariantList()) << content.toStdString();
+    }
+}
+
+TEST_F(NotificationCacheTest, KeepsAFileThatItCannotMakeSenseOfUnderASecondNameOnce)
+{
+    put("not a list");
+    EXPECT_EQ(cache.read(), QVariantList());
+    ASSERT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(contentOf(cache.pathOfUnreadable()), "not a list");
+    EXPECT_EQ(cache.read(), listWith("1"));
+
+    ASSERT_TRUE(cache.write(listWith("2")));
+    EXPECT_EQ(contentOf(cache.pathOfUnreadable()), "not a list") << "a good file has taken its place";
+    EXPECT_EQ(files().size(), 2) << files().join(u' ').toStdString();
+}
+
+TEST_F(NotificationCacheTest, KeepsWhatSomebodyElsePutThereMeanwhile)
+{
+    ASSERT_TRUE(cache.write(listWith("1")));
+    put("another's");
+    ASSERT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(contentOf(cache.pathOfUnreadable()), "another's");
+    put(PropertyList::toXml(listWith("from another session")));
+    ASSERT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(contentOf(cache.pathOfUnreadable()), "another's") << "a list is nothing to keep";
+}
+
+TEST_F(NotificationCacheTest, LeavesTheOldFileWhenTheDiskIsFull)
+{
+    ASSERT_TRUE(cache.write(listWith("1")));
+    const QByteArray before = contentOf(cache.path());
+    {
+        const FullDisk disk(100);
+        EXPECT_FALSE(cache.write(listWith("2")));
+        EXPECT_EQ(contentOf(cache.path()), before);
+    }
+    EXPECT_EQ(files().size(), 1);
+    EXPECT_TRUE(cache.write(listWith("2"))) << "there is room again";
+}
+
+TEST_F(NotificationCacheTest, DoesWithoutAFolderThatCannotBeMade)
+{
+    QFile inTheWay(home.filePath(QStringLiteral("Library")));
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    EXPECT_EQ(cache.read(), QVariantList());
+    EXPECT_FALSE(cache.write(listWith("1")));
+    EXPECT_TRUE(inTheWay.remove());
+    EXPECT_TRUE(cache.write(listWith("1")));
+}
+
+TEST_F(NotificationCacheTest, LeavesAFolderInTheFilesPlaceAlone)
+{
+    ASSERT_TRUE(QDir().mkpath(cache.path()));
+    EXPECT_EQ(cache.read(), QVariantList());
+    EXPECT_FALSE(cache.write(listWith("1")));
+    EXPECT_TRUE(QFileInfo(cache.path()).isDir());
+}
+
+TEST_F(NotificationCacheTest, ClearsAwayWhatAKilledAgentLeftHalfWritten)
+{
+    put("list");
+    const auto leave = [this](const QString &ending, int secondsAgo) {
+        QFile file(cache.path() + ending);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.setFileTime(QDateTime::currentDateTimeUtc().addSecs(-secondsAgo), QFileDevice::FileModificationTime);
+    };
+    leave(QStringLiteral(".aBcDeF"), 4000);
+    leave(QStringLiteral(".GhIjKl"), 10); // Another agent may be writing it.
+    leave(QStringLiteral(".unreadable"), 4000);
+    EXPECT_EQ(cache.read(), QVariantList());
+    EXPECT_EQ(files(), (QStringList{QStringLiteral("notifications.plist"), QStringLiteral("notifications.plist.GhIjKl"),
+                                    QStringLiteral("notifications.plist.unreadable")}));
+}
+
+} // namespace

@@ -1,0 +1,116 @@
+#include "notify/queue/NotificationQueue.h"
+
+#include "notify/record/KivNotification.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace
+{
+
+using Record = std::shared_ptr<KivNotification>;
+using Ids = std::vector<std::string>;
+
+Record record(const char *id, std::int32_t priority)
+{
+    auto result = std::make_shared<KivNotification>();
+    result->setMessageId(QString::fromLatin1(id));
+    result->setMessagePriority(priority);
+    return result;
+}
+
+Record hint()
+{
+    return record("", kPriorityInstant);
+}
+
+Ids idsOf(const NotificationQueue &queue)
+{
+    Ids ids;
+    for (const Record &queued : queue.records()) {
+        ids.push_back(queued->messageId().toStdString());
+    }
+    return ids;
+}
+
+NotificationQueue queueWith(const std::vector<Record> &records)
+{
+    NotificationQueue queue;
+    for (const Record &each : records) {
+        queue.add(each);
+    }
+    return queue;
+}
+
+} // namespace
+
+TEST(NotificationQueue, PutsANewcomerBehindItsOwnPriorityAndBeforeTheLowerOnes)
+{
+    NotificationQueue queue = queueWith({record("a", 2), record("b", 1), record("c", 1), record("d", 0)});
+    queue.add(record("new", 1));
+    EXPECT_EQ(idsOf(queue), (Ids{"a", "b", "c", "new", "d"}));
+    queue.add(record("low", 0));
+    EXPECT_EQ(idsOf(queue), (Ids{"a", "b", "c", "new", "d", "low"}));
+    queue.add(record("instant", 3));
+    EXPECT_EQ(idsOf(queue), (Ids{"instant", "a", "b", "c", "new", "d", "low"}));
+}
+
+TEST(NotificationQueue, ComparesPrioritiesWithTheirSign)
+{
+    EXPECT_EQ(idsOf(queueWith({record("a", -1), record("b", 0), record("c", 7)})), (Ids{"c", "b", "a"}));
+}
+
+TEST(NotificationQueue, IgnoresARecordWhoseIdIsQueuedWhateverElseItHolds)
+{
+    const Record first = record("17", 1);
+    first->setMaxVersion(QStringLiteral("1.0"));
+    NotificationQueue queue = queueWith({record("16", 1), first});
+    const Record again = record("17", 2);
+    queue.add(again);
+    EXPECT_EQ(idsOf(queue), (Ids{"16", "17"}));
+    EXPECT_EQ(queue.records().at(1), first);
+    EXPECT_EQ(first->messagePriority(), 1);
+    EXPECT_TRUE(queue.contains(*again));
+}
+
+TEST(NotificationQueue, KeepsEveryInstantMessageInItsTurn)
+{
+    const Record first = hint();
+    const Record second = hint();
+    const NotificationQueue queue = queueWith({record("1", 2), first, second});
+    ASSERT_EQ(queue.records().size(), 3U);
+    EXPECT_EQ(queue.records().at(0), first);
+    EXPECT_EQ(queue.records().at(1), second);
+}
+
+TEST(NotificationQueue, HoldsNoRecordTwice)
+{
+    const Record instant = hint();
+    const Record plain = record("1", 1);
+    EXPECT_EQ(queueWith({instant, plain, instant, plain}).records().size(), 2U);
+}
+
+TEST(NotificationQueue, RemovesByTheId)
+{
+    NotificationQueue queue = queueWith({record("1", 1), record("2", 1), record("3", 1)});
+    queue.remove(*record("2", 0));
+    EXPECT_EQ(idsOf(queue), (Ids{"1", "3"}));
+    queue.remove(*record("2", 0));
+    EXPECT_EQ(idsOf(queue), (Ids{"1", "3"}));
+}
+
+TEST(NotificationQueue, RemovesAnInstantMessageAndNoOther)
+{
+    const Record first = hint();
+    const Record second = hint();
+    NotificationQueue queue = queueWith({first, second, record("", 1)});
+    queue.remove(*second);
+    ASSERT_EQ(queue.records().size(), 2U);
+    EXPECT_EQ(queue.records().at(0), first);
+    queue.remove(*queue.records().at(1));
+    ASSERT_EQ(queue.records().size(), 1U);
+    EXPECT_EQ(queue.records().at(0), first) << "a message without id has taken an instant one with it";
+    queue.remove(*queue.records().at(0)); // Which nobody else keeps alive.
+    EXPECT_TRUE(queue.records().size() == 0);
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "tests/platform/linux/item/NotifierWatcherObject.h"
+
+#include <QDBusConnection>
+#include <QPoint>
+#include <QString>
+#include <QStringList>
+#include <QThread>
+
+#include <memory>
+
+/// A StatusNotifierItem host of the test's own, and its watcher. It lives in a thread with a bus connection of its own,
+/// as those that items ask and wait for. A later one takes the name from an earlier one.
+class FakeNotifierHost final
+{
+public:
+    /// Whether there is more than the watcher.
+    enum class Host { Registered, Missing };
+
+    /// Returns once the name is owned on the bus at `address`.
+    explicit FakeNotifierHost(const QString &address, Host host = Host::Registered);
+    ~FakeNotifierHost();
+    FakeNotifierHost(const FakeNotifierHost &) = delete;
+    FakeNotifierHost &operator=(const FakeNotifierHost &) = delete;
+
+    void setHost(Host host) { m_object->setHostRegistered(host == Host::Registered); }
+
+    /// The bus names of the items that have registered and are still there.
+    [[nodiscard]] QStringList items() const;
+    /// Tells the first item that it was chosen: "Activate" or "ContextMenu". False when it has not answered within a
+    /// second.
+    [[nodiscard]] bool choose(const QString &member, QPoint place = {10, 10});
+
+private:
+    const QString m_connectionName;
+    std::unique_ptr<NotifierWatcherObject> m_object;
+    QThread m_thread;
+    QDBusConnection m_connection;
+};

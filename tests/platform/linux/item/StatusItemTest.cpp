@@ -1,0 +1,526 @@
+#include "platform/StatusItem.h"
+
+#include "platform/MainScreen.h"
+#include "platform/linux/include/XConnection.h"
+#include "tests/platform/linux/item/FakeTray.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/FakeInput.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QGuiApplication>
+#include <QImage>
+#include <QMenu>
+#include <QPixmap>
+#include <QScreen>
+#include <QToolTip>
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+const QRect stripPlace(1258, 0, 22, 22);
+
+QIcon iconOf(const QColor &colour)
+{
+    QPixmap pixmap(22, 22);
+    pixmap.fill(colour);
+    return QIcon(pixmap);
+}
+
+/// Every window of the server that belongs to a status item, wherever it is in the tree.
+std::vector<xcb_window_t> itemWindows(xcb_window_t below = XConnection::screen()->root)
+{
+    std::vector<xcb_window_t> found;
+    xcb_connection_t *x = XConnection::get();
+    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(x, xcb_query_tree(x, below), nullptr));
+    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
+        const xcb_window_t child = xcb_query_tree_children(tree.get())[i];
+        const auto cookie = xcb_get_property(x, false, child, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 0, 32);
+        const XcbReply<xcb_get_property_reply_t> name(xcb_get_property_reply(x, cookie, nullptr));
+        if (name && QByteArray(static_cast<const char *>(xcb_get_property_value(name.get())),
+                               xcb_get_property_value_length(name.get()))
+                        .startsWith("kivmenua")) {
+            found.push_back(child);
+        }
+        const std::vector<xcb_window_t> deeper = itemWindows(child);
+        found.insert(found.end(), deeper.begin(), deeper.end());
+    }
+    return found;
+}
+
+xcb_window_t parentOf(xcb_window_t window)
+{
+    xcb_connection_t *x = XConnection::get();
+    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
+    return tree ? tree->parent : XCB_NONE;
+}
+
+/// The window's rectangle on the root window, added up from one parent to the next.
+QRect placeOf(xcb_window_t window)
+{
+    xcb_connection_t *x = XConnection::get();
+    QRect place;
+    for (xcb_window_t at = window; at != XConnection::screen()->root && at != XCB_NONE; at = parentOf(at)) {
+        const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(x, xcb_get_geometry(x, at), nullptr));
+        if (!geometry) {
+            return {};
+        }
+        if (at == window) {
+            place.setSize({geometry->width, geometry->height});
+        }
+        place.translate(geometry->x, geometry->y);
+    }
+    return place;
+}
+
+QRect qtPlace(const StatusItem &item)
+{
+    const std::optional<NSRect> frame = item.frame();
+    if (!frame) {
+        return {};
+    }
+    const QPoint bottomLeft = MainScreen::toQt(frame->origin);
+    const QSize size(static_cast<int>(frame->size.width), static_cast<int>(frame->size.height));
+    return {bottomLeft - QPoint(0, size.height()), size};
+}
+
+QColor screenColour(QPoint point)
+{
+    return QGuiApplication::primaryScreen()->grabWindow(0, point.x(), point.y(), 1, 1).toImage().pixelColor(0, 0);
+}
+
+/// Counts presses from its construction on.
+class PressCounter final
+{
+public:
+    explicit PressCounter(StatusItem &item)
+    {
+        QObject::connect(&item, &StatusItem::pressed, &m_context, [this] { ++count; });
+    }
+
+    int count = 0;
+
+private:
+    QObject m_context;
+};
+
+/// Lets the event loop work off all that the server has sent so far.
+void settleEvents()
+{
+    bool done = false;
+    const XcbReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(XConnection::get(), xcb_get_input_focus(XConnection::get()), nullptr));
+    // Twice through the queue: the first turn works events off, the second what those have queued.
+    QMetaObject::invokeMethod(
+        qGuiApp,
+        [&done] {
+            QMetaObject::invokeMethod(
+                qGuiApp, [&done] { done = true; }, Qt::QueuedConnection);
+        },
+        Qt::QueuedConnection);
+    EXPECT_TRUE(waitUntil([&done] { return done; }));
+}
+
+class StatusItemTest : public testing::Test
+{
+protected:
+    void SetUp() override { FakeInput::moveTo({640, 400}); }
+
+    void startPanel()
+    {
+        // The panel waits some seconds for a window manager, which it knows by this; none is wanted here.
+        const std::uint32_t one = 1;
+        xcb_change_property(XConnection::get(), XCB_PROP_MODE_REPLACE, XConnection::screen()->root,
+                            XConnection::atom("_NET_NUMBER_OF_DESKTOPS"), XCB_ATOM_CARDINAL, 32, 1, &one);
+        xcb_flush(XConnection::get());
+        ASSERT_TRUE(panel.start(QStringLiteral("tint2"), {QStringLiteral("-c"), QStringLiteral(KIV_TINT2_CONFIG)}));
+        ASSERT_TRUE(waitUntil([] { return XConnection::selectionOwner(XConnection::traySelection()) != XCB_NONE; }));
+    }
+
+    void stopPanel()
+    {
+        panel.kill();
+        ASSERT_TRUE(waitUntil([] { return XConnection::selectionOwner(XConnection::traySelection()) == XCB_NONE; }));
+    }
+
+    void TearDown() override { stopPanel(); }
+
+    ChildProcess panel;
+};
+
+class DockedStatusItemTest : public StatusItemTest
+{
+protected:
+    void SetUp() override
+    {
+        StatusItemTest::SetUp();
+        startPanel();
+        item.setImage(iconOf(Qt::red));
+        waitForDocking();
+    }
+
+    void waitForDocking()
+    {
+        ASSERT_TRUE(waitUntil([this] {
+            return item.frame() && screenColour(qtPlace(item).center()) == QColor(Qt::red);
+        })) << "not in the tray";
+    }
+
+    StatusItem item;
+};
+
+TEST_F(DockedStatusItemTest, IsOneWindowInsideThePanelAndItsFrameIsThatWindows)
+{
+    const std::vector<xcb_window_t> windows = itemWindows();
+    ASSERT_EQ(windows.size(), 1U);
+    EXPECT_NE(parentOf(windows[0]), XConnection::screen()->root);
+    EXPECT_EQ(qtPlace(item), placeOf(windows[0]));
+    EXPECT_TRUE(QRect(0, 0, 1280, 32).contains(qtPlace(item)));
+    EXPECT_FALSE(qtPlace(item).intersects(stripPlace) && qtPlace(item).top() == 0);
+}
+
+TEST_F(DockedStatusItemTest, TellsEachPressOfThePrimaryButtonOnce)
+{
+    PressCounter presses(item);
+    FakeInput::click(qtPlace(item).center());
+    ASSERT_TRUE(waitUntil([&] { return presses.count > 0; }));
+    settleEvents();
+    EXPECT_EQ(presses.count, 1);
+    FakeInput::click(qtPlace(item).center(), 3);
+    FakeInput::click(qtPlace(item).center(), 2);
+    FakeInput::click(qtPlace(item).center());
+    ASSERT_TRUE(waitUntil([&] { return presses.count > 1; }));
+    settleEvents();
+    EXPECT_EQ(presses.count, 2);
+}
+
+TEST_F(DockedStatusItemTest, IsFadedAndDeafWhileDisabled)
+{
+    PressCounter presses(item);
+    item.setEnabled(false);
+    const auto colour = [this] { return screenColour(qtPlace(item).center()); };
+    EXPECT_TRUE(waitUntil([&] { return colour().green() > 50 && colour().red() > 200; }));
+    FakeInput::click(qtPlace(item).center());
+    settleEvents();
+    EXPECT_EQ(presses.count, 0);
+
+    item.setEnabled(true);
+    EXPECT_TRUE(waitUntil([&] { return colour() == QColor(Qt::red); }));
+    FakeInput::click(qtPlace(item).center());
+    EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));
+}
+
+TEST_F(DockedStatusItemTest, ShowsAnotherImageAtOnce)
+{
+    item.setImage(iconOf(Qt::blue));
+    EXPECT_TRUE(waitUntil([this] { return screenColour(qtPlace(item).center()) == QColor(Qt::blue); }));
+    item.setImage(QIcon());
+    EXPECT_TRUE(waitUntil([this] {
+        return screenColour(qtPlace(item).center()) == screenColour({500, 16});
+    })) << "nothing but the panel's background";
+}
+
+TEST_F(DockedStatusItemTest, SurvivesItsPanelAndReturnsWithItWithoutAStripInBetween)
+{
+    stopPanel();
+    ASSERT_TRUE(waitUntil([this] { return !item.frame(); }));
+    settleEvents();
+    EXPECT_TRUE(itemWindows().empty());
+    startPanel();
+    bool stripSeen = false;
+    EXPECT_TRUE(waitUntil([&] {
+        stripSeen = stripSeen || qtPlace(item) == stripPlace;
+        return item.frame() && screenColour(qtPlace(item).center()) == QColor(Qt::red);
+    }));
+    EXPECT_FALSE(stripSeen);
+    EXPECT_EQ(itemWindows().size(), 1U);
+    PressCounter presses(item);
+    FakeInput::click(qtPlace(item).center());
+    EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));
+}
+
+TEST_F(DockedStatusItemTest, StandsInTheCornerWhenItsPanelStaysAway)
+{
+    stopPanel();
+    EXPECT_TRUE(waitUntil([this] { return qtPlace(item) == stripPlace; }));
+    EXPECT_EQ(itemWindows().size(), 1U);
+}
+
+TEST_F(DockedStatusItemTest, DocksAgainAfterTheScreenHasChangedItsSize)
+{
+    ChildProcess tool;
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1920x1200")}));
+    EXPECT_TRUE(waitUntil([this] { return qtPlace(item).left() > 1800 && qtPlace(item).top() > 0; }));
+    EXPECT_EQ(itemWindows().size(), 1U);
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
+    EXPECT_TRUE(waitUntil([this] { return item.frame() && qtPlace(item).left() < 1280 && qtPlace(item).top() > 0; }));
+}
+
+/// What the agent does with a press: the menu opens under the item.
+class StatusItemMenuTest : public DockedStatusItemTest
+{
+protected:
+    void SetUp() override
+    {
+        DockedStatusItemTest::SetUp();
+        menu.addAction(QStringLiteral("One"));
+        menu.addMenu(QStringLiteral("Two"))->addAction(QStringLiteral("Three"));
+        QObject::connect(&item, &StatusItem::pressed, &menu, [this] {
+            ++opened;
+            menu.popup(qtPlace(item).bottomLeft() + QPoint(0, 10));
+        });
+        QObject::connect(&menu, &QMenu::aboutToHide, &menu, [this] { ++closed; });
+    }
+
+    void pressToOpen()
+    {
+        FakeInput::click(qtPlace(item).center());
+        ASSERT_TRUE(waitUntil([this] { return menu.isVisible(); }));
+        settleEvents();
+        ASSERT_TRUE(menu.isVisible()) << "the release has closed it";
+    }
+
+    int opened = 0;
+    int closed = 0;
+    QMenu menu;
+};
+
+TEST_F(StatusItemMenuTest, ClosesOnASecondPressAndDoesNotOpenAgain)
+{
+    pressToOpen();
+    FakeInput::click(qtPlace(item).center());
+    ASSERT_TRUE(waitUntil([this] { return closed == 1; }));
+    settleEvents();
+    EXPECT_EQ(opened, 1);
+    EXPECT_FALSE(menu.isVisible());
+
+    pressToOpen();
+    FakeInput::click(qtPlace(item).center(), 3);
+    EXPECT_TRUE(waitUntil([this] { return closed == 2; }));
+    settleEvents();
+    EXPECT_EQ(opened, 2);
+}
+
+TEST_F(StatusItemMenuTest, ClosesWithItsSubmenuOnASecondPress)
+{
+    pressToOpen();
+    FakeInput::moveTo(menu.mapToGlobal(menu.actionGeometry(menu.actions().at(1)).center()));
+    ASSERT_TRUE(waitUntil([this] { return menu.actions().at(1)->menu()->isVisible(); }));
+    FakeInput::click(qtPlace(item).center());
+    EXPECT_TRUE(waitUntil([this] { return closed == 1; }));
+    settleEvents();
+    EXPECT_EQ(opened, 1);
+    EXPECT_FALSE(menu.actions().at(1)->menu()->isVisible());
+}
+
+TEST_F(StatusItemMenuTest, ChoosesTheEntryOnWhichADragFromTheItemEnds)
+{
+    QAction *chosen = nullptr;
+    QObject::connect(&menu, &QMenu::triggered, &menu, [&](QAction *action) { chosen = action; });
+    FakeInput::moveTo(qtPlace(item).center());
+    FakeInput::press();
+    ASSERT_TRUE(waitUntil([this] { return menu.isVisible(); }));
+    const QPoint entry = menu.mapToGlobal(menu.actionGeometry(menu.actions().at(0)).center());
+    FakeInput::moveTo(entry - QPoint(5, 0));
+    FakeInput::moveTo(entry);
+    FakeInput::release();
+    EXPECT_TRUE(waitUntil([&] { return chosen == menu.actions().at(0); }));
+    EXPECT_TRUE(waitUntil([this] { return closed == 1; }));
+}
+
+TEST_F(StatusItemMenuTest, StaysOpenWhenALongPressEndsOnTheItem)
+{
+    FakeInput::moveTo(qtPlace(item).center());
+    FakeInput::press();
+    ASSERT_TRUE(waitUntil([this] { return menu.isVisible(); }));
+    settleEvents();
+    FakeInput::release();
+    settleEvents();
+    EXPECT_TRUE(menu.isVisible());
+    // It holds the pointer: a press anywhere else closes it.
+    FakeInput::click({200, 600});
+    EXPECT_TRUE(waitUntil([this] { return closed == 1; }));
+}
+
+TEST_F(StatusItemMenuTest, StaysOpenWhenThePanelDies)
+{
+    pressToOpen();
+    stopPanel();
+    ASSERT_TRUE(waitUntil([this] { return !item.frame(); }));
+    EXPECT_TRUE(menu.isVisible());
+    EXPECT_TRUE(waitUntil([this] { return qtPlace(item) == stripPlace; }));
+    FakeInput::click({400, 600});
+    EXPECT_TRUE(waitUntil([this] { return closed == 1; }));
+}
+
+TEST_F(StatusItemMenuTest, OpensOnlyOnceForTwoPressesInOneTurn)
+{
+    // Both presses wait in the queue while the event loop does not run.
+    FakeInput::click(qtPlace(item).center());
+    FakeInput::click(qtPlace(item).center());
+    ASSERT_TRUE(waitUntil([this] { return closed == 1; }));
+    settleEvents();
+    EXPECT_EQ(opened, 1);
+    EXPECT_FALSE(menu.isVisible());
+}
+
+TEST_F(StatusItemTest, StandsInTheCornerAtOnceWhereNoTrayIs)
+{
+    StatusItem item;
+    item.setImage(iconOf(Qt::red));
+    EXPECT_EQ(qtPlace(item), stripPlace);
+    EXPECT_TRUE(waitUntil([] { return screenColour({1269, 11}) == QColor(Qt::red); }));
+    item.setImage(QIcon());
+    EXPECT_TRUE(waitUntil([] { return screenColour({1269, 11}) == QColor(0xec, 0xec, 0xec); })) << "its own plate";
+    PressCounter presses(item);
+    FakeInput::click(stripPlace.center());
+    EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));
+    ASSERT_EQ(itemWindows().size(), 1U);
+    EXPECT_EQ(placeOf(itemWindows()[0]), stripPlace);
+}
+
+TEST_F(StatusItemTest, StaysInTheCornerWhenTheScreenChangesItsSize)
+{
+    StatusItem item;
+    ChildProcess tool;
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1024x768")}));
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+}
+
+TEST_F(StatusItemTest, MovesIntoATrayThatComesLater)
+{
+    StatusItem item;
+    item.setImage(iconOf(Qt::red));
+    ASSERT_EQ(qtPlace(item), stripPlace);
+    startPanel();
+    EXPECT_TRUE(waitUntil([&] { return item.frame() && qtPlace(item) != stripPlace; }));
+    ASSERT_EQ(itemWindows().size(), 1U);
+    EXPECT_NE(parentOf(itemWindows()[0]), XConnection::screen()->root);
+}
+
+TEST_F(StatusItemTest, FollowsTheSelectionFromOneTrayStraightToTheNext)
+{
+    StatusItem item;
+    FakeTray first({100, 50});
+    const QRect firstPlace(100, 50, FakeTray::side, FakeTray::side);
+    EXPECT_TRUE(waitUntil([&] { return first.serve(), qtPlace(item) == firstPlace; }));
+    FakeTray second({300, 60});
+    const QRect secondPlace(300, 60, FakeTray::side, FakeTray::side);
+    EXPECT_TRUE(waitUntil([&] { return first.serve(), second.serve(), qtPlace(item) == secondPlace; }));
+    EXPECT_EQ(itemWindows().size(), 1U);
+    EXPECT_EQ(first.icons().size(), 1U);
+    EXPECT_EQ(second.icons().size(), 1U);
+}
+
+TEST_F(StatusItemTest, AsksATrayAgainThatHasPutItOut)
+{
+    StatusItem item;
+    FakeTray tray({100, 50});
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    tray.putOut();
+    ASSERT_TRUE(waitUntil([&] { return !item.frame(); }));
+    EXPECT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value(); }));
+    EXPECT_EQ(qtPlace(item), QRect(100, 50, FakeTray::side, FakeTray::side));
+}
+
+TEST_F(StatusItemTest, HasNoFrameUntilTheTrayHasTakenItIn)
+{
+    FakeTray tray({100, 50});
+    StatusItem item;
+    settleEvents();
+    EXPECT_EQ(item.frame(), std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value(); }));
+}
+
+/// The pixel of the item's window, as the server keeps it, alpha included.
+std::uint32_t windowPixel(xcb_window_t window, QPoint point)
+{
+    xcb_connection_t *x = XConnection::get();
+    const auto cookie = xcb_get_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, window, static_cast<std::int16_t>(point.x()),
+                                      static_cast<std::int16_t>(point.y()), 1, 1, ~0U);
+    const XcbReply<xcb_get_image_reply_t> image(xcb_get_image_reply(x, cookie, nullptr));
+    std::uint32_t pixel = 0x12345678;
+    if (image && xcb_get_image_data_length(image.get()) >= 4) {
+        std::memcpy(&pixel, xcb_get_image_data(image.get()), sizeof pixel);
+    }
+    return pixel;
+}
+
+TEST_F(StatusItemTest, IsTransparentAroundTheIconInATranslucentTray)
+{
+    StatusItem item;
+    item.setImage(iconOf(Qt::red));
+    FakeTray tray({100, 50}, FakeTray::Visual::Translucent);
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    const xcb_window_t window = itemWindows().at(0);
+    // The icon of 22 pixels has one pixel of the tray's 24 around it.
+    EXPECT_TRUE(waitUntil([&] { return windowPixel(window, {12, 12}) == 0xffff0000; }));
+    EXPECT_EQ(windowPixel(window, {0, 0}), 0U);
+    EXPECT_EQ(windowPixel(window, {1, 1}), 0xffff0000);
+}
+
+TEST_F(StatusItemTest, HasTheTraysBackgroundAroundTheIconInAPlainTray)
+{
+    StatusItem item;
+    QImage half(22, 22, QImage::Format_ARGB32_Premultiplied);
+    half.fill(QColor(255, 0, 0, 128));
+    item.setImage(QIcon(QPixmap::fromImage(half)));
+    FakeTray tray({100, 50});
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    EXPECT_TRUE(waitUntil([] { return screenColour({112, 62}).red() > 0x9e; }));
+    const QColor mixed = screenColour({112, 62});
+    EXPECT_NEAR(mixed.red(), (255 + 0x40) / 2, 2);
+    EXPECT_NEAR(mixed.green(), 0x80 / 2, 2);
+    EXPECT_NEAR(mixed.blue(), 0xc0 / 2, 2);
+    EXPECT_EQ(screenColour({100, 50}), QColor(0x40, 0x80, 0xc0));
+}
+
+TEST_F(StatusItemTest, LeavesNothingBehindAfterManyRounds)
+{
+    for (int round = 0; round < 20; ++round) {
+        StatusItem item;
+        ASSERT_EQ(itemWindows().size(), 1U);
+    }
+    EXPECT_TRUE(itemWindows().empty());
+    startPanel();
+    for (int round = 0; round < 20; ++round) {
+        StatusItem item;
+        ASSERT_TRUE(waitUntil([&] { return item.frame().has_value(); })) << "round " << round;
+        ASSERT_EQ(itemWindows().size(), 1U);
+    }
+    EXPECT_TRUE(itemWindows().empty());
+}
+
+TEST_F(StatusItemTest, MayBeDestroyedByWhoeverItTellsOfAPress)
+{
+    auto item = std::make_unique<StatusItem>();
+    bool done = false;
+    QObject::connect(item.get(), &StatusItem::pressed, qGuiApp, [&] {
+        item.reset();
+        // The loop of a menu or an alert runs on after that.
+        done = waitUntil([] { return itemWindows().empty(); });
+    });
+    FakeInput::click(stripPlace.center());
+    EXPECT_TRUE(waitUntil([&] { return done; }));
+}
+
+TEST_F(StatusItemTest, ShowsItsToolTipUnderTheMouse)
+{
+    StatusItem item;
+    item.setToolTip(QStringLiteral("Kivune Menu"));
+    FakeInput::moveTo(stripPlace.center());
+    EXPECT_TRUE(waitUntil([] { return QToolTip::isVisible() && QToolTip::text() == QLatin1String("Kivune Menu"); }));
+    FakeInput::moveTo({640, 400});
+    EXPECT_TRUE(waitUntil([] { return !QToolTip::isVisible(); }));
+}
+
+} // namespace

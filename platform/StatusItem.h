@@ -40,9 +40,8 @@ public:
     [[nodiscard]] std::optional<NSRect> frame() const;
 
 Q_SIGNALS:
-    /// The primary button went down on the enabled item, or its host asks for its menu in another way: at `place`, in
-    /// points, where the item's frame is unknown and its host tells more than the mouse's position does. Sent from the
-    /// event loop, never from inside a host's call.
+    /// The primary or the right button went down on the enabled item, or its host says so: at `place`, in points, where
+    /// the host knows better than the mouse's position. Sent from the event loop, never from inside a host's call.
     void pressed(std::optional<NSPoint> place);
 
 private:

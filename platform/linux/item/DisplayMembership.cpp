@@ -79,6 +79,6 @@ bool isOfThisDisplay(pid_t pid)
     if (!XConnection::get()) {
         return true;
     }
-    return isClientOfTheXServer(pid) || isSameDisplay(displayNames(environmentOf(pid)),
-                                                      {qgetenv("DISPLAY"), qgetenv("WAYLAND_DISPLAY")});
+    return isClientOfTheXServer(pid) ||
+           isSameDisplay(displayNames(environmentOf(pid)), {qgetenv("DISPLAY"), qgetenv("WAYLAND_DISPLAY")});
 }

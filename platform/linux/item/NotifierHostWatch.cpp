@@ -67,7 +67,8 @@ void NotifierHostWatch::hearOfHosts(bool hear)
     for (const char *change : {"StatusNotifierHostRegistered", "StatusNotifierHostUnregistered"}) {
         // QtDBus knows no other way to name a slot than by a string.
         if (hear) {
-            connection.connect(m_owner, notifierWatcherPath(), notifierWatcherName(), QLatin1String(change), this, SLOT(ask()));
+            connection.connect(m_owner, notifierWatcherPath(), notifierWatcherName(), QLatin1String(change), this,
+                               SLOT(ask()));
         } else {
             connection.disconnect(m_owner, notifierWatcherPath(), notifierWatcherName(), QLatin1String(change), this,
                                   SLOT(ask()));

@@ -5,11 +5,16 @@
 
 #include <QDBusMessage>
 
+namespace
+{
+/// The one that hosts take where they are told a name only.
+const QString itemPath = QStringLiteral("/StatusNotifierItem");
+} // namespace
+
 NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString &watcher, QObject &item)
     : m_connection(bus.connectOnceMore())
 {
-    // The path that hosts take where they are told a name only.
-    m_connection.registerObject(QStringLiteral("/StatusNotifierItem"), &item, QDBusConnection::ExportAdaptors);
+    m_connection.registerObject(itemPath, &item, QDBusConnection::ExportAdaptors);
     QDBusMessage message = QDBusMessage::createMethodCall(watcher, notifierWatcherPath(), notifierWatcherName(),
                                                           QStringLiteral("RegisterStatusNotifierItem"));
     message.setAutoStartService(false);
@@ -19,6 +24,7 @@ NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString 
 
 NotifierRegistration::~NotifierRegistration()
 {
+    m_connection.unregisterObject(itemPath);
     const QString name = m_connection.name();
     m_connection = QDBusConnection(QString());
     QDBusConnection::disconnectFromBus(name);

@@ -62,7 +62,7 @@ private:
     bool m_isNew = true; ///< Until all has been asked for the first time.
     StatusItemForm m_form = StatusItemForm::None;
     xcb_window_t m_tray = XCB_NONE; ///< The one that `window` was made for, in the form Tray.
-    QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
+    QString m_watcher;              ///< The one that `m_notifierItem` is registered with, in the form Notifier.
     std::unique_ptr<StatusNotifierItem> m_notifierItem;
     std::unique_ptr<NotifierRegistration> m_registration;
     QTimer m_settling;

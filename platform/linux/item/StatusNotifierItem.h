@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/item/StatusItemLook.h"
 #include "platform/linux/item/NotifierPixmap.h"
+#include "platform/linux/item/StatusItemLook.h"
 
 #include <QDBusObjectPath>
 #include <QObject>
@@ -63,8 +63,8 @@ Q_SIGNALS:
     void NewToolTip();
     void NewStatus(const QString &status);
 
-    /// The host says that the item was chosen, at this place of the root window, in device pixels; nothing where it does
-    /// not know. From the event loop: the host's call has been answered.
+    /// The host says that the item was chosen, at this place of the root window, in device pixels; nothing where it
+    /// does not know. From the event loop: the host's call has been answered.
     void pressed(std::optional<QPoint> place);
 
 private:

@@ -23,13 +23,10 @@ QString freshName()
 
 FakeNotifierHost::FakeNotifierHost(const QString &address, Host host)
     : m_connectionName(freshName())
-    , m_object(std::make_unique<NotifierWatcherObject>())
     , m_connection(QDBusConnection::connectToBus(address, m_connectionName))
 {
     setHost(host);
-    m_object->moveToThread(&m_thread);
-    m_thread.start();
-    EXPECT_TRUE(m_connection.registerObject(watcherPath, m_object.get(), QDBusConnection::ExportAllContents));
+    EXPECT_TRUE(m_connection.registerObject(watcherPath, &m_object, QDBusConnection::ExportAllContents));
     EXPECT_TRUE(m_connection.interface()
                     ->registerService(QStringLiteral("org.kde.StatusNotifierWatcher"),
                                       QDBusConnectionInterface::ReplaceExistingService,
@@ -41,14 +38,12 @@ FakeNotifierHost::~FakeNotifierHost()
 {
     m_connection.unregisterObject(watcherPath);
     QDBusConnection::disconnectFromBus(m_connectionName);
-    m_thread.quit();
-    m_thread.wait();
 }
 
 QStringList FakeNotifierHost::items() const
 {
     QStringList present;
-    const QStringList registered = m_object->items();
+    const QStringList registered = m_object.items();
     for (const QString &service : registered) {
         if (m_connection.interface()->isServiceRegistered(service)) {
             present.append(service);

@@ -6,12 +6,9 @@
 #include <QPoint>
 #include <QString>
 #include <QStringList>
-#include <QThread>
 
-#include <memory>
-
-/// A StatusNotifierItem host of the test's own, and its watcher. It lives in a thread with a bus connection of its own,
-/// as those that items ask and wait for. A later one takes the name from an earlier one.
+/// A StatusNotifierItem host of the test's own, and its watcher, on a bus connection of its own. A later one takes the
+/// name from an earlier one.
 class FakeNotifierHost final
 {
 public:
@@ -24,7 +21,7 @@ public:
     FakeNotifierHost(const FakeNotifierHost &) = delete;
     FakeNotifierHost &operator=(const FakeNotifierHost &) = delete;
 
-    void setHost(Host host) { m_object->setHostRegistered(host == Host::Registered); }
+    void setHost(Host host) { m_object.setHostRegistered(host == Host::Registered); }
 
     /// The bus names of the items that have registered and are still there.
     [[nodiscard]] QStringList items() const;
@@ -34,7 +31,6 @@ public:
 
 private:
     const QString m_connectionName;
-    std::unique_ptr<NotifierWatcherObject> m_object;
-    QThread m_thread;
+    NotifierWatcherObject m_object;
     QDBusConnection m_connection;
 };

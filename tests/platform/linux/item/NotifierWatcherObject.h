@@ -1,10 +1,9 @@
 #pragma once
 
-#include <QMutex>
 #include <QObject>
 #include <QStringList>
 
-/// The object of org.kde.StatusNotifierWatcher, as panels have it. Any thread.
+/// The object of org.kde.StatusNotifierWatcher, as panels have it.
 class NotifierWatcherObject final : public QObject
 {
     Q_OBJECT
@@ -12,11 +11,11 @@ class NotifierWatcherObject final : public QObject
     Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
 
 public:
-    [[nodiscard]] bool isHostRegistered() const;
+    [[nodiscard]] bool isHostRegistered() const { return m_isHostRegistered; }
     /// Tells on the bus whether there is a host; there is one at first.
     void setHostRegistered(bool isRegistered);
     /// What each item has registered as.
-    [[nodiscard]] QStringList items() const;
+    [[nodiscard]] QStringList items() const { return m_items; }
 
 public Q_SLOTS:
     void RegisterStatusNotifierItem(const QString &service);
@@ -27,7 +26,6 @@ Q_SIGNALS:
     void StatusNotifierItemRegistered(const QString &service);
 
 private:
-    mutable QMutex m_mutex;
     QStringList m_items;
     bool m_isHostRegistered = true;
 };

@@ -5,6 +5,7 @@
 #include "tests/support/WaitUntil.h"
 
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusPendingCall>
 #include <QFile>
 #include <QPixmap>

@@ -40,6 +40,21 @@ TEST_F(Notification, FromTheFeedAppearsInTheCornerWithoutAWindowManagersHelp)
     EXPECT_TRUE(agent->standardError().isEmpty()) << agent->standardError().constData();
 }
 
+class NotificationWithoutRandR : public Notification
+{
+protected:
+    NotificationWithoutRandR() { server = Desktop::Server::WithoutRandR; }
+};
+
+TEST_F(NotificationWithoutRandR, AppearsInTheCornerOfAllThatThereIs)
+{
+    ASSERT_TRUE(start({{{.id = "1"}}}));
+    const std::optional<XWindow> window = popUp();
+    ASSERT_TRUE(window);
+    EXPECT_EQ(window->geometry, corner(*window, {1280, 800}));
+    EXPECT_TRUE(agent->openMenu());
+}
+
 TEST_F(Notification, FromTheFeedAppearsThoughTheSessionIgnoresItsChildren)
 {
     QProcess &process = agent->process().process();

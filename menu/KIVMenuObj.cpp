@@ -314,24 +314,26 @@ void KIVMenuObj::saveTrayX()
     }
 }
 
-void KIVMenuObj::menuTrayPressed()
+void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
 {
     if (m_menu->isVisible()) {
         m_menu->close();
         return;
     }
     const std::optional<NSRect> frame = getFrame();
-    const NSPoint mouse = MainScreen::mouseLocation();
+    const NSPoint pressed = place ? *place : MainScreen::mouseLocation();
     const NSSize screen = MainScreen::frame().value_or(NSRect{}).size;
     // The bar is where the item really is, wherever it is held to be.
     const std::optional<NSRect> reported = m_tray ? m_tray->frame() : std::nullopt;
-    const StatusBar bar = StatusBar::at(reported ? centreOf(*reported) : mouse);
-    const QPoint anchorPoint = MainScreen::toQt(menuAnchor(frame, mouse, screen, bar));
+    const StatusBar bar = StatusBar::at(reported ? centreOf(*reported) : pressed);
+    const MenuPlace menuPlace = place && !frame ? placeAtPress(pressed, screen, bar)
+                                                : MenuPlace{menuAnchor(frame, pressed, screen, bar), bar.edge};
+    const QPoint anchorPoint = MainScreen::toQt(menuPlace.anchor);
 
     auto *anchor = new AnchorWindow(anchorPoint); // Deletes itself when menuDidClose() closes it.
     anchor->show();
     QMouseEvent press(QEvent::MouseButtonPress, anchor->rect().bottomLeft(), anchorPoint, Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     setAssociatedObject(*m_menu, anchorKey, anchor);
-    popUpContextMenu(*m_menu, press, anchor, bar.edge);
+    popUpContextMenu(*m_menu, press, anchor, menuPlace.edge);
 }

@@ -86,8 +86,9 @@ public:
     /// That distance in points; 0 when none has been remembered.
     [[nodiscard]] float trayX() const { return m_trayX; }
 
-    /// Pops the menu up under the status item and returns when it has closed. While it is open, closes it.
-    void menuTrayPressed();
+    /// Pops the menu up under the status item and returns when it has closed. While it is open, closes it. `place` is
+    /// where the item was pressed; nothing where the mouse tells that.
+    void menuTrayPressed(std::optional<NSPoint> place = std::nullopt);
 
     [[nodiscard]] QMenu *menu() const { return m_menu.get(); }
     /// Null while the item is not shown.

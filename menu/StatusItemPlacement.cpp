@@ -31,3 +31,14 @@ NSPoint menuAnchor(const std::optional<NSRect> &item, NSPoint mouse, NSSize main
     return {useItem ? item->origin.x : mouse.x - std::fmod(mouse.x, mouseGrid),
             bar.edge == StatusBar::Edge::Top ? mainScreen.height - distanceFromEdge : distanceFromEdge};
 }
+
+MenuPlace placeAtPress(NSPoint press, NSSize mainScreen, const StatusBar &bar) noexcept
+{
+    using Edge = StatusBar::Edge;
+    const Edge nearer = press.y < mainScreen.height / 2 ? Edge::Bottom : Edge::Top;
+    const float distance = nearer == Edge::Top ? mainScreen.height - press.y : press.y;
+    if (nearer == bar.edge && distance <= bar.thickness) {
+        return {menuAnchor(std::nullopt, press, mainScreen, bar), bar.edge};
+    }
+    return {press, nearer};
+}

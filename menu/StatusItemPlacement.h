@@ -20,3 +20,15 @@
 /// `item` is nothing when the item's place is unknown.
 [[nodiscard]] NSPoint menuAnchor(const std::optional<NSRect> &item, NSPoint mouse, NSSize mainScreen,
                                  const StatusBar &bar) noexcept;
+
+/// Where the menu opens, and the edge of the screen from which it opens away.
+struct MenuPlace {
+    NSPoint anchor;
+    StatusBar::Edge edge = StatusBar::Edge::Top;
+
+    bool operator==(const MenuPlace &) const = default;
+};
+
+/// The place for a press of which the item's host tells no more than where it was: as menuAnchor() has it if that is on
+/// the status bar, else the very place, for not every panel is a window of the X server.
+[[nodiscard]] MenuPlace placeAtPress(NSPoint press, NSSize mainScreen, const StatusBar &bar) noexcept;

@@ -40,8 +40,9 @@ public:
     [[nodiscard]] std::optional<NSRect> frame() const;
 
 Q_SIGNALS:
-    /// The primary button went down on the enabled item. Sent from the event loop, never from inside a host's call.
-    void pressed();
+    /// The primary or the right button went down on the enabled item, or its host says so: at `place`, in points, where
+    /// the host knows better than the mouse's position. Sent from the event loop, never from inside a host's call.
+    void pressed(std::optional<NSPoint> place);
 
 private:
     class Private;

@@ -2,7 +2,6 @@
 
 #include "notify/feed/FeedConnection.h"
 #include "notify/feed/FeedRequest.h"
-#include "notify/queue/KivNotificationManager.h"
 #include "notify/record/NotificationSink.h"
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
@@ -42,13 +41,6 @@ KivNotificationReceiver::KivNotificationReceiver(const KivNotificationProperties
 }
 
 KivNotificationReceiver::~KivNotificationReceiver() = default;
-
-KivNotificationReceiver &KivNotificationReceiver::sharedInstance()
-{
-    static KivNotificationReceiver &instance = *new KivNotificationReceiver(
-        KivNotificationProperties::sharedInstance(), Bundle::main(), KivNotificationManager::sharedInstance());
-    return instance;
-}
 
 void KivNotificationReceiver::recieveNotifications()
 {

@@ -10,8 +10,8 @@
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
+#include "platform/data/UtcTime.h"
 
-#include <QDir>
 
 #include <algorithm>
 #include <stdexcept>
@@ -28,7 +28,7 @@ const QString settingsChanged = QStringLiteral("KivMunuUpdateSettingsNotificatio
 
 QDateTime never()
 {
-    return QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
+    return QDateTime::fromMSecsSinceEpoch(0, inUtc);
 }
 
 NSRect mainScreen()
@@ -55,14 +55,6 @@ KivNotificationManager::~KivNotificationManager()
     if (m_notificationWindow) {
         m_notificationWindow->setDelegate(nullptr);
     }
-}
-
-KivNotificationManager &KivNotificationManager::sharedInstance()
-{
-    // Pop-ups and timers may refer to it until the very end of the process.
-    static KivNotificationManager &instance = *new KivNotificationManager(
-        KivNotificationProperties::sharedInstance(), QDir::homePath(), [] { return QDateTime::currentDateTimeUtc(); });
-    return instance;
 }
 
 void KivNotificationManager::updateNotificationPreferences()

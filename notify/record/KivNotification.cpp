@@ -3,6 +3,7 @@
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/UndefinedKeyException.h"
 #include "platform/data/StringValues.h"
+#include "platform/data/UtcTime.h"
 #include "platform/text/TextMeasure.h"
 
 #include <QMetaProperty>
@@ -85,7 +86,7 @@ KivNotification::KivNotification()
     , m_systemCode(QLatin1String(""))
     , m_minSysVer(kMsgPropertyAny)
     , m_maxSysVer(kMsgPropertyAny)
-    , m_minDate(QDateTime::fromMSecsSinceEpoch(0, Qt::UTC))
+    , m_minDate(QDateTime::fromMSecsSinceEpoch(0, inUtc))
     , m_maxDate(m_minDate)
     , m_lastShowDate(m_minDate)
     , m_contentEncoding(QStringLiteral("base64"))

@@ -8,7 +8,6 @@
 #include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
 
-#include <QDir>
 #include <QFile>
 
 #include <optional>
@@ -47,14 +46,6 @@ KivNotificationProperties::KivNotificationProperties(const Bundle &bundle, const
     if (!loadPrefList()) {
         loadDefaultProperties();
     }
-}
-
-KivNotificationProperties &KivNotificationProperties::sharedInstance()
-{
-    static KivNotificationProperties instance(Bundle::main(), QDir::homePath(),
-                                              QStringLiteral("/System/Library/CoreServices/SystemVersion.plist"),
-                                              UserDatabase::system(), [] { return QDateTime::currentDateTimeUtc(); });
-    return instance;
 }
 
 Installation KivNotificationProperties::gatheredFacts(const Bundle &bundle, const QString &systemVersionFile) const

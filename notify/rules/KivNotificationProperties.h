@@ -26,7 +26,7 @@ public:
     KivNotificationProperties(const Bundle &bundle, const QString &homeFolder, const QString &systemVersionFile,
                               UserDatabase users, std::function<QDateTime()> clock);
 
-    /// The one of this process, made at first use of its bundle, home, system and clock.
+    /// The one of this process, made at first use of its bundle, home, system and clock, in shell/SharedInstances.cpp.
     [[nodiscard]] static KivNotificationProperties &sharedInstance();
 
     /// Whether the user database lists the process's user as a member of "admin" or "wheel".

@@ -1,5 +1,7 @@
 #include "platform/data/PropertyListValues.h"
 
+#include "platform/data/UtcTime.h"
+
 #include <algorithm>
 #include <array>
 #include <chrono>
@@ -20,7 +22,7 @@ constexpr chrono::sys_seconds latest = chrono::sys_days(chrono::year(10000) / 1 
 
 QDateTime toDateTime(chrono::sys_seconds time)
 {
-    return QDateTime::fromSecsSinceEpoch(std::clamp(time, earliest, latest).time_since_epoch().count(), Qt::UTC);
+    return QDateTime::fromSecsSinceEpoch(std::clamp(time, earliest, latest).time_since_epoch().count(), inUtc);
 }
 
 /// The number at the front of `text`, of exactly `digits` ASCII digits, which are then taken off along with the

@@ -42,7 +42,7 @@ bool hasOnlyPlainDocumentType(QStringView text)
     static const QRegularExpression plain(QStringLiteral("\\A<!DOCTYPE\\s+plist(?:\\s[^\\[<>]*)?>\\z"));
     const qsizetype length = type.indexOf(u'>') + 1;
     const QStringView rest = type.sliced(length);
-    return plain.match(type.first(length)).hasMatch() && lengthBeforeDocumentType(rest) == rest.size();
+    return plain.match(type.first(length).toString()).hasMatch() && lengthBeforeDocumentType(rest) == rest.size();
 }
 
 /// [white space] [sign] digits, or hexadecimal digits behind 0x [white space]; from -2^63 to 2^64-1.
@@ -75,7 +75,7 @@ QVariant real(QStringView text)
     }
     static const QRegularExpression special(QStringLiteral("\\A([+-]?)(?:(nan)|inf(?:inity)?)\\z"),
                                             QRegularExpression::CaseInsensitiveOption);
-    const QRegularExpressionMatch match = special.match(text);
+    const QRegularExpressionMatch match = special.match(text.toString());
     if (!match.hasMatch()) {
         return {};
     }

@@ -4,6 +4,7 @@
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
+#include "platform/linux/workarounds/MenuMouse.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -102,5 +103,6 @@ void GraphicalSession::settle()
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();
+    MenuMouse::follow();
     keepQtFromCachingPictures();
 }

@@ -31,7 +31,7 @@ StatusItem::StatusItem(QObject *parent)
         &d->icon, &QSystemTrayIcon::activated, this,
         [this](QSystemTrayIcon::ActivationReason reason) {
             if (reason == QSystemTrayIcon::Trigger && d->enabled) {
-                Q_EMIT pressed();
+                Q_EMIT pressed(std::nullopt);
             }
         },
         Qt::QueuedConnection);

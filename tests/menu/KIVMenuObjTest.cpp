@@ -99,7 +99,7 @@ protected:
     [[nodiscard]] qint64 imageKey() const { return menu.statusItem()->image().cacheKey(); }
 
     /// Opens the menu as a press on the item does; `whileOpen` runs once it is on screen and must lead to its closing.
-    void press(const std::function<void()> &whileOpen)
+    void press(const std::function<void()> &whileOpen, std::optional<NSPoint> place = std::nullopt)
     {
         QTimer opened;
         QObject::connect(&opened, &QTimer::timeout, &opened, [&] {
@@ -109,7 +109,7 @@ protected:
             }
         });
         opened.start(1ms);
-        menu.menuTrayPressed();
+        menu.menuTrayPressed(place);
     }
 
     static std::vector<AnchorWindow *> anchorWindows()
@@ -629,6 +629,22 @@ TEST_F(KIVMenuObjTest, OpensTheMenuAtTheAnchorsBottomLeftCorner)
         EXPECT_EQ(menu.menu()->geometry().top(), anchor.top() + 200);
         menu.menu()->close();
     });
+}
+
+TEST_F(KIVMenuObjTest, OpensTheMenuWhereTheItemsHostSaysThatItWasPressed)
+{
+    press(
+        [&] {
+            EXPECT_EQ(menu.menu()->pos(), MainScreen::toQt({300, 500}));
+            menu.menu()->close();
+        },
+        NSPoint{300, 500});
+    press(
+        [&] {
+            EXPECT_EQ(menu.menu()->geometry().bottomLeft() + QPoint(0, 1), MainScreen::toQt({300, 20}));
+            menu.menu()->close();
+        },
+        NSPoint{300, 20});
 }
 
 TEST_F(KIVMenuObjTest, ClosesTheOpenMenuAtASecondPress)

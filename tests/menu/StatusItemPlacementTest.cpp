@@ -75,3 +75,19 @@ TEST(MenuAnchor, LiesBelowTheOriginWithoutAMainScreen)
 {
     EXPECT_EQ(menuAnchor({}, {0, 0}, {0, 0}, {StatusBar::Edge::Top, 22}).y, -27);
 }
+
+TEST(PlaceAtPress, IsClearOfTheStatusBarForAPressOnIt)
+{
+    using Edge = StatusBar::Edge;
+    EXPECT_EQ(placeAtPress({1010, 880}, screen, topBar), (MenuPlace{{1008, 900 - 32 - 5}, Edge::Top}));
+    EXPECT_EQ(placeAtPress({1010, 868}, screen, topBar), (MenuPlace{{1008, 900 - 32 - 5}, Edge::Top}));
+    EXPECT_EQ(placeAtPress({1010, 10}, screen, bottomBar), (MenuPlace{{1008, 32 + 5}, Edge::Bottom}));
+}
+
+TEST(PlaceAtPress, IsThePressAnywhereElseAndOpensAwayFromTheNearerEdge)
+{
+    using Edge = StatusBar::Edge;
+    EXPECT_EQ(placeAtPress({1010, 867}, screen, topBar), (MenuPlace{{1010, 867}, Edge::Top}));
+    EXPECT_EQ(placeAtPress({1010, 10}, screen, topBar), (MenuPlace{{1010, 10}, Edge::Bottom}));
+    EXPECT_EQ(placeAtPress({1010, 880}, screen, bottomBar), (MenuPlace{{1010, 880}, Edge::Top}));
+}

@@ -1,6 +1,6 @@
 #include "platform/Workspace.h"
 
-#include "tests/session/Browser.h"
+#include "tests/session/support/Browser.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/WaitUntil.h"
 

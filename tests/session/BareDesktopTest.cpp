@@ -1,5 +1,5 @@
-#include "tests/session/Agent.h"
-#include "tests/session/Desktop.h"
+#include "tests/session/support/Agent.h"
+#include "tests/session/support/Desktop.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

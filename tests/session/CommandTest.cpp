@@ -1,4 +1,4 @@
-#include "tests/session/Session.h"
+#include "tests/session/support/Session.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

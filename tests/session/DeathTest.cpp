@@ -1,6 +1,6 @@
-#include "tests/session/Service.h"
-#include "tests/session/SessionManager.h"
-#include "tests/session/SessionWithMessages.h"
+#include "tests/session/support/Service.h"
+#include "tests/session/support/SessionManager.h"
+#include "tests/session/support/SessionWithMessages.h"
 
 #include <QDir>
 #include <QFileInfo>

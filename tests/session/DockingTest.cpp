@@ -1,5 +1,5 @@
-#include "tests/session/DesktopWithAgent.h"
-#include "tests/session/Service.h"
+#include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "tests/session/RawCommand.h"
-#include "tests/session/SessionWithMessages.h"
+#include "tests/session/support/RawCommand.h"
+#include "tests/session/support/SessionWithMessages.h"
 
 #include <QTemporaryDir>
 

@@ -1,4 +1,4 @@
-#include "tests/session/DesktopWithAgent.h"
+#include "tests/session/support/DesktopWithAgent.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/StallingBus.h"
 #include "tests/support/WaitUntil.h"

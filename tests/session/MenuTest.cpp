@@ -1,6 +1,6 @@
-#include "tests/session/Agent.h"
-#include "tests/session/Desktop.h"
-#include "tests/session/Service.h"
+#include "tests/session/support/Agent.h"
+#include "tests/session/support/Desktop.h"
+#include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -139,6 +139,30 @@ TEST_F(ManagedMenu, StaysOpenOnAClickOnADisabledEntry)
     desktop.input().click(menu->geometry.topLeft() + QPoint(20, 12));
     EXPECT_FALSE(waitUntil([&] { return !agent->hasMenu(); }, std::chrono::milliseconds(500)));
     EXPECT_EQ(agent->freeWindows().size(), 1);
+}
+
+TEST_F(ManagedMenu, OpensASubmenuUnderTheMouseTheFirstTime)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    ASSERT_TRUE(service.allow(*agent, "32792 32793"));
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    // One move, as a viewer on a slow line makes it.
+    desktop.input().move(menu->geometry.topLeft() + QPoint(20, 12));
+    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "the submenu did not open";
+}
+
+TEST_F(ManagedMenu, StaysOpenOnAClickOnAnEntryWithASubmenu)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    ASSERT_TRUE(service.allow(*agent, "32792 32793"));
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    desktop.input().click(menu->geometry.topLeft() + QPoint(20, 12));
+    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "the submenu did not open";
+    EXPECT_FALSE(waitUntil([&] { return !agent->hasMenu(); }, std::chrono::milliseconds(500)));
 }
 
 TEST_F(ManagedMenu, TakesAChoiceByKeysAlone)

@@ -1,7 +1,7 @@
-#include "tests/session/OtherWindow.h"
-#include "tests/session/Service.h"
-#include "tests/session/SessionWithMessages.h"
-#include "tests/session/SmallDisk.h"
+#include "tests/session/support/OtherWindow.h"
+#include "tests/session/support/Service.h"
+#include "tests/session/support/SessionWithMessages.h"
+#include "tests/session/support/SmallDisk.h"
 
 #include <QCoreApplication>
 #include <QDir>

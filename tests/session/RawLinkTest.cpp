@@ -1,6 +1,6 @@
-#include "tests/session/DesktopWithAgent.h"
-#include "tests/session/RawCommand.h"
-#include "tests/session/Service.h"
+#include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/RawCommand.h"
+#include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>

@@ -1,7 +1,7 @@
-#include "tests/session/MenuPicture.h"
-#include "tests/session/ScriptFile.h"
-#include "tests/session/Session.h"
-#include "tests/session/Viewer.h"
+#include "tests/session/support/MenuPicture.h"
+#include "tests/session/support/ScriptFile.h"
+#include "tests/session/support/Session.h"
+#include "tests/session/support/Viewer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>

@@ -88,6 +88,18 @@ QDBusConnection SessionBus::connection() const
     return m_connection;
 }
 
+QDBusConnection SessionBus::connectOnceMore() const
+{
+    if (!isConnected()) {
+        return noConnection();
+    }
+    QDBusConnection connection = QDBusConnection::connectToBus(m_address, freshConnectionName());
+    if (connection.isConnected()) {
+        readWithoutLimit(connection);
+    }
+    return connection;
+}
+
 std::optional<qint64> SessionBus::processOf(const QString &busName) const
 {
     const QDBusMessage answer = ask(QStringLiteral("GetConnectionUnixProcessID"), {busName});
@@ -104,6 +116,11 @@ QString SessionBus::ownerOf(const QString &busName) const
         return answer.arguments().value(0).toString();
     }
     return isUnanswered(answer) ? QString() : QStringLiteral("");
+}
+
+QStringList SessionBus::names() const
+{
+    return ask(QStringLiteral("ListNames"), {}).arguments().value(0).toStringList();
 }
 
 bool SessionBus::requestName(const QString &busName) const
@@ -142,6 +159,7 @@ void SessionBus::tryToConnect()
     const ProbedBus bus = probeBus(sessionBusAddress());
     if (bus.state == BusState::Answers) {
         m_connection = QDBusConnection::connectToBus(bus.address, freshConnectionName());
+        m_address = bus.address;
     }
     if (!isConnected()) {
         disconnectFromBus();

@@ -3,6 +3,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 
 #include <chrono>
@@ -29,12 +30,18 @@ public:
     /// The present connection; one that is not connected when there is no bus. Ask again after each connected().
     [[nodiscard]] QDBusConnection connection() const;
 
+    /// One more connection to the same bus, for what others shall see come and go by itself; one that is not connected
+    /// when there is no bus. Whoever asks for it ends it, by QDBusConnection::disconnectFromBus.
+    [[nodiscard]] QDBusConnection connectOnceMore() const;
+
     /// The process behind a bus name, unique or well-known; 0 when nobody owns it, none when there is no bus or it does
     /// not answer. Blocks for at most 500 ms.
     [[nodiscard]] std::optional<qint64> processOf(const QString &busName) const;
     /// The unique name of a bus name's owner; empty when nobody owns it, null when there is no bus or it does not
     /// answer. Blocks for at most 500 ms.
     [[nodiscard]] QString ownerOf(const QString &busName) const;
+    /// All names on the bus; none when there is no bus or it does not answer. Blocks for at most 500 ms.
+    [[nodiscard]] QStringList names() const;
     /// Takes a bus name for this connection. False when the bus refuses, or another has it. Blocks for at most 500 ms:
     /// a bus that does not answer by then gets to the request before all that is asked of it later.
     [[nodiscard]] bool requestName(const QString &busName) const;
@@ -54,5 +61,6 @@ private:
     void disconnectFromBus();
 
     QDBusConnection m_connection;
+    QString m_address; ///< The present connection's.
     QTimer m_retry;
 };

@@ -1,9 +1,12 @@
 #include "platform/StatusItem.h"
 
 #include "platform/linux/include/MainDisplay.h"
+#include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/item/NotifierHostWatch.h"
+#include "platform/linux/item/NotifierRegistration.h"
 #include "platform/linux/item/StatusItemForm.h"
-#include "platform/linux/item/SystemTrayStandIn.h"
+#include "platform/linux/item/StatusNotifierItem.h"
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
 
@@ -13,6 +16,7 @@
 
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace
 {
@@ -50,24 +54,31 @@ private:
     void handleUndocked();
     void watchScreen(QScreen *screen);
     void placeStrip();
-    void handlePress();
+    void handlePress(std::optional<QPoint> place);
 
     StatusItem *const m_owner;
-    TrayHostWatch m_hosts;
+    TrayHostWatch m_trays;
+    NotifierHostWatch m_notifiers;
+    bool m_isNew = true; ///< Until all has been asked for the first time.
     StatusItemForm m_form = StatusItemForm::None;
     xcb_window_t m_tray = XCB_NONE; ///< The one that `window` was made for, in the form Tray.
-    std::unique_ptr<SystemTrayStandIn> m_standIn;
+    QString m_watcher;              ///< The one that `m_notifierItem` is registered with, in the form Notifier.
+    std::unique_ptr<StatusNotifierItem> m_notifierItem;
+    std::unique_ptr<NotifierRegistration> m_registration;
     QTimer m_settling;
 };
 
 StatusItem::Private::Private(StatusItem *owner)
     : m_owner(owner)
+    , m_notifiers(SessionBus::instance())
 {
     using namespace std::chrono_literals;
     m_settling.setSingleShot(true);
     m_settling.setInterval(1s);
     connect(&m_settling, &QTimer::timeout, this, [this] { update(Settling::Over); });
-    connect(&m_hosts, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
+    connect(&m_trays, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
+    connect(&m_notifiers, &NotifierHostWatch::changed, this,
+            [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
 
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::watchScreen);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::placeStrip);
@@ -75,19 +86,21 @@ StatusItem::Private::Private(StatusItem *owner)
     for (QScreen *screen : screens) {
         watchScreen(screen);
     }
-    update(Settling::Over);
+    m_isNew = m_notifiers.isAsking();
+    update(m_isNew ? Settling::Underway : Settling::Over);
 }
 
 void StatusItem::Private::update(Settling settling)
 {
-    const StatusItemHosts hosts{m_hosts.tray() != XCB_NONE, m_hosts.hasNotifierHost()};
+    const StatusItemHosts hosts{m_trays.tray() != XCB_NONE, !m_notifiers.watcher().isEmpty()};
     const StatusItemForm form = pickForm(hosts, m_form, settling);
     if (form == wantedForm(hosts)) {
         m_settling.stop();
     } else if (!m_settling.isActive()) {
         m_settling.start();
     }
-    if (form != m_form || (form == StatusItemForm::Tray && m_tray != m_hosts.tray())) {
+    if (form != m_form || (form == StatusItemForm::Tray && m_tray != m_trays.tray()) ||
+        (form == StatusItemForm::Notifier && m_watcher != m_notifiers.watcher())) {
         take(form);
     }
 }
@@ -96,19 +109,23 @@ void StatusItem::Private::take(StatusItemForm form)
 {
     // The old form goes first: the item is never seen twice.
     window.reset();
-    m_standIn.reset();
+    m_registration.reset();
+    m_notifierItem.reset();
     m_form = form;
     m_tray = XCB_NONE;
+    m_watcher.clear();
     switch (form) {
     case StatusItemForm::None:
         break;
     case StatusItemForm::Tray:
-        m_tray = m_hosts.tray();
+        m_tray = m_trays.tray();
         setWindow(TrayIconWindow::dockedIn(m_tray, deviceSide(screenCoordinates())));
         break;
     case StatusItemForm::Notifier:
-        m_standIn = std::make_unique<SystemTrayStandIn>();
-        connect(m_standIn.get(), &SystemTrayStandIn::pressed, this, &Private::handlePress);
+        m_watcher = m_notifiers.watcher();
+        m_notifierItem = std::make_unique<StatusNotifierItem>();
+        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, &Private::handlePress);
+        m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
         break;
     case StatusItemForm::Strip:
         if (const ScreenCoordinates screen = screenCoordinates(); !screen.mainScreen.isEmpty()) {
@@ -123,7 +140,7 @@ void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
 {
     window = std::move(made);
     if (window) {
-        connect(window.get(), &TrayIconWindow::pressed, this, &Private::handlePress);
+        connect(window.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
         connect(window.get(), &TrayIconWindow::undocked, this, &Private::handleUndocked);
     }
 }
@@ -158,15 +175,15 @@ void StatusItem::Private::apply()
     if (window) {
         window->setLook(look);
     }
-    if (m_standIn) {
-        m_standIn->setLook(look);
+    if (m_notifierItem) {
+        m_notifierItem->setLook(look);
     }
 }
 
-void StatusItem::Private::handlePress()
+void StatusItem::Private::handlePress(std::optional<QPoint> place)
 {
     if (look.enabled) {
-        Q_EMIT m_owner->pressed();
+        Q_EMIT m_owner->pressed(place ? std::optional(screenCoordinates().fromDevice(*place)) : std::nullopt);
     }
 }
 

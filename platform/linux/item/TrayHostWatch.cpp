@@ -1,26 +1,15 @@
 #include "platform/linux/item/TrayHostWatch.h"
 
-#include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
 
 #include <QCoreApplication>
-#include <QDBusServiceWatcher>
 
 #include <xcb/xfixes.h>
-
-namespace
-{
-const QString notifierWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
-}
 
 TrayHostWatch::TrayHostWatch(QObject *parent)
     : QObject(parent)
 {
     watchSelection();
-    SessionBus &bus = SessionBus::instance();
-    connect(&bus, &SessionBus::connected, this, &TrayHostWatch::watchBus);
-    connect(&bus, &SessionBus::disconnected, this, [this] { setHasNotifierHost(false); });
-    watchBus();
 }
 
 TrayHostWatch::~TrayHostWatch()
@@ -55,19 +44,6 @@ void TrayHostWatch::watchSelection()
     m_tray = XConnection::selectionOwner(XConnection::traySelection());
 }
 
-void TrayHostWatch::watchBus()
-{
-    SessionBus &bus = SessionBus::instance();
-    if (!bus.isConnected()) {
-        return;
-    }
-    m_busWatcher = std::make_unique<QDBusServiceWatcher>(notifierWatcher, bus.connection(),
-                                                         QDBusServiceWatcher::WatchForOwnerChange);
-    connect(m_busWatcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString &, const QString &, const QString &owner) { setHasNotifierHost(!owner.isEmpty()); });
-    setHasNotifierHost(bus.processOf(notifierWatcher).value_or(0) != 0);
-}
-
 bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
     const auto *event = static_cast<const xcb_generic_event_t *>(message);
@@ -85,14 +61,6 @@ void TrayHostWatch::setTray(xcb_window_t owner)
     if (m_tray != owner) {
         m_tray = owner;
         // Not from inside Qt's event filters, of which the listener adds and removes some.
-        QMetaObject::invokeMethod(this, &TrayHostWatch::changed, Qt::QueuedConnection);
-    }
-}
-
-void TrayHostWatch::setHasNotifierHost(bool has)
-{
-    if (m_hasNotifierHost != has) {
-        m_hasNotifierHost = has;
         QMetaObject::invokeMethod(this, &TrayHostWatch::changed, Qt::QueuedConnection);
     }
 }

@@ -322,7 +322,7 @@ void TrayIconWindow::handlePress(xcb_button_t button)
         // opened by an earlier press of the same turn, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {
             closePopups();
-        } else if (button == XCB_BUTTON_INDEX_1) {
+        } else if (button != XCB_BUTTON_INDEX_2) {
             Q_EMIT pressed();
         }
     });

@@ -38,7 +38,8 @@ public:
     [[nodiscard]] std::optional<QRect> place() const;
 
 Q_SIGNALS:
-    /// The primary button went down on it. From the event loop. A press that only closed an open menu is not told.
+    /// The primary or the right button went down on it. From the event loop. A press that only closed an open menu is
+    /// not told.
     void pressed();
     /// The tray has put the window out, or has taken it along at its end. From the event loop.
     void undocked();

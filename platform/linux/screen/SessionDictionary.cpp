@@ -11,6 +11,7 @@
 #include <QDeadlineTimer>
 #include <QVariantMap>
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <optional>
@@ -144,10 +145,13 @@ bool isRemoteDisplay()
     if (!connection) {
         return false;
     }
-    constexpr std::string_view name = "VNC-EXTENSION";
-    const auto cookie = xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data());
-    const XcbReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
-    return reply && reply->present;
+    // TigerVNC 1.12 has its extension under the first of these names, 1.15 and 1.16 have it under the second.
+    constexpr std::array<std::string_view, 2> names{"VNC-EXTENSION", "TIGERVNC"};
+    return std::any_of(names.cbegin(), names.cend(), [connection](std::string_view name) {
+        const auto cookie = xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data());
+        const XcbReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
+        return reply && reply->present;
+    });
 }
 
 std::optional<SessionState> currentState()

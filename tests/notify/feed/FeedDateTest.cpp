@@ -1,5 +1,7 @@
 #include "notify/feed/FeedDate.h"
 
+#include "platform/data/UtcTime.h"
+
 #include <gtest/gtest.h>
 
 namespace
@@ -7,7 +9,7 @@ namespace
 
 QDateTime utc(int year, int month, int day, int hour)
 {
-    return {QDate(year, month, day), QTime(hour, 0), Qt::UTC};
+    return {QDate(year, month, day), QTime(hour, 0), inUtc};
 }
 
 TEST(FeedDate, IsMidnightInEasternStandardTimeSummerAndWinter)

@@ -3,6 +3,7 @@
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
 #include "notify/record/UndefinedKeyException.h"
+#include "platform/data/UtcTime.h"
 
 #include <QElapsedTimer>
 #include <QStringEncoder>
@@ -88,8 +89,8 @@ TEST(FeedParser, ReadsAWholeMessage)
     EXPECT_EQ(record.systemCode(), QStringLiteral("osx"));
     EXPECT_EQ(record.minSysVer(), QStringLiteral("10.5"));
     EXPECT_EQ(record.maxSysVer(), QStringLiteral("10.7"));
-    EXPECT_EQ(record.minDate(), QDateTime(QDate(2011, 5, 20), QTime(5, 0), Qt::UTC));
-    EXPECT_EQ(record.maxDate(), QDateTime(QDate(2011, 6, 20), QTime(5, 0), Qt::UTC));
+    EXPECT_EQ(record.minDate(), QDateTime(QDate(2011, 5, 20), QTime(5, 0), inUtc));
+    EXPECT_EQ(record.maxDate(), QDateTime(QDate(2011, 6, 20), QTime(5, 0), inUtc));
     EXPECT_EQ(record.contentEncoding(), QStringLiteral("base64"));
     EXPECT_EQ(record.contentType(), QStringLiteral("text/html"));
     EXPECT_EQ(record.contentWidth(), 280.0F);

@@ -2,9 +2,9 @@
 
 #include "platform/MainScreen.h"
 #include "platform/linux/include/XConnection.h"
-#include "tests/session/Browser.h"
-#include "tests/session/OtherWindow.h"
-#include "tests/session/XView.h"
+#include "tests/session/support/Browser.h"
+#include "tests/session/support/OtherWindow.h"
+#include "tests/session/support/XView.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
 #include "tests/support/TestXServer.h"

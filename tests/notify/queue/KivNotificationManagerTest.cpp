@@ -7,6 +7,7 @@
 #include "platform/Bundle.h"
 #include "platform/MainScreen.h"
 #include "platform/data/PropertyList.h"
+#include "platform/data/UtcTime.h"
 #include "platform/linux/include/XConnection.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
@@ -36,8 +37,8 @@ using namespace std::chrono_literals;
 using Record = std::shared_ptr<KivNotification>;
 using Ids = std::vector<std::string>;
 
-const QDateTime noon(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC);
-const QDateTime epoch = QDateTime::fromMSecsSinceEpoch(0, Qt::UTC);
+const QDateTime noon(QDate(2024, 3, 1), QTime(12, 0), inUtc);
+const QDateTime epoch = QDateTime::fromMSecsSinceEpoch(0, inUtc);
 
 Record record(const char *id, std::int32_t priority = 1, std::uint32_t repeat = 1)
 {

@@ -3,6 +3,7 @@
 #include "notify/record/DistantFuture.h"
 #include "notify/record/UndefinedKeyException.h"
 #include "platform/data/PropertyList.h"
+#include "platform/data/UtcTime.h"
 #include "platform/text/TextMeasure.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ namespace
 constexpr std::int32_t intMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t intMax = std::numeric_limits<std::int32_t>::max();
 
-const QDateTime epoch(QDate(1970, 1, 1), QTime(0, 0), Qt::UTC);
+const QDateTime epoch(QDate(1970, 1, 1), QTime(0, 0), inUtc);
 const QString nil;
 const QString empty = QLatin1String("");
 
@@ -37,9 +38,9 @@ KivNotification filledRecord()
     record.setSystemCode(QStringLiteral("osx"));
     record.setMinSysVer(QStringLiteral("10.6"));
     record.setMaxSysVer(QStringLiteral("10.9"));
-    record.setMinDate(QDateTime(QDate(2011, 5, 20), QTime(5, 0), Qt::UTC));
-    record.setMaxDate(QDateTime(QDate(2012, 5, 20), QTime(4, 0), Qt::UTC));
-    record.setLastShowDate(QDateTime(QDate(2011, 6, 1), QTime(12, 30, 15), Qt::UTC));
+    record.setMinDate(QDateTime(QDate(2011, 5, 20), QTime(5, 0), inUtc));
+    record.setMaxDate(QDateTime(QDate(2012, 5, 20), QTime(4, 0), inUtc));
+    record.setLastShowDate(QDateTime(QDate(2011, 6, 1), QTime(12, 30, 15), inUtc));
     record.setContentEncoding(QStringLiteral("none"));
     record.setContentType(QStringLiteral("text/html"));
     record.setContentWidth(250.5F);
@@ -65,9 +66,9 @@ QVariantMap filledDictionary()
         {QStringLiteral("systemCode"), QStringLiteral("osx")},
         {QStringLiteral("minSysVer"), QStringLiteral("10.6")},
         {QStringLiteral("maxSysVer"), QStringLiteral("10.9")},
-        {QStringLiteral("minDate"), QDateTime(QDate(2011, 5, 20), QTime(5, 0), Qt::UTC)},
-        {QStringLiteral("maxDate"), QDateTime(QDate(2012, 5, 20), QTime(4, 0), Qt::UTC)},
-        {QStringLiteral("lastShowDate"), QDateTime(QDate(2011, 6, 1), QTime(12, 30, 15), Qt::UTC)},
+        {QStringLiteral("minDate"), QDateTime(QDate(2011, 5, 20), QTime(5, 0), inUtc)},
+        {QStringLiteral("maxDate"), QDateTime(QDate(2012, 5, 20), QTime(4, 0), inUtc)},
+        {QStringLiteral("lastShowDate"), QDateTime(QDate(2011, 6, 1), QTime(12, 30, 15), inUtc)},
         {QStringLiteral("contentEncoding"), QStringLiteral("none")},
         {QStringLiteral("contentType"), QStringLiteral("text/html")},
         {QStringLiteral("contentWidth"), 250.5F},
@@ -261,7 +262,7 @@ TEST(KivNotification, StaysValidForEverThroughAFile)
     KivNotification record;
     record.setMaxDate(distantFuture());
     const KivNotification read(PropertyList::read(PropertyList::toXml(record.exportToDictionary())).toMap());
-    EXPECT_EQ(read.maxDate(), QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), Qt::UTC));
+    EXPECT_EQ(read.maxDate(), QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), inUtc));
 }
 
 TEST(KivNotification, KeepsDefaultsForMissingKeys)
@@ -455,7 +456,7 @@ TEST(KivNotification, DescribesEveryFieldInItsPlace)
     KivNotification record = filledRecord();
     record.setMessageRepeat(4294967295U);
     record.setMessageText(QStringLiteral("caf\u00E9"));
-    record.setMaxDate(QDateTime(QDate(2012, 5, 20), QTime(4, 0), Qt::OffsetFromUTC, 7200));
+    record.setMaxDate(QDateTime(QDate(2012, 5, 20), QTime(2, 0), inUtc).toOffsetFromUtc(7200));
     EXPECT_EQ(record.description().toStdString(), "---------------------------- \n"
                                                   " Id: 17 \n"
                                                   " minV: 3.1 \n"

@@ -3,6 +3,7 @@
 #include "notify/record/KivNotification.h"
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
+#include "platform/data/UtcTime.h"
 #include "tests/support/SystemLog.h"
 
 #include <QDir>
@@ -131,7 +132,7 @@ protected:
     QString bundle = directory.filePath(QStringLiteral("bundle"));
     QString systemVersionFile = directory.filePath(QStringLiteral("SystemVersion.plist"));
     QString preferences = directory.filePath(QStringLiteral("Library/Preferences/com.tamborel.kivmenua.plist"));
-    QDateTime now = QDateTime(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC);
+    QDateTime now = QDateTime(QDate(2024, 3, 1), QTime(12, 0), inUtc);
     UserDatabase users{.loginName = [] { return std::optional<std::string>("ann"); },
                        .groupMembers = [](const std::string &) { return std::vector<std::string>(); }};
 };

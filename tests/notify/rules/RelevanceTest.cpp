@@ -2,6 +2,7 @@
 
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
+#include "platform/data/UtcTime.h"
 #include "tests/notify/rules/TimeZone.h"
 
 #include <gtest/gtest.h>
@@ -12,7 +13,7 @@
 namespace
 {
 
-const QDateTime now(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC);
+const QDateTime now(QDate(2024, 3, 1), QTime(12, 0), inUtc);
 
 Installation installation()
 {

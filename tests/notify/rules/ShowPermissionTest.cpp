@@ -2,6 +2,7 @@
 
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
+#include "platform/data/UtcTime.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,7 @@
 namespace
 {
 
-const QDateTime now(QDate(2024, 3, 1), QTime(12, 0), Qt::UTC);
+const QDateTime now(QDate(2024, 3, 1), QTime(12, 0), inUtc);
 constexpr std::int32_t intMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t intMax = std::numeric_limits<std::int32_t>::max();
 

@@ -1,6 +1,7 @@
 #include "platform/data/PropertyListBinaryReader.h"
 
 #include "platform/data/PropertyListValues.h"
+#include "platform/data/UtcTime.h"
 #include "tests/platform/data/PropertyListSamples.h"
 
 #include <QDateTime>
@@ -45,7 +46,7 @@ QByteArray arrayOf(const QByteArray &references, int count)
 
 QDateTime utc(int year, int month, int day)
 {
-    return QDateTime(QDate(year, month, day), QTime(0, 0), Qt::UTC);
+    return QDateTime(QDate(year, month, day), QTime(0, 0), inUtc);
 }
 
 TEST(PropertyListBinaryReader, ReadsEveryTypeInEveryWidth)
@@ -98,8 +99,8 @@ TEST(PropertyListBinaryReader, ReadsEveryTypeInEveryWidth)
 
 TEST(PropertyListBinaryReader, BringsDatesBetweenTheYears1And9999)
 {
-    const QDateTime first(QDate(1, 1, 1), QTime(0, 0), Qt::UTC);
-    const QDateTime last(QDate(9999, 12, 31), QTime(23, 59, 59), Qt::UTC);
+    const QDateTime first(QDate(1, 1, 1), QTime(0, 0), inUtc);
+    const QDateTime last(QDate(9999, 12, 31), QTime(23, 59, 59), inUtc);
     EXPECT_EQ(readObject("337FF0000000000000").toDateTime(), last);
     EXPECT_EQ(readObject("337FEFFFFFFFFFFFFF").toDateTime(), last);
     EXPECT_EQ(readObject("33FFF0000000000000").toDateTime(), first);

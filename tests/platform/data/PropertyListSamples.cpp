@@ -1,5 +1,7 @@
 #include "tests/platform/data/PropertyListSamples.h"
 
+#include "platform/data/UtcTime.h"
+
 #include <QDateTime>
 #include <QJsonObject>
 #include <QtEndian>
@@ -117,7 +119,7 @@ QVariant PropertyListSamples::value(int levels)
         const qint64 seconds =
             edge ? dateEdges[below(dateEdges.size())]
                  : dateEdges.front() + qint64(m_random() % quint64(dateEdges.back() - dateEdges.front()));
-        return QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+        return QDateTime::fromSecsSinceEpoch(seconds, inUtc);
     }
     case 6: {
         QByteArray data(below(200), '\0');

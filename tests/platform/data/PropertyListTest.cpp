@@ -1,5 +1,6 @@
 #include "platform/data/PropertyList.h"
 
+#include "platform/data/UtcTime.h"
 #include "tests/platform/data/PropertyListSamples.h"
 #include "tests/support/FullDisk.h"
 
@@ -25,7 +26,7 @@ const QVariantMap sample{
     {QStringLiteral("number"), qlonglong(-5'000'000'000)},
     {QStringLiteral("large"), std::numeric_limits<qulonglong>::max()},
     {QStringLiteral("real"), 0.1},
-    {QStringLiteral("date"), QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), Qt::UTC)},
+    {QStringLiteral("date"), QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59), inUtc)},
     {QStringLiteral("data"), QByteArray("\x00\xFF\x10\r\n", 5)},
     {QStringLiteral("list"),
      QVariantList{true, false, QVariantMap{{QStringLiteral(""), QStringLiteral("")}}, QVariantList()}},

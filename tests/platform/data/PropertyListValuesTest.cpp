@@ -1,5 +1,7 @@
 #include "platform/data/PropertyListValues.h"
 
+#include "platform/data/UtcTime.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -28,6 +30,11 @@ constexpr Moment moments[] = {
     {"4001-01-01T00:00:00Z", 64092211200},
     {"9999-12-31T23:59:59Z", 253402300799},
 };
+
+QDateTime inZone(QDate date, QTime time, int secondsFromUtc)
+{
+    return QDateTime(date, time, inUtc).addSecs(-secondsFromUtc).toOffsetFromUtc(secondsFromUtc);
+}
 
 TEST(PropertyListDate, IsReadAndWrittenForEveryYear)
 {
@@ -81,16 +88,16 @@ TEST(PropertyListDate, StaysBetweenTheYears1And9999)
     constexpr const char *first = "0001-01-01T00:00:00Z";
     constexpr const char *last = "9999-12-31T23:59:59Z";
     const std::pair<QDateTime, const char *> dates[] = {
-        {QDateTime(QDate(10000, 1, 1), QTime(0, 0), Qt::UTC), last},
-        {QDateTime(QDate(14000, 6, 1), QTime(0, 0), Qt::UTC), last},
-        {QDateTime(QDate(2'000'000, 1, 1), QTime(0, 0), Qt::OffsetFromUTC, -3600), last},
-        {QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59, 999), Qt::UTC), last},
-        {QDateTime(QDate(9999, 12, 31), QTime(23, 30), Qt::OffsetFromUTC, -3600), last},
-        {QDateTime::fromMSecsSinceEpoch(std::numeric_limits<qint64>::max(), Qt::UTC), last},
-        {QDateTime::fromMSecsSinceEpoch(std::numeric_limits<qint64>::max(), Qt::LocalTime), last},
-        {QDateTime::fromMSecsSinceEpoch(std::numeric_limits<qint64>::min(), Qt::UTC), first},
-        {QDateTime(QDate(-44, 3, 15), QTime(12, 0), Qt::UTC), first},
-        {QDateTime(QDate(1, 1, 1), QTime(0, 30), Qt::OffsetFromUTC, 3600), first},
+        {QDateTime(QDate(10000, 1, 1), QTime(0, 0), inUtc), last},
+        {QDateTime(QDate(14000, 6, 1), QTime(0, 0), inUtc), last},
+        {inZone(QDate(2'000'000, 1, 1), QTime(0, 0), -3600), last},
+        {QDateTime(QDate(9999, 12, 31), QTime(23, 59, 59, 999), inUtc), last},
+        {inZone(QDate(9999, 12, 31), QTime(23, 30), -3600), last},
+        {QDateTime::fromMSecsSinceEpoch(std::numeric_limits<qint64>::max(), inUtc), last},
+        {QDateTime::fromMSecsSinceEpoch(std::numeric_limits<qint64>::max()), last},
+        {QDateTime::fromMSecsSinceEpoch(std::numeric_limits<qint64>::min(), inUtc), first},
+        {QDateTime(QDate(-44, 3, 15), QTime(12, 0), inUtc), first},
+        {inZone(QDate(1, 1, 1), QTime(0, 30), 3600), first},
     };
     for (const auto &[date, text] : dates) {
         ASSERT_TRUE(date.isValid());
@@ -107,15 +114,15 @@ TEST(PropertyListDate, StaysBetweenTheYears1And9999)
 
 TEST(PropertyListDate, IsRoundedDownToTheSecond)
 {
-    EXPECT_EQ(dateToText(QDateTime::fromMSecsSinceEpoch(1999, Qt::UTC)), "1970-01-01T00:00:01Z");
-    EXPECT_EQ(dateToText(QDateTime::fromMSecsSinceEpoch(-1, Qt::UTC)), "1969-12-31T23:59:59Z");
+    EXPECT_EQ(dateToText(QDateTime::fromMSecsSinceEpoch(1999, inUtc)), "1970-01-01T00:00:01Z");
+    EXPECT_EQ(dateToText(QDateTime::fromMSecsSinceEpoch(-1, inUtc)), "1969-12-31T23:59:59Z");
     EXPECT_EQ(PropertyListValues::date(1.999).toMSecsSinceEpoch(), 1000);
     EXPECT_EQ(PropertyListValues::date(-0.001).toMSecsSinceEpoch(), -1000);
 }
 
 TEST(PropertyListDate, IsWrittenInUtcWhateverItsZone)
 {
-    EXPECT_EQ(dateToText(QDateTime(QDate(2020, 1, 1), QTime(0, 30), Qt::OffsetFromUTC, 3600)), "2019-12-31T23:30:00Z");
+    EXPECT_EQ(dateToText(inZone(QDate(2020, 1, 1), QTime(0, 30), 3600)), "2019-12-31T23:30:00Z");
 }
 
 TEST(PropertyListInteger, IsUnsignedOnlyWhereItMustBe)

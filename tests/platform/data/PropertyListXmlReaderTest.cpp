@@ -1,6 +1,7 @@
 #include "platform/data/PropertyListXmlReader.h"
 
 #include "platform/data/PropertyListValues.h"
+#include "platform/data/UtcTime.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
@@ -64,7 +65,7 @@ TEST(PropertyListXmlReader, ReadsEveryType)
         {"<real>-INF</real>", -std::numeric_limits<double>::infinity()},
         {"<data></data>", QByteArray("")},
         {"<data>\n\tAAEC\n\t/w==\n</data>", QByteArray("\x00\x01\x02\xFF", 4)},
-        {"<date>2001-01-01T00:00:00Z</date>", QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC)},
+        {"<date>2001-01-01T00:00:00Z</date>", QDateTime(QDate(2001, 1, 1), QTime(0, 0), inUtc)},
         {"<array/>", QVariantList()},
         {"<array> <true/> <!-- no --> <integer>1</integer>\n</array>", QVariantList({true, qlonglong(1)})},
         {"<dict/>", QVariantMap()},

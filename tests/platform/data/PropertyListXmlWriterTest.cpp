@@ -1,6 +1,7 @@
 #include "platform/data/PropertyListXmlWriter.h"
 
 #include "platform/data/PropertyListXmlReader.h"
+#include "platform/data/UtcTime.h"
 
 #include <QDateTime>
 #include <QRect>
@@ -45,7 +46,7 @@ TEST(PropertyListXmlWriter, WritesTheUsualForm)
         {QStringLiteral("none"), QVariantList()},
         {QStringLiteral("nothing"), QVariantMap()},
         {QStringLiteral("data"), QByteArray(58, '\0')},
-        {QStringLiteral("date"), QDateTime(QDate(2038, 1, 19), QTime(3, 14, 8, 999), Qt::UTC)},
+        {QStringLiteral("date"), QDateTime(QDate(2038, 1, 19), QTime(3, 14, 8, 999), inUtc)},
     };
     EXPECT_EQ(body(value), "<dict>\n"
                            "\t<key>array</key>\n"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Carbon/MacTypes.h"
+#include <Carbon/MacTypes.h>
 
 /// The few Apple Event Manager calls that the agent makes, over the session bus (com.tamborel.kivune.AppleEvents, see
 /// resources/dbus/). No parameter is ever coerced from one type to another. Main thread only.

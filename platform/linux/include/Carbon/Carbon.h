@@ -4,8 +4,8 @@
 /// agent uses, under their own names, so that shell/ and menu/ read the same on both systems. platform/linux/
 /// implements them over the D-Bus session bus, /proc, X11 and logind.
 
-#include "Carbon/AppleEvents.h"
-#include "Carbon/CoreFoundation.h"
-#include "Carbon/CoreGraphics.h"
-#include "Carbon/MacTypes.h"
-#include "Carbon/Processes.h"
+#include <Carbon/AppleEvents.h>
+#include <Carbon/CoreFoundation.h>
+#include <Carbon/CoreGraphics.h>
+#include <Carbon/MacTypes.h>
+#include <Carbon/Processes.h>

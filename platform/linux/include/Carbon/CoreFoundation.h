@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Carbon/MacTypes.h"
+#include <Carbon/MacTypes.h>
 
 #include <cstdint>
 

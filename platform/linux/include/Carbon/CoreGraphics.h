@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Carbon/CoreFoundation.h"
+#include <Carbon/CoreFoundation.h>
 
 #include <cstddef>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Carbon/CoreFoundation.h"
-#include "Carbon/MacTypes.h"
+#include <Carbon/CoreFoundation.h>
+#include <Carbon/MacTypes.h>
 
 #include <sys/types.h>
 

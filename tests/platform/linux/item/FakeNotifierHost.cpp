@@ -5,46 +5,45 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
-#include <QMutexLocker>
 
 #include <gtest/gtest.h>
 
-QStringList NotifierWatcherObject::items() const
+namespace
 {
-    const QMutexLocker lock(&m_mutex);
-    return m_items;
+
+const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+QString freshName()
+{
+    static int count = 0;
+    return QStringLiteral("notifier host %1").arg(++count);
 }
 
-void NotifierWatcherObject::RegisterStatusNotifierItem(const QString &service)
-{
-    const QMutexLocker lock(&m_mutex);
-    m_items.append(service);
-}
+} // namespace
 
-FakeNotifierHost::FakeNotifierHost(const QString &address)
-    : m_connectionName(QStringLiteral("notifier host"))
-    , m_object(std::make_unique<NotifierWatcherObject>())
+FakeNotifierHost::FakeNotifierHost(const QString &address, Host host)
+    : m_connectionName(freshName())
     , m_connection(QDBusConnection::connectToBus(address, m_connectionName))
 {
-    m_object->moveToThread(&m_thread);
-    m_thread.start();
-    EXPECT_TRUE(m_connection.registerObject(QStringLiteral("/StatusNotifierWatcher"), m_object.get(),
-                                            QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllProperties));
-    EXPECT_TRUE(m_connection.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    setHost(host);
+    EXPECT_TRUE(m_connection.registerObject(watcherPath, &m_object, QDBusConnection::ExportAllContents));
+    EXPECT_TRUE(m_connection.interface()
+                    ->registerService(QStringLiteral("org.kde.StatusNotifierWatcher"),
+                                      QDBusConnectionInterface::ReplaceExistingService,
+                                      QDBusConnectionInterface::AllowReplacement)
+                    .isValid());
 }
 
 FakeNotifierHost::~FakeNotifierHost()
 {
-    m_connection.unregisterObject(QStringLiteral("/StatusNotifierWatcher"));
+    m_connection.unregisterObject(watcherPath);
     QDBusConnection::disconnectFromBus(m_connectionName);
-    m_thread.quit();
-    m_thread.wait();
 }
 
 QStringList FakeNotifierHost::items() const
 {
     QStringList present;
-    const QStringList registered = m_object->items();
+    const QStringList registered = m_object.items();
     for (const QString &service : registered) {
         if (m_connection.interface()->isServiceRegistered(service)) {
             present.append(service);
@@ -53,16 +52,15 @@ QStringList FakeNotifierHost::items() const
     return present;
 }
 
-bool FakeNotifierHost::activateFirst()
+bool FakeNotifierHost::choose(const QString &member, QPoint place)
 {
     const QStringList present = items();
     if (present.isEmpty()) {
         return false;
     }
-    QDBusMessage call =
-        QDBusMessage::createMethodCall(present.first(), QStringLiteral("/StatusNotifierItem"),
-                                       QStringLiteral("org.kde.StatusNotifierItem"), QStringLiteral("Activate"));
-    call.setArguments({10, 10});
+    QDBusMessage call = QDBusMessage::createMethodCall(present.first(), QStringLiteral("/StatusNotifierItem"),
+                                                       QStringLiteral("org.kde.StatusNotifierItem"), member);
+    call.setArguments({place.x(), place.y()});
     QDBusPendingCallWatcher watcher(m_connection.asyncCall(call));
     return waitUntil([&] { return watcher.isFinished(); }, std::chrono::seconds(1)) && !watcher.isError();
 }

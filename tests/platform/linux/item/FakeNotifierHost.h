@@ -1,52 +1,36 @@
 #pragma once
 
+#include "tests/platform/linux/item/NotifierWatcherObject.h"
+
 #include <QDBusConnection>
-#include <QMutex>
-#include <QObject>
+#include <QPoint>
 #include <QString>
 #include <QStringList>
-#include <QThread>
 
-#include <memory>
-
-/// What a StatusNotifierItem host has on the bus: org.kde.StatusNotifierWatcher and its object.
-class NotifierWatcherObject final : public QObject
-{
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
-    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
-
-public:
-    [[nodiscard]] bool isHostRegistered() const { return true; }
-    [[nodiscard]] QStringList items() const;
-
-public Q_SLOTS:
-    void RegisterStatusNotifierItem(const QString &service);
-
-private:
-    mutable QMutex m_mutex;
-    QStringList m_items;
-};
-
-/// A StatusNotifierItem host of the test's own. It lives in a thread with a bus connection of its own, since the items
-/// ask it questions and wait for the answer.
+/// A StatusNotifierItem host of the test's own, and its watcher, on a bus connection of its own. A later one takes the
+/// name from an earlier one.
 class FakeNotifierHost final
 {
 public:
+    /// Whether there is more than the watcher.
+    enum class Host { Registered, Missing };
+
     /// Returns once the name is owned on the bus at `address`.
-    explicit FakeNotifierHost(const QString &address);
+    explicit FakeNotifierHost(const QString &address, Host host = Host::Registered);
     ~FakeNotifierHost();
     FakeNotifierHost(const FakeNotifierHost &) = delete;
     FakeNotifierHost &operator=(const FakeNotifierHost &) = delete;
 
+    void setHost(Host host) { m_object.setHostRegistered(host == Host::Registered); }
+
     /// The bus names of the items that have registered and are still there.
     [[nodiscard]] QStringList items() const;
-    /// Tells the first item that it was chosen. False when it has not answered within a second.
-    [[nodiscard]] bool activateFirst();
+    /// Tells the first item that it was chosen: "Activate" or "ContextMenu". False when it has not answered within a
+    /// second.
+    [[nodiscard]] bool choose(const QString &member, QPoint place = {10, 10});
 
 private:
     const QString m_connectionName;
-    std::unique_ptr<NotifierWatcherObject> m_object;
-    QThread m_thread;
+    NotifierWatcherObject m_object;
     QDBusConnection m_connection;
 };

@@ -2,20 +2,27 @@
 #include "platform/linux/include/SessionBus.h"
 #include "tests/platform/linux/item/FakeNotifierHost.h"
 #include "tests/platform/linux/item/FakeTray.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"
+#include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QMenu>
 #include <QPixmap>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <optional>
+#include <vector>
 
 namespace
 {
 
 constexpr NSRect stripFrame{{1258, 778}, {22, 22}};
+const QString activate = QStringLiteral("Activate");
 
 QIcon redIcon()
 {
@@ -23,6 +30,23 @@ QIcon redIcon()
     pixmap.fill(Qt::red);
     return QIcon(pixmap);
 }
+
+/// A watcher, with a host, in a process of its own, which has that DISPLAY and is no client of any X server.
+class WatcherOfADisplay final
+{
+public:
+    explicit WatcherOfADisplay(const QString &display)
+    {
+        m_program.environment.insert(QStringLiteral("DISPLAY"), display);
+        EXPECT_TRUE(m_program.start(QStringLiteral(KIV_NOTIFIER_WATCHER), {}));
+        EXPECT_TRUE(waitUntil([this] { return m_program.output().contains('\n'); }));
+    }
+
+    [[nodiscard]] qsizetype itemCount() { return m_program.output().count("item"); }
+
+private:
+    ChildProcess m_program;
+};
 
 class StatusItemNotifierTest : public testing::Test
 {
@@ -68,16 +92,103 @@ TEST_F(StatusItemNotifierTest, TellsAPressAfterTheHostHasHadItsAnswer)
         ++presses;
         menu.popup({100, 100});
     });
-    EXPECT_TRUE(host.activateFirst());
+    EXPECT_TRUE(host.choose(activate));
     EXPECT_TRUE(waitUntil([&] { return presses == 1 && menu.isVisible(); }));
     menu.close();
 
     item.setEnabled(false);
-    EXPECT_TRUE(host.activateFirst());
+    EXPECT_TRUE(host.choose(activate));
     item.setEnabled(true);
-    EXPECT_TRUE(host.activateFirst());
+    EXPECT_TRUE(host.choose(activate));
     EXPECT_TRUE(waitUntil([&] { return presses > 1; }));
     EXPECT_EQ(presses, 2);
+}
+
+TEST_F(StatusItemNotifierTest, IsPressedAtThePlaceThatTheHostTells)
+{
+    FakeNotifierHost host(bus->address());
+    StatusItem item;
+    item.setImage(redIcon());
+    ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
+    std::vector<std::optional<NSPoint>> places;
+    QObject::connect(&item, &StatusItem::pressed, &item,
+                     [&](std::optional<NSPoint> place) { places.push_back(place); });
+    EXPECT_TRUE(host.choose(activate, {300, 20}));
+    EXPECT_TRUE(host.choose(QStringLiteral("ContextMenu"), {310, 790}));
+    EXPECT_TRUE(host.choose(activate, {0, 0}));
+    EXPECT_TRUE(waitUntil([&] { return places.size() == 3; }));
+    EXPECT_THAT(places, testing::ElementsAre(NSPoint{300, 780}, NSPoint{310, 10}, std::nullopt));
+}
+
+TEST_F(StatusItemNotifierTest, IsHandedOverFromOneHostToTheNext)
+{
+    FakeNotifierHost first(bus->address());
+    StatusItem item;
+    item.setImage(redIcon());
+    ASSERT_TRUE(waitUntil([&] { return first.items().size() == 1; }));
+    FakeNotifierHost second(bus->address());
+    EXPECT_TRUE(waitUntil([&] { return second.items().size() == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return first.items().isEmpty(); }));
+
+    int presses = 0;
+    QObject::connect(&item, &StatusItem::pressed, &item, [&] { ++presses; });
+    EXPECT_TRUE(second.choose(activate));
+    EXPECT_TRUE(waitUntil([&] { return presses == 1; }));
+}
+
+TEST_F(StatusItemNotifierTest, ComesBackWithEachWatcher)
+{
+    auto host = std::make_unique<FakeNotifierHost>(bus->address());
+    StatusItem item;
+    item.setImage(redIcon());
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_TRUE(waitUntil([&] { return host->items().size() == 1; })) << round;
+        host.reset();
+        EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; })) << round;
+        host = std::make_unique<FakeNotifierHost>(bus->address());
+    }
+}
+
+TEST_F(StatusItemNotifierTest, IsNotGivenToAWatcherWithoutAHost)
+{
+    FakeNotifierHost watcher(bus->address(), FakeNotifierHost::Host::Missing);
+    StatusItem item;
+    item.setImage(redIcon());
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    EXPECT_TRUE(watcher.items().isEmpty());
+
+    watcher.setHost(FakeNotifierHost::Host::Registered);
+    EXPECT_TRUE(waitUntil([&] { return watcher.items().size() == 1; }));
+    EXPECT_EQ(item.frame(), std::nullopt);
+
+    watcher.setHost(FakeNotifierHost::Host::Missing);
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    EXPECT_TRUE(waitUntil([&] { return watcher.items().isEmpty(); }));
+}
+
+TEST_F(StatusItemNotifierTest, IsNotGivenToAHostOfAnotherDisplay)
+{
+    WatcherOfADisplay elsewhere(QStringLiteral(":12345"));
+    StatusItem item;
+    item.setImage(redIcon());
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    EXPECT_EQ(elsewhere.itemCount(), 0);
+
+    // The same watcher may have a host here as well: the test is on this display.
+    BusPeer host(*bus);
+    ASSERT_TRUE(host.connection().registerService(QStringLiteral("org.kde.StatusNotifierHost-1")));
+    StatusItem another;
+    another.setImage(redIcon());
+    EXPECT_TRUE(waitUntil([&] { return elsewhere.itemCount() == 1; }));
+}
+
+TEST_F(StatusItemNotifierTest, IsGivenToAHostThatNamesThisDisplay)
+{
+    WatcherOfADisplay here(testXServer().display() + QStringLiteral(".0"));
+    StatusItem item;
+    item.setImage(redIcon());
+    EXPECT_TRUE(waitUntil([&] { return here.itemCount() == 1; }));
+    EXPECT_EQ(item.frame(), std::nullopt);
 }
 
 TEST_F(StatusItemNotifierTest, LeavesTheStripForAHostThatComesLaterAndReturnsWhenItGoes)

@@ -1,7 +1,7 @@
 #include "platform/linux/workarounds/LateMouseEvents.h"
 
 #include "platform/linux/include/XConnection.h"
-#include "tests/session/XInput.h"
+#include "tests/session/support/XInput.h"
 #include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"
 

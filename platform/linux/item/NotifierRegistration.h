@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+
+class SessionBus;
+
+/// An item's presence with one StatusNotifierItem host, for as long as this lives: a bus connection of its own, which
+/// serves the item, and which the watcher has been told of. Watchers take an item off when its connection ends, and not
+/// all of them for anything else. Main thread only.
+class NotifierRegistration final
+{
+public:
+    /// `watcher` is the unique name of the watcher on `bus`. `item` is served with its adaptors and must outlive this.
+    NotifierRegistration(const SessionBus &bus, const QString &watcher, QObject &item);
+    ~NotifierRegistration();
+    NotifierRegistration(const NotifierRegistration &) = delete;
+    NotifierRegistration &operator=(const NotifierRegistration &) = delete;
+
+private:
+    QDBusConnection m_connection;
+};

@@ -1,0 +1,60 @@
+#include "platform/linux/item/StatusNotifierItem.h"
+
+#include "StatusNotifierItemAdaptor.h"
+#include "platform/linux/workarounds/RootProperties.h"
+
+#include <QDBusMetaType>
+
+StatusNotifierItem::StatusNotifierItem()
+{
+    qDBusRegisterMetaType<NotifierPixmap>();
+    qDBusRegisterMetaType<NotifierPixmaps>();
+    qDBusRegisterMetaType<NotifierToolTip>();
+    new StatusNotifierItemAdaptor(this);
+}
+
+void StatusNotifierItem::setLook(const StatusItemLook &look)
+{
+    const QString oldTitle = title();
+    const QString oldStatus = status();
+    const StatusItemLook old = std::exchange(m_look, look);
+    if (title() != oldTitle) {
+        Q_EMIT NewTitle();
+    }
+    if (m_look.toolTip != old.toolTip) {
+        Q_EMIT NewToolTip();
+    }
+    if (m_look.image.cacheKey() != old.image.cacheKey() || m_look.enabled != old.enabled) {
+        Q_EMIT NewIcon();
+    }
+    if (status() != oldStatus) {
+        Q_EMIT NewStatus(status());
+    }
+}
+
+QString StatusNotifierItem::title() const
+{
+    return m_look.title.isEmpty() ? m_look.toolTip : m_look.title;
+}
+
+QString StatusNotifierItem::status() const
+{
+    return m_look.image.isNull() ? QStringLiteral("Passive") : QStringLiteral("Active");
+}
+
+QDBusObjectPath StatusNotifierItem::menu() const
+{
+    // What hosts know for "none".
+    return QDBusObjectPath(QStringLiteral("/NO_DBUSMENU"));
+}
+
+void StatusNotifierItem::Activate(int x, int y)
+{
+    const QPoint place(x, y);
+    RootProperties::hear(this, [this, place] { Q_EMIT pressed(place.isNull() ? std::nullopt : std::optional(place)); });
+}
+
+void StatusNotifierItem::ContextMenu(int x, int y)
+{
+    Activate(x, y);
+}

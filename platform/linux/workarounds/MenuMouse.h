@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QHash>
+#include <QObject>
+#include <QPoint>
+
+class QMenu;
+class QMouseEvent;
+
+/// Has the menus of Qt know that the mouse has moved since they opened.
+///
+/// Until the mouse has moved by a few pixels, or seven times, a menu opens no submenu under it and closes on a click,
+/// lest the click that opened the menu choose something. Where the mouse was then it takes from the last event of Qt's
+/// windows, and the status item is none of them:
+/// - Before the first menu there was no such event, and what stands for that is as far away as whole numbers go. The
+///   distance from there overflows, and with Qt 6.8.2 the mouse has never moved; Qt 6.4 happens to come round to the
+///   right answer, and Qt 6.11 reckons with fractions.
+/// - With every Qt, who comes back to the entry that the mouse was on last has not moved it.
+///
+/// Left out, a user of the mouse hardly gets into a submenu. Main thread only.
+class MenuMouse final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// From now on, as long as the application object lives, which owns this. Called once.
+    static void follow();
+
+private:
+    using QObject::QObject;
+
+    struct Opening {
+        QPoint mouse;          ///< Where it was then.
+        bool hasMoved = false; ///< To the knowledge of the menu, which forgets it each time the mouse enters.
+    };
+
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void mouseMoved(QMenu &menu, const QMouseEvent &event);
+
+    QHash<QObject *, Opening> m_openings; ///< Of the menus that are on the screen.
+};

@@ -1,0 +1,69 @@
+"""include_directions finds arrows that point the wrong way, between folders and inside them."""
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+CHECK = Path(__file__).parent / 'include_directions'
+
+
+def check(file, include):
+    with tempfile.TemporaryDirectory() as root:
+        path = Path(root, file)
+        path.parent.mkdir(parents=True)
+        path.write_text(f'#include {include}\n')
+        return subprocess.run([sys.executable, CHECK, root], capture_output=True, text=True, check=False)
+
+
+class IncludeDirections(unittest.TestCase):
+    def test_arrows_that_point_down_are_let_pass(self):
+        for file, include in [
+                ('shell/A.cpp', '"notify/queue/B.h"'),
+                ('menu/A.cpp', '"platform/alert/B.h"'),
+                ('menu/A.cpp', '<Carbon/Carbon.h>'),
+                ('menu/A.cpp', '<QString>'),
+                ('notify/feed/A.cpp', '"notify/rules/B.h"'),
+                ('notify/popup/A.cpp', '"platform/B.h"'),
+                ('notify/popup/A.cpp', '"notify/popup/B.h"'),
+                ('platform/linux/item/A.cpp', '"platform/linux/workarounds/B.h"'),
+                ('tools/kivservice/A.cpp', '"platform/linux/include/B.h"'),
+                ('tests/platform/linux/item/A.cpp', '"platform/linux/item/B.h"'),
+                ('tests/session/A.cpp', '"notify/queue/B.h"')]:
+            with self.subTest(file=file, include=include):
+                self.assertEqual((check(file, include).stdout, check(file, include).returncode), ('', 0))
+
+    def test_arrows_that_point_up_or_sideways_are_named(self):
+        for file, include in [
+                ('fetch/A.cpp', '"platform/B.h"'),
+                ('platform/A.cpp', '"notify/record/B.h"'),
+                ('platform/data/A.cpp', '"platform/B.h"'),
+                ('platform/linux/bus/A.cpp', '"platform/linux/events/B.h"'),
+                ('platform/linux/screen/A.cpp', '"platform/linux/item/B.h"'),
+                ('menu/A.cpp', '"notify/record/B.h"'),
+                ('menu/A.cpp', '<shell/B.h>'),
+                ('notify/record/A.cpp', '"notify/text/B.h"'),
+                ('notify/rules/A.cpp', '"notify/popup/B.h"'),
+                ('notify/text/A.cpp', '"notify/rules/B.h"'),
+                ('notify/popup/A.cpp', '"notify/queue/B.h"'),
+                ('notify/feed/A.cpp', '"notify/queue/B.h"'),
+                ('notify/queue/A.cpp', '"notify/feed/B.h"'),
+                ('shell/A.cpp', '"platform/linux/include/B.h"'),
+                ('shell/A.cpp', '"tests/support/B.h"'),
+                ('tools/kivservice/A.cpp', '"platform/linux/bus/B.h"')]:
+            with self.subTest(file=file, include=include):
+                result = check(file, include)
+                self.assertIn(f'{file}:1: {include.strip(chr(34) + "<>")}', result.stdout)
+                self.assertEqual(result.returncode, 1)
+
+    def test_the_inside_of_the_linux_side_is_its_own(self):
+        for file in ['menu/A.cpp', 'tests/session/A.cpp', 'bench/link/A.cpp']:
+            with self.subTest(file=file):
+                self.assertEqual(check(file, '"platform/linux/screen/B.h"').returncode, 1)
+
+    def test_an_include_without_its_path_is_named(self):
+        self.assertIn('is not written with its path', check('menu/A.cpp', '"A.h"').stdout)
+
+
+if __name__ == '__main__':
+    unittest.main()

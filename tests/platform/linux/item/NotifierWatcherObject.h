@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+
+/// The object of org.kde.StatusNotifierWatcher, as panels have it.
+class NotifierWatcherObject final : public QObject
+{
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
+
+public:
+    [[nodiscard]] bool isHostRegistered() const { return m_isHostRegistered; }
+    /// Tells on the bus whether there is a host; there is one at first.
+    void setHostRegistered(bool isRegistered);
+    /// What each item has registered as.
+    [[nodiscard]] QStringList items() const { return m_items; }
+
+public Q_SLOTS:
+    void RegisterStatusNotifierItem(const QString &service);
+
+Q_SIGNALS:
+    void StatusNotifierHostRegistered();
+    void StatusNotifierHostUnregistered();
+    void StatusNotifierItemRegistered(const QString &service);
+
+private:
+    QStringList m_items;
+    bool m_isHostRegistered = true;
+};

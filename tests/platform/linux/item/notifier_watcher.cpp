@@ -1,0 +1,28 @@
+#include "tests/platform/linux/item/NotifierWatcherObject.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+
+#include <cstdio>
+
+// A StatusNotifierWatcher with a host, in a process of its own, which is no client of any X server. It writes a line
+// once it is there, and one for each item that registers.
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    QDBusConnection bus =
+        QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("watcher"));
+    NotifierWatcherObject watcher;
+    if (!bus.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher, QDBusConnection::ExportAllContents) ||
+        !bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"))) {
+        return 1;
+    }
+    const auto write = [](const char *line) {
+        std::puts(line);
+        std::fflush(stdout);
+    };
+    QObject::connect(&watcher, &NotifierWatcherObject::StatusNotifierItemRegistered, &watcher, [&] { write("item"); });
+    write("there");
+    return QCoreApplication::exec();
+}

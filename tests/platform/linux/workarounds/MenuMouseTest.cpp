@@ -1,0 +1,180 @@
+#include "platform/linux/workarounds/MenuMouse.h"
+
+#include "tests/session/support/XInput.h"
+#include "tests/support/TestXServer.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QGuiApplication>
+#include <QMenu>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+
+namespace
+{
+
+constexpr QPoint faraway(600, 600);
+constexpr QPoint corner(100, 100);
+
+/// A window that knows when the mouse has moved in it.
+class Witness final : public QWindow
+{
+public:
+    bool hasSeenTheMouse = false;
+
+protected:
+    void mouseMoveEvent(QMouseEvent *) override { hasSeenTheMouse = true; }
+};
+
+class MenuMouseTest : public testing::Test
+{
+protected:
+    static void SetUpTestSuite() { MenuMouse::follow(); }
+
+    MenuMouseTest()
+    {
+        submenu = menu.addMenu(QStringLiteral("An entry with a submenu"));
+        choice = submenu->addAction(QStringLiteral("An entry of the submenu"));
+        disabled = menu.addAction(QStringLiteral("A disabled entry"));
+        disabled->setEnabled(false);
+        enabled = menu.addAction(QStringLiteral("An entry"));
+        QObject::connect(&menu, &QMenu::triggered, &menu, [this](const QAction *entry) { chosen = entry; });
+    }
+
+    void SetUp() override { user.move(faraway); }
+    void TearDown() override
+    {
+        user.release();
+        menu.close();
+        EXPECT_TRUE(waitUntil([this] { return user.isFree(); }));
+    }
+
+    /// Opens the menu as a click on a window that is not Qt's does.
+    void open()
+    {
+        menu.popup(corner);
+        ASSERT_TRUE(waitUntil([this] { return isOpen(menu) && !user.isFree(); }));
+    }
+
+    void openSubmenuByKey()
+    {
+        user.key(XK_Down);
+        user.key(XK_Right);
+        ASSERT_TRUE(waitUntil([this] { return isOpen(*submenu); }));
+    }
+
+    /// Where an entry is whenever the menu is open.
+    [[nodiscard]] QPoint placeOf(QAction *entry)
+    {
+        open();
+        if (entry == choice) {
+            openSubmenuByKey();
+        }
+        const QMenu &holder = entry == choice ? *submenu : menu;
+        const QPoint place = holder.mapToGlobal(holder.actionGeometry(entry).center());
+        menu.close();
+        EXPECT_TRUE(waitUntil([this] { return user.isFree(); }));
+        return place;
+    }
+
+    /// Moves the mouse there and away again, the latter unseen by Qt.
+    void letQtBelieveInTheMouseAt(QPoint place)
+    {
+        Witness window;
+        window.setFlags(Qt::BypassWindowManagerHint);
+        window.setGeometry(QRect(place - QPoint(50, 50), QSize(100, 100)));
+        window.show();
+        ASSERT_TRUE(waitUntil([&] { return window.isExposed(); }));
+        user.move(place - QPoint(1, 1));
+        ASSERT_TRUE(waitUntil([&] { return window.hasSeenTheMouse; }));
+        window.hide();
+        ASSERT_TRUE(waitUntil([&] { return !window.isExposed(); }));
+        user.move(faraway);
+    }
+
+    /// Presses the mouse, and returns when Qt has done what it does then.
+    void press()
+    {
+        user.press();
+        ASSERT_TRUE(waitUntil([] { return QGuiApplication::mouseButtons() != Qt::NoButton; }));
+    }
+
+    [[nodiscard]] static bool isOpen(const QMenu &menu)
+    {
+        return menu.isVisible() && menu.windowHandle() && menu.windowHandle()->isExposed();
+    }
+
+    XInput user{testXServer()};
+    QMenu menu;
+    QMenu *submenu = nullptr;
+    QAction *choice = nullptr;
+    QAction *disabled = nullptr;
+    QAction *enabled = nullptr;
+    const QAction *chosen = nullptr;
+};
+
+TEST_F(MenuMouseTest, OpensASubmenuWhereverQtSawTheMouseLast)
+{
+    const QPoint place = placeOf(submenu->menuAction());
+    letQtBelieveInTheMouseAt(place);
+    open();
+    user.move(place);
+    EXPECT_TRUE(waitUntil([this] { return isOpen(*submenu); }));
+}
+
+TEST_F(MenuMouseTest, ChoosesAnEntryWhereverQtSawTheMouseLast)
+{
+    const QPoint place = placeOf(enabled);
+    letQtBelieveInTheMouseAt(place);
+    open();
+    user.click(place);
+    EXPECT_TRUE(waitUntil([this] { return chosen == enabled; }));
+}
+
+TEST_F(MenuMouseTest, LeavesTheMenuOpenOnADisabledEntryWhereverQtSawTheMouseLast)
+{
+    const QPoint place = placeOf(disabled);
+    letQtBelieveInTheMouseAt(place);
+    open();
+    user.move(place);
+    press();
+    EXPECT_TRUE(menu.isVisible());
+}
+
+TEST_F(MenuMouseTest, ChoosesAnEntryOfASubmenuThatAKeyHasOpened)
+{
+    const QPoint place = placeOf(choice);
+    letQtBelieveInTheMouseAt(place);
+    open();
+    openSubmenuByKey();
+    user.click(place);
+    EXPECT_TRUE(waitUntil([this] { return chosen == choice; }));
+}
+
+TEST_F(MenuMouseTest, ChoosesAnEntryAfterLeavingTheMenuAndComingBack)
+{
+    const QPoint place = placeOf(enabled);
+    letQtBelieveInTheMouseAt(place);
+    open();
+    user.move(place);
+    ASSERT_TRUE(waitUntil([this] { return menu.activeAction() == enabled; }));
+    user.move(faraway);
+    ASSERT_TRUE(waitUntil([this] { return !menu.activeAction(); }));
+    user.click(place);
+    EXPECT_TRUE(waitUntil([this] { return chosen == enabled; }));
+}
+
+TEST_F(MenuMouseTest, TakesAHandThatTrembledForOneThatDidNotMove)
+{
+    const QPoint place = placeOf(enabled);
+    letQtBelieveInTheMouseAt(place);
+    user.move(place);
+    open();
+    user.move(place + QPoint(2, 0));
+    press();
+    EXPECT_FALSE(menu.isVisible());
+}
+
+} // namespace

@@ -1,0 +1,43 @@
+#include "tests/session/support/OtherWindow.h"
+
+#include "tests/support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+OtherWindow::OtherWindow(const PrivateXServer &server, const QRect &geometry)
+    : XClient(server)
+    , m_window(xcb_generate_id(connection()))
+{
+    xcb_create_window(connection(), XCB_COPY_FROM_PARENT, m_window, root(), static_cast<std::int16_t>(geometry.x()),
+                      static_cast<std::int16_t>(geometry.y()), static_cast<std::uint16_t>(geometry.width()),
+                      static_cast<std::uint16_t>(geometry.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    xcb_map_window(connection(), m_window);
+    raise();
+    const bool shown = waitUntil([this] {
+        const XReply<xcb_get_window_attributes_reply_t> attributes(
+            xcb_get_window_attributes_reply(connection(), xcb_get_window_attributes(connection(), m_window), nullptr));
+        return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+    });
+    EXPECT_TRUE(shown) << "a window does not show";
+}
+
+void OtherWindow::raise()
+{
+    constexpr std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(connection(), m_window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    waitForServer();
+}
+
+void OtherWindow::takeKeyboard()
+{
+    xcb_set_input_focus(connection(), XCB_INPUT_FOCUS_PARENT, m_window, XCB_CURRENT_TIME);
+    waitForServer();
+}
+
+void OtherWindow::waitForServer()
+{
+    const XReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(connection(), xcb_get_input_focus(connection()), nullptr));
+    EXPECT_TRUE(reply);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "tests/session/support/XClient.h"
+
+#include <QRect>
+
+/// A window of some other program.
+class OtherWindow final : public XClient
+{
+public:
+    /// Shows it there, in front of all that lets itself be covered.
+    OtherWindow(const PrivateXServer &server, const QRect &geometry);
+
+    [[nodiscard]] xcb_window_t id() const { return m_window; }
+    // Both return once the server has done it.
+    void raise();
+    /// Takes the keyboard without asking any window manager.
+    void takeKeyboard();
+
+private:
+    void waitForServer();
+
+    xcb_window_t m_window;
+};

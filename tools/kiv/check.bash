@@ -1,7 +1,7 @@
 # ./kiv check: what a machine can say about the tree without running it. For ./kiv, which has say(), fail() and
 # install_missing(). Each check prints what is wrong and where, and all of them run whatever the others find.
 
-packages_check=(clang-format clang-tidy shellcheck libxml2-utils desktop-file-utils appstream python3)
+packages_check=(clang-format shellcheck libxml2-utils desktop-file-utils appstream python3)
 
 check() { # [NAME...]
     local all=(format scripts includes words documents links tidy) name found=()
@@ -57,9 +57,9 @@ check_links() {
 # included, and so must be there.
 check_tidy() {
     # shellcheck disable=SC2154 # ./kiv has them.
-    install_missing "${packages_build[@]}" "${packages_run[@]}"
+    install_missing "${packages_build[@]}" "${packages_run[@]}" clang-tidy
     cmake --preset check --log-level=WARNING >/dev/null
-    ninja -C build/check -t targets all | sed -n 's/^\([A-Za-z_]*_autogen\): phony$/\1/p' |
+    ninja -C build/check -t targets all | sed -n 's/^\([A-Za-z0-9_]*_autogen\): phony$/\1/p' |
         xargs ninja -C build/check --quiet
     git ls-files '*.cpp' | grep --extended-regexp '^(fetch|menu|notify|platform|shell|tests|tools)/' |
         grep --invert-match '^platform/macos/' |

@@ -28,8 +28,8 @@ struct DisplayOutput {
 [[nodiscard]] std::optional<std::size_t> pickMainOutput(xcb_randr_output_t primary,
                                                         std::span<const DisplayOutput> outputs);
 
-/// The main display, asked of the X server at each call; nothing without X. The CRTC's rectangle is used, since the root
-/// window may be larger than what is shown; without RandR or a connected display the root window's stands in, with
+/// The main display, asked of the X server at each call; nothing without X. The CRTC's rectangle is used, since the
+/// root window may be larger than what is shown; without RandR or a connected display the root window's stands in, with
 /// neither output nor CRTC. Main thread only.
 [[nodiscard]] std::optional<MainDisplay> mainDisplay();
 

@@ -3,16 +3,16 @@
 #include "platform/MainScreen.h"
 
 #include <QApplication>
+#include <QEnterEvent>
 #include <QMenu>
 #include <QMouseEvent>
-
-#include <memory>
+#include <QPointer>
 
 namespace
 {
 
-/// After so many moves a menu believes the next one.
-constexpr int movesBefore = 7;
+/// After so many moves since the mouse has entered it, a menu believes that it has moved.
+constexpr int convincingMoves = 8;
 
 } // namespace
 
@@ -34,13 +34,15 @@ bool MenuMouse::eventFilter(QObject *watched, QEvent *event)
         m_openings.remove(watched);
         break;
     case QEvent::Enter:
-        if (const auto opening = m_openings.find(watched); opening != m_openings.end()) {
-            opening->hasMoved = false;
+        if (auto *menu = qobject_cast<QMenu *>(watched)) {
+            mouseEntered(*menu, *static_cast<QEnterEvent *>(event));
         }
         break;
     case QEvent::MouseMove:
+    case QEvent::MouseButtonPress:
         if (auto *menu = qobject_cast<QMenu *>(watched)) {
-            mouseMoved(*menu, *static_cast<QMouseEvent *>(event));
+            const auto *mouse = static_cast<QMouseEvent *>(event);
+            mouseMoved(*menu, mouse->position(), mouse->globalPosition());
         }
         break;
     default:
@@ -49,20 +51,36 @@ bool MenuMouse::eventFilter(QObject *watched, QEvent *event)
     return false;
 }
 
-void MenuMouse::mouseMoved(QMenu &menu, const QMouseEvent &event)
+void MenuMouse::mouseEntered(QMenu &menu, const QEnterEvent &event)
 {
     const auto opening = m_openings.find(&menu);
-    const bool isInside = menu.rect().contains(event.position().toPoint());
-    if (opening == m_openings.end() || opening->hasMoved || !isInside) {
+    if (opening == m_openings.end()) {
         return;
     }
-    const QPoint way = event.globalPosition().toPoint() - opening->mouse;
+    opening->hasMoved = false;
+    // No move follows when the mouse has come to the very point where Qt saw it last. Queued: the menu comes first.
+    const auto tell = [this, entered = QPointer<QMenu>(&menu), local = event.position(),
+                       global = event.globalPosition()] {
+        if (entered && entered->underMouse()) {
+            mouseMoved(*entered, local, global);
+        }
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+}
+
+void MenuMouse::mouseMoved(QMenu &menu, QPointF local, QPointF global)
+{
+    const auto opening = m_openings.find(&menu);
+    if (opening == m_openings.end() || opening->hasMoved || !menu.rect().contains(local.toPoint())) {
+        return;
+    }
+    const QPoint way = global.toPoint() - opening->mouse;
     if (way.manhattanLength() <= QApplication::startDragDistance()) {
         return;
     }
     opening->hasMoved = true;
-    const std::unique_ptr<QMouseEvent> move(event.clone());
-    for (int i = 0; i < movesBefore; ++i) {
-        QCoreApplication::sendEvent(&menu, move.get());
+    for (int i = 0; i < convincingMoves; ++i) {
+        QMouseEvent move(QEvent::MouseMove, local, global, Qt::NoButton, Qt::NoButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&menu, &move);
     }
 }

@@ -3,9 +3,10 @@
 #include <QHash>
 #include <QObject>
 #include <QPoint>
+#include <QPointF>
 
+class QEnterEvent;
 class QMenu;
-class QMouseEvent;
 
 /// Has the menus of Qt know that the mouse has moved since they opened.
 ///
@@ -35,7 +36,9 @@ private:
     };
 
     bool eventFilter(QObject *watched, QEvent *event) override;
-    void mouseMoved(QMenu &menu, const QMouseEvent &event);
+    void mouseEntered(QMenu &menu, const QEnterEvent &event);
+    /// By the menu's coordinates, and by those of the screen.
+    void mouseMoved(QMenu &menu, QPointF local, QPointF global);
 
     QHash<QObject *, Opening> m_openings; ///< Of the menus that are on the screen.
 };

@@ -106,8 +106,7 @@ try {
     record->setMessageText(StringValues::fromUtf8(*text));
     record->setContentWidth(370);
     record->setContentHeight(55);
-    KivNotificationManager::sharedInstance().showNotificationInstantly(record);
-    return noErr;
+    return KivNotificationManager::sharedInstance().showNotificationInstantly(record) ? noErr : errAEEventFailed;
 } catch (const std::bad_alloc &) {
     return errAEEventFailed;
 }

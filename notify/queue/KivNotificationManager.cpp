@@ -25,6 +25,13 @@ NSSize prevScreenSize;
 /// The name is spelt so by the settings program.
 const QString settingsChanged = QStringLiteral("KivMunuUpdateSettingsNotification");
 
+/// Of instant records that wait.
+constexpr auto mostInstantOnes = 100;
+
+/// Of records in the queue, and of bytes that they take in the cache file: less than may be in a file that can be read.
+constexpr std::size_t mostRecords = 1000;
+constexpr qsizetype mostBytes = qsizetype{15} * 1024 * 1024;
+
 QDateTime never()
 {
     return QDateTime::fromMSecsSinceEpoch(0, inUtc);
@@ -137,6 +144,7 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     const std::lock_guard hold(m_notificationsLock);
     record->setWasDisplayed(false);
     queueAdd(record);
+    m_notifications.dropBeyond(mostRecords, mostBytes);
     if (m_notifications.records().size() == 1 && !m_notificationWindow) {
         forceNotification();
     } else {
@@ -149,14 +157,22 @@ void KivNotificationManager::queueAdd(const std::shared_ptr<KivNotification> &re
     m_notifications.add(record);
 }
 
-void KivNotificationManager::showNotificationInstantly(const std::shared_ptr<KivNotification> &record)
+bool KivNotificationManager::showNotificationInstantly(const std::shared_ptr<KivNotification> &record)
 {
     record->setMessagePriority(kPriorityInstant);
     const std::lock_guard hold(m_notificationsLock);
+    const auto shown = m_notificationWindow ? m_notificationWindow->notification() : nullptr;
+    const auto waits = [&](const auto &queued) {
+        return queued->messagePriority() == kPriorityInstant && queued != shown;
+    };
+    if (std::ranges::count_if(m_notifications.records(), waits) >= mostInstantOnes) {
+        return false;
+    }
     queueAdd(record);
     if (!m_notificationWindow) {
         forceNotification();
     }
+    return true;
 }
 
 void KivNotificationManager::importNotificationsFromFile()
@@ -190,6 +206,16 @@ void KivNotificationManager::exportNotificationsToFile()
         list.append(record->exportToDictionary());
     }
     m_isExportDue = !m_cache.write(list);
+    if (!m_isExportDue) {
+        saveLastMesIDIfDue();
+    }
+}
+
+void KivNotificationManager::saveLastMesIDIfDue()
+{
+    if (std::exchange(m_isLastMesIDDue, false)) {
+        m_properties.saveLastMessID(m_properties.lastMesID());
+    }
 }
 
 void KivNotificationManager::beginDelivery()
@@ -206,10 +232,9 @@ void KivNotificationManager::endDelivery() noexcept
     if (m_isExportDue) {
         exportNotificationsToFile();
     }
-    // Also when there was no room for the queue: in a home that never has any, a message that the user is done with
-    // would come again in every session.
-    if (std::exchange(m_isLastMesIDDue, false)) {
-        m_properties.saveLastMessID(m_properties.lastMesID());
+    // Not when there was no room for the queue: the feed, told of the id, would not send the messages again.
+    if (!m_isExportDue) {
+        saveLastMesIDIfDue();
     }
 }
 

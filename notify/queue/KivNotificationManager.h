@@ -68,9 +68,12 @@ public:
     /// the only one, else saves the queue. Its id counts as received in any case. Throws as the relevance rule does;
     /// the record is not accepted then.
     ///
+    /// A queue of a thousand records, or of 15 MB in the file, is full: the oldest of the least urgent ones are
+    /// dropped.
+    ///
     /// The saving waits for the end of the delivery, of which a record without one is all by itself. First comes the
-    /// queue and then the id, so that an agent that is killed in between is sent the messages again. The id is stored
-    /// also when the queue is not: because it could not be written, or because its only record is shown at once. Such a
+    /// queue and then the id, so that an agent that is killed in between is sent the messages again. As long as the
+    /// queue cannot be written, the id is not either. It is, when the queue's only record is shown at once. Such a
     /// record is saved at the agent's end, and lost when the agent is killed before.
     void enqueueNotification(const std::shared_ptr<KivNotification> &record) override;
 
@@ -78,7 +81,9 @@ public:
     void queueAdd(const std::shared_ptr<KivNotification> &record);
 
     /// Puts `record`, which is never null, in front of all that is not instant, and shows it when no pop-up is open.
-    void showNotificationInstantly(const std::shared_ptr<KivNotification> &record);
+    /// False, and the record is dropped, when a hundred instant ones wait already: nobody reads so many, and they are
+    /// kept in memory.
+    bool showNotificationInstantly(const std::shared_ptr<KivNotification> &record);
 
     /// Accepts what the cache file holds. An entry that is no record, or that no relevance can be told of, is skipped.
     void importNotificationsFromFile();
@@ -105,6 +110,8 @@ private:
     void windowWillClose(KivNotificationWindow &window) override;
     void windowDidMove(KivNotificationWindow &window) override;
 
+    void saveLastMesIDIfDue();
+
     void beginDelivery() override;
     void endDelivery() noexcept override;
 
@@ -113,7 +120,7 @@ private:
     NotificationCache m_cache;
     int m_deliveries = 0;          ///< How many are under way, one within the other.
     bool m_isExportDue = false;    ///< Asked for in a delivery, or failed.
-    bool m_isLastMesIDDue = false; ///< Raised in the delivery that is under way.
+    bool m_isLastMesIDDue = false; ///< Raised, and not stored yet.
     /// The pop-up destroys itself some time after it has closed.
     QPointer<KivNotificationWindow> m_notificationWindow;
     NotificationQueue m_notifications;

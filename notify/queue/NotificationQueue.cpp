@@ -1,6 +1,7 @@
 #include "notify/queue/NotificationQueue.h"
 
 #include "notify/record/KivNotification.h"
+#include "platform/data/PropertyList.h"
 
 #include <algorithm>
 #include <utility>
@@ -27,7 +28,29 @@ void NotificationQueue::add(std::shared_ptr<KivNotification> record)
     const auto isLess = [&record](const std::shared_ptr<KivNotification> &queued) {
         return queued->messagePriority() < record->messagePriority();
     };
+    const qsizetype bytes = PropertyList::toXml(record->exportToDictionary()).size();
+    m_bytes[record.get()] = bytes;
+    m_allBytes += bytes;
     m_records.insert(std::ranges::find_if(m_records, isLess), std::move(record));
+}
+
+void NotificationQueue::dropBeyond(std::size_t records, qsizetype bytes)
+{
+    while (!m_records.empty() && (m_records.size() > records || m_allBytes > bytes)) {
+        const auto isLeastUrgent = [least = m_records.back()->messagePriority()](const auto &queued) {
+            return queued->messagePriority() == least;
+        };
+        const auto oldest = std::ranges::find_if(m_records, isLeastUrgent);
+        forgetBytesOf(**oldest);
+        m_records.erase(oldest);
+    }
+}
+
+void NotificationQueue::forgetBytesOf(const KivNotification &record)
+{
+    const auto entry = m_bytes.find(&record);
+    m_allBytes -= entry->second;
+    m_bytes.erase(entry);
 }
 
 void NotificationQueue::remove(const KivNotification &record)
@@ -36,6 +59,7 @@ void NotificationQueue::remove(const KivNotification &record)
     const auto removed =
         std::stable_partition(m_records.begin(), m_records.end(),
                               [isEqual = equals(record)](const auto &queued) { return !isEqual(queued); });
+    std::for_each(removed, m_records.end(), [this](const auto &queued) { forgetBytesOf(*queued); });
     m_records.erase(removed, m_records.end());
 }
 

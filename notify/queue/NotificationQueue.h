@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <memory>
+#include <unordered_map>
 #include <vector>
 
 class KivNotification;
@@ -18,10 +21,18 @@ public:
     /// Removes whatever equals `record`.
     void remove(const KivNotification &record);
 
+    /// Drops the oldest of the least urgent records, one after the other, until there are no more than `records`, and
+    /// they took no more than `bytes` in a cache file when they were added.
+    void dropBeyond(std::size_t records, qsizetype bytes);
+
     [[nodiscard]] bool contains(const KivNotification &record) const;
     /// Valid until the next change.
     [[nodiscard]] const std::vector<std::shared_ptr<KivNotification>> &records() const noexcept { return m_records; }
 
 private:
+    void forgetBytesOf(const KivNotification &record);
+
     std::vector<std::shared_ptr<KivNotification>> m_records;
+    std::unordered_map<const KivNotification *, qsizetype> m_bytes; ///< Of each record.
+    qsizetype m_allBytes = 0;
 };

@@ -21,6 +21,30 @@ namespace
 constexpr std::array titles = {QLatin1String("New update"), QLatin1String("Information"), QLatin1String("Read news"),
                                QLatin1String("Warning")};
 
+/// Of a text, as UTF-8: more than anybody reads in a pop-up, and so little that a thousand of them can be kept.
+constexpr qsizetype mostTextBytes = qsizetype{64} * 1024;
+
+/// The first characters of a text that take no more than `most` bytes of UTF-8.
+QString firstOf(const QString &text, qsizetype most)
+{
+    constexpr qsizetype mostForOne = 3; // A pair of surrogates takes four.
+    if (text.size() <= most / mostForOne) {
+        return text;
+    }
+    qsizetype bytes = 0;
+    qsizetype end = 0;
+    while (end < text.size()) {
+        const char16_t unit = text[end].unicode();
+        const bool isPair = QChar::isHighSurrogate(unit) && end + 1 < text.size();
+        bytes += isPair ? 4 : unit < 0x80 ? 1 : unit < 0x800 ? 2 : mostForOne;
+        if (bytes > most) {
+            return text.first(end);
+        }
+        end += isPair ? 2 : 1;
+    }
+    return text;
+}
+
 bool isLength(const QString &key)
 {
     return key == kContentWidthKey || key == kContentHeightKey;
@@ -195,7 +219,7 @@ void KivNotification::setMessageType(std::int32_t messageType)
 
 void KivNotification::setMessageText(const QString &messageText)
 {
-    m_messageText = messageText;
+    m_messageText = firstOf(messageText, mostTextBytes);
     if (m_contentHeight == 0 && !m_messageText.isEmpty()) {
         m_contentHeight = getTextHeight(m_messageText);
     }

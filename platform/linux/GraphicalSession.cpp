@@ -11,7 +11,7 @@
 #include <QDBusConnection>
 #include <QPixmapCache>
 
-#include <xcb/xcb.h>
+#include <xcb/xfixes.h>
 
 #include <X11/ICE/ICElib.h>
 #include <csignal>
@@ -92,10 +92,15 @@ QString GraphicalSession::prepare()
     }
     xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
     const bool answers = xcb_connection_has_error(connection) == 0;
+    // Without it Qt gives up in the middle of its start, and trays cannot be watched.
+    const bool hasXFixes = answers && xcb_get_extension_data(connection, &xcb_xfixes_id)->present;
     xcb_disconnect(connection);
-    return answers ? QString()
-                   : QStringLiteral("no graphical session: the X server %1 does not answer")
-                         .arg(QString::fromLocal8Bit(display));
+    if (hasXFixes) {
+        return {};
+    }
+    return (answers ? QStringLiteral("no graphical session: the X server %1 lacks the extension XFIXES")
+                    : QStringLiteral("no graphical session: the X server %1 does not answer"))
+        .arg(QString::fromLocal8Bit(display));
 }
 
 void GraphicalSession::settle()

@@ -138,4 +138,16 @@ TEST_F(Lifetime, SaysNothingWhenAllIsWell)
     EXPECT_TRUE(agent->systemLog().isEmpty());
 }
 
+TEST(LifetimeWithoutXFixes, EndsWithOneLine)
+{
+    Desktop desktop;
+    ASSERT_TRUE(desktop.start(Desktop::Server::WithoutXFixes));
+    Agent agent(desktop);
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(waitUntil([&] { return !agent.process().isRunning(); }));
+    EXPECT_EQ(agent.process().exitCode(), EXIT_FAILURE);
+    EXPECT_EQ(agent.standardError().count('\n'), 1) << agent.standardError().constData();
+    EXPECT_TRUE(agent.standardError().contains("XFIXES")) << agent.standardError().constData();
+}
+
 } // namespace

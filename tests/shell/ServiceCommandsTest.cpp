@@ -289,3 +289,22 @@ TEST_F(DoHint, WaitsForThePopUpThatIsOpen)
     manager().notificationWindow()->onCloseButton();
     EXPECT_EQ(shownText(), "second");
 }
+
+TEST_F(DoHint, IsRefusedWhileAHundredWait)
+{
+    EXPECT_EQ(send("shown"), 0);
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(send("waits"), 0) << i;
+    }
+    EXPECT_EQ(send("refused"), -10000);
+    EXPECT_EQ(send("refused"), -10000);
+    manager().notificationWindow()->onCloseButton();
+    EXPECT_EQ(send("waits again"), 0);
+    EXPECT_EQ(send("refused"), -10000);
+}
+
+TEST_F(DoHint, KeepsTheFirst64KilobytesOfItsText)
+{
+    EXPECT_EQ(send(QByteArray(1'000'000, 'x')), 0);
+    EXPECT_EQ(shown()->messageText().size(), 64 * 1024);
+}

@@ -125,15 +125,16 @@ QStringList SessionBus::names() const
 
 bool SessionBus::requestName(const QString &busName) const
 {
-    constexpr uint doNotQueue = 4;
-    const QDBusMessage answer = ask(QStringLiteral("RequestName"), {busName, doNotQueue});
+    constexpr uint standInLine = 0;
+    const QDBusMessage answer = ask(QStringLiteral("RequestName"), {busName, standInLine});
     if (answer.type() != QDBusMessage::ReplyMessage) {
         return isUnanswered(answer);
     }
-    constexpr uint isOwner = 1;
-    constexpr uint wasOwner = 4;
-    const uint result = answer.arguments().value(0).toUInt();
-    return result == isOwner || result == wasOwner;
+    constexpr uint stands = 2;
+    if (answer.arguments().value(0).toUInt() == stands) {
+        qWarning("another program has the name %s on the session bus: waiting for it", qPrintable(busName));
+    }
+    return true;
 }
 
 void SessionBus::releaseName(const QString &busName) const

@@ -8,6 +8,9 @@
 namespace
 {
 
+/// Of one event: many more than any has. To unpack a message of a million tiny ones takes seconds.
+constexpr int mostParameters = 64;
+
 struct WireParameter {
     QString keyword;
     QString type;
@@ -106,7 +109,14 @@ std::optional<AppleEventContents> eventOf(const QDBusMessage &message)
         return {};
     }
     AppleEventContents event(*eventClass, *eventID);
-    for (const WireParameter &parameter : qdbus_cast<QList<WireParameter>>(arguments.at(2))) {
+    const auto list = qvariant_cast<QDBusArgument>(arguments.at(2));
+    list.beginArray();
+    for (int count = 0; !list.atEnd(); ++count) {
+        if (count == mostParameters) {
+            return {};
+        }
+        WireParameter parameter;
+        list >> parameter;
         const auto keyword = codeOf(parameter.keyword);
         const auto type = codeOf(parameter.type);
         if (!keyword || !type ||

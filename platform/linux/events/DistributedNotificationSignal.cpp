@@ -2,6 +2,8 @@
 
 #include "platform/linux/include/SessionBus.h"
 
+#include <QTimer>
+
 #include <utility>
 
 namespace
@@ -32,5 +34,11 @@ void DistributedNotificationSignal::observe()
 
 void DistributedNotificationSignal::onPosted()
 {
-    m_callback();
+    // All that have come by now mean the same once.
+    if (!std::exchange(m_isDue, true)) {
+        QTimer::singleShot(0, this, [this] {
+            m_isDue = false;
+            m_callback();
+        });
+    }
 }

@@ -370,7 +370,7 @@ TEST_F(KivNotificationManagerTest, SavesWhatADeliveryHadBroughtWhenAnExceptionEn
     EXPECT_EQ(idsInFile(), (Ids{"1", "2", "3"})) << "the delivery has no end";
 }
 
-TEST_F(KivNotificationManagerTest, StoresTheIdAlsoOfMessagesThatItCouldNotSave)
+TEST_F(KivNotificationManagerTest, StoresNoIdOfMessagesThatItCouldNotSaveUntilItCan)
 {
     setPreferences(0, 0);
     start();
@@ -381,15 +381,52 @@ TEST_F(KivNotificationManagerTest, StoresTheIdAlsoOfMessagesThatItCouldNotSave)
         manager->enqueueNotification(record("1"));
         manager->enqueueNotification(record("2"));
     }
-    EXPECT_EQ(storedId(), "2");
+    EXPECT_EQ(storedId(), "0");
     const Record forOthers = record("3");
     forOthers->setProductCode(0);
     manager->enqueueNotification(forOthers);
-    EXPECT_EQ(storedId(), "3");
+    EXPECT_EQ(storedId(), "0");
 
     ASSERT_TRUE(QFile::remove(inTheWay));
     window()->onCloseButton();
     EXPECT_EQ(idsInFile(), Ids{"2"});
+    EXPECT_EQ(storedId(), "3");
+}
+
+TEST_F(KivNotificationManagerTest, NeverKeepsMoreThanAThousandRecords)
+{
+    setPreferences(0, 0);
+    start();
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        for (int i = 1; i <= 1002; ++i) {
+            manager->enqueueNotification(record(QByteArray::number(i).constData()));
+        }
+    }
+    EXPECT_EQ(queued().size(), 1000U);
+    EXPECT_EQ(queued().front(), "3");
+    EXPECT_EQ(idsInFile().size(), 1000U);
+    EXPECT_EQ(storedId(), "1002");
+}
+
+TEST_F(KivNotificationManagerTest, SavesAQueueOfLongTextsAsFarAsTheFileHasRoom)
+{
+    setPreferences(0, 0);
+    start();
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        for (int i = 1; i <= 100; ++i) {
+            const Record large = record(QByteArray::number(i).constData());
+            large->setContentHeight(1); // Not to be measured.
+            large->setMessageText(QString(65'536, u'&'));
+            manager->enqueueNotification(large);
+        }
+    }
+    const Ids saved = idsInFile();
+    EXPECT_EQ(saved, queued());
+    EXPECT_GT(saved.size(), 40U);
+    EXPECT_EQ(saved.back(), "100");
+    EXPECT_EQ(storedId(), "100");
 }
 
 TEST_F(KivNotificationManagerTest, LosesNoIdOfADeliveryToNewSettings)

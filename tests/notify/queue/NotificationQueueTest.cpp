@@ -114,3 +114,32 @@ TEST(NotificationQueue, RemovesAnInstantMessageAndNoOther)
     queue.remove(*queue.records().at(0)); // Which nobody else keeps alive.
     EXPECT_TRUE(queue.records().size() == 0);
 }
+
+TEST(NotificationQueue, DropsTheOldestOfTheLeastUrgentWhenItIsFull)
+{
+    NotificationQueue queue = queueWith({record("a", 2), record("b", 1), record("c", 0), record("d", 0), hint()});
+    queue.dropBeyond(5, 1'000'000);
+    EXPECT_EQ(queue.records().size(), 5U);
+    queue.dropBeyond(4, 1'000'000);
+    EXPECT_EQ(idsOf(queue), (Ids{"", "a", "b", "d"}));
+    queue.dropBeyond(1, 1'000'000);
+    EXPECT_EQ(idsOf(queue), Ids{""});
+}
+
+TEST(NotificationQueue, DropsRecordsUntilTheOthersHaveRoomInAFile)
+{
+    const Record large = record("large", 1);
+    large->setContentHeight(1);                   // Not to be measured.
+    large->setMessageText(QString(10'000, u'&')); // Five bytes each in XML.
+    NotificationQueue queue = queueWith({record("a", 0), record("b", 0), large});
+    queue.dropBeyond(10, 100'000);
+    EXPECT_EQ(queue.records().size(), 3U);
+    queue.dropBeyond(10, 50'000);
+    EXPECT_EQ(idsOf(queue), Ids{}) << "the large one comes last";
+
+    queue.add(large);
+    queue.remove(*large);
+    queue.add(record("c", 0));
+    queue.dropBeyond(10, 50'000);
+    EXPECT_EQ(idsOf(queue), Ids{"c"}) << "what has been removed counts no more";
+}

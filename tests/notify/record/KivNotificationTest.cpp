@@ -484,3 +484,23 @@ TEST(KivNotification, DescribesNilAndTheDistantFuture)
     EXPECT_NE(text.find(" minD: (null) \n maxD: 1000000-01-01 00:00:00 +0000 \n"), std::string::npos) << text;
     EXPECT_NE(text.find(" mesText: (null) level"), std::string::npos) << text;
 }
+
+TEST(KivNotification, KeepsTheFirst64KilobytesOfAText)
+{
+    constexpr qsizetype most = 64 * 1024;
+    struct Text {
+        const char *what;
+        QString character;
+        qsizetype kept; ///< Characters.
+    };
+    for (const Text &text :
+         {Text{"one byte each", QStringLiteral("a"), most}, Text{"two", QStringLiteral("é"), most / 2},
+          Text{"three", QStringLiteral("€"), most / 3}, Text{"four", QStringLiteral("😀"), most / 4}}) {
+        KivNotification record;
+        record.setContentHeight(1); // Not to be measured.
+        record.setMessageText(text.character.repeated(text.kept));
+        EXPECT_EQ(record.messageText().size(), text.character.size() * text.kept) << text.what;
+        record.setMessageText(text.character.repeated(text.kept + 1));
+        EXPECT_EQ(record.messageText(), text.character.repeated(text.kept)) << text.what;
+    }
+}

@@ -248,6 +248,23 @@ TEST(SessionBus, KnowsTheProcessBehindAName)
     EXPECT_EQ(bus.processOf(QStringLiteral("no name")), 0);
 }
 
+TEST(SessionBus, HasANameThatAnotherHadOnceThatHasGone)
+{
+    PrivateBus daemon;
+    ASSERT_TRUE(daemon.start());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toUtf8());
+    const QString name = QStringLiteral("com.example.Coveted");
+    const SessionBus bus;
+    {
+        const SessionBus squatter;
+        ASSERT_TRUE(squatter.requestName(name));
+        EXPECT_TRUE(bus.requestName(name));
+        EXPECT_EQ(bus.ownerOf(name), squatter.connection().baseService());
+    }
+    EXPECT_TRUE(waitUntil([&] { return bus.ownerOf(name) == bus.connection().baseService(); }));
+    EXPECT_FALSE(bus.requestName(QStringLiteral("no name")));
+}
+
 TEST(SessionBus, IsOneInstanceThatMayEndWithTheProcess)
 {
     // Its bus outlives neither this test nor the program's end: neither may hurt the static's destructor.

@@ -161,6 +161,7 @@ TEST_F(Transport, RefusesWhatIsNoEvent)
         withKeyword(QStringLiteral("ab€c")),
         withKeyword(QStringLiteral("ab\U0001F600")),
         rawEvent(ownBusName(), four, four, {{four, QStringLiteral("x"), QByteArray()}}),
+        rawEvent(ownBusName(), four, four, QList<RawParameter>(65, {four, four, QByteArray("x")})),
     };
     for (const QDBusMessage &message : malformed) {
         EXPECT_EQ(QDBusError(call(message)).type(), QDBusError::InvalidArgs) << qPrintable(message.signature());

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <unistd.h>
 
 namespace
@@ -53,6 +54,24 @@ void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeOut)
     progress();
 }
 
+/// However steadily it trickles in.
+void limitWhole(QNetworkReply *connection, std::chrono::milliseconds limit)
+{
+    auto *const whole = new QTimer(connection);
+    whole->setSingleShot(true);
+    whole->callOnTimeout(connection, &QNetworkReply::abort);
+    whole->start(limit);
+}
+
+/// Nothing for other arguments than the two.
+std::optional<std::chrono::milliseconds> timeOutOf(const QStringList &arguments)
+{
+    bool isNumber = false;
+    const int number = arguments.value(2).toInt(&isNumber);
+    return arguments.size() == 3 && isNumber && number >= 0 ? std::optional(std::chrono::milliseconds(number))
+                                                            : std::nullopt;
+}
+
 void write(const QByteArray &bytes)
 {
     // Waits for who reads, so that no more is asked of the server than is taken. When that has gone, the process ends
@@ -72,14 +91,14 @@ void writeHead(const QNetworkReply &connection)
 
 } // namespace
 
-void fetchFeed(const QStringList &arguments)
+void fetchFeed(const QStringList &arguments, std::chrono::milliseconds mostForAll)
 {
-    if (arguments.size() != 3) {
+    const std::optional<std::chrono::milliseconds> timeOut = timeOutOf(arguments);
+    if (!timeOut) {
         std::fputs("usage: kivfetch ADDRESS MILLISECONDS\n", stderr);
         std::exit(usageError);
     }
     const QUrl address = QUrl::fromEncoded(arguments.at(1).toLatin1());
-    const std::chrono::milliseconds timeOut(arguments.at(2).toInt());
 
     QSocketNotifier asker(STDIN_FILENO, QSocketNotifier::Read);
     QObject::connect(&asker, &QSocketNotifier::activated, [] { QCoreApplication::exit(EXIT_FAILURE); });
@@ -88,7 +107,8 @@ void fetchFeed(const QStringList &arguments)
     network.setProxy(QNetworkProxy::NoProxy);
     QNetworkReply *const connection = network.get(plainRequest(address));
     connection->setReadBufferSize(readBuffer);
-    limitSilence(connection, timeOut);
+    limitSilence(connection, *timeOut);
+    limitWhole(connection, mostForAll);
     QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
     QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection] { write(connection->readAll()); });
     QObject::connect(

@@ -38,8 +38,8 @@ public:
                             FeedTiming timing = {});
     ~KivNotificationReceiver() override;
 
-    /// The one of this process, which feeds the shared manager. Made at first use, in shell/SharedInstances.cpp, and never
-    /// destroyed.
+    /// The one of this process, which feeds the shared manager. Made at first use, in shell/SharedInstances.cpp, and
+    /// never destroyed.
     [[nodiscard]] static KivNotificationReceiver &sharedInstance();
 
     /// Sends a first request in the coming round of the event loop, and one at every interval from now on. The name is

@@ -12,7 +12,6 @@
 #include "platform/data/StringValues.h"
 #include "platform/data/UtcTime.h"
 
-
 #include <algorithm>
 #include <stdexcept>
 #include <utility>

@@ -37,8 +37,8 @@ public:
     /// A pop-up that is open stays.
     ~KivNotificationManager() override;
 
-    /// The one of this process, with its properties, home and clock. Made at first use, in shell/SharedInstances.cpp, and
-    /// never destroyed.
+    /// The one of this process, with its properties, home and clock. Made at first use, in shell/SharedInstances.cpp,
+    /// and never destroyed.
     [[nodiscard]] static KivNotificationManager &sharedInstance();
 
     /// Loads the user's settings again; a new check interval counts from now. Nothing happens without a preferences

@@ -1,13 +1,17 @@
 #include "notify/queue/NotificationCache.h"
 
 #include "platform/data/AtomicFile.h"
+#include "platform/data/OwnFolder.h"
 #include "platform/data/PropertyList.h"
+#include "platform/data/PropertyListValues.h"
+#include "platform/data/RegularFile.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLoggingCategory>
 
 #include <optional>
 #include <sys/stat.h>
@@ -15,6 +19,8 @@
 
 namespace
 {
+
+Q_LOGGING_CATEGORY(queueLog, "kiv.queue", QtWarningMsg)
 
 const QLatin1String notificationCacheDirectory("~/Library/Caches/com.tamborel.kivune");
 const QLatin1String notificationCacheFile("notifications.plist");
@@ -29,15 +35,10 @@ QByteArray digestOf(const QByteArray &content)
     return QCryptographicHash::hash(content, QCryptographicHash::Sha1);
 }
 
-/// Nothing when the file is missing or may not be read.
+/// Nothing when the file is missing or may not be read, and for one that is too large to be a list.
 std::optional<QByteArray> contentOf(const QString &path)
 {
-    QFile file(path);
-    // A pipe would block.
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-        return std::nullopt;
-    }
-    return file.readAll();
+    return RegularFile::read(path, PropertyListValues::maxBytes, RegularFile::Links::Refuse);
 }
 
 bool isArray(const QVariant &value)
@@ -45,10 +46,20 @@ bool isArray(const QVariant &value)
     return value.typeId() == QMetaType::QVariantList;
 }
 
-bool isPrivate(const QString &path)
+/// What is there under that very name, which a symbolic link is too; nothing when nothing is.
+std::optional<mode_t> modeOf(const QString &path)
 {
     struct stat status = {};
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 && (status.st_mode & 0777) == 0600;
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(status.st_mode) : std::nullopt;
+}
+
+/// The folder, or the one that it would be made in.
+QString nearestFolder(QString path)
+{
+    while (!QFileInfo::exists(path) && path != QFileInfo(path).path()) {
+        path = QFileInfo(path).path();
+    }
+    return path;
 }
 
 } // namespace
@@ -79,38 +90,56 @@ QVariantList NotificationCache::read()
 bool NotificationCache::write(const QVariantList &list)
 {
     const QByteArray content = PropertyList::toXml(list);
-    if (content.isEmpty() || !makeFolder()) {
-        return false;
+    const QString obstacle = content.isEmpty() ? QStringLiteral("the list is too large") : obstacleToWriting(content);
+    if (!obstacle.isNull() && obstacle != m_obstacle) {
+        qCWarning(queueLog, "cannot save the messages in %s: %s", qPrintable(m_path), qPrintable(obstacle));
     }
-    if (QFileInfo::exists(m_path)) {
-        const std::optional<QByteArray> present = contentOf(m_path);
-        if (present == content && isPrivate(m_path)) {
-            return true;
-        }
-        if ((!present || !isReadable(*present)) && !keepAside()) {
-            return false;
-        }
-    }
-    if (!AtomicFile::write(m_path, content, AtomicFile::Access::OwnerOnly)) {
-        return false;
-    }
-    m_digest = digestOf(content);
-    return true;
+    m_obstacle = obstacle;
+    return obstacle.isNull();
 }
 
-bool NotificationCache::makeFolder() const
+/// Null when the file has this content now.
+QString NotificationCache::obstacleToWriting(const QByteArray &content)
 {
-    if (QFileInfo::exists(m_folder)) {
-        return true;
+    if (const QString obstacle = obstacleToFolder(); !obstacle.isNull()) {
+        return obstacle;
+    }
+    if (const std::optional<mode_t> mode = modeOf(m_path); mode && !S_ISLNK(*mode)) {
+        const std::optional<QByteArray> present = contentOf(m_path);
+        if (present == content && (*mode & 0777) == 0600) {
+            return {};
+        }
+        if ((!present || !isReadable(*present)) && !keepAside()) {
+            return QStringLiteral("what is there cannot be kept aside");
+        }
+    }
+    QString obstacle;
+    if (AtomicFile::write(m_path, content, AtomicFile::Access::OwnerOnly, &obstacle)) {
+        m_digest = digestOf(content);
+    }
+    return obstacle;
+}
+
+/// Makes the folder when it is missing; null when it is there.
+QString NotificationCache::obstacleToFolder() const
+{
+    const OwnFolder nearest(nearestFolder(m_folder));
+    if (!nearest.isOurs() || QFileInfo::exists(m_folder)) {
+        return nearest.obstacle();
     }
     // The folders above are everybody's business, and as others would make them.
-    return QDir().mkpath(QFileInfo(m_folder).path()) && ::mkdir(QFile::encodeName(m_folder).constData(), 0700) == 0;
+    const bool made =
+        QDir().mkpath(QFileInfo(m_folder).path()) && ::mkdir(QFile::encodeName(m_folder).constData(), 0700) == 0;
+    return made ? QString() : QStringLiteral("the folder cannot be made");
 }
 
 /// Removes what an agent has left that was killed while it wrote. That of another one which is writing just now, in
 /// another session of the same user, is younger.
 void NotificationCache::removeLeftovers() const
 {
+    if (!OwnFolder(m_folder).isOurs()) {
+        return;
+    }
     const QDateTime old = QDateTime::currentDateTimeUtc().addSecs(-3600);
     const QString nameOfTemporary = notificationCacheFile + QLatin1String(".??????");
     for (const QFileInfo &file : QDir(m_folder).entryInfoList({nameOfTemporary}, QDir::Files | QDir::Hidden)) {
@@ -130,8 +159,8 @@ bool NotificationCache::keepAside() const
 {
     const QByteArray from = QFile::encodeName(m_path);
     const QByteArray to = QFile::encodeName(pathOfUnreadable());
-    if (!QFileInfo(m_path).isFile()) {
-        return false;
+    if (!S_ISREG(modeOf(m_path).value_or(0))) {
+        return false; // Of a symbolic link the name would be kept, and not what it leads to.
     }
     ::unlink(to.constData());
     return ::link(from.constData(), to.constData()) == 0 || ::rename(from.constData(), to.constData()) == 0;

@@ -19,21 +19,25 @@ public:
     /// Where a file goes that cannot be read, before it is overwritten.
     [[nodiscard]] QString pathOfUnreadable() const;
 
-    /// The array in the file; empty when the file is missing, cannot be read, or holds anything else.
+    /// The array in the file; empty when the file is missing, cannot be read, is larger than a list may be, is a
+    /// symbolic link, or holds anything else.
     [[nodiscard]] QVariantList read();
 
     /// Makes `list` the file's content, and the folder when it is missing. Does not touch a file that has this very
-    /// content. One that holds no array, or that may not be read, is kept under its second name first.
-    /// False, with the file as it was, when any of that fails.
+    /// content. One that holds no array, or that may not be read, is kept under its second name first; a symbolic link
+    /// is replaced, and what it leads to stays as it is. Nothing is written to folders of somebody else.
+    /// False, with the file as it was and a warning when the cause is a new one, when any of that fails.
     bool write(const QVariantList &list);
 
 private:
-    [[nodiscard]] bool makeFolder() const;
+    [[nodiscard]] QString obstacleToWriting(const QByteArray &content);
+    [[nodiscard]] QString obstacleToFolder() const;
     void removeLeftovers() const;
     [[nodiscard]] bool isReadable(const QByteArray &content) const;
     [[nodiscard]] bool keepAside() const;
 
     QString m_folder;
     QString m_path;
+    QString m_obstacle;  ///< To what was written last; null when it was.
     QByteArray m_digest; ///< Of the content that was read or written last and is known to be an array.
 };

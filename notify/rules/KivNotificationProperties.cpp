@@ -20,9 +20,9 @@ namespace
 const QLatin1String lastMessageIdKey("KivNotificationLastMessId");
 
 /// The dictionary in the file; nothing when it cannot be read or holds another value.
-std::optional<QVariantMap> readDictionary(const QString &path)
+std::optional<QVariantMap> readDictionary(const QString &path, RegularFile::Links links)
 {
-    const QVariant value = PropertyList::readFile(path);
+    const QVariant value = PropertyList::readFile(path, links);
     return value.typeId() == QMetaType::QVariantMap ? std::optional(value.toMap()) : std::nullopt;
 }
 
@@ -81,7 +81,8 @@ bool KivNotificationProperties::loadPrefList()
     if (!QFile::exists(m_preferencesFile)) {
         return false;
     }
-    const QVariantMap preferences = readDictionary(m_preferencesFile).value_or(QVariantMap());
+    const QVariantMap preferences =
+        readDictionary(m_preferencesFile, RegularFile::Links::Follow).value_or(QVariantMap());
     m_lastMesID = StringValues::stringValue(preferences.value(lastMessageIdKey));
     m_settings = NotificationSettings::fromDictionary(preferences);
     return true;
@@ -98,11 +99,12 @@ void KivNotificationProperties::saveLastMessID(const QString &messageId)
     if (!QFile::exists(m_preferencesFile)) {
         return;
     }
-    std::optional<QVariantMap> preferences = readDictionary(m_preferencesFile);
+    std::optional<QVariantMap> preferences = readDictionary(m_preferencesFile, RegularFile::Links::Refuse);
     if (preferences) {
         preferences->insert(lastMessageIdKey, messageId);
     }
-    // In place, so that the file keeps its owner and links, and a file that could not be read stays as it is.
+    // In place, so that the file keeps its owner and its other names; and a file that could not be read stays as it is,
+    // as does one somewhere else that a symbolic link leads to.
     if (!preferences || !PropertyList::writeFile(m_preferencesFile, *preferences, PropertyList::Writing::InPlace)) {
         syslog(LOG_ERR, "Kivune[M]: Could not write file: : %s", QFile::encodeName(m_preferencesFile).constData());
     }

@@ -13,8 +13,9 @@ enum class Access {
     OwnerOnly ///< Nobody but the owner may read or write it, whatever the old file's mode was.
 };
 
-/// False, with the old file untouched, when the new one cannot be written whole or `path` is there but no regular file.
-/// Creates no folder. A symbolic link is followed.
-[[nodiscard]] bool write(const QString &path, const QByteArray &content, Access access);
+/// False, with the old file untouched, when the new one cannot be written whole, when the folder is missing or belongs
+/// to somebody else, or when `path` is there but no file; `obstacle` then says why. A symbolic link is replaced and
+/// never followed: what it leads to stays as it is.
+[[nodiscard]] bool write(const QString &path, const QByteArray &content, Access access, QString *obstacle = nullptr);
 
 } // namespace AtomicFile

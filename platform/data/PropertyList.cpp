@@ -6,8 +6,7 @@
 #include "platform/data/PropertyListXmlReader.h"
 #include "platform/data/PropertyListXmlWriter.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include <optional>
 
 namespace PropertyList
 {
@@ -21,15 +20,10 @@ QVariant read(const QByteArray &bytes)
                                                        : PropertyListXmlReader::read(bytes);
 }
 
-QVariant readFile(const QString &path)
+QVariant readFile(const QString &path, RegularFile::Links links)
 {
-    // A pipe would block, a device might never end.
-    QFile file(path);
-    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    const QByteArray bytes = file.read(PropertyListValues::maxBytes + 1);
-    return file.error() == QFileDevice::NoError ? read(bytes) : QVariant();
+    const std::optional<QByteArray> bytes = RegularFile::read(path, PropertyListValues::maxBytes, links);
+    return bytes ? read(*bytes) : QVariant();
 }
 
 QByteArray toXml(const QVariant &value)
@@ -43,17 +37,8 @@ bool writeFile(const QString &path, const QVariant &value, Writing writing)
     if (xml.isEmpty()) {
         return false;
     }
-    if (writing == Writing::Atomic) {
-        return AtomicFile::write(path, xml, AtomicFile::Access::AsBefore);
-    }
-    const QFileInfo info(path);
-    if (info.exists() && !info.isFile()) {
-        return false;
-    }
-    QFile file(path);
-    const bool taken = file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(xml) == xml.size();
-    file.close(); // Much is only written here, and the error of that stays set.
-    return taken && file.error() == QFileDevice::NoError;
+    return writing == Writing::Atomic ? AtomicFile::write(path, xml, AtomicFile::Access::AsBefore)
+                                      : RegularFile::overwrite(path, xml);
 }
 
 } // namespace PropertyList

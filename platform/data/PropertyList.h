@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/data/RegularFile.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QVariant>
@@ -32,7 +34,7 @@ namespace PropertyList
 [[nodiscard]] QVariant read(const QByteArray &bytes);
 
 /// The value in the file; an invalid QVariant when it is missing, unreadable, no regular file, too large or malformed.
-[[nodiscard]] QVariant readFile(const QString &path);
+[[nodiscard]] QVariant readFile(const QString &path, RegularFile::Links links = RegularFile::Links::Follow);
 
 /// The value as XML, UTF-8. Characters that XML 1.0 forbids are dropped. A QVariant of a type that is not listed above,
 /// or nil, is left out at any depth, with its key. Empty when `value` itself is such a one, or when the list would
@@ -45,8 +47,9 @@ enum class Writing {
     InPlace ///< Straight into the file, which keeps its owner, mode and links.
 };
 
-/// False when the value cannot be written as a list, the file not be written whole, or `path` is there but no regular
-/// file. Creates the file when it is missing, but no folder. A symbolic link is followed.
+/// False when the value cannot be written as a list, the file not be written whole, its folder belongs to somebody
+/// else, or `path` is there but no regular file. Creates the file when it is missing, but no folder. What a symbolic
+/// link leads to is never written to: the link is replaced, or in place the file is not written.
 bool writeFile(const QString &path, const QVariant &value, Writing writing);
 
 } // namespace PropertyList

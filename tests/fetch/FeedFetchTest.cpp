@@ -82,11 +82,23 @@ TEST_F(FeedFetch, EndsWithItsAskerThoughANameIsStillLookedUp)
     EXPECT_EQ(fetch.exitCode(), 1);
 }
 
-TEST_F(FeedFetch, TakesTwoArgumentsOnly)
+TEST_F(FeedFetch, TakesAnAddressAndATimeOutOnly)
 {
-    ASSERT_TRUE(fetch.start(QStringLiteral(KIV_FETCH), {QStringLiteral("http://127.0.0.1/")}));
-    waitForItsEnd();
-    EXPECT_EQ(fetch.exitCode(), 2);
+    const QString address = QStringLiteral("http://127.0.0.1:9/");
+    const QString minute = QStringLiteral("60000");
+    for (const QStringList &arguments :
+         {QStringList{}, QStringList{address}, QStringList{address, minute, minute},
+          QStringList{address, QStringLiteral("soon")}, QStringList{address, QStringLiteral("60s")},
+          QStringList{address, QString()}, QStringList{address, QStringLiteral("-1")},
+          QStringList{address, QStringLiteral("99999999999")}}) {
+        fetch.process().setProcessChannelMode(QProcess::SeparateChannels);
+        ASSERT_TRUE(fetch.start(QStringLiteral(KIV_FETCH), arguments));
+        waitForItsEnd();
+        const std::string given = arguments.join(u' ').toStdString();
+        EXPECT_EQ(fetch.exitCode(), 2) << given;
+        EXPECT_EQ(fetch.process().readAllStandardError(), "usage: kivfetch ADDRESS MILLISECONDS\n") << given;
+        EXPECT_EQ(fetch.output(), QByteArray()) << given;
+    }
 }
 
 } // namespace

@@ -22,7 +22,10 @@ exit 1
 """
 APT_GET = """#!/bin/sh
 echo apt-get "$@" >>"$CALLS"
-[ "$1" = update ] || echo 'pmstatus:here:amd64:40.1234:Unpacking here (amd64)'
+[ "$1" = update ] && exit "$STATUS"
+echo 'pmstatus:here:amd64:40.1234:Unpacking here (amd64)' >&3
+# What a package prints while it is installed; apt's reports are not waited for, so that this must not go the same way.
+echo 'pmstatus:here:amd64:80.0000:said by a package'
 exit "$STATUS"
 """
 APT_CACHE = """#!/bin/sh
@@ -76,6 +79,7 @@ class Packages(unittest.TestCase):
     def test_it_tells_how_far_it_is(self):
         self.install("unheard-of")
         self.assertRegex(self.done.stdout, r"installed +40 %")
+        self.assertNotIn("80 %", self.done.stdout)
 
     def test_a_failure_is_one_line_that_names_the_step(self):
         self.install("unheard-of", status=100)

@@ -27,14 +27,16 @@ QByteArray authorityEntry(const QByteArray &cookie)
 
 } // namespace
 
-bool PrivateXServer::start(QSize size)
+bool PrivateXServer::start(QSize size, const QStringList &arguments)
 {
     // -rfbport -1: no TCP port at all (0 would be a port on every interface).
-    return startProgram(QStringLiteral("Xtigervnc"),
-                        {QStringLiteral("-SecurityTypes"), QStringLiteral("None"), QStringLiteral("-rfbport"),
-                         QStringLiteral("-1"), QStringLiteral("-rfbunixpath"), rfbSocket(), QStringLiteral("-geometry"),
-                         QStringLiteral("%1x%2").arg(size.width()).arg(size.height()), QStringLiteral("-depth"),
-                         QStringLiteral("24"), QStringLiteral("-Log"), QStringLiteral("*:stderr:0")});
+    return startProgram(
+        QStringLiteral("Xtigervnc"),
+        QStringList{QStringLiteral("-SecurityTypes"), QStringLiteral("None"), QStringLiteral("-rfbport"),
+                    QStringLiteral("-1"), QStringLiteral("-rfbunixpath"), rfbSocket(), QStringLiteral("-geometry"),
+                    QStringLiteral("%1x%2").arg(size.width()).arg(size.height()), QStringLiteral("-depth"),
+                    QStringLiteral("24"), QStringLiteral("-Log"), QStringLiteral("*:stderr:0")} +
+            arguments);
 }
 
 bool PrivateXServer::startWithSeveralRates()

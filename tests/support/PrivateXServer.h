@@ -10,8 +10,9 @@
 class PrivateXServer final
 {
 public:
-    /// Starts Xtigervnc and returns once it takes clients. False, with a test failure, when it does not.
-    bool start(QSize size = {1280, 800});
+    /// Starts Xtigervnc and returns once it takes clients. False, with a test failure, when it does not. `arguments`
+    /// are more of its own.
+    bool start(QSize size = {1280, 800}, const QStringList &arguments = {});
     /// The same for an X server that has no viewers but lists one size at several refresh rates, as a screen does: Xorg
     /// with its driver for no hardware at all.
     bool startWithSeveralRates();

@@ -64,8 +64,11 @@ install_missing() { # PACKAGE...
     for i in "${!missing[@]}"; do
         [[ ${missing[i]} != *'|'* ]] || missing[i]=$(name_here "${missing[i]}")
     done
-    # The report goes with the rest of the output, since sudo passes on no other descriptor.
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -qq -y --no-install-recommends \
-        -o APT::Status-Fd=1 -o Dpkg::Use-Pty=0 "${missing[@]}" </dev/null | show_apt_progress ||
+    # The report comes on a descriptor of its own: apt never waits for its reader, and what packages say while they are
+    # installed would be refused on it when that is slow. A shell makes it, for sudo passes on no other than the usual.
+    # shellcheck disable=SC2016 # That shell expands it.
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive bash -c '
+        exec apt-get install -qq -y --no-install-recommends -o APT::Status-Fd=3 -o Dpkg::Use-Pty=0 \
+            "$@" 3>&1 >/dev/null' apt "${missing[@]}" </dev/null | show_apt_progress ||
         fail "could not install: ${missing[*]}"
 }

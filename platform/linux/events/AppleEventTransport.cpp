@@ -1,7 +1,7 @@
 #include "platform/linux/events/AppleEventTransport.h"
 
-#include "platform/linux/events/AppleEventsContract.h"
 #include "platform/linux/events/AppleEventMessage.h"
+#include "platform/linux/events/AppleEventsContract.h"
 #include "platform/linux/include/EventBusName.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/processes/RunningProcess.h"

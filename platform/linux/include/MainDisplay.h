@@ -28,11 +28,12 @@ struct DisplayOutput {
 [[nodiscard]] std::optional<std::size_t> pickMainOutput(xcb_randr_output_t primary,
                                                         std::span<const DisplayOutput> outputs);
 
-/// The main display, asked of the X server at each call; nothing without X, RandR or a connected display. The CRTC's
-/// rectangle is used, since the root window may be larger than what is shown. Main thread only.
+/// The main display, asked of the X server at each call; nothing without X. The CRTC's rectangle is used, since the
+/// root window may be larger than what is shown; without RandR or a connected display the root window's stands in, with
+/// neither output nor CRTC. Main thread only.
 [[nodiscard]] std::optional<MainDisplay> mainDisplay();
 
-/// The same on another connection than Qt's.
+/// The same on another connection than Qt's; nothing without RandR or a connected display.
 [[nodiscard]] std::optional<MainDisplay> mainDisplay(xcb_connection_t *x, xcb_window_t root);
 
 /// The main display's coordinates, with the device pixel ratio of Qt's primary screen.

@@ -110,7 +110,8 @@ CFArrayRef CGDisplayAvailableModes(CGDirectDisplayID id)
     static CFArrayRef kept = nullptr;
 
     CFRelease(std::exchange(kept, nullptr));
-    if (!displayOf(id)) {
+    const std::optional<MainDisplay> display = displayOf(id);
+    if (!display || display->output == XCB_NONE) {
         return nullptr;
     }
     std::vector<const void *> dictionaries;

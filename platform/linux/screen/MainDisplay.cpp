@@ -23,11 +23,25 @@ std::optional<std::size_t> pickMainOutput(xcb_randr_output_t primary, std::span<
     return chosen - outputs.begin();
 }
 
+namespace
+{
+/// All of the X screen, as a display without an output.
+std::optional<MainDisplay> wholeScreen(xcb_connection_t *x, xcb_window_t root)
+{
+    const XcbReply<xcb_get_geometry_reply_t> size(xcb_get_geometry_reply(x, xcb_get_geometry(x, root), nullptr));
+    return size ? std::optional(MainDisplay{.bounds = QRect(0, 0, size->width, size->height)}) : std::nullopt;
+}
+} // namespace
+
 std::optional<MainDisplay> mainDisplay()
 {
     xcb_connection_t *x = XConnection::get();
     const xcb_screen_t *screen = XConnection::screen();
-    return x && screen ? mainDisplay(x, screen->root) : std::nullopt;
+    if (!x || !screen) {
+        return std::nullopt;
+    }
+    const std::optional<MainDisplay> display = mainDisplay(x, screen->root);
+    return display ? display : wholeScreen(x, screen->root);
 }
 
 std::optional<MainDisplay> mainDisplay(xcb_connection_t *x, xcb_window_t root)

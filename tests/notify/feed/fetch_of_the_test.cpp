@@ -1,4 +1,4 @@
-// kivfetch, which trusts a server of the test's, and has a proxy that it is not to use.
+// kivfetch, which trusts a server of the test's, has a proxy that it is not to use, and may be given less time.
 
 #include "fetch/FeedFetch.h"
 
@@ -17,6 +17,9 @@ int main(int argc, char **argv)
     if (const int port = qEnvironmentVariableIntValue("KIV_APPLICATION_PROXY"); port != 0) {
         QNetworkProxy::setApplicationProxy(
             {QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), static_cast<quint16>(port)});
+    }
+    if (const int most = qEnvironmentVariableIntValue("KIV_MOST_FOR_ALL"); most != 0) {
+        fetchFeed(QCoreApplication::arguments(), std::chrono::milliseconds(most));
     }
     fetchFeed(QCoreApplication::arguments());
 }

@@ -12,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -20,6 +21,23 @@ QVariantList listWith(const char *id)
 {
     return {QVariantMap{{QStringLiteral("messageId"), QString::fromLatin1(id)}}};
 }
+
+/// The warnings that come while it lives.
+class Warnings final
+{
+public:
+    Warnings() { s_heard.clear(); }
+    ~Warnings() { qInstallMessageHandler(m_before); }
+    Warnings(const Warnings &) = delete;
+    Warnings &operator=(const Warnings &) = delete;
+
+    [[nodiscard]] static const QStringList &heard() { return s_heard; }
+
+private:
+    inline static QStringList s_heard;
+    QtMessageHandler m_before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &text) { s_heard.append(text); });
+};
 
 class NotificationCacheTest : public testing::Test
 {
@@ -171,6 +189,71 @@ TEST_F(NotificationCacheTest, LeavesAFolderInTheFilesPlaceAlone)
     EXPECT_EQ(cache.read(), QVariantList());
     EXPECT_FALSE(cache.write(listWith("1")));
     EXPECT_TRUE(QFileInfo(cache.path()).isDir());
+}
+
+TEST_F(NotificationCacheTest, NeitherFollowsALinkNorKeepsItAside)
+{
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    const QString target = home.filePath(QStringLiteral("target"));
+    for (const QByteArray &theirs : {QByteArray("somebody's"), PropertyList::toXml(listWith("theirs"))}) {
+        QFile::remove(cache.path());
+        QFile file(target);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+        file.write(theirs);
+        file.close();
+        ASSERT_EQ(::chmod(QFile::encodeName(target).constData(), 0644), 0);
+        ASSERT_TRUE(QFile::link(target, cache.path()));
+
+        EXPECT_EQ(cache.read(), QVariantList());
+        EXPECT_TRUE(cache.write(listWith("1")));
+        EXPECT_EQ(cache.read(), listWith("1"));
+        EXPECT_EQ(contentOf(target), theirs);
+        EXPECT_EQ(mode(target), 0644U);
+        EXPECT_EQ(files(), QStringList{QStringLiteral("notifications.plist")});
+    }
+}
+
+TEST_F(NotificationCacheTest, WritesNothingIntoAFolderOfSomebodyElseAndSaysSoOnce)
+{
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    if (::chown(QFile::encodeName(folder()).constData(), 12345, 12345) != 0) {
+        GTEST_SKIP() << "only root can give a folder away";
+    }
+    const Warnings warnings;
+    EXPECT_FALSE(cache.write(listWith("1")));
+    EXPECT_FALSE(cache.write(listWith("2")));
+    EXPECT_EQ(files(), QStringList());
+    ASSERT_EQ(warnings.heard().size(), 1);
+    EXPECT_TRUE(warnings.heard().first().contains(QStringLiteral("belongs to somebody else")));
+    EXPECT_TRUE(warnings.heard().first().contains(cache.path()));
+}
+
+TEST_F(NotificationCacheTest, MakesNoFolderInAHomeOfSomebodyElse)
+{
+    if (::chown(QFile::encodeName(home.path()).constData(), 12345, 12345) != 0) {
+        GTEST_SKIP() << "only root can give a folder away";
+    }
+    EXPECT_FALSE(cache.write(listWith("1")));
+    EXPECT_TRUE(QDir(home.path()).isEmpty());
+}
+
+TEST_F(NotificationCacheTest, NeverWaitsForAPipe)
+{
+    ASSERT_TRUE(QDir().mkpath(folder()));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(cache.path()).constData(), 0600), 0);
+    EXPECT_EQ(cache.read(), QVariantList());
+    EXPECT_FALSE(cache.write(listWith("1")));
+    EXPECT_EQ(files(), QStringList{QStringLiteral("notifications.plist")});
+}
+
+TEST_F(NotificationCacheTest, KeepsAFileThatIsTooLargeAsideUnread)
+{
+    put("large");
+    ASSERT_TRUE(QFile::resize(cache.path(), qint64(1) << 40)); // A terabyte that takes no space.
+    EXPECT_EQ(cache.read(), QVariantList());
+    EXPECT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(cache.read(), listWith("1"));
+    EXPECT_EQ(QFileInfo(cache.pathOfUnreadable()).size(), qint64(1) << 40);
 }
 
 TEST_F(NotificationCacheTest, ClearsAwayWhatAKilledAgentLeftHalfWritten)

@@ -375,16 +375,19 @@ TEST_F(KivNotificationPropertiesTest, AddsTheIdToAFileWithoutOne)
     EXPECT_EQ(PropertyList::readFile(preferences).toMap(), expected);
 }
 
-TEST_F(KivNotificationPropertiesTest, WritesIntoTheFileItselfThroughALink)
+TEST_F(KivNotificationPropertiesTest, ReadsThroughALinkButNeverWritesThroughOne)
 {
     const QString target = directory.filePath(QStringLiteral("target.plist"));
-    writeFile(target, onlyTheId);
+    writeFile(target, everyKey);
     ASSERT_TRUE(QDir().mkpath(QFileInfo(preferences).path()));
     ASSERT_TRUE(QFile::link(target, preferences));
-    properties().saveLastMessID(QStringLiteral("42"));
+    KivNotificationProperties p = properties();
+    EXPECT_EQ(p.settings(), everyKeysSettings);
+    p.saveLastMessID(QStringLiteral("42"));
+    EXPECT_EQ(p.lastMesID(), QStringLiteral("42"));
     EXPECT_TRUE(QFileInfo(preferences).isSymLink());
-    EXPECT_EQ(PropertyList::readFile(target).toMap()[QStringLiteral("KivNotificationLastMessId")],
-              QVariant(QStringLiteral("42")));
+    EXPECT_EQ(readFile(target), everyKey);
+    EXPECT_EQ(SystemLog::take(), writeFailure());
 }
 
 TEST_F(KivNotificationPropertiesTest, WritesInPlaceSoThatEveryNameOfTheFileShowsTheId)

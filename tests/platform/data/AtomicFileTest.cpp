@@ -4,11 +4,13 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using AtomicFile::Access;
 
@@ -78,6 +80,36 @@ TEST_F(AtomicFileTest, LeavesTheOldFileAndNothingElseWhenTheDiskIsFull)
         EXPECT_EQ(content(), "old");
     }
     EXPECT_EQ(files(), QStringList{QStringLiteral("file")});
+}
+
+TEST_F(AtomicFileTest, TakesTheNameOfASymbolicLinkAndLeavesWhatThatLeadsTo)
+{
+    const QString target = folder.filePath(QStringLiteral("target"));
+    for (const Access access : {Access::OwnerOnly, Access::AsBefore}) {
+        QFile::remove(path);
+        QFile::remove(target);
+        write("another's", 0644);
+        ASSERT_TRUE(QFile::rename(path, target));
+        ASSERT_TRUE(QFile::link(target, path));
+        EXPECT_TRUE(AtomicFile::write(path, "new", access));
+        EXPECT_FALSE(QFileInfo(path).isSymLink());
+        EXPECT_EQ(content(), "new");
+        QFile file(target);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), "another's");
+        EXPECT_EQ(file.permissions() & (QFile::ReadOther | QFile::ReadOwner), QFile::ReadOther | QFile::ReadOwner);
+    }
+}
+
+TEST_F(AtomicFileTest, LeavesAFolderOfSomebodyElseAlone)
+{
+    if (::chown(QFile::encodeName(folder.path()).constData(), 12345, 12345) != 0) {
+        GTEST_SKIP() << "only root can give a folder away";
+    }
+    QString obstacle;
+    EXPECT_FALSE(AtomicFile::write(path, "new", Access::OwnerOnly, &obstacle));
+    EXPECT_EQ(obstacle, QStringLiteral("the folder belongs to somebody else"));
+    EXPECT_EQ(files(), QStringList());
 }
 
 TEST_F(AtomicFileTest, RefusesAPlaceThatIsNoFile)

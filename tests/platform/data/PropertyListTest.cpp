@@ -208,15 +208,26 @@ TEST_P(PropertyListFileEitherWay, IsNotWrittenInPlaceOfAFolderOrPipe)
     EXPECT_EQ(files().size(), 2);
 }
 
-TEST_P(PropertyListFileEitherWay, IsWrittenThroughALink)
+TEST_P(PropertyListFileEitherWay, IsNotWrittenThroughALink)
 {
     write("old");
     const QString link = path(QStringLiteral("link"));
     ASSERT_TRUE(QFile::link(path(), link));
-    EXPECT_TRUE(PropertyList::writeFile(link, sample, GetParam()));
-    EXPECT_TRUE(S_ISLNK(status(link).st_mode));
-    EXPECT_EQ(PropertyList::readFile(path()), QVariant(sample));
-    EXPECT_EQ(PropertyList::readFile(link), QVariant(sample));
+    const bool replaces = GetParam() == Writing::Atomic;
+    EXPECT_EQ(PropertyList::writeFile(link, sample, GetParam()), replaces);
+    EXPECT_EQ(S_ISLNK(status(link).st_mode), !replaces);
+    EXPECT_EQ(content(), "old");
+}
+
+TEST_P(PropertyListFileEitherWay, IsNotWrittenIntoAFolderOfSomebodyElse)
+{
+    const QString folder = path(QStringLiteral("theirs"));
+    ASSERT_TRUE(QDir().mkpath(folder));
+    if (::chown(QFile::encodeName(folder).constData(), 12345, 12345) != 0) {
+        GTEST_SKIP() << "only root can give a folder away";
+    }
+    EXPECT_FALSE(PropertyList::writeFile(folder + QStringLiteral("/list.plist"), sample, GetParam()));
+    EXPECT_TRUE(QDir(folder).isEmpty());
 }
 
 TEST_P(PropertyListFileEitherWay, KeepsItsMode)
@@ -279,6 +290,16 @@ TEST_F(PropertyListFile, GivesNothingWhenThereIsNoSuchFile)
     EXPECT_FALSE(PropertyList::readFile(path()).isValid());
     EXPECT_FALSE(PropertyList::readFile(path(QStringLiteral("dangling"))).isValid());
     EXPECT_FALSE(PropertyList::readFile(QString()).isValid());
+}
+
+TEST_F(PropertyListFile, IsReadThroughALinkUnlessThatIsRefused)
+{
+    write(PropertyList::toXml(sample));
+    const QString link = path(QStringLiteral("link"));
+    ASSERT_TRUE(QFile::link(path(), link));
+    EXPECT_EQ(PropertyList::readFile(link), QVariant(sample));
+    EXPECT_FALSE(PropertyList::readFile(link, RegularFile::Links::Refuse).isValid());
+    EXPECT_EQ(PropertyList::readFile(path(), RegularFile::Links::Refuse), QVariant(sample));
 }
 
 TEST_F(PropertyListFile, GivesNothingForFoldersPipesAndDevices)

@@ -16,10 +16,29 @@ void silence(ChildProcess &program)
 }
 } // namespace
 
+bool Desktop::startServer(Server server)
+{
+    const auto startWith = [this](const char *option, const char *value) {
+        return m_server.start({1280, 800}, {QString::fromLatin1(option), QString::fromLatin1(value)});
+    };
+    switch (server) {
+    case Server::RemoteDesktop:
+        return m_server.start();
+    case Server::SeveralRates:
+        return m_server.startWithSeveralRates();
+    case Server::WithoutRandR:
+        return startWith("-extension", "RANDR");
+    case Server::WithoutXFixes:
+        return startWith("-extension", "XFIXES");
+    case Server::OfEightBits:
+        return startWith("-depth", "8");
+    }
+    return false;
+}
+
 bool Desktop::start(Server server)
 {
-    const bool started = server == Server::RemoteDesktop ? m_server.start() : m_server.startWithSeveralRates();
-    if (!started || !m_bus.start()) {
+    if (!startServer(server) || !m_bus.start()) {
         return false;
     }
     m_view = std::make_unique<XView>(m_server);

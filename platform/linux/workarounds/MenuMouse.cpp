@@ -71,7 +71,7 @@ void MenuMouse::mouseEntered(QMenu &menu, const QEnterEvent &event)
 void MenuMouse::mouseMoved(QMenu &menu, QPointF local, QPointF global)
 {
     const auto opening = m_openings.find(&menu);
-    if (opening == m_openings.end() || opening->hasMoved || !menu.rect().contains(local.toPoint())) {
+    if (opening == m_openings.end() || opening->hasMoved) {
         return;
     }
     const QPoint way = global.toPoint() - opening->mouse;

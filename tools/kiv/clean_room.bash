@@ -98,6 +98,7 @@ use_room() { # RELEASE ROOM OPTION COMMAND...
 in_room() { # ROOM COMMAND...
     # shellcheck disable=SC2016 # The variables are those of the shells in the room.
     setpriv --pdeathsig KILL unshare --mount --pid --ipc --uts --fork --kill-child bash -euc '
+        mount --bind "$0" "$0" # The root of a machine is a mount point.
         mount -t proc proc "$0/proc"
         mount --rbind /dev "$0/dev"
         mount -t devpts -o newinstance,ptmxmode=0666,mode=0620,gid=5 devpts "$0/dev/pts"

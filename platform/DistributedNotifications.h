@@ -22,8 +22,8 @@ public:
 };
 
 /// Has `callback` called from the event loop whenever any program posts `name`; once for several that come at once, so
-/// that a program that posts without end does not keep this one from everything else. What is posted while there is no bus is
-/// missed.
+/// that a program that posts without end does not keep this one from everything else. What is posted while there is no
+/// bus is missed.
 [[nodiscard]] std::unique_ptr<Observer> addObserver(const QString &name, std::function<void()> callback);
 
 } // namespace DistributedNotifications

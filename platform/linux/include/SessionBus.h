@@ -42,9 +42,9 @@ public:
     [[nodiscard]] QString ownerOf(const QString &busName) const;
     /// All names on the bus; none when there is no bus or it does not answer. Blocks for at most 500 ms.
     [[nodiscard]] QStringList names() const;
-    /// Takes a bus name for this connection; while another has it, which is worth a warning, this one stands in line for
-    /// it and has it when the other goes. False when the bus refuses. Blocks for at most 500 ms: a bus that does not
-    /// answer by then gets to the request before all that is asked of it later.
+    /// Takes a bus name for this connection; while another has it, which is worth a warning, this one stands in line
+    /// for it and has it when the other goes. False when the bus refuses. Blocks for at most 500 ms: a bus that does
+    /// not answer by then gets to the request before all that is asked of it later.
     [[nodiscard]] bool requestName(const QString &busName) const;
     /// Gives a bus name back, in the same way.
     void releaseName(const QString &busName) const;

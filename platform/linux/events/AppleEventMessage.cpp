@@ -4,6 +4,7 @@
 
 #include <QDBusArgument>
 #include <QDBusMetaType>
+#include <QScopeGuard>
 
 namespace
 {
@@ -111,6 +112,7 @@ std::optional<AppleEventContents> eventOf(const QDBusMessage &message)
     AppleEventContents event(*eventClass, *eventID);
     const auto list = qvariant_cast<QDBusArgument>(arguments.at(2));
     list.beginArray();
+    const auto end = qScopeGuard([&list] { list.endArray(); }); // An array left open would never be freed.
     for (int count = 0; !list.atEnd(); ++count) {
         if (count == mostParameters) {
             return {};

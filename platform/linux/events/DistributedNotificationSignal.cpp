@@ -4,12 +4,17 @@
 
 #include <QTimer>
 
+#include <chrono>
 #include <utility>
 
 namespace
 {
+
+/// Long enough for many to count as one, and too short for anybody to wait.
+constexpr std::chrono::milliseconds oneMoment(20);
+
 const QString interfaceName = QStringLiteral("com.tamborel.kivune.DistributedNotifications");
-}
+} // namespace
 
 DistributedNotificationSignal::DistributedNotificationSignal(SessionBus &bus, QString name,
                                                              std::function<void()> callback)
@@ -34,9 +39,9 @@ void DistributedNotificationSignal::observe()
 
 void DistributedNotificationSignal::onPosted()
 {
-    // All that have come by now mean the same once.
+    // All that come meanwhile mean the same once.
     if (!std::exchange(m_isDue, true)) {
-        QTimer::singleShot(0, this, [this] {
+        QTimer::singleShot(oneMoment, this, [this] {
             m_isDue = false;
             m_callback();
         });

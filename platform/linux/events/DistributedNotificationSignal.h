@@ -25,5 +25,5 @@ private:
     SessionBus &m_bus;
     const QString m_name;
     const std::function<void()> m_callback;
-    bool m_isDue = false; ///< To be called in the next turn of the event loop.
+    bool m_isDue = false; ///< To be called in a moment.
 };

@@ -21,9 +21,8 @@ public:
     Observer &operator=(const Observer &) = delete;
 };
 
-/// Has `callback` called from the event loop whenever any program posts `name`; once for several that come at once, so
-/// that a program that posts without end does not keep this one from everything else. What is posted while there is no
-/// bus is missed.
+/// Has `callback` called from the event loop whenever any program posts `name`. What is posted while there is no bus is
+/// missed.
 [[nodiscard]] std::unique_ptr<Observer> addObserver(const QString &name, std::function<void()> callback);
 
 } // namespace DistributedNotifications

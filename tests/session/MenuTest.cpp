@@ -151,6 +151,8 @@ TEST_F(ManagedMenu, OpensASubmenuUnderTheMouseTheFirstTime)
     // One move, as a viewer on a slow line makes it.
     desktop.input().move(menu->geometry.topLeft() + QPoint(20, 12));
     EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "the submenu did not open";
+    desktop.input().key(XK_Escape, 2);
+    EXPECT_TRUE(waitUntil([&] { return !agent->hasMenu(); }));
 }
 
 TEST_F(ManagedMenu, StaysOpenOnAClickOnAnEntryWithASubmenu)
@@ -163,6 +165,8 @@ TEST_F(ManagedMenu, StaysOpenOnAClickOnAnEntryWithASubmenu)
     desktop.input().click(menu->geometry.topLeft() + QPoint(20, 12));
     EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "the submenu did not open";
     EXPECT_FALSE(waitUntil([&] { return !agent->hasMenu(); }, std::chrono::milliseconds(500)));
+    desktop.input().key(XK_Escape, 2);
+    EXPECT_TRUE(waitUntil([&] { return !agent->hasMenu(); }));
 }
 
 TEST_F(ManagedMenu, TakesAChoiceByKeysAlone)

@@ -2,19 +2,12 @@
 
 #include "platform/linux/include/SessionBus.h"
 
-#include <QTimer>
-
-#include <chrono>
 #include <utility>
 
 namespace
 {
-
-/// Long enough for many to count as one, and too short for anybody to wait.
-constexpr std::chrono::milliseconds oneMoment(20);
-
 const QString interfaceName = QStringLiteral("com.tamborel.kivune.DistributedNotifications");
-} // namespace
+}
 
 DistributedNotificationSignal::DistributedNotificationSignal(SessionBus &bus, QString name,
                                                              std::function<void()> callback)
@@ -39,11 +32,5 @@ void DistributedNotificationSignal::observe()
 
 void DistributedNotificationSignal::onPosted()
 {
-    // All that come meanwhile mean the same once.
-    if (!std::exchange(m_isDue, true)) {
-        QTimer::singleShot(oneMoment, this, [this] {
-            m_isDue = false;
-            m_callback();
-        });
-    }
+    m_callback();
 }

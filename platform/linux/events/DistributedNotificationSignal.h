@@ -25,5 +25,4 @@ private:
     SessionBus &m_bus;
     const QString m_name;
     const std::function<void()> m_callback;
-    bool m_isDue = false; ///< To be called in a moment.
 };

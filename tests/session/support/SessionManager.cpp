@@ -8,7 +8,6 @@
 
 #include <X11/SM/SMlib.h>
 #include <cstdlib>
-#include <cstring>
 #include <sys/socket.h>
 #include <vector>
 
@@ -39,10 +38,7 @@ struct SessionManager::Protocol {
 
 namespace
 {
-char *copyOf(const char *text)
-{
-    return ::strdup(text); // The library frees it.
-}
+char clientName[] = "the one"; // The library copies it.
 } // namespace
 
 SessionManager::Protocol::Protocol()
@@ -121,8 +117,9 @@ Status SessionManager::Protocol::setUpClient(SmsConn joining, SmPointer protocol
             SmsSaveYourselfRequestProcMask | SmsSaveYourselfP2RequestProcMask | SmsSaveYourselfDoneProcMask |
             SmsCloseConnectionProcMask | SmsSetPropertiesProcMask | SmsDeletePropertiesProcMask |
             SmsGetPropertiesProcMask;
-    callbacks->register_client = {[](SmsConn client, SmPointer self, char *) -> Status {
-                                      SmsRegisterClientReply(client, copyOf("the one"));
+    callbacks->register_client = {[](SmsConn client, SmPointer self, char *previousName) -> Status {
+                                      std::free(previousName);
+                                      SmsRegisterClientReply(client, clientName);
                                       // As the protocol wants it of whoever joins anew.
                                       SmsSaveYourself(client, SmSaveLocal, False, SmInteractStyleNone, False);
                                       static_cast<Protocol *>(self)->hasJoined = true;

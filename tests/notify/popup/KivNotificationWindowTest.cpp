@@ -497,7 +497,7 @@ TEST_F(KivNotificationWindowTest, FadesIn)
     EXPECT_GE(time.elapsed(), 490);
     EXPECT_TRUE(std::is_sorted(steps.begin(), steps.end()));
     EXPECT_LE(steps.size(), 16) << "30 a second and no more";
-    EXPECT_FALSE(window->findChild<QVariantAnimation *>()) << "it goes when it has ended";
+    EXPECT_TRUE(waitUntil([this] { return !window->findChild<QVariantAnimation *>(); })) << "it goes when it has ended";
 }
 
 TEST_F(KivNotificationWindowTest, ClosesAtTheEndOfAFadeOutOnly)

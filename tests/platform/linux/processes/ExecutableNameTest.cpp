@@ -1,5 +1,10 @@
 #include "platform/linux/include/ExecutableName.h"
 
+#include "tests/support/ChildProcess.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 #include <errno.h>
@@ -12,6 +17,19 @@ namespace
 TEST(ExecutableName, IsTheFileNameOfTheProgram)
 {
     EXPECT_EQ(executableName(::getpid()), ::program_invocation_short_name);
+}
+
+TEST(ExecutableName, StaysWhenTheFileIsRemoved)
+{
+    const QTemporaryDir folder;
+    const QString name = QStringLiteral("an executable whose name is rather long");
+    const QString program = folder.filePath(name);
+    ASSERT_TRUE(QFile::copy(QStringLiteral("/bin/sleep"), program));
+    ChildProcess child;
+    ASSERT_TRUE(child.start(program, {QStringLiteral("60")}));
+    EXPECT_EQ(executableName(static_cast<pid_t>(child.pid())), name.toUtf8());
+    ASSERT_TRUE(QFile::remove(program));
+    EXPECT_EQ(executableName(static_cast<pid_t>(child.pid())), name.toUtf8());
 }
 
 TEST(ExecutableName, IsTheKernelsShortNameWhenTheFileMayNotBeSeen)

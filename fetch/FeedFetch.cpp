@@ -91,7 +91,7 @@ void writeHead(const QNetworkReply &connection)
 
 } // namespace
 
-void fetchFeed(const QStringList &arguments, std::chrono::milliseconds mostForAll)
+void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDuration)
 {
     const std::optional<std::chrono::milliseconds> timeOut = timeOutOf(arguments);
     if (!timeOut) {
@@ -108,7 +108,7 @@ void fetchFeed(const QStringList &arguments, std::chrono::milliseconds mostForAl
     QNetworkReply *const connection = network.get(plainRequest(address));
     connection->setReadBufferSize(readBuffer);
     limitSilence(connection, *timeOut);
-    limitWhole(connection, mostForAll);
+    limitWhole(connection, maxDuration);
     QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
     QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection] { write(connection->readAll()); });
     QObject::connect(

@@ -18,9 +18,9 @@
 namespace
 {
 
-constexpr int mostAttributes = 64;
-constexpr int mostLevels = 100;
-constexpr int mostMessages = 10'000;
+constexpr int maxAttributes = 64;
+constexpr int maxLevels = 100;
+constexpr int maxMessages = 10'000;
 
 /// A field whose code is the place of the feed's word among these; another word leaves the field alone.
 struct CodeField {
@@ -54,7 +54,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
 {
     QXmlStreamReader reader;
     reader.setNamespaceProcessing(false);
-    const FeedDocument document = feedDocument(bytes, mostAttributes);
+    const FeedDocument document = feedDocument(bytes, maxAttributes);
     reader.addData(document.text);
     int levels = 0;
     int messages = 0;
@@ -62,7 +62,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
             messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
-            if (++levels > mostLevels || messages > mostMessages) {
+            if (++levels > maxLevels || messages > maxMessages) {
                 return Outcome::Malformed;
             }
             didStartElement(reader.qualifiedName());

@@ -28,10 +28,10 @@ using namespace std::chrono_literals;
 constexpr auto fadeDuration = 500ms;
 constexpr int fadeFrames = 15; ///< 30 a second.
 constexpr std::int32_t defaultTimeout = 15;
-constexpr std::int32_t longestTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
+constexpr std::int32_t maxTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
 constexpr auto linkCloseDelay = 1s;
 
-constexpr NSSize smallestScreen = {640, 480};
+constexpr NSSize fallbackScreen = {640, 480};
 
 /// A frame within the window in Qt's coordinates, which count from the top.
 QRect inWindow(const NSRect &frame, const NSSize &window)
@@ -66,7 +66,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     setAccessibleName(windowTitle());
 
     const std::optional<NSRect> mainScreen = MainScreen::frame();
-    const NSSize screen = mainScreen ? mainScreen->size : smallestScreen;
+    const NSSize screen = mainScreen ? mainScreen->size : fallbackScreen;
     PopUpContents contents{
         .contentSize = boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen),
         .hasTitle = !title.isEmpty(),
@@ -78,7 +78,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     auto *text = new KivTextView(view);
     text->setMessage(m_notification->messageText(), static_cast<int>(std::lround(contents.contentSize.width)));
     text->setAccessibleName(QStringLiteral("Message"));
-    const float visibleHeight = largestTextHeight(contents, screen);
+    const float visibleHeight = maxTextHeight(contents, screen);
     if (text->textHeight() > visibleHeight) {
         text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     }
@@ -136,7 +136,7 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
     }
 
     if (theTimeout >= 0) {
-        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, longestTimeout));
+        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, maxTimeout));
         m_timer = new QTimer(this);
         m_timer->setSingleShot(true);
         m_timer->setTimerType(Qt::PreciseTimer); // It may be late, never early.

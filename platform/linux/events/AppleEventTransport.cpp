@@ -55,11 +55,11 @@ QString ownBusName()
 
 } // namespace
 
-AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t mostThatWait)
+AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t maxWaiting)
     : m_bus(bus)
     , m_receiver(std::move(receiver))
     , m_peers(bus)
-    , m_incoming(WorkInTurns::kShareOfATurn, mostThatWait)
+    , m_incoming(WorkInTurns::kShareOfATurn, maxWaiting)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::enter);
     // Another bus counts its unique names from the start again.
@@ -185,13 +185,13 @@ OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage
     return noErr;
 }
 
-OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chrono::milliseconds limit) const
+OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chrono::milliseconds timeout) const
 {
     QDBusMessage message;
     if (const OSErr error = prepare(event, message); error != noErr) {
         return error;
     }
-    return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(limit.count())));
+    return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(timeout.count())));
 }
 
 QString AppleEventTransport::introspect(const QString &) const

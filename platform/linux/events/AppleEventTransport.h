@@ -22,9 +22,9 @@ public:
     /// is logged, and the event has failed (errAEEventFailed).
     using Receiver = std::function<OSErr(AppleEventContents event)>;
 
-    /// `bus` must outlive this object. When `mostThatWait` events of one sender wait to be handled, more of them are
+    /// `bus` must outlive this object. When `maxWaiting` events of one sender wait to be handled, more of them are
     /// refused: with the error LimitsExceeded, or without a word when the sender wants no reply.
-    AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t mostThatWait = WorkInTurns::kMostOfAClient);
+    AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t maxWaiting = WorkInTurns::kMaxWaiting);
     ~AppleEventTransport() override;
 
     /// Takes events from now on: serves the object and owns the bus name, again whenever the bus comes back.
@@ -37,8 +37,8 @@ public:
     /// not lost.
     [[nodiscard]] OSErr send(const AppleEventContents &event);
     /// Sends and blocks until the handler's status is there, which is the result; errAETimeout when it does not come
-    /// within `limit`. No other events are handled meanwhile.
-    [[nodiscard]] OSErr sendAndWait(const AppleEventContents &event, std::chrono::milliseconds limit) const;
+    /// within `timeout`. No other events are handled meanwhile.
+    [[nodiscard]] OSErr sendAndWait(const AppleEventContents &event, std::chrono::milliseconds timeout) const;
 
     [[nodiscard]] QString introspect(const QString &path) const override;
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;

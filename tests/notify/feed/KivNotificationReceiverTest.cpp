@@ -108,7 +108,7 @@ private:
 
 constexpr char trustedCertificate[] = "KIV_TRUSTED_CERTIFICATE"; ///< Read by fetch_of_the_test.
 constexpr char applicationProxy[] = "KIV_APPLICATION_PROXY";     ///< As well.
-constexpr char mostForAll[] = "KIV_MOST_FOR_ALL";                ///< As well: milliseconds.
+constexpr char maxDuration[] = "KIV_MOST_FOR_ALL";               ///< As well: milliseconds.
 
 class KivNotificationReceiverTest : public testing::Test
 {
@@ -474,7 +474,7 @@ TEST_F(KivNotificationReceiverTest, WaitsForASlowAnswerThatGoesOn)
 
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatTricklesInForEver)
 {
-    const Variable most(mostForAll, QStringLiteral("500"));
+    const Variable most(maxDuration, QStringLiteral("500"));
     serve({{.body = feedWith("1").repeated(100), .pieces = 1, .pause = 10}}, {.timeOut = 60s});
     receive();
     EXPECT_EQ(receiver->connection(), nullptr);

@@ -41,8 +41,8 @@ TEST(ExecutableName, IsTheKernelsShortNameWhenTheFileMayNotBeSeen)
     }
     siginfo_t info{};
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT), 0);
-    constexpr qsizetype longestShortName = 15;
-    EXPECT_EQ(executableName(child), QByteArray(::program_invocation_short_name).left(longestShortName));
+    constexpr qsizetype maxShortNameLength = 15;
+    EXPECT_EQ(executableName(child), QByteArray(::program_invocation_short_name).left(maxShortNameLength));
     ASSERT_EQ(::waitpid(child, nullptr, 0), child);
     EXPECT_EQ(executableName(child), QByteArray());
 }

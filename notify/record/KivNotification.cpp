@@ -117,7 +117,7 @@ KivNotification::KivNotification()
     , m_contentType(QStringLiteral("text/plain"))
     , m_messageText(QLatin1String(""))
 {
-    setMessageType(1);
+    setMessageType(kTypeNotice);
 }
 
 KivNotification::KivNotification(const QVariantMap &dictionary)

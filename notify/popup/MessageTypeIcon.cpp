@@ -48,7 +48,7 @@ QImage readIcon(std::int32_t messageType, int side, qreal devicePixelRatio)
 QPixmap messageTypeIcon(std::int32_t messageType, int side, qreal devicePixelRatio)
 {
     // The last one is kept. To decode and scale it takes as long as half of all else that a pop-up needs until it is
-    // shown, and most pop-ups are of one type. Not in Qt's cache, whose clean-up would wake the process up.
+    // shown, and most pop-ups are of one type. Not in Qt's pixmap cache, whose clean-up would wake the process up.
     static std::tuple<std::int32_t, int, qreal> kind;
     static QImage kept; // A pixmap must not outlive the application object.
     if (const std::tuple asked(messageType, side, devicePixelRatio); kept.isNull() || asked != kind) {

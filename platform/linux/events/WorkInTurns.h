@@ -11,9 +11,9 @@
 #include <map>
 #include <optional>
 
-/// Carries out work for other programs: at once while there is little of it, and spread over turns of the event loop
-/// when there is much. Qt hands over all messages that have come since it last looked in one go, which in a flood of
-/// them takes seconds, and the user's clicks would wait as long. Main thread only.
+/// Carries out work for other programs: at once while there is little of it, and spread over iterations of the event
+/// loop (its turns, here) when there is much. Qt hands over all messages that have come since it last looked in one go,
+/// which in a flood of them takes seconds, and the user's clicks would wait as long. Main thread only.
 class WorkInTurns final : public QObject
 {
     Q_OBJECT

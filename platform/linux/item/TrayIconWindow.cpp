@@ -273,7 +273,7 @@ void TrayIconWindow::handlePress(xcb_button_t button)
     xcb_flush(XConnection::get());
     RootProperties::hear(this, [this, button] {
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
-        // opened by an earlier press of the same turn, or that could not get hold of the pointer.
+        // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {
             closePopups();
         } else if (button != XCB_BUTTON_INDEX_2) {

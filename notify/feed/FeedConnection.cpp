@@ -17,11 +17,11 @@ bool wasAskedToEnd(int signal)
 
 } // namespace
 
-FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeOut, QObject *parent)
+FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeout, QObject *parent)
     : QObject(parent)
     , m_program(std::move(program))
     , m_address(std::move(address))
-    , m_timeOut(timeOut)
+    , m_timeout(timeout)
 {
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &FeedConnection::read);
@@ -52,7 +52,7 @@ FeedConnection::~FeedConnection()
 
 void FeedConnection::start()
 {
-    m_process->start(m_program, {QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeOut.count())});
+    m_process->start(m_program, {QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeout.count())});
 }
 
 void FeedConnection::cancel()

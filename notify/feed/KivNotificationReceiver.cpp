@@ -60,7 +60,7 @@ void KivNotificationReceiver::receiveNextNotification()
     }
     letGoOfCancelled();
     auto *const connection = new FeedConnection(m_bundle.pathForAuxiliaryExecutable(QStringLiteral("kivfetch")),
-                                                address, m_timing.timeOut, this);
+                                                address, m_timing.timeout, this);
     connect(connection, &FeedConnection::receivedResponse, this,
             [this, connection](int status, const QByteArray &contentType) {
                 connectionDidReceiveResponse(connection, status, contentType);

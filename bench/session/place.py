@@ -2,9 +2,10 @@
 
 import http.server
 import os
-import plistlib
 import shutil
 import threading
+
+from tools.desktop import private_desktop
 
 _EMPTY_FEED = b'<?xml version="1.0" encoding="UTF-8"?>\n<supportMessages></supportMessages>\n'
 
@@ -35,17 +36,9 @@ class Place:
         """A copy of the agent that asks this program for its messages, and nobody on the network."""
         bundle = self.build("bundle")
         shutil.rmtree(bundle, ignore_errors=True)
-        os.makedirs(os.path.join(bundle, "bin"))
-        for program in ("kivmenua", "kivfetch"):
-            shutil.copy2(self.build("bin/" + program), os.path.join(bundle, "bin"))
-        shutil.copytree(self.build("share"), os.path.join(bundle, "share"))
+        private_desktop.bundle(bundle, self._build_root, "bin/kivmenua", {
+            "KIVSupportMessages": f"http://127.0.0.1:{self._feed.server_port}/messages.xml"})
         os.sync()  # Pages of a file that is not on the disk yet count as ones that the process has written to.
-        path = os.path.join(bundle, "share/kivmenua/Info.plist")
-        with open(path, "rb") as file:
-            information = plistlib.load(file)
-        information["KIVSupportMessages"] = f"http://127.0.0.1:{self._feed.server_port}/messages.xml"
-        with open(path, "wb") as file:
-            plistlib.dump(information, file)
 
     def source(self, path):
         return os.path.join(self._source_root, path)

@@ -4,6 +4,7 @@
 
 #include <Carbon/Carbon.h>
 #include <QFile>
+#include <QSize>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>

@@ -8,14 +8,15 @@
 
 #include <csignal>
 
-PrivateBus::PrivateBus() = default;
+PrivateBus::PrivateBus(const QString &folder)
+    : m_folder(folder.isEmpty() ? m_directory.path() : folder)
+{
+}
 
 bool PrivateBus::start()
 {
     stop();
-    const bool started = m_daemon.start(QStringLiteral("dbus-daemon"),
-                                        {QStringLiteral("--session"), QStringLiteral("--nofork"),
-                                         QStringLiteral("--print-address"), QStringLiteral("--address=") + address()});
+    const bool started = m_daemon.start(QStringLiteral(KIV_PRIVATE_DESKTOP), {QStringLiteral("bus"), m_folder});
     const bool listens = started && waitUntil([this] { return m_daemon.output().contains('\n'); });
     EXPECT_TRUE(listens) << "dbus-daemon did not start";
     return listens;
@@ -24,7 +25,7 @@ bool PrivateBus::start()
 void PrivateBus::stop()
 {
     m_daemon.kill();
-    QFile::remove(m_directory.filePath(QStringLiteral("bus")));
+    QFile::remove(m_folder + QStringLiteral("/bus"));
 }
 
 void PrivateBus::suspend()
@@ -39,5 +40,5 @@ void PrivateBus::resume()
 
 QString PrivateBus::address() const
 {
-    return QStringLiteral("unix:path=") + m_directory.filePath(QStringLiteral("bus"));
+    return QStringLiteral("unix:path=%1/bus").arg(m_folder);
 }

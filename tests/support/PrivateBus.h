@@ -8,7 +8,8 @@
 class PrivateBus final
 {
 public:
-    PrivateBus();
+    /// Its socket lies in `folder`, or else in one of its own.
+    explicit PrivateBus(const QString &folder = {});
 
     /// Starts the daemon and returns once it listens. False, with a test failure, when it does not.
     bool start();
@@ -22,5 +23,6 @@ public:
 
 private:
     QTemporaryDir m_directory;
+    const QString m_folder;
     ChildProcess m_daemon;
 };

@@ -2,7 +2,6 @@
 
 #include "tests/support/ChildProcess.h"
 
-#include <QSize>
 #include <QTemporaryDir>
 
 /// A remote-desktop X server of the test's own, on a free display, closed to every other user and to the network.
@@ -10,9 +9,12 @@
 class PrivateXServer final
 {
 public:
+    /// Its files lie in `folder`, or else in one of its own.
+    explicit PrivateXServer(const QString &folder = {});
+
     /// Starts Xtigervnc and returns once it takes clients. False, with a test failure, when it does not. `arguments`
     /// are more of its own.
-    bool start(QSize size = {1280, 800}, const QStringList &arguments = {});
+    bool start(const QStringList &arguments = {});
     /// The same for an X server that has no viewers but lists one size at several refresh rates, as a screen does: Xorg
     /// with its driver for no hardware at all.
     bool startWithSeveralRates();
@@ -26,13 +28,11 @@ public:
 
     [[nodiscard]] qint64 pid() const { return m_server.pid(); }
 
-    /// Points DISPLAY and XAUTHORITY of `environment` here.
-    void addTo(QProcessEnvironment &environment) const;
-
 private:
-    bool startProgram(const QString &program, const QStringList &arguments);
+    bool startPart(const QString &part, const QStringList &arguments);
 
     QTemporaryDir m_directory;
+    const QString m_folder;
     ChildProcess m_server;
     QString m_display;
 };

@@ -3,6 +3,7 @@
 
 geometry=1280x800   # of a desktop of its own
 work=''             # the session's folder; all it writes goes there
+private_desktop=tools/desktop/private_desktop.py
 declare -A part=()  # the programs of the session: name of each process ID
 started=()          # their process IDs in the order of their start
 
@@ -65,41 +66,42 @@ free_port() {
     fail "no free port from 5901 to 5999"
 }
 
-# A desktop of its own. Other users of this machine are kept out: the X server takes only clients with the cookie of a
-# file that only this user reads, and listens for viewers on the loopback interface only, which other users share, so
-# that a viewer also needs the password made for this run.
+# A desktop of its own. Viewers come over the loopback interface, which other users of this machine share, so that each
+# also needs the password made for this run.
 start_desktop() {
-    local authority=$work/authority cookie password
-    cookie=$(mcookie)
-    password=$(mcookie | cut -c 1-8)
+    local display
+    viewer_password=$(mcookie | cut -c 1-8)
     viewer_port=$(free_port)
-    viewer_password=$password
     # The password file of VNC is the password under DES with a fixed key that everybody knows.
-    printf '%s' "$password" |
+    printf '%s' "$viewer_password" |
         openssl enc -des-ecb -nopad -K e84ad660c4721ae0 -provider legacy -provider default >"$work/vncpasswd"
-    # The server reads the cookie whatever display it is filed under; clients look for their own.
-    xauth -q -f "$authority" add :0 . "$cookie" 2>/dev/null
-    start "X server" Xtigervnc -displayfd 9 -auth "$authority" -nolisten tcp -geometry "$geometry" -depth 24 \
-        -localhost -rfbport "$viewer_port" -SecurityTypes VncAuth -PasswordFile "$work/vncpasswd" \
-        -desktop "kivmenua" 9>"$work/display"
-    wait_for 10 "the X server" test -s "$work/display"
-    DISPLAY=:$(<"$work/display")
-    XAUTHORITY=$authority
-    export DISPLAY XAUTHORITY
-    xauth -q -f "$authority" add "$DISPLAY" . "$cookie"
+    start_part "server" -geometry "$geometry" -desktop "kivmenua" \
+        -localhost -rfbport "$viewer_port" -SecurityTypes VncAuth -PasswordFile "$work/vncpasswd"
+    wait_for 10 "the X server" grep -qx '[0-9]\+' "$work/server.log"
+    display=:$(grep -x '[0-9]\+' "$work/server.log")
+    enter_desktop "$display"
     xsetroot -solid '#3b5b76'
 
     start_bus
-    start "window manager" openbox --sm-disable
+    start_part "window-manager"
     # The tray goes to the left end, where the open menu leaves the pop-ups in sight.
-    sed 's/^panel_items = TFSC$/panel_items = SFTC/' resources/demo/tint2rc >"$work/tint2rc"
-    start "panel" tint2 -c "$work/tint2rc"
+    start_part "panel" left
+}
+
+start_part() { # PART ARGUMENT...: starts a part of the desktop of our own
+    start "$1" "$private_desktop" "$1" "$work" "${@:2}"
+}
+
+enter_desktop() { # DISPLAY
+    local variable
+    while IFS= read -r variable; do
+        export "${variable?}"
+    done < <("$private_desktop" environment "$work" "$1")
 }
 
 start_bus() {
-    export DBUS_SESSION_BUS_ADDRESS=unix:path=$work/bus
-    start "bus" dbus-daemon --session --nofork --nopidfile --address="$DBUS_SESSION_BUS_ADDRESS"
-    wait_for 10 "the bus" test -S "$work/bus"
+    start_part "bus"
+    wait_for 10 "the bus" grep -q '^unix:path=' "$work/bus.log"
 }
 
 agent_is_linked() {
@@ -116,10 +118,8 @@ make_bundle() {
     wait_for 10 "the feed" grep -q 'Serving HTTP' "$work/feed.log"
     local port
     port=$(sed -n 's/^Serving HTTP on .* port \([0-9]*\) .*/\1/p' "$work/feed.log")
-    mkdir "$work/bundle"
-    cp -r build/dev/bin build/dev/share "$work/bundle"
-    sed -i "/<key>KIVSupportMessages</{n;s|<string>.*|<string>http://127.0.0.1:$port/messages.xml</string>|}" \
-        "$work/bundle/share/kivmenua/Info.plist"
+    "$private_desktop" bundle "$work/bundle" build/dev bin/kivmenua \
+        "KIVSupportMessages=http://127.0.0.1:$port/messages.xml"
 }
 
 # The settings of somebody who wants to see all messages soon: the next one a minute after the last was closed. The
@@ -163,17 +163,18 @@ start_session() {
     trap 'exit 130' INT
     trap 'exit 143' TERM HUP
     work=$(mktemp -d)
-    mkdir "$work/home"
-    mkdir -m 700 "$work/runtime"
     if [[ -n ${DISPLAY:-} ]]; then
         embedded=
+        mkdir -m 700 "$work/home" "$work/runtime"
         # The home folder is replaced below; the right to use the display lies in the real one.
         export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}
-        [[ -n ${DBUS_SESSION_BUS_ADDRESS:-} || -S ${XDG_RUNTIME_DIR:-}/bus ]] || start_bus
+        if [[ -z ${DBUS_SESSION_BUS_ADDRESS:-} && ! -S ${XDG_RUNTIME_DIR:-}/bus ]]; then
+            export DBUS_SESSION_BUS_ADDRESS=unix:path=$work/bus
+            start_bus
+        fi
         export HOME=$work/home XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$work/runtime}
     else
         embedded=yes
-        export HOME=$work/home XDG_RUNTIME_DIR=$work/runtime
         start_desktop
     fi
     start_agent

@@ -16,34 +16,17 @@
 namespace
 {
 
-constexpr char informationDictionary[] = R"(<?xml version="1.0" encoding="UTF-8"?>
-<plist version="1.0"><dict>
-<key>KIVBuildVersion</key><string>7.8.9</string>
-<key>KIVBuildDate</key><string>2020-01-02</string>
-<key>KIVProductHome</key><string>http://127.0.0.1/home</string>
-<key>KIVPrivateLabel</key><string>Test &amp; trial</string>
-<key>KIVSupportMessages</key><string>%1</string>
-</dict></plist>
-)";
-
 /// A copy of the built program and its resources, as another bundle.
-bool makeBundle(const QString &program, const QString &feed, const QDir &directory)
+bool makeBundle(const QString &program, const QString &feed, const QString &folder)
 {
-    const QDir build(QStringLiteral(KIV_BUILD_DIR));
-    const QDir resources(build.filePath(QStringLiteral("share/kivmenua")));
-    bool made =
-        directory.mkpath(QStringLiteral("bin")) && directory.mkpath(QStringLiteral("share/kivmenua")) &&
-        QFile::copy(program, directory.filePath(QStringLiteral("bin/kivmenua"))) &&
-        QFile::copy(build.filePath(QStringLiteral("bin/kivfetch")), directory.filePath(QStringLiteral("bin/kivfetch")));
-    for (const QString &name : resources.entryList(QDir::Files)) {
-        if (name != QLatin1String("Info.plist")) {
-            made = made &&
-                   QFile::copy(resources.filePath(name), directory.filePath(QStringLiteral("share/kivmenua/") + name));
-        }
-    }
-    QFile info(directory.filePath(QStringLiteral("share/kivmenua/Info.plist")));
-    return made && info.open(QIODevice::WriteOnly) &&
-           info.write(QString::fromLatin1(informationDictionary).arg(feed.toHtmlEscaped()).toUtf8()) > 0;
+    ChildProcess maker;
+    return maker.start(QStringLiteral(KIV_PRIVATE_DESKTOP),
+                       {QStringLiteral("bundle"), folder, QStringLiteral(KIV_BUILD_DIR), program,
+                        QStringLiteral("KIVBuildVersion=7.8.9"), QStringLiteral("KIVBuildDate=2020-01-02"),
+                        QStringLiteral("KIVProductHome=http://127.0.0.1/home"),
+                        QStringLiteral("KIVPrivateLabel=Test & trial"),
+                        QStringLiteral("KIVSupportMessages=") + feed}) &&
+           waitUntil([&] { return !maker.isRunning(); }) && maker.exitCode() == 0;
 }
 
 } // namespace
@@ -71,9 +54,9 @@ Agent::~Agent()
 bool Agent::start()
 {
     const QDir directory(m_directory.path());
-    const QString program = m_program == Program::AsBuilt ? QStringLiteral(KIV_BUILD_DIR "/bin/kivmenua")
-                                                          : QStringLiteral(KIV_BUILD_DIR "/tests/kivmenua");
-    if (!directory.exists(QStringLiteral("bin")) && !makeBundle(program, feed, directory)) {
+    const QString program =
+        m_program == Program::AsBuilt ? QStringLiteral("bin/kivmenua") : QStringLiteral("tests/kivmenua");
+    if (!directory.exists(QStringLiteral("bin")) && !makeBundle(program, feed, directory.path())) {
         ADD_FAILURE() << "cannot copy the built agent";
         return false;
     }

@@ -2,8 +2,6 @@
 
 #include "tests/support/WaitUntil.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
 
 namespace
@@ -16,10 +14,16 @@ void silence(ChildProcess &program)
 }
 } // namespace
 
+Desktop::Desktop()
+    : m_server(m_folder.path())
+    , m_bus(m_folder.path())
+{
+}
+
 bool Desktop::startServer(Server server)
 {
     const auto startWith = [this](const char *option, const char *value) {
-        return m_server.start({1280, 800}, {QString::fromLatin1(option), QString::fromLatin1(value)});
+        return m_server.start({QString::fromLatin1(option), QString::fromLatin1(value)});
     };
     switch (server) {
     case Server::RemoteDesktop:
@@ -38,12 +42,34 @@ bool Desktop::startServer(Server server)
 
 bool Desktop::start(Server server)
 {
-    if (!startServer(server) || !m_bus.start()) {
+    if (!startServer(server) || !makeEnvironment() || !m_bus.start()) {
         return false;
     }
     m_view = std::make_unique<XView>(m_server);
     m_input = std::make_unique<XInput>(m_server);
     return m_view->isConnected() && m_input->isConnected();
+}
+
+bool Desktop::makeEnvironment()
+{
+    ChildProcess maker;
+    const bool made = maker.start(QStringLiteral(KIV_PRIVATE_DESKTOP),
+                                  {QStringLiteral("environment"), m_folder.path(), m_server.display()}) &&
+                      waitUntil([&] { return !maker.isRunning(); }) && maker.exitCode() == 0;
+    EXPECT_TRUE(made) << "the desktop has no home";
+    m_environment = QProcessEnvironment::systemEnvironment();
+    m_environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    for (const QString &line : QString::fromLocal8Bit(maker.output()).split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        m_environment.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1));
+    }
+    return made;
+}
+
+bool Desktop::startPart(ChildProcess &part, const QStringList &arguments)
+{
+    part.environment = m_environment;
+    silence(part);
+    return part.start(QStringLiteral(KIV_PRIVATE_DESKTOP), arguments);
 }
 
 void Desktop::stopServer()
@@ -55,9 +81,7 @@ void Desktop::stopServer()
 
 bool Desktop::startWindowManager()
 {
-    m_windowManager.environment = environment();
-    silence(m_windowManager);
-    const bool ready = m_windowManager.start(QStringLiteral("openbox"), {QStringLiteral("--sm-disable")}) &&
+    const bool ready = startPart(m_windowManager, {QStringLiteral("window-manager"), m_folder.path()}) &&
                        waitUntil([this] { return m_view->hasWindowManager() && (!hasPanel() || panelIsFramed()); });
     EXPECT_TRUE(ready) << "openbox did not start, or left the panel alone";
     return ready;
@@ -73,9 +97,8 @@ bool Desktop::stopWindowManager()
 
 bool Desktop::startPanel(TraySide side)
 {
-    m_panel.environment = environment();
-    silence(m_panel);
-    const bool ready = m_panel.start(QStringLiteral("tint2"), {QStringLiteral("-c"), panelConfiguration(side)}) &&
+    const QString end = side == TraySide::Left ? QStringLiteral("left") : QStringLiteral("right");
+    const bool ready = startPart(m_panel, {QStringLiteral("panel"), m_folder.path(), end}) &&
                        waitUntil([this] { return m_view->selectionOwnerPid("_NET_SYSTEM_TRAY_S0") == m_panel.pid(); },
                                  // It waits ten seconds or so for a window manager before it goes on without.
                                  std::chrono::seconds(30));
@@ -98,35 +121,6 @@ bool Desktop::switchTo(QSize size)
         waitUntil([&] { return !xrandr.isRunning(); }) && xrandr.exitCode() == 0;
     EXPECT_TRUE(switched) << "the screen does not switch its size";
     return switched;
-}
-
-QString Desktop::panelConfiguration(TraySide side) const
-{
-    const QString shared = QStringLiteral(KIV_SOURCE_DIR "/resources/demo/tint2rc");
-    if (side == TraySide::Right) {
-        return shared;
-    }
-    QFile from(shared);
-    QFile to(m_home.filePath(QStringLiteral("tint2rc")));
-    if (!from.open(QIODevice::ReadOnly) || !to.open(QIODevice::WriteOnly)) {
-        ADD_FAILURE() << "cannot copy the panel's configuration";
-        return shared;
-    }
-    QByteArray text = from.readAll();
-    EXPECT_TRUE(text.contains("\npanel_items = TFSC\n"));
-    to.write(text.replace("\npanel_items = TFSC\n", "\npanel_items = SFTC\n"));
-    return to.fileName();
-}
-
-QProcessEnvironment Desktop::environment() const
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
-    m_server.addTo(environment);
-    environment.insert(QStringLiteral("HOME"), m_home.path());
-    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_runtime.path());
-    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), m_bus.address());
-    return environment;
 }
 
 bool Desktop::panelIsFramed() const

@@ -16,6 +16,8 @@
 class Desktop final
 {
 public:
+    Desktop();
+
     /// The end of the panel at which its tray lies. At the left end a menu has room to open to the right of its item.
     enum class TraySide { Left, Right };
 
@@ -46,7 +48,7 @@ public:
     bool switchTo(QSize size);
 
     /// What programs of this desktop get as their environment.
-    [[nodiscard]] QProcessEnvironment environment() const;
+    [[nodiscard]] const QProcessEnvironment &environment() const { return m_environment; }
     [[nodiscard]] const PrivateXServer &server() const { return m_server; }
     [[nodiscard]] PrivateBus &bus() { return m_bus; }
     [[nodiscard]] XView &view() { return *m_view; }
@@ -60,10 +62,11 @@ public:
 private:
     bool startServer(Server server);
     [[nodiscard]] bool panelIsFramed() const;
-    [[nodiscard]] QString panelConfiguration(TraySide side) const;
+    bool makeEnvironment();
+    bool startPart(ChildProcess &part, const QStringList &arguments);
 
-    QTemporaryDir m_home;
-    QTemporaryDir m_runtime;
+    QTemporaryDir m_folder;
+    QProcessEnvironment m_environment;
     PrivateXServer m_server;
     PrivateBus m_bus;
     std::unique_ptr<XView> m_view;

@@ -42,6 +42,21 @@ protected:
         return handle(builder.command(kMenuEvtSetOptions).sender(psn).count(1).actions({kMenuCmdDisconnect}));
     }
 
+    /// A hint without its text: its failure tells that somebody has looked for one.
+    static OSErr hintWithoutText(ProcessSerialNumber psn)
+    {
+        const std::uint32_t length = 4;
+        EventBuilder builder;
+        builder.put(kMenuParamHintSize, typeUInt32, &length, sizeof length);
+        return handle(builder.command(kMenuEvtDoHint).sender(psn));
+    }
+
+    static OSErr quit(ProcessSerialNumber psn)
+    {
+        EventBuilder builder;
+        return handle(builder.command(kMenuEvtQuit).sender(psn)); // Who obeys does not return.
+    }
+
     static bool disconnectAllowed()
     {
         for (const QAction *item : __menu->menu()->actions()) {
@@ -91,16 +106,26 @@ TEST_F(EventHandler, IgnoresEveryCommandBeforeSomebodyOwnsTheAgent)
 {
     EXPECT_EQ(allowDisconnect(first), 0);
     EXPECT_FALSE(disconnectAllowed());
-    for (const std::uint32_t command : {kMenuEvtDoHint, kMenuEvtQuit, kMenuEvtAction}) {
-        EventBuilder builder;
-        EXPECT_EQ(handle(builder.command(command).sender(first)), 0);
-    }
+    EXPECT_EQ(hintWithoutText(first), 0);
+    EXPECT_EQ(quit(first), 0);
+    EventBuilder builder;
+    EXPECT_EQ(handle(builder.command(kMenuEvtAction).sender(first)), 0);
 }
 
 TEST_F(EventHandler, IgnoresNoProcessBeforeSomebodyOwnsTheAgent)
 {
     EXPECT_EQ(allowDisconnect({0, 0}), 0);
     EXPECT_FALSE(disconnectAllowed());
+}
+
+TEST_F(EventHandler, IgnoresEveryCommandOfAStranger)
+{
+    claim(first);
+    EXPECT_EQ(allowDisconnect(second), 0);
+    EXPECT_FALSE(disconnectAllowed());
+    EXPECT_EQ(hintWithoutText(second), 0);
+    EXPECT_EQ(quit(second), 0);
+    EXPECT_EQ(__owpsn.lowLongOfPSN, first.lowLongOfPSN);
 }
 
 TEST_F(EventHandler, TakesCommandsFromItsOwner)
@@ -138,10 +163,7 @@ TEST_F(EventHandler, PassesACommandsFailureOn)
     claim(first);
     EventBuilder builder;
     EXPECT_EQ(handle(builder.command(kMenuEvtSetOptions).sender(first).count(1)), -10000);
-    EventBuilder hint;
-    const std::uint32_t length = 4;
-    hint.put(kMenuParamHintSize, typeUInt32, &length, sizeof length);
-    EXPECT_EQ(handle(hint.command(kMenuEvtDoHint).sender(first)), -10000);
+    EXPECT_EQ(hintWithoutText(first), -10000);
 }
 
 TEST_F(EventHandlerDeathTest, EndsTheProcessAtOnceWithStatusZeroWhenTheOwnerSaysSo)

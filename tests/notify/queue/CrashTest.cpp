@@ -121,7 +121,7 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
                                   {home.path(), QString::number(random()), QString::number(highestSaid)}));
         auto longest = std::chrono::microseconds(80'000);
         if (random() % 4 != 0) { // The others die at some moment of their start.
-            const auto steps = static_cast<qsizetype>(random() % 8);
+            const auto steps = static_cast<qsizetype>(random() % 4);
             ASSERT_TRUE(waitUntil([&] { return subject.output().count('\n') > steps; }));
             longest /= 8;
         }

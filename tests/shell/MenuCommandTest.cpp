@@ -3,8 +3,8 @@
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
 #include "tests/shell/FakeAlertRunner.h"
-#include "tests/shell/FakeAppleEventManager.h"
 #include "tests/shell/FakeWorkspace.h"
+#include "tests/shell/link/FakeAppleEventManager.h"
 #include "tests/support/SystemLog.h"
 
 #include <gtest/gtest.h>

@@ -2,12 +2,12 @@
 #include "notify/queue/KivNotificationManager.h"
 #include "platform/DistributedNotifications.h"
 #include "shell/DockSearch.h"
-#include "shell/EventCodes.h"
-#include "shell/EventHandler.h"
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
-#include "tests/shell/EventBuilder.h"
-#include "tests/shell/FakeAppleEventManager.h"
+#include "shell/link/EventCodes.h"
+#include "shell/link/EventHandler.h"
+#include "tests/shell/link/EventBuilder.h"
+#include "tests/shell/link/FakeAppleEventManager.h"
 #include "tests/support/PrivateXServer.h"
 
 #include <QCoreApplication>
@@ -20,7 +20,8 @@
 #include <cstdio>
 #include <optional>
 
-// The linker has what starts the program call the tests' main() by the one name, and that find the agent's by the other.
+// The linker has what starts the program call the tests' main() by the one name, and that find the agent's by the
+// other.
 extern "C" int __wrap_main(int argumentCount, char **arguments);
 extern "C" int __real_main(int argumentCount, char **arguments);
 

@@ -1,4 +1,4 @@
-#include "tests/shell/FakeAppleEventManager.h"
+#include "tests/shell/link/FakeAppleEventManager.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
-#include "shell/EventCodes.h"
-#include "shell/EventLink.h"
-#include "tests/shell/FakeAppleEventManager.h"
+#include "shell/link/EventCodes.h"
+#include "shell/link/EventLink.h"
+#include "tests/shell/link/FakeAppleEventManager.h"
 #include "tests/support/SystemLog.h"
 
 #include <gtest/gtest.h>

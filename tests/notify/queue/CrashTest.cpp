@@ -149,6 +149,7 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
         // An id that is stored stands for messages that are saved: the feed does not send them again. Only what comes
         // into an empty queue is shown first and saved later.
         const qsizetype reached = said.lastIndexOf(state.chopped(1));
+        highestSaved = std::max(highestSaved, highestIdOf(state));
         for (qsizetype i = 0; i < said.size(); ++i) {
             highestSaid = std::max(highestSaid, highestIdOf(said.at(i)));
             if (i <= reached) {

@@ -115,3 +115,8 @@ TEST_F(DisplaySwitch, LetsTheToolDieWithWhoReadsItsOutputAsAnyProgramDoes)
     ASSERT_TRUE(isNumber);
     EXPECT_EQ(signals & (1ULL << (SIGPIPE - 1)), 0U);
 }
+
+TEST(ServiceTool, IsTheOneThatTheBuildNames)
+{
+    EXPECT_STREQ(serviceTool, KIV_SERVICE_TOOL);
+}

@@ -2,10 +2,13 @@
 
 #include "menu/AnchorWindow.h"
 #include "menu/AssociatedObjects.h"
+#include "menu/LoginSession.h"
 #include "menu/MenuCommands.h"
 #include "platform/MainScreen.h"
+#include "platform/images/ImageFile.h"
 #include "tests/menu/ModeList.h"
 #include "tests/platform/linux/item/FakeTray.h"
+#include "tests/support/FakeInput.h"
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Carbon.h>
@@ -97,6 +100,13 @@ protected:
     }
 
     [[nodiscard]] qint64 imageKey() const { return menu.statusItem()->image().cacheKey(); }
+
+    /// What the item shows, and what the image file of that name holds, as large as items are.
+    [[nodiscard]] QImage shownPicture() const { return menu.statusItem()->image().pixmap(22).toImage(); }
+    [[nodiscard]] QImage pictureIn(const char *name) const
+    {
+        return readImageFile(bundle.pathForResource(QLatin1String(name), QStringLiteral("tiff"))).pixmap(22).toImage();
+    }
 
     /// Opens the menu as a press on the item does; `whileOpen` runs once it is on screen and must lead to its closing.
     void press(const std::function<void()> &whileOpen, std::optional<NSPoint> place = std::nullopt)
@@ -243,14 +253,17 @@ TEST_F(KIVMenuObjTest, AddsNothingBelowNoParent)
     EXPECT_EQ(menu.addSubItem(nullptr, QStringLiteral("Orphan"), {}, 1, false, true, false), nullptr);
 }
 
-TEST_F(KIVMenuObjTest, ShowsTheItemWithTheOffImageAndItsToolTip)
+TEST_F(KIVMenuObjTest, ShowsTheItemWithTheImageOfItsStateAndItsToolTip)
 {
     menu.setFlags(2);
     ASSERT_NE(menu.statusItem(), nullptr);
     EXPECT_TRUE(menu.statusItem()->isEnabled());
     EXPECT_EQ(menu.statusItem()->toolTip(), QStringLiteral("Kivune Menu"));
     EXPECT_EQ(menu.statusItem()->title(), QString());
-    EXPECT_FALSE(menu.statusItem()->image().isNull());
+    EXPECT_EQ(shownPicture(), pictureIn("statusoff"));
+    menu.setFlags(6);
+    EXPECT_EQ(shownPicture(), pictureIn("statuson"));
+    EXPECT_NE(pictureIn("statuson"), pictureIn("statusoff"));
 }
 
 TEST_F(KIVMenuObjTest, DoesNothingForTheFlagsItAlreadyHas)
@@ -547,6 +560,11 @@ TEST(MenuSurroundings, LetTheItemSettleForTenSecondsInTheSessionAsItIs)
     EXPECT_EQ(surroundings.isHidden, &is_hidden);
 }
 
+TEST(MenuSurroundings, HoldTheItemInItsPlaceOnADisplayForRemoteViewers)
+{
+    EXPECT_TRUE(is_hidden()) << "the display is one, and no other session is known";
+}
+
 TEST_F(KIVMenuObjTest, RemembersNothingOnTheConsole)
 {
     sessionIsHidden = false;
@@ -571,6 +589,26 @@ TEST_F(KIVMenuObjTest, HoldsTheItemAtItsRememberedPlaceInASessionOffTheConsoleOn
     EXPECT_EQ(menu.getFrame()->origin.y, menu.statusItem()->frame()->origin.y);
     sessionIsHidden = false;
     EXPECT_EQ(menu.getFrame()->origin.x, 200);
+}
+
+TEST_F(KIVMenuObjTest, OpensTheMenuWhereTheItemIsHeldToBe)
+{
+    menu.setFlags(2);
+    ASSERT_TRUE(waitUntil([&] { return menu.trayX() != 0; }));
+    const int held = static_cast<int>(MainScreen::frame()->size.width - menu.trayX());
+    FakeTray tray({200, 4});
+    ASSERT_TRUE(waitUntil([&] {
+        tray.serve();
+        return menu.statusItem()->frame() && menu.statusItem()->frame()->origin.x == 200;
+    }));
+
+    const int pointer = held % 12 == 0 ? held + 12 : held + 10;
+    FakeInput::moveTo({pointer, 8});
+    ASSERT_NE(pointer - pointer % 12, held) << "where it would open without the item";
+    press([&] {
+        EXPECT_EQ(anchorWindows().front()->geometry().left(), held);
+        menu.menu()->close();
+    });
 }
 
 TEST_F(KIVMenuObjTest, LeavesAnItemNearItsRememberedPlaceWhereItIs)

@@ -50,3 +50,8 @@ TEST(LoginSession, IsNotHiddenWithoutASessionDictionary)
 {
     EXPECT_FALSE(isLoggedInOffConsole(nullptr));
 }
+
+TEST(LoginSession, IsNotHiddenWhereNobodyKnowsOfIt)
+{
+    EXPECT_FALSE(is_hidden()); // Neither a system bus nor a display here.
+}

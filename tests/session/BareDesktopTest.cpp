@@ -2,6 +2,8 @@
 #include "tests/session/support/Desktop.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QElapsedTimer>
+
 #include <gtest/gtest.h>
 
 #include <X11/keysym.h>
@@ -15,8 +17,11 @@ TEST(BareDesktop, ShowsTheItemInTheCornerUntilAPanelComes)
     Desktop desktop;
     ASSERT_TRUE(desktop.start());
     Agent agent(desktop);
+    QElapsedTimer sinceTheStart;
+    sinceTheStart.start();
     ASSERT_TRUE(agent.start());
     ASSERT_TRUE(waitUntil([&] { return agent.freeWindows().size() == 1; }, std::chrono::seconds(60)));
+    EXPECT_GE(sinceTheStart.elapsed(), 30'000) << "it has not waited for a panel";
 
     const QRect item = agent.freeWindows().first().geometry;
     EXPECT_GE(item.right(), desktop.view().screenSize().width() - 1 - item.width());

@@ -43,8 +43,8 @@ TEST_P(Command, GoesToTheServiceForEachEntryOfTheWorkspaceMenu)
     for (const auto &[entry, line] : table) {
         const QByteArrayList before = session->service->events();
         ASSERT_TRUE(session->choose(entry, GetParam()));
-        EXPECT_TRUE(waitUntil([&] { return session->service->events() == before + QByteArrayList{line}; }))
-            << line.constData();
+        const QByteArrayList expected = before + QByteArrayList{line};
+        EXPECT_TRUE(waitUntil([&] { return session->service->events() == expected; })) << line.constData();
     }
 }
 

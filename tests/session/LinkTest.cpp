@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <X11/keysym.h>
+#include <csignal>
 
 namespace
 {
@@ -89,14 +90,14 @@ TEST_F(Link, LogsOneErrorForAChoiceWhileThereIsNoBus)
     ASSERT_TRUE(agent->startAndDock());
     ASSERT_TRUE(service->attach(*agent));
     ASSERT_TRUE(service->allow(*agent, "32793"));
+    // Held, for without a bus it ends, and then it is the process that is missed.
+    ASSERT_EQ(::kill(static_cast<pid_t>(service->process().pid()), SIGSTOP), 0);
     desktop.bus().stop();
 
     chooseMinimize();
 
     EXPECT_TRUE(waitUntil([&] { return !agent->systemLog().isEmpty(); }));
-    // The number depends on whether the service, which ends without a bus, still runs.
-    ASSERT_EQ(agent->systemLog().size(), 1);
-    EXPECT_TRUE(agent->systemLog().first().startsWith("3 kivmAESendEvent failed, error=-60"));
+    EXPECT_EQ(agent->systemLog(), QByteArrayList{"3 kivmAESendEvent failed, error=-609"});
 }
 
 TEST_F(Link, EndsTheAgentAtTheServicesWord)

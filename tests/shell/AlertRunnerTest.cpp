@@ -88,6 +88,7 @@ TEST_F(AlertRunner, TakesPercentSignsForNothingButThemselves)
         click(alert, "Default");
     };
     EXPECT_EQ(respond(read, QStringLiteral("100%% of %@ and %s, %n, %1$d, 50% off %")), 1);
+    EXPECT_TRUE(labels.contains(QStringLiteral("Title"))) << qPrintable(labels.join(u'|'));
     EXPECT_TRUE(labels.contains(QStringLiteral("100% of %@ and %s, %n, %1$d, 50% off %")))
         << qPrintable(labels.join(u'|'));
 }

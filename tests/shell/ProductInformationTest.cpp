@@ -40,12 +40,14 @@ TEST(ProductInformation, SaysEverythingThatTheBundleSays)
 
 TEST(ProductInformation, FallsBackToTheBuiltInTextsWithoutABundle)
 {
-    const QString expected = text(u"\nProduct:\t\tKivune Server for Mac OS X\nVersion:\t\tUndefined\nCopyright:\t\t") +
-                             text(ProductTexts::copyright) + text(u"\nHome:\t\t") + text(ProductTexts::homePage) +
-                             text(u"\n\n");
+    const QString expected = text(u"\nProduct:\t\tKivune Server for Mac OS X"
+                                  u"\nVersion:\t\tUndefined"
+                                  u"\nCopyright:\t\tCopyright (c) 2026 The Kivune contributors"
+                                  u"\nHome:\t\thttps://www.kivune.example/"
+                                  u"\n\n");
     EXPECT_EQ(productInformation(std::nullopt).body, expected);
     EXPECT_EQ(bodyOf({}), expected);
-    EXPECT_EQ(productInformation(std::nullopt).home, text(ProductTexts::homePage));
+    EXPECT_EQ(productInformation(std::nullopt).home, text(u"https://www.kivune.example/"));
 }
 
 TEST(ProductInformation, PutsTheBuildDateBehindAnUndefinedVersion)
@@ -74,10 +76,11 @@ TEST(ProductInformation, LetsAnEmptyTextReplaceADefault)
 
 TEST(SupportPage, IsTheBundlesElseTheBuiltInOne)
 {
+    const QString builtIn = text(u"https://www.kivune.example/support/");
     EXPECT_EQ(supportPage(QVariantMap{{QStringLiteral("KIVProductSupport"), QStringLiteral("https://help.example/")}}),
               QStringLiteral("https://help.example/"));
-    EXPECT_EQ(supportPage(QVariantMap{}), text(ProductTexts::supportPage));
-    EXPECT_EQ(supportPage(std::nullopt), text(ProductTexts::supportPage));
+    EXPECT_EQ(supportPage(QVariantMap{}), builtIn);
+    EXPECT_EQ(supportPage(std::nullopt), builtIn);
 }
 
 TEST(Credits, HaveALineForEachRole)

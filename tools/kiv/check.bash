@@ -4,7 +4,7 @@
 packages_check=(clang-format shellcheck libxml2-utils desktop-file-utils appstream python3)
 
 check() { # [NAME...]
-    local all=(format scripts includes sizes words documents links tidy) name found=()
+    local all=(format scripts includes sizes words documents links mutants tidy) name found=()
     [[ $# -gt 0 ]] || set -- "${all[@]}"
     for name in "$@"; do
         [[ " ${all[*]} " == *" $name "* ]] || fail "no such check: \"$name\"; there are ${all[*]}"
@@ -55,6 +55,10 @@ check_documents() {
 
 check_links() {
     python3 -B tools/kiv/links.py .
+}
+
+check_mutants() {
+    python3 -B tools/kiv/mutate.py --check .
 }
 
 # The compile commands of a preset without precompiled headers, which clang cannot read from GCC. What moc makes is

@@ -1,6 +1,8 @@
 #include "notify/popup/KivNotificationWindow.h"
 
+#include "platform/Bundle.h"
 #include "platform/MainScreen.h"
+#include "platform/images/IcnsReader.h"
 #include "platform/linux/include/XConnection.h"
 #include "tests/session/support/Browser.h"
 #include "tests/session/support/OtherWindow.h"
@@ -92,6 +94,22 @@ public:
             }
         }
         return region;
+    }
+
+    /// The atoms that the property holds, by their names.
+    [[nodiscard]] QByteArrayList atoms(xcb_window_t window, const QByteArray &property) const
+    {
+        const auto cookie = xcb_get_property(connection(), false, window, atom(property), XCB_ATOM_ATOM, 0, 32);
+        const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection(), cookie, nullptr));
+        QByteArrayList names;
+        for (std::uint32_t i = 0; reply && i < reply->value_len; ++i) {
+            const xcb_atom_t value = static_cast<const xcb_atom_t *>(xcb_get_property_value(reply.get()))[i];
+            const XReply<xcb_get_atom_name_reply_t> name(
+                xcb_get_atom_name_reply(connection(), xcb_get_atom_name(connection(), value), nullptr));
+            names.append(
+                name ? QByteArray(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get())) : "?");
+        }
+        return names;
     }
 
     [[nodiscard]] bool hasProperty(xcb_window_t window, const QByteArray &name) const
@@ -212,6 +230,13 @@ TEST_F(KivNotificationWindowTest, LiesWhereItIsPut)
     window->setFrame({{10, 20}, window->frame().size});
     EXPECT_TRUE(waitUntil([this] { return onServer().geometry.topLeft() == QPoint(10, 800 - 20 - 114); }));
     EXPECT_EQ(owner.moves, 0) << "nor is that of its owner's own";
+}
+
+TEST_F(KivNotificationWindowTest, FloatsAboveOtherWindows)
+{
+    show();
+    EXPECT_TRUE(stranger.atoms(onServer().id, "_NET_WM_STATE").contains("_NET_WM_STATE_ABOVE"));
+    EXPECT_TRUE(onServer().overrideRedirect) << "a window manager may put it below others";
 }
 
 TEST_F(KivNotificationWindowTest, GrowsWithItsText)
@@ -604,22 +629,24 @@ TEST_F(KivNotificationWindowTest, ShowsNoTitleWhereThereIsNone)
 
 TEST_F(KivNotificationWindowTest, ShowsTheIconOfItsType)
 {
-    QList<QImage> icons;
-    for (const std::int32_t type : {0, 1, 2, 3, 17}) {
+    const auto pictureIn = [](const char *name) {
+        QFile file(Bundle::main().pathForResource(QLatin1String(name), QStringLiteral("icns")));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
+        const QImage picture = readIcns(file.readAll(), 50);
+        return QPixmap::fromImage(picture.scaled(50, 50, Qt::KeepAspectRatio, Qt::SmoothTransformation)).toImage();
+    };
+    const std::pair<std::int32_t, const char *> table[] = {
+        {0, "update"}, {1, "information"}, {2, "kivmenua"}, {3, "warning"}, {17, "kivmenua"}};
+    for (const auto &[type, name] : table) {
         record->setMessageType(type);
         show();
-        const QPixmap icon = window->findChild<QLabel *>()->pixmap();
+        const QImage icon = window->findChild<QLabel *>()->pixmap().toImage();
         EXPECT_EQ(icon.size(), QSize(50, 50)) << type;
-        icons.append(icon.toImage());
+        EXPECT_EQ(icon, pictureIn(name)) << type;
         window->close();
         ASSERT_TRUE(waitUntil([this] { return isGone(); }));
     }
-    for (int i = 0; i < 4; ++i) {
-        for (int j = 0; j < i; ++j) {
-            EXPECT_NE(icons[i], icons[j]);
-        }
-    }
-    EXPECT_EQ(icons[4], icons[2]) << "all others are news";
+    EXPECT_NE(pictureIn("update"), pictureIn("warning"));
 }
 
 } // namespace

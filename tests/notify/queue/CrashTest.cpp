@@ -1,6 +1,8 @@
+#include "platform/data/PropertyList.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -9,6 +11,7 @@
 #include <algorithm>
 #include <chrono>
 #include <random>
+#include <utility>
 
 namespace
 {
@@ -46,6 +49,50 @@ private:
     ChildProcess m_python;
 };
 
+/// The settings of a user who wants to see every message, and among them the last message's id.
+class Preferences final
+{
+public:
+    explicit Preferences(const QString &home)
+        : m_file(home + QStringLiteral("/Library/Preferences/com.tamborel.kivmenua.plist"))
+    {
+        EXPECT_TRUE(QDir().mkpath(QFileInfo(m_file).path()));
+    }
+
+    /// 0 when the file has none. It is not written atomically: one that cannot be read is made anew, as the settings
+    /// program would.
+    [[nodiscard]] int takeId() const
+    {
+        const QVariant preferences = PropertyList::readFile(m_file);
+        const int id = preferences.toMap().value(QStringLiteral("KivNotificationLastMessId")).toString().toInt();
+        if (preferences.typeId() != QMetaType::QVariantMap) {
+            QVariantMap settings{{QStringLiteral("KivNotificationShowTimeout"), 3},
+                                 {QStringLiteral("KivNotificationCloseTimeout"), 2},
+                                 {QStringLiteral("KivNotificationRepeatTimeout"), 3},
+                                 {QStringLiteral("KivNotificationLastMessId"), QStringLiteral("0")}};
+            for (const char *what :
+                 {"News", "Notices", "Updates", "Warnings", "LowPriority", "MediumPriority", "HighPriority"}) {
+                settings.insert(QStringLiteral("KivNotificationShow") + QLatin1String(what), true);
+            }
+            EXPECT_TRUE(PropertyList::writeFile(m_file, settings, PropertyList::Writing::InPlace));
+        }
+        return id;
+    }
+
+private:
+    const QString m_file;
+};
+
+/// The highest id of a line of ids and repeat codes; 0 when it has none.
+int highestIdOf(const QByteArray &line)
+{
+    int highest = 0;
+    for (const QByteArray &entry : line.simplified().split(' ')) {
+        highest = std::max(highest, entry.left(entry.indexOf('x')).toInt());
+    }
+    return highest;
+}
+
 } // namespace
 
 TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
@@ -58,16 +105,27 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
     const QTemporaryDir home;
     const QString file = home.filePath(QStringLiteral("Library/Caches/com.tamborel.kivune/notifications.plist"));
 
+    const Preferences preferences(home.path());
+    EXPECT_EQ(preferences.takeId(), 0);
+
     OtherReader reader;
     int statesSeen = 0;
+    int idsSeen = 0;
+    int storedId = 0;
+    int highestSaved = 0; // Of all ids that the file has held.
+    int highestSaid = 0;
     QByteArray before = "\n"; // No file is an empty queue.
     for (int kill = 0; kill < kills && !testing::Test::HasFailure(); ++kill) {
         ChildProcess subject;
-        ASSERT_TRUE(subject.start(QStringLiteral(KIV_CRASH_SUBJECT), {home.path(), QString::number(random())}));
+        ASSERT_TRUE(subject.start(QStringLiteral(KIV_CRASH_SUBJECT),
+                                  {home.path(), QString::number(random()), QString::number(highestSaid)}));
+        auto longest = std::chrono::microseconds(80'000);
         if (random() % 4 != 0) { // The others die at some moment of their start.
-            ASSERT_TRUE(waitUntil([&] { return subject.output().contains('\n'); }));
+            const auto steps = static_cast<qsizetype>(random() % 4);
+            ASSERT_TRUE(waitUntil([&] { return subject.output().count('\n') > steps; }));
+            longest /= 8;
         }
-        const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 80'000);
+        const auto end = std::chrono::steady_clock::now() + longest * (random() % 1000) / 1000;
         ASSERT_TRUE(waitUntil([&] { return std::chrono::steady_clock::now() >= end; }));
         subject.kill();
 
@@ -88,9 +146,28 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
                              << state.constData() << "and the queue went from\n"
                              << before.constData() << "through\n"
                              << subject.output().constData();
+        // An id that is stored stands for messages that are saved: the feed does not send them again. Only what comes
+        // into an empty queue is shown first and saved later.
+        const qsizetype reached = said.lastIndexOf(state.chopped(1));
+        highestSaved = std::max(highestSaved, highestIdOf(state));
+        for (qsizetype i = 0; i < said.size(); ++i) {
+            highestSaid = std::max(highestSaid, highestIdOf(said.at(i)));
+            if (i <= reached) {
+                highestSaved = std::max(highestSaved, highestIdOf(said.at(i)));
+            }
+        }
+        const int idBefore = std::exchange(storedId, preferences.takeId());
+        EXPECT_LE(storedId, state == "\n" ? highestSaid : highestSaved)
+            << "after kill " << kill << " the feed sends no message up to " << storedId
+            << " again, and the file holds\n"
+            << state.constData() << "where the queue went through\n"
+            << subject.output().constData();
+        highestSaved = std::max(highestSaved, storedId);
+        idsSeen += storedId != idBefore ? 1 : 0;
         statesSeen += state != before ? 1 : 0;
         before = state;
     }
     // Otherwise nothing has been written while it was killed.
     EXPECT_GT(statesSeen, kills / 8);
+    EXPECT_GT(idsSeen, kills / 8);
 }

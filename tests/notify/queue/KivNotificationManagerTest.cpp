@@ -17,6 +17,7 @@
 #include <QApplication>
 #include <QDBusMessage>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QPointer>
@@ -509,6 +510,18 @@ TEST_F(KivNotificationManagerTest, TakesTheUsersIntervalsAndCountsFromTheChange)
     }
 }
 
+TEST_F(KivNotificationManagerTest, CountsFromAnewWithTheSameIntervalToo)
+{
+    setPreferences(2, 1);
+    start();
+    ASSERT_TRUE(waitUntil([this] { return manager->showNextTimer()->remainingTimeAsDuration() < 300s - 50ms; }));
+    QElapsedTimer sinceTheChange;
+    sinceTheChange.start();
+    manager->updateNotificationPreferences();
+    const auto left = manager->showNextTimer()->remainingTimeAsDuration();
+    EXPECT_GT(left + std::chrono::milliseconds(sinceTheChange.elapsed()), 300s - 20ms);
+}
+
 TEST_F(KivNotificationManagerTest, LeavesTheTimerAloneWithoutAPreferencesFile)
 {
     const QTimer *before = start().showNextTimer();
@@ -677,6 +690,19 @@ TEST_F(KivNotificationManagerTest, ShowsNothingMoreUntilTheNextTickWhenAPopUpClo
     EXPECT_EQ(shown(), "2");
 }
 
+TEST_F(KivNotificationManagerTest, SavesWhenAPopUpClosesThatItDoesNotKnow)
+{
+    start().queueAdd(record("1"));
+    ASSERT_FALSE(hasFile());
+    const QPointer stranger(new KivNotificationWindow(record("9")));
+    // To be its delegate is the manager's own affair: only such a cast gets past that.
+    stranger->setDelegate((NotificationWindowDelegate *)&*manager); // NOLINT(google-readability-casting)
+    stranger->close();
+    EXPECT_EQ(idsInFile(), Ids{"1"});
+    EXPECT_EQ(shown(), "none");
+    EXPECT_TRUE(waitUntil([&] { return !stranger; }));
+}
+
 // Instant messages.
 
 TEST_F(KivNotificationManagerTest, ShowsAnInstantMessageAtOnceUnderEverySetting)
@@ -761,6 +787,26 @@ TEST_F(KivNotificationManagerTest, PutsAPopUpThatWasMovedBackAsANewOne)
     EXPECT_EQ(queued(), Ids{}) << "the new one is not the manager's";
 }
 
+TEST_F(KivNotificationManagerTest, MakesAPopUpAnewAsIfItsMessageHadNotBeenShown)
+{
+    const Record first = record("1");
+    start().enqueueNotification(first);
+    ASSERT_EQ(first->lastShowDate(), noon);
+    now = noon.addSecs(5);
+    std::optional<QDateTime> shownBefore;
+    std::optional<bool> wasDisplayed;
+    onClock = [&] { // Asked when the new one is shown.
+        shownBefore = first->lastShowDate();
+        wasDisplayed = first->wasDisplayed();
+    };
+    manager->recreateNotificaionWindow();
+    onClock = nullptr;
+    EXPECT_EQ(shownBefore, epoch);
+    EXPECT_EQ(wasDisplayed, false);
+    EXPECT_EQ(first->lastShowDate(), now);
+    EXPECT_TRUE(first->wasDisplayed());
+}
+
 TEST_F(KivNotificationManagerTest, MovesTheSamePopUpWhenTheScreensSizeChanges)
 {
     start().enqueueNotification(record("1"));
@@ -828,6 +874,8 @@ TEST_F(KivNotificationManagerTest, DoesNotMakeAPopUpAnewWhileTheLockIsHeld)
     ASSERT_TRUE(seen);
     EXPECT_FALSE(wasMadeAnew);
     EXPECT_EQ(window(), seen) << "the closed pop-up stays the manager's until it is gone";
+    EXPECT_EQ(first->lastShowDate(), epoch);
+    EXPECT_FALSE(first->wasDisplayed());
     EXPECT_EQ(popUps(), 0);
     EXPECT_TRUE(waitUntil([&] { return !window(); }));
     manager->showNextNotification();

@@ -1,7 +1,9 @@
 // What the crash test kills: a manager to which records come, some of them together, and whose pop-ups close, as fast
 // as it can, for ever.
 //
-//     crash_subject HOME SEED
+//     crash_subject HOME SEED ID
+//
+// The ids of the messages that come are higher than ID.
 //
 // Before each step it writes the state that the queue will have to standard output: a line of the queued messages' ids
 // and repeat codes. What the cache file holds at any moment is one of the last two or three of these lines.
@@ -56,7 +58,7 @@ std::shared_ptr<KivNotification> newRecord(int id, std::mt19937 &random)
 
 int main(int argc, char **argv)
 {
-    if (argc != 3) {
+    if (argc != 4) {
         return 2;
     }
     QApplication::setDesktopSettingsAware(false);
@@ -74,7 +76,7 @@ int main(int argc, char **argv)
     KivNotificationManager manager(properties, home, clock);
     say("started " + stateOf(manager));
 
-    int id = 1 + static_cast<int>(random() % 1'000'000'000);
+    int id = std::stoi(argv[3]);
     const auto step = [&] {
         now = now.addDays(1);
         const bool isFull = manager.notifications().records().size() > 8;

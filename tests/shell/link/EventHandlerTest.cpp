@@ -42,6 +42,26 @@ protected:
         return handle(builder.command(kMenuEvtSetOptions).sender(psn).count(1).actions({kMenuCmdDisconnect}));
     }
 
+    /// A hint without its text: its failure tells that somebody has looked for one.
+    static OSErr hintWithoutText(ProcessSerialNumber psn)
+    {
+        const std::uint32_t length = 4;
+        EventBuilder builder;
+        builder.put(kMenuParamHintSize, typeUInt32, &length, sizeof length);
+        return handle(builder.command(kMenuEvtDoHint).sender(psn));
+    }
+
+    /// Whether the process goes on. Looked at in another one: it would end with status 0, as if all had been well.
+    static void expectNoEnd(ProcessSerialNumber psn)
+    {
+        constexpr int goesOn = 42;
+        const auto quit = [psn] {
+            EventBuilder builder;
+            return handle(builder.command(kMenuEvtQuit).sender(psn)) == noErr ? goesOn : 1;
+        };
+        EXPECT_EXIT(std::_Exit(quit()), testing::ExitedWithCode(goesOn), "");
+    }
+
     static bool disconnectAllowed()
     {
         for (const QAction *item : __menu->menu()->actions()) {
@@ -91,16 +111,26 @@ TEST_F(EventHandler, IgnoresEveryCommandBeforeSomebodyOwnsTheAgent)
 {
     EXPECT_EQ(allowDisconnect(first), 0);
     EXPECT_FALSE(disconnectAllowed());
-    for (const std::uint32_t command : {kMenuEvtDoHint, kMenuEvtQuit, kMenuEvtAction}) {
-        EventBuilder builder;
-        EXPECT_EQ(handle(builder.command(command).sender(first)), 0);
-    }
+    EXPECT_EQ(hintWithoutText(first), 0);
+    expectNoEnd(first);
+    EventBuilder builder;
+    EXPECT_EQ(handle(builder.command(kMenuEvtAction).sender(first)), 0);
 }
 
 TEST_F(EventHandler, IgnoresNoProcessBeforeSomebodyOwnsTheAgent)
 {
     EXPECT_EQ(allowDisconnect({0, 0}), 0);
     EXPECT_FALSE(disconnectAllowed());
+}
+
+TEST_F(EventHandler, IgnoresEveryCommandOfAStranger)
+{
+    claim(first);
+    EXPECT_EQ(allowDisconnect(second), 0);
+    EXPECT_FALSE(disconnectAllowed());
+    EXPECT_EQ(hintWithoutText(second), 0);
+    expectNoEnd(second);
+    EXPECT_EQ(__owpsn.lowLongOfPSN, first.lowLongOfPSN);
 }
 
 TEST_F(EventHandler, TakesCommandsFromItsOwner)
@@ -138,10 +168,7 @@ TEST_F(EventHandler, PassesACommandsFailureOn)
     claim(first);
     EventBuilder builder;
     EXPECT_EQ(handle(builder.command(kMenuEvtSetOptions).sender(first).count(1)), -10000);
-    EventBuilder hint;
-    const std::uint32_t length = 4;
-    hint.put(kMenuParamHintSize, typeUInt32, &length, sizeof length);
-    EXPECT_EQ(handle(hint.command(kMenuEvtDoHint).sender(first)), -10000);
+    EXPECT_EQ(hintWithoutText(first), -10000);
 }
 
 TEST_F(EventHandlerDeathTest, EndsTheProcessAtOnceWithStatusZeroWhenTheOwnerSaysSo)

@@ -556,6 +556,19 @@ TEST_F(KivNotificationWindowTest, ClosesOnlyOnce)
     EXPECT_EQ(record->messageRepeat(), 7U) << "the timer has stopped";
 }
 
+TEST_F(KivNotificationWindowTest, StopsItsTimerAndItsFadeWhenItCloses)
+{
+    window = new KivNotificationWindow(record);
+    window->showAtScreenPoint(place, 15);
+    const QPointer<const QTimer> timeout = timer();
+    const QPointer<const QVariantAnimation> fade = window->findChild<QVariantAnimation *>();
+    ASSERT_TRUE(timeout && timeout->isActive());
+    ASSERT_TRUE(fade && fade->state() == QAbstractAnimation::Running);
+    window->close();
+    EXPECT_FALSE(timeout && timeout->isActive());
+    EXPECT_FALSE(fade && fade->state() == QAbstractAnimation::Running);
+}
+
 TEST_F(KivNotificationWindowTest, ClosesItsOwnWayWhenQtCloses)
 {
     show();

@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QUrl>
+#include <QWindow>
 
 #include <algorithm>
 #include <chrono>
@@ -82,6 +83,18 @@ QPixmap icon(std::int32_t messageType, int side, qreal devicePixelRatio)
     return QPixmap::fromImage(kept);
 }
 
+NSSize mainScreenSize()
+{
+    const std::optional<NSRect> screen = MainScreen::frame();
+    return screen ? screen->size : smallestScreen;
+}
+
+/// In whole pixels, as Qt has it.
+int textWidth(const NSSize &contentSize)
+{
+    return static_cast<int>(std::lround(contentSize.width));
+}
+
 /// A frame within the window in Qt's coordinates, which count from the top.
 QRect inWindow(const NSRect &frame, const NSSize &window)
 {
@@ -98,36 +111,41 @@ QSize sizeInWindows(const NSSize &size)
     return {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))};
 }
 
-QPushButton *newButton(const QString &text, const QRect &frame, QWidget *parent)
+/// For a frame of any size; setElidedText gives it its words.
+QPushButton *newButton(const QString &text, QWidget *parent)
 {
     auto *button = new QPushButton(parent);
     button->setFont(systemFont(QFont::Normal));
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoDefault(false);
-    button->setGeometry(frame);
-    constexpr int padding = 12;
-    button->setText(button->fontMetrics().elidedText(text, Qt::ElideRight, frame.width() - padding));
     button->setAccessibleName(text);
     return button;
 }
 
-void addIcon(std::int32_t messageType, const QRect &frame, QWidget *parent)
+QLabel *newIcon(QWidget *parent)
 {
     auto *label = new QLabel(parent);
-    label->setGeometry(frame);
-    label->setPixmap(icon(messageType, frame.height(), parent->devicePixelRatio()));
     label->setAccessibleName(QStringLiteral("Message type"));
+    return label;
 }
 
-void addTitle(const QString &text, const QRect &frame, QWidget *parent)
+/// The same for a title.
+QLabel *newTitle(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
     label->setFont(systemFont(QFont::Bold));
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    label->setGeometry(frame);
-    label->setText(label->fontMetrics().elidedText(text, Qt::ElideRight, frame.width()));
     label->setAccessibleName(text);
+    return label;
+}
+
+/// As much of a widget's text, which is its accessible name, as its width has room for beside `padding`.
+template <typename Widget>
+void setElidedText(Widget &widget, int padding)
+{
+    const QString text = widget.accessibleName();
+    widget.setText(widget.fontMetrics().elidedText(text, Qt::ElideRight, widget.width() - padding));
 }
 
 } // namespace
@@ -146,52 +164,32 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     setWindowTitle(title.isEmpty() ? QStringLiteral("Kivune") : title);
     setAccessibleName(windowTitle());
 
-    const std::optional<NSRect> mainScreen = MainScreen::frame();
-    const NSSize screen = mainScreen ? mainScreen->size : smallestScreen;
-    PopUpContents contents{
-        .contentSize = boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen),
-        .hasTitle = !title.isEmpty(),
-        .isInstant = m_notification->messagePriority() == kPriorityInstant,
-        .textHeight = std::nullopt,
-    };
-
-    auto *view = new KivNotificationView(this);
-    auto *text = new KivTextView(view);
-    text->setMessage(m_notification->messageText(), static_cast<int>(std::lround(contents.contentSize.width)));
-    text->setAccessibleName(QStringLiteral("Message"));
-    const float visibleHeight = largestTextHeight(contents, screen);
-    if (text->textHeight() > visibleHeight) {
-        text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_view = new KivNotificationView(this);
+    m_icon = newIcon(m_view);
+    if (!title.isEmpty()) {
+        m_title = newTitle(title, m_view);
     }
-    contents.textHeight = std::min(text->textHeight(), visibleHeight);
-    const PopUpLayout layout = popUpLayout(contents);
-    const NSSize size = layout.window.size;
+    m_text = new KivTextView(m_view);
+    m_text->setMessage(m_notification->messageText(), textWidth(contentSize(mainScreenSize())));
+    m_text->setAccessibleName(QStringLiteral("Message"));
+    connect(m_text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
 
-    m_frame = layout.window;
-    resize(sizeInWindows(size));
-    view->setGeometry(rect());
-    addIcon(m_notification->messageType(), inWindow(layout.icon, size), view);
-    if (contents.hasTitle) {
-        addTitle(title, inWindow(layout.title, size), view);
-    }
-    text->setGeometry(inWindow(layout.text, size));
-    connect(text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
-
-    const auto addButton = [&](const QString &label, const NSRect &frame, void (KivNotificationWindow::*action)()) {
-        const QPushButton *button = newButton(label, inWindow(frame, size), view);
+    const auto newActionButton = [this](const QString &label, void (KivNotificationWindow::*action)()) {
+        QPushButton *button = newButton(label, m_view);
         connect(button, &QPushButton::clicked, this, action);
+        return button;
     };
-    if (contents.isInstant) {
-        addButton(QStringLiteral("Close"), layout.closeButton, &KivNotificationWindow::onCloseButton);
+    if (m_notification->messagePriority() == kPriorityInstant) {
+        m_close = newActionButton(QStringLiteral("Close"), &KivNotificationWindow::onCloseButton);
     } else {
-        addButton(QStringLiteral("Remind Me Later"), layout.remindMeLater,
-                  &KivNotificationWindow::remindMeLaterPressed);
-        addButton(QStringLiteral("Do Not Remind Me Later"), layout.dontRemindMe,
-                  &KivNotificationWindow::onDontRemindMeButton);
+        m_remindMeLater =
+            newActionButton(QStringLiteral("Remind Me Later"), &KivNotificationWindow::remindMeLaterPressed);
+        m_dontRemindMe =
+            newActionButton(QStringLiteral("Do Not Remind Me Later"), &KivNotificationWindow::onDontRemindMeButton);
     }
     // Without a compositor what is to be translucent would be black.
     setAttribute(Qt::WA_TranslucentBackground, compositor.isRunning());
-    setMask(view->mask());
+    layOut();
     watchScreens();
 }
 
@@ -199,6 +197,63 @@ KivNotificationWindow::~KivNotificationWindow()
 {
     dealloc_animation();
     dealloc_timer();
+}
+
+NSSize KivNotificationWindow::contentSize(NSSize screen) const
+{
+    return boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen);
+}
+
+void KivNotificationWindow::layOut()
+{
+    const NSSize screen = mainScreenSize();
+    PopUpContents contents{
+        .contentSize = contentSize(screen),
+        .hasTitle = m_title != nullptr,
+        .isInstant = m_close != nullptr,
+        .textHeight = std::nullopt,
+    };
+    m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_text->setTextWidth(textWidth(contents.contentSize));
+    const float visibleHeight = largestTextHeight(contents, screen);
+    if (m_text->textHeight() > visibleHeight) {
+        m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    }
+    contents.textHeight = std::min(m_text->textHeight(), visibleHeight);
+    const PopUpLayout layout = popUpLayout(contents);
+    const NSSize size = layout.window.size;
+
+    m_frame.size = size;
+    resize(sizeInWindows(size));
+    m_view->setGeometry(rect());
+    m_icon->setGeometry(inWindow(layout.icon, size));
+    m_icon->setPixmap(icon(m_notification->messageType(), m_icon->height(), devicePixelRatio()));
+    if (m_title) {
+        m_title->setGeometry(inWindow(layout.title, size));
+        setElidedText(*m_title, 0);
+    }
+    m_text->setGeometry(inWindow(layout.text, size));
+    const std::pair<QPushButton *, NSRect> buttons[] = {
+        {m_remindMeLater, layout.remindMeLater}, {m_dontRemindMe, layout.dontRemindMe}, {m_close, layout.closeButton}};
+    for (const auto &[button, frame] : buttons) {
+        if (button) {
+            constexpr int padding = 12;
+            button->setGeometry(inWindow(frame, size));
+            setElidedText(*button, padding);
+        }
+    }
+    setMask(m_view->mask());
+}
+
+void KivNotificationWindow::layOutAnew()
+{
+    layOut();
+    // What it measures on the screen is another thing after the screen's scale has changed, of which Qt's widgets,
+    // whose sizes do not count in pixels, see nothing.
+    if (QWindow *const window = windowHandle()) {
+        window->setGeometry(geometry());
+    }
+    m_frame.origin = MainScreen::fromQt(geometry()).origin;
 }
 
 void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTimeout)
@@ -390,11 +445,13 @@ void KivNotificationWindow::watchScreens()
 
 void KivNotificationWindow::watchScreen(QScreen *screen)
 {
-    // Nobody moves a window when a screen changes its size.
-    connect(screen, &QScreen::geometryChanged, this, [this] {
+    // Nobody moves a window when a screen changes its size or its scale.
+    const auto screenChanged = [this] {
         m_screensChanged = true;
         tellOfMove();
-    });
+    };
+    connect(screen, &QScreen::geometryChanged, this, screenChanged);
+    connect(screen, &QScreen::logicalDotsPerInchChanged, this, screenChanged);
 }
 
 void KivNotificationWindow::tellOfMove()
@@ -406,7 +463,11 @@ void KivNotificationWindow::tellOfMove()
     m_moveToTell = true;
     QTimer::singleShot(0, this, [this] {
         m_moveToTell = false;
-        const bool tell = std::exchange(m_screensChanged, false) || !isWhereItWasPut();
+        const bool screensChanged = std::exchange(m_screensChanged, false);
+        if (screensChanged && !m_closed) {
+            layOutAnew();
+        }
+        const bool tell = screensChanged || !isWhereItWasPut();
         if (tell && m_delegate && !m_closed) {
             m_delegate->windowDidMove(*this);
         }

@@ -21,7 +21,7 @@ struct FeedTiming final {
     std::chrono::milliseconds interval =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(requestTimeInterval));
     /// How long a request may go without progress before it fails.
-    std::chrono::milliseconds timeOut = std::chrono::seconds(60);
+    std::chrono::milliseconds timeout = std::chrono::seconds(60);
 };
 
 /// Fetches the feed of support messages over HTTP, once at start and then daily, and hands its records to the sink.

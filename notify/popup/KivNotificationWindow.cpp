@@ -3,18 +3,14 @@
 #include "notify/popup/KivNotificationView.h"
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
-#include "platform/Bundle.h"
+#include "notify/popup/PopUpParts.h"
 #include "platform/Compositor.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
-#include "platform/images/IcnsReader.h"
-#include "platform/text/SystemFont.h"
 
 #include <QAccessible>
 #include <QCloseEvent>
-#include <QFile>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QUrl>
@@ -23,7 +19,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <tuple>
 #include <utility>
 
 namespace
@@ -34,59 +29,15 @@ using namespace std::chrono_literals;
 constexpr auto fadeDuration = 500ms;
 constexpr int fadeFrames = 15; ///< 30 a second.
 constexpr std::int32_t defaultTimeout = 15;
-constexpr std::int32_t longestTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
+constexpr std::int32_t maxTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
 constexpr auto linkCloseDelay = 1s;
 
-constexpr NSSize smallestScreen = {640, 480};
-
-QString iconName(std::int32_t messageType)
-{
-    switch (messageType) {
-    case kTypeUpdate:
-        return QStringLiteral("update");
-    case kTypeNotice:
-        return QStringLiteral("information");
-    case kTypeWarning:
-        return QStringLiteral("warning");
-    default:
-        return QStringLiteral("kivmenua");
-    }
-}
-
-/// Null when there is none.
-QImage readIcon(std::int32_t messageType, int side, qreal devicePixelRatio)
-{
-    QFile file(Bundle::main().pathForResource(iconName(messageType), QStringLiteral("icns")));
-    if (file.fileName().isEmpty() || !file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    const int pixels = static_cast<int>(std::ceil(side * devicePixelRatio));
-    const QImage image = readIcns(file.readAll(), pixels);
-    if (image.isNull()) {
-        return {};
-    }
-    QImage scaled = image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    scaled.setDevicePixelRatio(devicePixelRatio);
-    return scaled;
-}
-
-/// The same; the last one is kept. To decode and scale it takes as long as half of all else that a pop-up needs until
-/// it is shown, and most pop-ups are of one type. Not in Qt's cache, whose clean-up would wake the process up.
-QPixmap icon(std::int32_t messageType, int side, qreal devicePixelRatio)
-{
-    static std::tuple<std::int32_t, int, qreal> kind;
-    static QImage kept; // A pixmap must not outlive the application object.
-    if (const std::tuple asked(messageType, side, devicePixelRatio); kept.isNull() || asked != kind) {
-        kind = asked;
-        kept = readIcon(messageType, side, devicePixelRatio);
-    }
-    return QPixmap::fromImage(kept);
-}
+constexpr NSSize fallbackScreen = {640, 480};
 
 NSSize mainScreenSize()
 {
     const std::optional<NSRect> screen = MainScreen::frame();
-    return screen ? screen->size : smallestScreen;
+    return screen ? screen->size : fallbackScreen;
 }
 
 /// In whole pixels, as Qt has it.
@@ -111,43 +62,6 @@ QSize sizeInWindows(const NSSize &size)
     return {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))};
 }
 
-/// For a frame of any size; setElidedText gives it its words.
-QPushButton *newButton(const QString &text, QWidget *parent)
-{
-    auto *button = new QPushButton(parent);
-    button->setFont(systemFont(QFont::Normal));
-    button->setFocusPolicy(Qt::NoFocus);
-    button->setAutoDefault(false);
-    button->setAccessibleName(text);
-    return button;
-}
-
-QLabel *newIcon(QWidget *parent)
-{
-    auto *label = new QLabel(parent);
-    label->setAccessibleName(QStringLiteral("Message type"));
-    return label;
-}
-
-/// The same for a title.
-QLabel *newTitle(const QString &text, QWidget *parent)
-{
-    auto *label = new QLabel(parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setFont(systemFont(QFont::Bold));
-    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    label->setAccessibleName(text);
-    return label;
-}
-
-/// As much of a widget's text, which is its accessible name, as its width has room for beside `padding`.
-template <typename Widget>
-void setElidedText(Widget &widget, int padding)
-{
-    const QString text = widget.accessibleName();
-    widget.setText(widget.fontMetrics().elidedText(text, Qt::ElideRight, widget.width() - padding));
-}
-
 } // namespace
 
 KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> record)
@@ -165,9 +79,9 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     setAccessibleName(windowTitle());
 
     m_view = new KivNotificationView(this);
-    m_icon = newIcon(m_view);
+    m_icon = newPopUpIcon(m_view);
     if (!title.isEmpty()) {
-        m_title = newTitle(title, m_view);
+        m_title = newPopUpTitle(title, m_view);
     }
     m_text = new KivTextView(m_view);
     m_text->setMessage(m_notification->messageText(), textWidth(contentSize(mainScreenSize())));
@@ -175,7 +89,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     connect(m_text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
 
     const auto newActionButton = [this](const QString &label, void (KivNotificationWindow::*action)()) {
-        QPushButton *button = newButton(label, m_view);
+        QPushButton *button = newPopUpButton(label, m_view);
         connect(button, &QPushButton::clicked, this, action);
         return button;
     };
@@ -215,7 +129,7 @@ void KivNotificationWindow::layOut()
     };
     m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_text->setTextWidth(textWidth(contents.contentSize));
-    const float visibleHeight = largestTextHeight(contents, screen);
+    const float visibleHeight = maxTextHeight(contents, screen);
     if (m_text->textHeight() > visibleHeight) {
         m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     }
@@ -226,20 +140,16 @@ void KivNotificationWindow::layOut()
     m_frame.size = size;
     resize(sizeInWindows(size));
     m_view->setGeometry(rect());
-    m_icon->setGeometry(inWindow(layout.icon, size));
-    m_icon->setPixmap(icon(m_notification->messageType(), m_icon->height(), devicePixelRatio()));
+    placePopUpIcon(*m_icon, m_notification->messageType(), inWindow(layout.icon, size));
     if (m_title) {
-        m_title->setGeometry(inWindow(layout.title, size));
-        setElidedText(*m_title, 0);
+        placePopUpTitle(*m_title, inWindow(layout.title, size));
     }
     m_text->setGeometry(inWindow(layout.text, size));
     const std::pair<QPushButton *, NSRect> buttons[] = {
         {m_remindMeLater, layout.remindMeLater}, {m_dontRemindMe, layout.dontRemindMe}, {m_close, layout.closeButton}};
     for (const auto &[button, frame] : buttons) {
         if (button) {
-            constexpr int padding = 12;
-            button->setGeometry(inWindow(frame, size));
-            setElidedText(*button, padding);
+            placePopUpButton(*button, inWindow(frame, size));
         }
     }
     setMask(m_view->mask());
@@ -272,7 +182,7 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
     }
 
     if (theTimeout >= 0) {
-        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, longestTimeout));
+        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, maxTimeout));
         m_timer = new QTimer(this);
         m_timer->setSingleShot(true);
         m_timer->setTimerType(Qt::PreciseTimer); // It may be late, never early.

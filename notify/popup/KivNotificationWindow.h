@@ -18,9 +18,9 @@ class QLabel;
 class QPushButton;
 
 /// The pop-up that shows a support message. It floats above the other windows and never takes the keyboard. Made on the
-/// heap, without a parent; once shown it deletes itself after it has closed, in a later round of the event loop. It is
-/// shown once. When a screen has changed its size or its scale, it lays itself out anew before it tells its delegate:
-/// all of its buttons are on the main screen if it is put where it belongs. Main thread only.
+/// heap, without a parent; once shown it deletes itself after it has closed, in a later iteration of the event loop. It
+/// is shown once. When a screen has changed its size or its scale, it lays itself out anew before it tells its
+/// delegate: all of its buttons are on the main screen if it is put where it belongs. Main thread only.
 class KivNotificationWindow final : public QWidget
 {
     Q_OBJECT

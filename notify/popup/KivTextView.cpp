@@ -19,14 +19,14 @@ namespace
 {
 
 /// What is shown of a plain text: bytes in UTF-8, lines, and pieces of one script.
-constexpr qsizetype mostBytes = 65'536;
-constexpr int mostLines = 8000;
-constexpr int mostScriptRuns = 8000;
+constexpr qsizetype maxBytes = 65'536;
+constexpr int maxLines = 8000;
+constexpr int maxScriptRuns = 8000;
 /// Lines end between words. To look for such a place in a longer word than that, for each line anew, takes long.
-constexpr int longestWord = 1000;
-constexpr int mostScriptRunsInWord = 100;
+constexpr int maxWord = 1000;
+constexpr int maxScriptRunsInWord = 100;
 /// The others stay text: a word in a thousand pieces takes long to lay out as well.
-constexpr qsizetype mostLinks = 200;
+constexpr qsizetype maxLinks = 200;
 
 /// The text without what Qt's documents use as marks of their own or cannot hold, and with one kind of line break, so
 /// that a character's place in the text is its place in the document.
@@ -73,14 +73,14 @@ ShownText shortened(const QString &text)
         bytes += character < 0x80 ? 1 : (character < 0x800 ? 2 : (isPair ? 4 : 3));
         lines += character == U'\n' ? 1 : 0;
         runs.add(character);
-        if (bytes > mostBytes || lines > mostLines || runs.count() > mostScriptRuns) {
+        if (bytes > maxBytes || lines > maxLines || runs.count() > maxScriptRuns) {
             break;
         }
         const bool endsWord = QChar::isSpace(character);
         word = endsWord ? 0 : word + 1;
         runsBeforeWord = endsWord ? runs.count() : runsBeforeWord;
         shown.hasEndlessWord =
-            shown.hasEndlessWord || word > longestWord || runs.count() - runsBeforeWord > mostScriptRunsInWord;
+            shown.hasEndlessWord || word > maxWord || runs.count() - runsBeforeWord > maxScriptRunsInWord;
         at += isPair ? 2 : 1;
     }
     shown.text = at == text.size() ? text : text.first(at) + QChar(u'\u2026');
@@ -167,7 +167,7 @@ void KivTextView::setPlainMessage(const QString &text)
     linkFormat.setAnchor(true);
     QTextCursor cursor(document());
     cursor.beginEditBlock(); // Or each link would lay out all the text anew.
-    for (const LinkMatch &link : findLinks(shown).mid(0, mostLinks)) {
+    for (const LinkMatch &link : findLinks(shown).mid(0, maxLinks)) {
         linkFormat.setAnchorHref(link.absoluteString);
         cursor.setPosition(static_cast<int>(link.start));
         cursor.setPosition(static_cast<int>(link.start + link.length), QTextCursor::KeepAnchor);

@@ -14,7 +14,7 @@ constexpr float closeButtonWidth = 70;
 constexpr float textLeft = margin + iconSize + margin;
 
 constexpr float defaultWidth = 320;
-constexpr float largestHeight = 20000; ///< As high as a text is ever measured.
+constexpr float maxHeight = 20000; ///< As high as a text is ever measured.
 constexpr float sideDistance = 10;
 constexpr float topDistance = 30;
 constexpr float bottomDistance = 10;
@@ -50,14 +50,14 @@ PopUpLayout popUpLayout(const PopUpContents &contents)
 
 NSSize boundedContentSize(NSSize asked, NSSize screen)
 {
-    const float largestWidth = std::max(defaultWidth, screen.width - 2 * sideDistance - iconSize - 3 * margin);
+    const float maxWidth = std::max(defaultWidth, screen.width - 2 * sideDistance - iconSize - 3 * margin);
     // Written so that what is not a number fails each test.
-    const float width = asked.width > 0 ? std::min(asked.width, largestWidth) : defaultWidth;
-    const float height = asked.height > 0 ? std::min(asked.height, largestHeight) : 0;
+    const float width = asked.width > 0 ? std::min(asked.width, maxWidth) : defaultWidth;
+    const float height = asked.height > 0 ? std::min(asked.height, maxHeight) : 0;
     return {width, height};
 }
 
-float largestTextHeight(const PopUpContents &contents, NSSize screen)
+float maxTextHeight(const PopUpContents &contents, NSSize screen)
 {
     return std::max(iconSize, screen.height - topDistance - bottomDistance - heightAroundText(contents));
 }

@@ -40,4 +40,4 @@ struct PopUpLayout {
 /// How much of the text can be seen at once: as much as leaves the window 30 points below the top of the main screen
 /// and 10 above its bottom, since the buttons are at its lower end. At least 50, even if the screen is too small.
 /// `contents` are bounded.
-[[nodiscard]] float largestTextHeight(const PopUpContents &contents, NSSize screen);
+[[nodiscard]] float maxTextHeight(const PopUpContents &contents, NSSize screen);

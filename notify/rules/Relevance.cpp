@@ -9,21 +9,19 @@
 namespace
 {
 
-constexpr std::int32_t anyCode = 2;
-
-bool addresses(std::int32_t addressed, std::int32_t own)
+bool addresses(std::int32_t addressed, std::int32_t any, std::int32_t own)
 {
-    return addressed == anyCode || addressed == own;
+    return addressed == any || addressed == own;
 }
 
-bool isAtLeast(const QString &version, const QString &lowest)
+bool isAtLeast(const QString &version, const QString &min)
 {
-    return lowest == kMsgPropertyAny || compareToVersion(lowest, version) != 1;
+    return min == kMsgPropertyAny || compareToVersion(min, version) != 1;
 }
 
-bool isAtMost(const QString &version, const QString &highest)
+bool isAtMost(const QString &version, const QString &max)
 {
-    return highest == kMsgPropertyAny || compareToVersion(highest, version) != -1;
+    return max == kMsgPropertyAny || compareToVersion(max, version) != -1;
 }
 
 bool isOlderBuild(const QString &buildDate, const QString &bound)
@@ -35,9 +33,9 @@ bool isOlderBuild(const QString &buildDate, const QString &bound)
 
 bool notificationIsRelevant(const KivNotification &record, const Installation &installation, const QDateTime &now)
 {
-    return addresses(record.messageLevel(), installation.messageLevel) &&
-           addresses(record.productCode(), installation.productCode) &&
-           addresses(record.licenseType(), installation.licenseType) &&
+    return addresses(record.messageLevel(), kLevelAny, installation.messageLevel) &&
+           addresses(record.productCode(), kProductAny, installation.productCode) &&
+           addresses(record.licenseType(), kLicenseAny, installation.licenseType) &&
            isAtLeast(installation.productVersionString, record.minVersion()) &&
            isAtMost(installation.productVersionString, record.maxVersion()) &&
            isOlderBuild(installation.buildDate, record.buildDate()) &&

@@ -5,15 +5,13 @@
 namespace
 {
 
-constexpr std::int32_t showOnce = 4;
-
 qint64 repeatInterval(std::int32_t notificationRepeat)
 {
     constexpr qint64 hour = 3600;
     switch (notificationRepeat) {
-    case 2:
+    case kRepeatAfter3Hours:
         return 3 * hour;
-    case 3:
+    case kRepeatAfter5Hours:
         return 5 * hour;
     default:
         return hour;
@@ -58,7 +56,7 @@ bool shouldShowNotification(const KivNotification &record, const NotificationSet
         return true;
     }
     const QDateTime next = record.lastShowDate().addSecs(repeatInterval(settings.notificationRepeat));
-    const bool wasShownEnough = settings.notificationRepeat == showOnce && record.wasDisplayed();
+    const bool wasShownEnough = settings.notificationRepeat == kRepeatNever && record.wasDisplayed();
     return next < now && !wasShownEnough && priorityIsOn(record.messagePriority(), settings) &&
            typeIsOn(record.messageType(), settings);
 }

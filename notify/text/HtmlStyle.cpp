@@ -11,15 +11,16 @@
 namespace
 {
 
-constexpr int smallestSize = 9;
-constexpr int largestSize = 28;
+constexpr int minSize = 9;
+constexpr int maxSize = 28;
 /// Of the sizes that HTML counts from 1 to 7, and of the words from "xx-small" to "xx-large" with one before them.
 constexpr std::array<int, 7> sizes = {9, 10, 12, 14, 18, 22, 28};
 constexpr int usualSize = 3;
+constexpr std::array<int, 6> sizesOfHeadings = {18, 16, 14, 13, 12, 12};
 
 int bounded(double size)
 {
-    return static_cast<int>(std::lround(std::clamp(size, double{smallestSize}, double{largestSize})));
+    return static_cast<int>(std::lround(std::clamp(size, double{minSize}, double{maxSize})));
 }
 
 int numberedSize(int number)
@@ -137,6 +138,69 @@ void apply(const QString &property, const QString &value, int size, HtmlStyle &s
     }
 }
 
+/// What an element asks for by its name alone; its attributes go before that.
+void applyName(GumboTag tag, int size, HtmlStyle &style)
+{
+    const auto ask = [](std::optional<bool> &what) { what = what.value_or(true); };
+    const auto askForSize = [&style](double wanted) { style.size = style.size > 0 ? style.size : bounded(wanted); };
+    switch (tag) {
+    case GUMBO_TAG_B:
+    case GUMBO_TAG_STRONG:
+    case GUMBO_TAG_DT:
+    case GUMBO_TAG_TH:
+        ask(style.isBold);
+        break;
+    case GUMBO_TAG_I:
+    case GUMBO_TAG_EM:
+    case GUMBO_TAG_CITE:
+    case GUMBO_TAG_VAR:
+    case GUMBO_TAG_DFN:
+        ask(style.isItalic);
+        break;
+    case GUMBO_TAG_U:
+    case GUMBO_TAG_INS:
+        ask(style.isUnderlined);
+        break;
+    case GUMBO_TAG_S:
+    case GUMBO_TAG_STRIKE:
+    case GUMBO_TAG_DEL:
+        ask(style.isStruckOut);
+        break;
+    case GUMBO_TAG_TT:
+    case GUMBO_TAG_CODE:
+    case GUMBO_TAG_KBD:
+    case GUMBO_TAG_SAMP:
+    case GUMBO_TAG_PRE:
+        style.family = QStringLiteral("monospace");
+        break;
+    case GUMBO_TAG_BIG:
+        askForSize(size * 1.2);
+        break;
+    case GUMBO_TAG_SMALL:
+    case GUMBO_TAG_SUB:
+    case GUMBO_TAG_SUP:
+        askForSize(size / 1.2);
+        break;
+    case GUMBO_TAG_MARK:
+        style.background = style.background.isValid() ? style.background : QColor(Qt::yellow);
+        break;
+    case GUMBO_TAG_CENTER:
+        style.alignment = style.alignment.isEmpty() ? QStringLiteral("center") : style.alignment;
+        break;
+    case GUMBO_TAG_H1:
+    case GUMBO_TAG_H2:
+    case GUMBO_TAG_H3:
+    case GUMBO_TAG_H4:
+    case GUMBO_TAG_H5:
+    case GUMBO_TAG_H6:
+        ask(style.isBold);
+        askForSize(sizesOfHeadings.at(static_cast<std::size_t>(tag) - GUMBO_TAG_H1));
+        break;
+    default:
+        break;
+    }
+}
+
 } // namespace
 
 HtmlStyle htmlStyle(const GumboNode &element, int size)
@@ -163,13 +227,8 @@ HtmlStyle htmlStyle(const GumboNode &element, int size)
             apply(declaration.first(colon).trimmed(), value, size, style);
         }
     }
+    applyName(element.v.element.tag, size, style);
     return style;
-}
-
-int headingSize(int level)
-{
-    static constexpr std::array<int, 6> sizesOfHeadings = {18, 16, 14, 13, 12, 12};
-    return sizesOfHeadings.at(static_cast<std::size_t>(std::clamp(level, 1, 6) - 1));
 }
 
 QColor htmlColour(QStringView text)

@@ -6,8 +6,8 @@
 #include <gumbo.h>
 #include <optional>
 
-/// What an element of HTML asks for by its attributes and its style, as far as it is kept. What is not understood
-/// counts as not asked for.
+/// What an element of HTML asks for by its name, its attributes and its style, as far as it is kept. What is not
+/// understood counts as not asked for.
 struct HtmlStyle final {
     QColor colour; ///< Invalid for none, as the others.
     QColor background;
@@ -26,9 +26,6 @@ struct HtmlStyle final {
 
 /// That of an element within text of `size` pixels. Reentrant.
 [[nodiscard]] HtmlStyle htmlStyle(const GumboNode &element, int size);
-
-/// The size in pixels of a heading: 1 is the highest.
-[[nodiscard]] int headingSize(int level);
 
 /// A colour as HTML writes it: a name, "#rgb", "#rrggbb", the same without its "#", "rgb(r, g, b)"; invalid for all
 /// else, a transparent one included.

@@ -10,13 +10,13 @@
 namespace
 {
 
-constexpr qsizetype mostBytes = 65'536;
-constexpr int mostTags = 3000;
-constexpr int greatestDepth = 150;
-constexpr int mostOpenFormats = 24;
-constexpr qsizetype longestAddress = 2000;
-constexpr qsizetype longestStyle = 1000;
-constexpr qsizetype longestValue = 200;
+constexpr qsizetype maxBytes = 65'536;
+constexpr int maxTags = 3000;
+constexpr int maxDepth = 150;
+constexpr int maxOpenFormats = 24;
+constexpr qsizetype maxAddress = 2000;
+constexpr qsizetype maxStyle = 1000;
+constexpr qsizetype maxValue = 200;
 
 /// What an element is to the reader.
 enum class Kind {
@@ -61,19 +61,19 @@ const QHash<QString, Element> &elements()
 }
 
 /// 0 for one of which nothing is kept.
-qsizetype longestOf(QStringView attribute)
+qsizetype maxLengthOf(QStringView attribute)
 {
     static constexpr std::array kept = {u"align", u"alt",     u"bgcolor", u"border", u"cellpadding", u"cellspacing",
                                         u"color", u"colspan", u"dir",     u"face",   u"hidden",      u"rowspan",
                                         u"size",  u"start",   u"type",    u"valign", u"width"};
     if (attribute == u"href") {
-        return longestAddress;
+        return maxAddress;
     }
     if (attribute == u"style") {
-        return longestStyle;
+        return maxStyle;
     }
     const auto is = [attribute](const char16_t *name) { return attribute == QStringView(name); };
-    return std::ranges::any_of(kept, is) ? longestValue : 0;
+    return std::ranges::any_of(kept, is) ? maxValue : 0;
 }
 
 class Thinning final
@@ -89,7 +89,7 @@ public:
         while (std::optional<HtmlToken> token = m_tokens.next()) {
             const bool isText = token->kind == HtmlToken::Kind::Text;
             if (!append(isText ? textOf(token->text) : tagOf(*token))) {
-                m_result += isText ? beginningOf(token->text, mostBytes - m_result.size()) : QByteArray();
+                m_result += isText ? beginningOf(token->text, maxBytes - m_result.size()) : QByteArray();
                 m_result += "\xe2\x80\xa6";
                 break;
             }
@@ -100,7 +100,7 @@ public:
 private:
     [[nodiscard]] bool append(const QByteArray &bytes)
     {
-        if (m_result.size() + bytes.size() > mostBytes) {
+        if (m_result.size() + bytes.size() > maxBytes) {
             return false;
         }
         m_result += bytes;
@@ -117,10 +117,9 @@ private:
             length = length * 3 / 4;
         }
         // Half a reference to a character would be read as a text or as another one.
-        constexpr qsizetype longestReference = 40;
+        constexpr qsizetype maxReference = 40;
         const qsizetype reference = text.first(length).lastIndexOf(u'&');
-        if (reference >= length - longestReference && reference >= 0 &&
-            text.first(length).indexOf(u';', reference) < 0) {
+        if (reference >= length - maxReference && reference >= 0 && text.first(length).indexOf(u';', reference) < 0) {
             length = reference;
         }
         return textOf(text.first(length));
@@ -133,7 +132,7 @@ private:
             return {};
         }
         const bool isStart = token.kind == HtmlToken::Kind::StartTag;
-        if (++m_tags > mostTags || (isStart && !mayOpen(element->kind))) {
+        if (++m_tags > maxTags || (isStart && !mayOpen(element->kind))) {
             return " "; // It may have parted two words.
         }
         if (!isStart) {
@@ -142,9 +141,9 @@ private:
         }
         QByteArray tag = QByteArray("<") + element->name;
         for (const HtmlToken::Attribute &attribute : token.attributes) {
-            const qsizetype longest = longestOf(attribute.name);
+            const qsizetype longest = maxLengthOf(attribute.name);
             // Half an address is another address; half of anything else is nothing much.
-            if (longest > 0 && (attribute.value.size() <= longest || longest != longestAddress)) {
+            if (longest > 0 && (attribute.value.size() <= longest || longest != maxAddress)) {
                 const QByteArray value = attribute.value.first(std::min(attribute.value.size(), longest)).toUtf8();
                 tag += ' ' + attribute.name.toLatin1() + "=\"" + QByteArray(value).replace('"', "&quot;") + '"';
             }
@@ -157,7 +156,7 @@ private:
         if (kind == Kind::Void || kind == Kind::SelfEnding) {
             return true;
         }
-        if (m_depth >= greatestDepth || (kind == Kind::Format && m_openFormats >= mostOpenFormats)) {
+        if (m_depth >= maxDepth || (kind == Kind::Format && m_openFormats >= maxOpenFormats)) {
             return false;
         }
         ++m_depth;

@@ -7,7 +7,7 @@ namespace
 {
 
 /// Far more than any tag has; the rest falls away.
-constexpr qsizetype mostAttributes = 64;
+constexpr qsizetype maxAttributes = 64;
 
 bool isOneOf(QStringView name, std::initializer_list<QStringView> names)
 {
@@ -166,7 +166,7 @@ bool HtmlTokens::readAttribute(HtmlToken &token)
         skipBlanks();
         value = readValue();
     }
-    if (token.attributes.size() < mostAttributes) {
+    if (token.attributes.size() < maxAttributes) {
         token.attributes.append({name.toString().toLower(), value});
     }
     return true;

@@ -45,6 +45,31 @@ bool HtmlNode::isElement(const GumboNode &node)
     return node.type == GUMBO_NODE_ELEMENT;
 }
 
+bool HtmlNode::isBlock(const GumboNode &node)
+{
+    switch (isElement(node) ? node.v.element.tag : GUMBO_TAG_UNKNOWN) {
+    case GUMBO_TAG_P:
+    case GUMBO_TAG_DIV:
+    case GUMBO_TAG_CENTER:
+    case GUMBO_TAG_BLOCKQUOTE:
+    case GUMBO_TAG_PRE:
+    case GUMBO_TAG_H1:
+    case GUMBO_TAG_H2:
+    case GUMBO_TAG_H3:
+    case GUMBO_TAG_H4:
+    case GUMBO_TAG_H5:
+    case GUMBO_TAG_H6:
+    case GUMBO_TAG_DL:
+    case GUMBO_TAG_DT:
+    case GUMBO_TAG_DD:
+    case GUMBO_TAG_LI:
+    case GUMBO_TAG_CAPTION:
+        return true;
+    default:
+        return false;
+    }
+}
+
 QString HtmlNode::text(const GumboNode &node)
 {
     const bool isText = node.type == GUMBO_NODE_TEXT || node.type == GUMBO_NODE_WHITESPACE;

@@ -30,6 +30,8 @@ namespace HtmlNode
 
 /// Whether it is an element, and not a text or a comment.
 [[nodiscard]] bool isElement(const GumboNode &node);
+/// Whether it is an element that stands on lines of its own.
+[[nodiscard]] bool isBlock(const GumboNode &node);
 /// The text of a text, with its white space; null for any other node.
 [[nodiscard]] QString text(const GumboNode &node);
 /// An element's attribute; null when it has none of that name.

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-WorkInTurns::WorkInTurns(std::chrono::milliseconds shareOfATurn, std::size_t mostOfAClient)
+WorkInTurns::WorkInTurns(std::chrono::milliseconds shareOfATurn, std::size_t maxWaiting)
     : m_shareOfATurn(shareOfATurn)
-    , m_mostOfAClient(mostOfAClient)
+    , m_maxWaiting(maxWaiting)
 {
 }
 
@@ -25,7 +25,7 @@ bool WorkInTurns::carryOut(const QString &client, Work work)
     }
     const auto entry = m_waiting.find(client);
     const std::size_t waiting = entry == m_waiting.end() ? 0 : entry->second.size();
-    if (waiting >= m_mostOfAClient) {
+    if (waiting >= m_maxWaiting) {
         return false;
     }
     std::deque<Piece> &pieces = m_waiting[client];
@@ -75,5 +75,5 @@ WorkInTurns::Work WorkInTurns::takeNext()
 
 WorkInTurns::Order &WorkInTurns::orderOfWhoHas(std::size_t waiting)
 {
-    return waiting > kMostInOrder ? m_flooding : m_next;
+    return waiting > kMaxInOrder ? m_flooding : m_next;
 }

@@ -12,9 +12,9 @@
 #include <map>
 #include <optional>
 
-/// Carries out work for other programs: at once while there is little of it, and spread over turns of the event loop
-/// when there is much. Qt hands over all messages that have come since it last looked in one go, which in a flood of
-/// them takes seconds, and the user's clicks would wait as long. Main thread only.
+/// Carries out work for other programs: at once while there is little of it, and spread over iterations of the event
+/// loop (its turns, here) when there is much. Qt hands over all messages that have come since it last looked in one go,
+/// which in a flood of them takes seconds, and the user's clicks would wait as long. Main thread only.
 class WorkInTurns final : public QObject
 {
     Q_OBJECT
@@ -26,15 +26,14 @@ public:
     static constexpr std::chrono::milliseconds kShareOfATurn{5};
     /// A client for whom more pieces than that wait floods, and the others need not wait for it: several times the
     /// longest burst that one has reason for.
-    static constexpr std::size_t kMostInOrder = 1000;
+    static constexpr std::size_t kMaxInOrder = 1000;
     /// More pieces than that do not wait for one client, so that a flood does not take all memory.
-    static constexpr std::size_t kMostOfAClient = 100'000;
+    static constexpr std::size_t kMaxWaiting = 100'000;
 
-    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn,
-                         std::size_t mostOfAClient = kMostOfAClient);
+    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn, std::size_t maxWaiting = kMaxWaiting);
 
     /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work is carried out
-    /// in the order in which it came, whoever it is for; only that of a client for whom more than kMostInOrder pieces
+    /// in the order in which it came, whoever it is for; only that of a client for whom more than kMaxInOrder pieces
     /// wait comes behind all other until they have become fewer. Work for one client keeps its order in any case.
     /// `work` may run an event loop of its own, in which what waits goes on, and must not throw. False, and `work` is
     /// dropped, when the most that may wait for this client waits already.
@@ -54,7 +53,7 @@ private:
     [[nodiscard]] Order &orderOfWhoHas(std::size_t waiting);
 
     std::chrono::milliseconds m_shareOfATurn;
-    std::size_t m_mostOfAClient;
+    std::size_t m_maxWaiting;
     std::uint64_t m_pieces = 0;
     std::map<QString, std::deque<Piece>> m_waiting; ///< While there is any, the next turn is sure to come.
     Order m_next;

@@ -245,10 +245,9 @@ TEST(FeedParser, ReadsADocumentWithoutMessages)
 TEST(FeedParser, HandsOverTheRecordsBeforeAMalformedSpot)
 {
     const QByteArray good = message("<messageId>1</messageId>") + message("<messageId>2</messageId>");
-    for (const QByteArray rest :
-         {"<supportMessage><messageId>3</messageId>", "<supportMessage></wrong>", "&unknown;", "\xFF", "<", "\x01",
-          "</supportMessages><more/>", "</supportMessages>text", "<a b='1' b='2'/>", "<!DOCTYPE a>",
-          "</supportMessages><!DOCTYPE a>"}) {
+    for (const QByteArray rest : {"<supportMessage><messageId>3</messageId>", "<supportMessage></wrong>", "&unknown;",
+                                  "\xFF", "<", "\x01", "</supportMessages><more/>", "</supportMessages>text",
+                                  "<a b='1' b='2'/>", "<!DOCTYPE a>", "</supportMessages><!DOCTYPE a>"}) {
         Feed feed;
         EXPECT_EQ(feed.parser.parse("<supportMessages>" + good + rest), Outcome::Malformed) << rest.constData();
         EXPECT_EQ(feed.ids(), (Ids{"1", "2"})) << rest.constData();

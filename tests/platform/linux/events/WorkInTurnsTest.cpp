@@ -84,27 +84,27 @@ TEST_F(WorkInTurnsTest, KeepsTheOrderOfAClient)
 TEST_F(WorkInTurnsTest, KeepsTheOrderInWhichItCameWhoeverItIsFor)
 {
     carryOut(one, noteAfterLong('a'));
-    for (std::size_t i = 0; i < WorkInTurns::kMostInOrder - 1; ++i) {
+    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder - 1; ++i) {
         carryOut(one, note('.'));
     }
     carryOut(other, note('b'));
     carryOut(one, note('c'));
     carryOut(other, note('d'));
-    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMostInOrder + 2; }));
-    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMostInOrder - 1, '.') + "bcd");
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 2; }));
+    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMaxInOrder - 1, '.') + "bcd");
 }
 
 TEST_F(WorkInTurnsTest, ComesBehindThatOfOthersForAClientForWhomTooMuchWaits)
 {
     carryOut(one, noteAfterLong('a'));
-    for (std::size_t i = 0; i <= WorkInTurns::kMostInOrder; ++i) {
+    for (std::size_t i = 0; i <= WorkInTurns::kMaxInOrder; ++i) {
         carryOut(one, note('.'));
     }
     carryOut(other, note('b'));
     carryOut(QStringLiteral("third"), note('c'));
     carryOut(other, note('d'));
-    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMostInOrder + 1 + 3; }));
-    EXPECT_EQ(done, "abcd" + std::string(WorkInTurns::kMostInOrder + 1, '.'));
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 1 + 3; }));
+    EXPECT_EQ(done, "abcd" + std::string(WorkInTurns::kMaxInOrder + 1, '.'));
 }
 
 TEST_F(WorkInTurnsTest, TakesItsPlaceAgainOnceLessOfItWaits)
@@ -112,11 +112,11 @@ TEST_F(WorkInTurnsTest, TakesItsPlaceAgainOnceLessOfItWaits)
     carryOut(one, noteAfterLong('a'));
     // When this is carried out, just as much waits as may be in order.
     carryOut(one, [this] { carryOut(other, note('b')); });
-    for (std::size_t i = 0; i < WorkInTurns::kMostInOrder; ++i) {
+    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder; ++i) {
         carryOut(one, note('.'));
     }
-    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMostInOrder + 1; }));
-    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMostInOrder, '.') + 'b');
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 1; }));
+    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMaxInOrder, '.') + 'b');
 }
 
 TEST_F(WorkInTurnsTest, IsRefusedOnlyToWhoHasTheMostThatMayWait)

@@ -1,9 +1,9 @@
-#include "shell/EventHandler.h"
+#include "shell/link/EventHandler.h"
 
-#include "shell/EventCodes.h"
-#include "shell/EventLink.h"
 #include "shell/ProcessState.h"
-#include "shell/ServiceCommands.h"
+#include "shell/link/EventCodes.h"
+#include "shell/link/EventLink.h"
+#include "shell/link/ServiceCommands.h"
 
 OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
 {

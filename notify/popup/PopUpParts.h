@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+
+#include <cstdint>
+
+class QLabel;
+class QPushButton;
+class QWidget;
+
+/// The parts of a pop-up beside its text: made as children of `parent`, and placed at `frame` in its coordinates,
+/// whenever that is another one. A text that is too long for its frame ends in an ellipsis, and is read out whole. Main
+/// thread only.
+
+/// Takes no focus: a pop-up never has the keyboard.
+[[nodiscard]] QPushButton *newPopUpButton(const QString &text, QWidget *parent);
+void placePopUpButton(QPushButton &button, const QRect &frame);
+
+[[nodiscard]] QLabel *newPopUpIcon(QWidget *parent);
+/// The picture of the message's type; an empty place when there is none.
+void placePopUpIcon(QLabel &icon, std::int32_t messageType, const QRect &frame);
+
+[[nodiscard]] QLabel *newPopUpTitle(const QString &text, QWidget *parent);
+void placePopUpTitle(QLabel &title, const QRect &frame);

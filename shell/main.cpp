@@ -34,11 +34,9 @@ void tearDown()
 {
     AERemoveEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, false);
     auto &manager = KivNotificationManager::sharedInstance();
-    if (!manager.notifications().records().empty()) {
-        // The first message is not saved when it comes, and the feed, which knows that it was received, does not send
-        // it again.
-        manager.exportNotificationsToFile();
-    }
+    // The first message is not saved when it comes, and the feed, which knows that it was received, does not send it
+    // again.
+    manager.saveUnsavedRecords();
     manager.setKivMenu(nullptr);
     __menu.reset();
 }

@@ -69,11 +69,13 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
     reader.setNamespaceProcessing(false);
     const FeedDocument document = feedDocument(bytes, maxAttributes);
     reader.addData(document.text);
+    bool hasRoot = false;
     int levels = 0;
     int messages = 0;
     for (;;) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
+            hasRoot = true;
             messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
             if (++levels > maxLevels || messages > maxMessages) {
                 return Outcome::Malformed;
@@ -90,6 +92,10 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
         case QXmlStreamReader::EndDocument:
             return document.isWhole ? Outcome::EndOfDocument : Outcome::Malformed;
         case QXmlStreamReader::DTD:
+            if (hasRoot) { // Qt takes one behind it, too.
+                return Outcome::Malformed;
+            }
+            break;
         case QXmlStreamReader::EntityReference:
         case QXmlStreamReader::Invalid:
             return Outcome::Malformed;

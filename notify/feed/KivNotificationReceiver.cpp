@@ -44,8 +44,7 @@ KivNotificationReceiver::~KivNotificationReceiver() = default;
 
 void KivNotificationReceiver::recieveNotifications()
 {
-    // Not from within start-up, which has more urgent things to do than to start another process.
-    QTimer::singleShot(0, this, &KivNotificationReceiver::receiveNextNotification);
+    receiveNextNotification();
     m_timer = std::make_unique<QTimer>();
     m_timer->setTimerType(Qt::PreciseTimer);
     m_timer->callOnTimeout(this, &KivNotificationReceiver::receiveNextNotification);

@@ -145,10 +145,11 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     record->setWasDisplayed(false);
     queueAdd(record);
     m_notifications.dropBeyond(maxRecords, maxBytes);
-    if (m_notifications.records().size() == 1 && !m_notificationWindow) {
-        forceNotification();
-    } else {
+    if (m_notifications.records().size() != 1 || m_notificationWindow) {
         exportNotificationsToFile();
+    } else if (m_showNextTimer) { // Else it is only read back.
+        m_recordToShow = m_notifications.records().front();
+        m_isRecordUnsaved = m_recordToShow == record; // And not one that waited there.
     }
 }
 
@@ -197,16 +198,30 @@ void KivNotificationManager::importNotificationsFromFile()
 void KivNotificationManager::exportNotificationsToFile()
 {
     m_isExportDue = true;
-    if (m_deliveries > 0) {
-        return;
+    if (m_deliveries == 0) {
+        writeFile([](const KivNotification &) { return true; });
     }
+}
+
+void KivNotificationManager::saveUnsavedRecords()
+{
+    if (m_isRecordUnsaved || m_isExportDue) {
+        writeFile([](const KivNotification &record) { return record.messagePriority() != kPriorityInstant; });
+    }
+}
+
+void KivNotificationManager::writeFile(const std::function<bool(const KivNotification &)> &belongs)
+{
     QVariantList list;
     list.reserve(static_cast<qsizetype>(m_notifications.records().size()));
     for (const std::shared_ptr<KivNotification> &record : m_notifications.records()) {
-        list.append(record->exportToDictionary());
+        if (record != m_recordToShow && belongs(*record)) {
+            list.append(record->exportToDictionary());
+        }
     }
     m_isExportDue = !m_cache.write(list);
     if (!m_isExportDue) {
+        m_isRecordUnsaved = m_recordToShow != nullptr;
         saveLastMesIDIfDue();
     }
 }
@@ -229,12 +244,32 @@ void KivNotificationManager::endDelivery() noexcept
         return;
     }
     const std::lock_guard hold(m_notificationsLock);
-    if (m_isExportDue) {
+    const bool isExportDue = m_isExportDue;
+    if (isExportDue) {
         exportNotificationsToFile();
     }
     // Not when there was no room for the queue: the feed, told of the id, would not send the messages again.
     if (!m_isExportDue) {
         saveLastMesIDIfDue();
+    }
+    // Only now, and in no file before: a message that brings the agent down as it is shown must not come again.
+    if (const std::shared_ptr<KivNotification> record = std::exchange(m_recordToShow, nullptr)) {
+        showFirstRecord(record);
+        if (isExportDue) {
+            exportNotificationsToFile();
+        }
+    }
+}
+
+void KivNotificationManager::showFirstRecord(const std::shared_ptr<KivNotification> &record) noexcept
+{
+    try {
+        const ReadWriteLock::Hold hold = m_rwLock.lockForWriting();
+        if (hold && m_properties.shouldShowNotification(*record)) {
+            displayNotification(record);
+        }
+    } catch (const std::exception &problem) {
+        qWarning("a message cannot be shown: %s", problem.what());
     }
 }
 

@@ -59,7 +59,7 @@ QLayout *newMessageLayout(const QString &message, QWidget *parent)
 
 AlertPanel::AlertPanel(Style style, const Texts &texts)
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint)
-    , m_escape(texts.alternateButton.isNull() ? Default : Alternate)
+    , m_escape(!texts.alternateButton.isNull() && texts.otherButton.isNull() ? Alternate : Default)
 {
     setWindowTitle(QStringLiteral("Kivune"));
     setAccessibleName(texts.title);

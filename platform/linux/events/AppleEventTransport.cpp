@@ -233,7 +233,9 @@ void AppleEventTransport::receive(const QDBusMessage &message, const QDBusConnec
                QStringLiteral("Not an event: see the interface's description"));
         return;
     }
-    if (sender) {
+    // A sender that has closed its connection may well be the process that it says: it is not known, which is not to be
+    // nobody.
+    if (sender.value_or(0) != 0) {
         event->sender = static_cast<SInt32>(*sender);
     }
     const OSErr status = handle(std::move(*event));

@@ -247,6 +247,21 @@ QIcon StatusItem::image() const
     return d->look.image;
 }
 
+WId StatusItem::getWindow() const
+{
+    return d->window && d->window->place() ? d->window->id() : 0;
+}
+
+QScreen *StatusItem::getScreen() const
+{
+    const std::optional<QRect> place = d->window ? d->window->place() : std::nullopt;
+    if (!place) {
+        return nullptr;
+    }
+    const ScreenCoordinates screen = screenCoordinates();
+    return QGuiApplication::screenAt(screen.toQt(screen.fromDevice(place->center())));
+}
+
 std::optional<NSRect> StatusItem::frame() const
 {
     const std::optional<QRect> place = d->window ? d->window->place() : std::nullopt;

@@ -7,6 +7,7 @@
 #include "menu/DisplaySwitch.h"
 #include "menu/MenuEnabling.h"
 #include "menu/MenuEntries.h"
+#include "menu/ProductTexts.h"
 #include "menu/StatusItemPlacement.h"
 #include "platform/MainScreen.h"
 #include "platform/StatusBar.h"
@@ -245,7 +246,7 @@ void KIVMenuObj::createStatusItem()
 {
     m_tray = std::make_unique<StatusItem>();
     m_tray->setEnabled(true);
-    m_tray->setToolTip(QStringLiteral("Kivune Menu"));
+    m_tray->setToolTip(QString::fromUtf16(ProductTexts::toolTip));
     m_tray->setTitle(QString());
     // Queued: the service may remove the item while its menu is open, that is from within this very call.
     connect(m_tray.get(), &StatusItem::pressed, this, &KIVMenuObj::menuTrayPressed, Qt::QueuedConnection);

@@ -1,5 +1,7 @@
 #include "menu/MenuEntries.h"
 
+#include "menu/ProductTexts.h"
+
 #include <algorithm>
 
 namespace
@@ -18,7 +20,7 @@ constexpr MenuEntry entries[] = {
     {kMenuCmdDisconnect, topLevel, u"Disconnect the Session", true, false},
     {kMenuCmdServerPrefs, topLevel, u"Server Preferences", true, true},
     {kMenuCmdSupport, topLevel, u"Online Support", true, true},
-    {kMenuCmdAbout, topLevel, u"About Kivune Server", true, true},
+    {kMenuCmdAbout, topLevel, ProductTexts::aboutEntry, true, true},
 };
 } // namespace
 

@@ -39,13 +39,13 @@ void openSupportPage()
 void showCredits()
 {
     [[maybe_unused]] const int onlyButton = __run_alert(
-        QStringLiteral("Kivune Project credits."), QString::fromUtf16(ProductTexts::credits), QStringLiteral("Close"));
+        QString::fromUtf16(ProductTexts::creditsTitle), QString::fromUtf16(ProductTexts::credits), QStringLiteral("Close"));
 }
 
 void showProductInformation()
 {
     const ProductInformation information = productInformation(Bundle::main().infoDictionary());
-    switch (__run_alert(QStringLiteral("Kivune Product information."), information.body, QStringLiteral("Close"),
+    switch (__run_alert(QString::fromUtf16(ProductTexts::informationTitle), information.body, QStringLiteral("Close"),
                         QStringLiteral("Home..."), QStringLiteral("Credits"))) {
     case AlertPanel::Alternate:
         Workspace::openUrl(information.home);
@@ -60,7 +60,7 @@ void showProductInformation()
 
 void disconnectIfConfirmed()
 {
-    const int answer = __run_alert(QStringLiteral("This will disconnect the current Kivune session."),
+    const int answer = __run_alert(QString::fromUtf16(ProductTexts::disconnectTitle),
                                    QStringLiteral("Your programs will continue to run after disconnection.\n"
                                                   "You can reconnect to this session remotely later.\n\n"
                                                   "Do you want to disconnect this session?"),

@@ -1,5 +1,6 @@
 #include "notify/popup/KivNotificationWindow.h"
 
+#include "notify/ProductTexts.h"
 #include "notify/popup/KivNotificationView.h"
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
@@ -143,7 +144,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
 
     const QString title = m_notification->messageTypeString();
-    setWindowTitle(title.isEmpty() ? QStringLiteral("Kivune") : title);
+    setWindowTitle(title.isEmpty() ? QString::fromUtf16(ProductTexts::popUpTitle) : title);
     setAccessibleName(windowTitle());
 
     const std::optional<NSRect> mainScreen = MainScreen::frame();

@@ -1,5 +1,6 @@
 #include "notify/queue/NotificationCache.h"
 
+#include "notify/ProductTexts.h"
 #include "platform/data/AtomicFile.h"
 #include "platform/data/OwnFolder.h"
 #include "platform/data/PropertyList.h"
@@ -22,7 +23,6 @@ namespace
 
 Q_LOGGING_CATEGORY(queueLog, "kiv.queue", QtWarningMsg)
 
-const QLatin1String notificationCacheDirectory("~/Library/Caches/com.tamborel.kivune");
 const QLatin1String notificationCacheFile("notifications.plist");
 
 QString expanded(QString path, const QString &homeFolder)
@@ -65,7 +65,7 @@ QString nearestFolder(QString path)
 } // namespace
 
 NotificationCache::NotificationCache(const QString &homeFolder)
-    : m_folder(expanded(notificationCacheDirectory, homeFolder))
+    : m_folder(expanded(ProductTexts::notificationCacheDirectory, homeFolder))
     , m_path(m_folder + u'/' + notificationCacheFile)
 {
 }

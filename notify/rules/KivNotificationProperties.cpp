@@ -1,5 +1,6 @@
 #include "notify/rules/KivNotificationProperties.h"
 
+#include "notify/ProductTexts.h"
 #include "notify/record/FeedVocabulary.h"
 #include "notify/rules/Relevance.h"
 #include "notify/rules/ShowPermission.h"
@@ -37,7 +38,7 @@ std::uint32_t joinedDigits(QString version)
 KivNotificationProperties::KivNotificationProperties(const Bundle &bundle, const QString &homeFolder,
                                                      const QString &systemVersionFile, UserDatabase users,
                                                      std::function<QDateTime()> clock)
-    : m_preferencesFile(homeFolder + QLatin1String("/Library/Preferences/com.tamborel.kivmenua.plist"))
+    : m_preferencesFile(QString(ProductTexts::preferencesFile).replace(0, 1, homeFolder))
     , m_users(std::move(users))
     , m_clock(std::move(clock))
     , m_installation(gatheredFacts(bundle, systemVersionFile))
@@ -106,7 +107,7 @@ void KivNotificationProperties::saveLastMessID(const QString &messageId)
     // In place, so that the file keeps its owner and its other names; and a file that could not be read stays as it is,
     // as does one somewhere else that a symbolic link leads to.
     if (!preferences || !PropertyList::writeFile(m_preferencesFile, *preferences, PropertyList::Writing::InPlace)) {
-        syslog(LOG_ERR, "Kivune[M]: Could not write file: : %s", QFile::encodeName(m_preferencesFile).constData());
+        syslog(LOG_ERR, ProductTexts::preferencesNotWritten, QFile::encodeName(m_preferencesFile).constData());
     }
 }
 

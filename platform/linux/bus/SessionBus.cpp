@@ -16,7 +16,7 @@ namespace
 QString freshConnectionName()
 {
     static int count = 0;
-    return QStringLiteral("kivune-session-%1").arg(++count);
+    return QStringLiteral("kiv-session-%1").arg(++count);
 }
 
 QDBusConnection noConnection()

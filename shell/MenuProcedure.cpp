@@ -2,6 +2,7 @@
 
 #include "menu/MenuCommands.h"
 #include "platform/Bundle.h"
+#include "platform/LogCategories.h"
 #include "platform/Workspace.h"
 #include "platform/alert/AlertPanel.h"
 #include "shell/AlertRunner.h"
@@ -15,6 +16,7 @@ namespace
 {
 void forward(std::uint32_t code)
 {
+    qCDebug(linkLog, "command %u goes to process %u", code, static_cast<unsigned int>(__owpsn.lowLongOfPSN));
     AppleEvent event{};
     if (!kivmAECreateEvent(&__mypsn, &__owpsn, kMenuEvtAction, &event)) {
         return;
@@ -38,8 +40,9 @@ void openSupportPage()
 
 void showCredits()
 {
-    [[maybe_unused]] const int onlyButton = __run_alert(
-        QString::fromUtf16(ProductTexts::creditsTitle), QString::fromUtf16(ProductTexts::credits), QStringLiteral("Close"));
+    [[maybe_unused]] const int onlyButton =
+        __run_alert(QString::fromUtf16(ProductTexts::creditsTitle), QString::fromUtf16(ProductTexts::credits),
+                    QStringLiteral("Close"));
 }
 
 void showProductInformation()

@@ -2,6 +2,8 @@
 #include "notify/feed/KivNotificationReceiver.h"
 #include "notify/queue/KivNotificationManager.h"
 #include "platform/GraphicalSession.h"
+#include "platform/LogCategories.h"
+#include "platform/LogOutput.h"
 #include "platform/SessionLock.h"
 #include "shell/Application.h"
 #include "shell/DockSearch.h"
@@ -46,6 +48,7 @@ void tearDown()
 
 int main(int, char **argv)
 {
+    LogOutput::useStandardError();
     if (const QString obstacle = GraphicalSession::prepare(); !obstacle.isEmpty()) {
         std::fprintf(stderr, "kivmenua: %s\n", qPrintable(obstacle));
         return EXIT_FAILURE;
@@ -56,6 +59,7 @@ int main(int, char **argv)
 
     SessionLock lock;
     if (!lock.tryAcquire()) {
+        qCDebug(agentLog, "another agent has this display: ends at once");
         return EXIT_SUCCESS;
     }
     GraphicalSession::settle();
@@ -65,6 +69,7 @@ int main(int, char **argv)
         const SuddenExit whenTheServerDies;
         Application::exec();
     }
+    qCDebug(agentLog, "ends");
     tearDown();
     return EXIT_SUCCESS;
 }

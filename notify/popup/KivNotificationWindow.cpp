@@ -6,6 +6,7 @@
 #include "notify/popup/PopUpLayout.h"
 #include "platform/Bundle.h"
 #include "platform/Compositor.h"
+#include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
 #include "platform/images/IcnsReader.h"
@@ -300,6 +301,7 @@ void KivNotificationWindow::close()
         return;
     }
     m_closed = true;
+    qCDebug(popUpLog) << "closes; its message is to come back" << m_notification->messageRepeat() << "times";
     dealloc_animation();
     dealloc_timer();
     if (m_delegate) {
@@ -357,6 +359,8 @@ void KivNotificationWindow::clickedOnLink(const QUrl &link)
                                        QStringLiteral("mailto")};
     if (opened.contains(link.scheme())) {
         Workspace::openUrl(link.toString(QUrl::FullyEncoded));
+    } else {
+        qCDebug(popUpLog) << "a link is not opened:" << link.toString(QUrl::FullyEncoded);
     }
 }
 

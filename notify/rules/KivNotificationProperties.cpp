@@ -2,9 +2,11 @@
 
 #include "notify/ProductTexts.h"
 #include "notify/record/FeedVocabulary.h"
+#include "notify/record/KivNotification.h"
 #include "notify/rules/Relevance.h"
 #include "notify/rules/ShowPermission.h"
 #include "platform/Bundle.h"
+#include "platform/LogCategories.h"
 #include "platform/SystemVersion.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
@@ -80,12 +82,14 @@ bool KivNotificationProperties::isCurrentUserIsAdminLevelUser() const
 bool KivNotificationProperties::loadPrefList()
 {
     if (!QFile::exists(m_preferencesFile)) {
+        qCDebug(queueLog) << "no settings in" << m_preferencesFile;
         return false;
     }
     const QVariantMap preferences =
         readDictionary(m_preferencesFile, RegularFile::Links::Follow).value_or(QVariantMap());
     m_lastMesID = StringValues::stringValue(preferences.value(lastMessageIdKey));
     m_settings = NotificationSettings::fromDictionary(preferences);
+    qCDebug(queueLog) << "settings read from" << m_preferencesFile << "- last message received:" << m_lastMesID;
     return true;
 }
 
@@ -113,10 +117,17 @@ void KivNotificationProperties::saveLastMessID(const QString &messageId)
 
 bool KivNotificationProperties::notificationIsRelevant(const KivNotification &record) const
 {
-    return ::notificationIsRelevant(record, m_installation, m_clock());
+    const std::optional<QLatin1String> unfit = whyNotRelevant(record, m_installation, m_clock());
+    if (unfit) {
+        qCDebug(queueLog) << "message" << record.messageId() << "is not for this installation: its" << *unfit
+                          << "does not fit";
+    }
+    return !unfit;
 }
 
 bool KivNotificationProperties::shouldShowNotification(const KivNotification &record) const
 {
-    return ::shouldShowNotification(record, m_settings, m_clock());
+    const ShowObstacle obstacle = obstacleToShowing(record, m_settings, m_clock());
+    qCDebug(queueLog) << "message" << record.messageId() << description(obstacle);
+    return obstacle == ShowObstacle::None;
 }

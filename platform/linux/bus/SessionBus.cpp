@@ -1,5 +1,6 @@
 #include "platform/linux/include/SessionBus.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
 
@@ -37,7 +38,8 @@ void readWithoutLimit(const QDBusConnection &connection)
         return;
     }
     static std::once_flag once;
-    std::call_once(once, [] { qWarning("no way to lift libdbus's limit: a flood of messages may cut off the bus"); });
+    std::call_once(
+        once, [] { qCWarning(linkLog, "no way to lift libdbus's limit: a flood of messages may cut off the bus"); });
 }
 
 /// Whether the bus has not said anything to a question: there is none, or it has not answered in time.
@@ -132,7 +134,7 @@ bool SessionBus::requestName(const QString &busName) const
     }
     constexpr uint stands = 2;
     if (answer.arguments().value(0).toUInt() == stands) {
-        qWarning("another program has the name %s on the session bus: waiting for it", qPrintable(busName));
+        qCWarning(linkLog, "another program has the name %s on the session bus: waiting for it", qPrintable(busName));
     }
     return true;
 }
@@ -164,9 +166,13 @@ void SessionBus::tryToConnect()
     }
     if (!isConnected()) {
         disconnectFromBus();
+        if (!m_retry.isActive()) {
+            qCDebug(linkLog) << "no session bus at" << sessionBusAddress() << "- it is tried again";
+        }
         m_retry.start();
         return;
     }
+    qCDebug(linkLog) << "on the session bus at" << m_address << "as" << m_connection.baseService();
     m_retry.stop();
     readWithoutLimit(m_connection);
     // QtDBus knows no other way to name a slot than by a string.
@@ -182,6 +188,7 @@ void SessionBus::onDisconnected()
     if (isConnected() || m_retry.isActive()) {
         return;
     }
+    qCDebug(linkLog, "the session bus has gone: it is tried again");
     disconnectFromBus();
     m_retry.start();
     Q_EMIT disconnected();

@@ -1,5 +1,6 @@
 #include "platform/linux/item/TrayIconWindow.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
@@ -61,8 +62,10 @@ std::unique_ptr<TrayIconWindow> TrayIconWindow::dockedIn(xcb_window_t tray, int 
 {
     const std::optional<XVisual> visual = trayVisual(tray);
     if (!visual) {
+        qCWarning(itemLog, "no item: the tray asks for a visual that cannot be painted");
         return nullptr;
     }
+    qCDebug(itemLog, "asks the tray of window 0x%x to take the item in", tray);
     std::unique_ptr<TrayIconWindow> window(new TrayIconWindow(Kind::Docked, *visual, QRect(0, 0, side, side)));
     window->requestDock(tray);
     return window;
@@ -73,6 +76,7 @@ std::unique_ptr<TrayIconWindow> TrayIconWindow::standingAt(const QRect &place)
     xcb_screen_t *screen = XConnection::screen();
     const std::optional<XVisual> visual = findVisual(screen, screen->root_visual);
     if (!visual) {
+        qCWarning(itemLog, "no item: the screen's visual cannot be painted");
         return nullptr;
     }
     std::unique_ptr<TrayIconWindow> window(new TrayIconWindow(Kind::Alone, *visual, place));
@@ -288,6 +292,7 @@ void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
 void TrayIconWindow::handleReparent(xcb_window_t parent)
 {
     if (parent != XConnection::screen()->root) {
+        qCDebug(itemLog, "the tray has taken the item in");
         m_embedded = true;
         return;
     }

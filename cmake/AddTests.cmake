@@ -16,10 +16,7 @@ function(kiv_add_test_program name)
     target_link_libraries(${name} PRIVATE kiv_test_main)
   endif()
   target_link_libraries(${name} PRIVATE kiv_options kiv_test_support ${P_LIBS})
-  target_precompile_headers(${name} PRIVATE
-    <gmock/gmock.h> <gtest/gtest.h>
-    <QByteArray> <QDateTime> <QFile> <QList> <QString> <QVariant>
-    <chrono> <functional> <memory> <optional> <string> <vector>)
+  target_precompile_headers(${name} REUSE_FROM kiv_test_support)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 endfunction()
 

@@ -188,6 +188,14 @@ class Rooms(CleanRoom):
                          ["bookworm http://mirror.example/debian/", "testing http://mirror.example/debian/",
                           "trixie http://deb.debian.org/debian"])
 
+    def test_a_machine_that_can_have_none_says_so_by_its_status(self):
+        unshare = self.folder / "bin/unshare"
+        unshare.write_text("#!/bin/sh\necho 'unshare: not permitted' >&2\nexit 1\n")
+        unshare.chmod(0o755)
+        done = self.kiv("clean-room", "13", "look")
+        self.assertEqual((done.returncode, done.stderr), (69, "unshare: not permitted\n"))
+        self.assertFalse(self.rooms.exists())
+
     def test_pictures_are_brought_out(self):
         self.kiv("clean-room", "13", "look")
         self.assertEqual((self.clone / "build/clean-rooms/13/session.png").read_text(), "picture\n")

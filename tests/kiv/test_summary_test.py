@@ -14,13 +14,24 @@ def program(name, output="", status="run", inside=""):
     return f'<testcase name="{name}" status="{status}">{inside}<system-out>{escape(output)}</system-out></testcase>'
 
 
+def test_summary(*arguments):
+    return subprocess.run([sys.executable, "-B", SOURCE / "tools/kiv/test_summary.py", *arguments], text=True,
+                          capture_output=True, timeout=60)
+
+
+def results(folder, name, programs):
+    file = pathlib.Path(folder) / name
+    file.write_text("<testsuite>" + "".join(programs) + "</testsuite>")
+    return file
+
+
 class TestSummary(unittest.TestCase):
-    def summary(self, *programs):
-        with tempfile.NamedTemporaryFile("w", suffix=".xml") as file:
-            file.write("<testsuite>" + "".join(programs) + "</testsuite>")
-            file.flush()
-            done = subprocess.run([sys.executable, "-B", SOURCE / "tools/kiv/test_summary.py", file.name], text=True,
-                                  capture_output=True, check=True, timeout=60)
+    def summary(self, *programs, again=None):
+        with tempfile.TemporaryDirectory() as folder:
+            first = results(folder, "first.xml", programs)
+            second = results(folder, "second.xml", again) if again else pathlib.Path(folder) / "none.xml"
+            done = test_summary(first, second)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
         return done.stdout.split("\n")[1:-1]
 
     def test_the_tests_in_a_program_are_counted(self):
@@ -60,6 +71,27 @@ class TestSummary(unittest.TestCase):
         self.assertEqual(self.summary(program("A", "", "notrun", '<skipped message="SKIP_RETURN_CODE=77"/>'),
                                       program("B", "", "disabled", '<skipped message="Disabled"/>')),
                          ["0 passed, 0 failed, 2 skipped (1: A says so; 1: disabled)"])
+
+    def test_what_passes_when_tested_again_is_named(self):
+        failed = program("A", "[  FAILED  ] S.One (3 ms)\n[       OK ] S.Two (0 ms)\n", "fail")
+        passed = program("A", "[       OK ] S.One (3 ms)\n[       OK ] S.Two (0 ms)\n")
+        self.assertEqual(self.summary(failed, program("B"), again=[passed]),
+                         ["3 passed, 0 failed; 1 passed only when tested again: S.One"])
+
+    def test_what_fails_when_tested_again_has_failed_once(self):
+        failed = program("A", "[  FAILED  ] S.One (3 ms)\n[       OK ] S.Two (0 ms)\n", "fail")
+        self.assertEqual(self.summary(failed, again=[failed]), ["failed: S.One", "1 passed, 1 failed"])
+
+    def test_what_fails_in_another_way_when_tested_again_has_failed_twice(self):
+        failed = program("A", "[  FAILED  ] S.One (3 ms)\n", "fail")
+        self.assertEqual(self.summary(failed, again=[program("A", "", "fail")]),
+                         ["failed: S.One", "failed: A", "0 passed, 2 failed"])
+
+    def test_few_failures_are_three_programs(self):
+        with tempfile.TemporaryDirectory() as folder:
+            for count, few in ((1, True), (3, True), (4, False)):
+                file = results(folder, "results.xml", [program(str(i), "", "fail") for i in range(count)])
+                self.assertEqual(test_summary("--few-failures", file).returncode == 0, few)
 
 
 if __name__ == "__main__":

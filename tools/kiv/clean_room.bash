@@ -5,6 +5,9 @@
 # are: every clone on the machine uses the same rooms. Not below /root, where apt's own user could not enter.
 clean_rooms=${KIV_CLEAN_ROOMS:-/var/cache/kivmenua/clean-rooms}
 
+# The exit status where the kernel lets nobody make a clean room: EX_UNAVAILABLE of sysexits.h.
+no_clean_rooms_here=69
+
 clean_room() { # RELEASE --remove | RELEASE [--fresh] COMMAND...
     local release=${1:-} suite option='' room lock
     case $release in
@@ -19,6 +22,8 @@ clean_room() { # RELEASE --remove | RELEASE [--fresh] COMMAND...
     esac
     [[ $option == --remove || $# -gt 0 ]] || fail "clean-room wants a command; see ./kiv help"
     [[ $EUID -eq 0 ]] || fail "only root can make and enter a clean room"
+    # In a container, root may not be enough.
+    unshare --mount --pid --ipc --uts --fork true || exit "$no_clean_rooms_here"
     room=$clean_rooms/$release
     mkdir -p "$clean_rooms"
     exec {lock}>"$room.lock"

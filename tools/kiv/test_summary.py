@@ -1,20 +1,25 @@
-"""test_summary.py FILE: says how many tests passed, failed and were skipped, from what ctest --output-junit wrote.
+"""Reads what ctest --output-junit wrote. A program of GoogleTest counts as the tests in it, any other program as one.
 
-A program of GoogleTest counts as the tests in it, any other program as one.
+test_summary.py FILE [AGAIN]        says how many tests passed, failed and were skipped. AGAIN, which need not be there,
+                                    is about the programs that failed in FILE, which have been run once more.
+test_summary.py --few-failures FILE succeeds when so few programs failed that to run them once more is worth the time.
 """
 
 import collections
+import pathlib
 import re
 import sys
 import xml.etree.ElementTree
 
 OUTCOME = re.compile(r"\[ +(OK|FAILED|SKIPPED) +\] (\S+?)(?:, where .*)? \(\d+ ms\)$")
 REASON = re.compile(r": Skipped$")
+FEW = 3
 
 
 class Summary:
     def __init__(self):
         self.passed = 0
+        self.passed_again = []  # names of those that failed at first
         self.failed = []  # names
         self.reasons = collections.Counter()  # of skipped tests
 
@@ -56,23 +61,48 @@ class Summary:
                 reason.append(line.strip())
         return seen
 
+    def add_second_run(self, again):
+        """Takes up what became of the programs that had failed. A test counts as passed in either run."""
+        if not set(again.failed) <= set(self.failed):
+            self.failed = list(dict.fromkeys(self.failed + again.failed))
+            return
+        self.passed_again = [name for name in self.failed if name not in again.failed]
+        self.failed = again.failed
+        self.passed += len(self.passed_again)
+
     def line(self):
         text = f"{self.passed} passed, {len(self.failed)} failed"
         if self.reasons:
             text += f", {self.reasons.total()} skipped ("
             text += "; ".join(f"{count}: {reason}" for reason, count in self.reasons.most_common()) + ")"
+        if self.passed_again:
+            text += f"; {len(self.passed_again)} passed only when tested again: " + ", ".join(self.passed_again)
         return text
 
 
-def main():
+def cases(path):
+    return xml.etree.ElementTree.parse(path).getroot().iter("testcase")
+
+
+def summary_of(path):
     summary = Summary()
-    for case in xml.etree.ElementTree.parse(sys.argv[1]).getroot().iter("testcase"):
+    for case in cases(path):
         summary.add_program(case)
+    return summary
+
+
+def main():
+    if sys.argv[1] == "--few-failures":
+        return sum(case.get("status") == "fail" for case in cases(sys.argv[2])) <= FEW
+    summary = summary_of(sys.argv[1])
+    if len(sys.argv) > 2 and pathlib.Path(sys.argv[2]).exists():
+        summary.add_second_run(summary_of(sys.argv[2]))
     print()
     for name in summary.failed:
         print(f"failed: {name}")
     print(summary.line())
+    return True
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(not main())

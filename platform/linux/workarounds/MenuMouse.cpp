@@ -40,6 +40,8 @@ bool MenuMouse::eventFilter(QObject *watched, QEvent *event)
         break;
     case QEvent::MouseMove:
     case QEvent::MouseButtonPress:
+    // As two clicks on one place soon after each other end, though the menu was closed and opened in between.
+    case QEvent::MouseButtonDblClick:
         if (auto *menu = qobject_cast<QMenu *>(watched)) {
             const auto *mouse = static_cast<QMouseEvent *>(event);
             mouseMoved(*menu, mouse->position(), mouse->globalPosition());

@@ -4,7 +4,7 @@
 #include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QWindow>
@@ -181,6 +181,22 @@ TEST_F(MenuMouseTest, ChoosesAnEntryAfterLeavingTheMenuAndComingBack)
     ASSERT_TRUE(waitUntil([this] { return !menu.activeAction(); }));
     user.click(place);
     EXPECT_TRUE(waitUntil([this] { return chosen == enabled; }));
+}
+
+TEST_F(MenuMouseTest, ChoosesAnEntryAgainAMomentAfter)
+{
+    const int interval = QApplication::doubleClickInterval();
+    QApplication::setDoubleClickInterval(60'000);
+    const QPoint place = placeOf(enabled);
+    for (int i = 0; i < 3; ++i) {
+        chosen = nullptr;
+        open();
+        user.click(place);
+        EXPECT_TRUE(waitUntil([this] { return chosen == enabled; }));
+        EXPECT_TRUE(waitUntil([this] { return user.isFree(); }));
+        user.move(faraway);
+    }
+    QApplication::setDoubleClickInterval(interval);
 }
 
 TEST_F(MenuMouseTest, TakesAHandThatTrembledForOneThatDidNotMove)

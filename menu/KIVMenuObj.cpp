@@ -63,10 +63,11 @@ KIVMenuObj::KIVMenuObj(const Bundle &bundle, const MenuSurroundings &surrounding
     connect(m_menu.get(), &QMenu::aboutToHide, this, [this] { menuDidClose(m_menu.get()); });
     for (const MenuEntry &entry : menuEntries()) {
         const QString title = QString::fromUtf16(entry.title);
+        const bool enabled = entry.choosable == Choosable::Always;
         if (entry.parent == kMenuCmdNone) {
-            addMenuItem(title, {}, entry.code, entry.separatorBefore, entry.enabled, false);
+            addMenuItem(title, {}, entry.code, entry.separatorBefore, enabled, false);
         } else {
-            addSubItem(itemWithTag(entry.parent), title, {}, entry.code, entry.separatorBefore, entry.enabled, false);
+            addSubItem(itemWithTag(entry.parent), title, {}, entry.code, entry.separatorBefore, enabled, false);
         }
     }
 }

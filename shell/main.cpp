@@ -11,7 +11,6 @@
 #include "shell/EventHandler.h"
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
-#include "shell/SuddenExit.h"
 #include "shell/TerminationSignals.h"
 
 #include <cstdio>
@@ -65,10 +64,7 @@ int main(int, char **argv)
     GraphicalSession::settle();
     startUp();
     const TerminationSignals signalsEndTheLoop;
-    {
-        const SuddenExit whenTheServerDies;
-        Application::exec();
-    }
+    GraphicalSession::run();
     qCDebug(agentLog, "ends");
     tearDown();
     return EXIT_SUCCESS;

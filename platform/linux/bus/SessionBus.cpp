@@ -2,13 +2,10 @@
 
 #include "platform/LogCategories.h"
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/workarounds/LibdbusLimit.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
 
 #include <QDBusError>
-
-#include <dlfcn.h>
-#include <limits>
-#include <mutex>
 
 namespace
 {
@@ -23,23 +20,6 @@ QString freshConnectionName()
 QDBusConnection noConnection()
 {
     return QDBusConnection(QString());
-}
-
-/// libdbus stops reading while the messages that it has read and that are still in use take up more than a limit, 63 MB
-/// unless told otherwise, and QtDBus never goes on from there (seen in 6.4): it is this thread that lets go of
-/// messages, and another one that reads. Whoever sends very much very fast would make the program deaf for ever. QtDBus
-/// is linked to libdbus, so that the function is there without its headers.
-void readWithoutLimit(const QDBusConnection &connection)
-{
-    using SetLimit = void (*)(void *connection, long bytes);
-    if (const auto setLimit =
-            reinterpret_cast<SetLimit>(::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"))) {
-        setLimit(connection.internalPointer(), std::numeric_limits<long>::max());
-        return;
-    }
-    static std::once_flag once;
-    std::call_once(
-        once, [] { qCWarning(linkLog, "no way to lift libdbus's limit: a flood of messages may cut off the bus"); });
 }
 
 /// Whether the bus has not said anything to a question: there is none, or it has not answered in time.

@@ -322,7 +322,7 @@ void TrayIconWindow::handlePress(xcb_button_t button)
     // input extension, which the server refuses while a core grab stands: the menu would not see the mouse.
     xcb_ungrab_pointer(XConnection::get(), XCB_CURRENT_TIME);
     xcb_flush(XConnection::get());
-    RootProperties::hear(this, [this, button] {
+    RootProperties::catchUpAndShow(this, [this, button] {
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
         // opened by an earlier press of the same turn, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {

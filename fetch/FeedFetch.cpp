@@ -41,12 +41,12 @@ QNetworkRequest plainRequest(const QUrl &address)
 
 /// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect (seen in
 /// 6.4), after which a silent server would hold the request for ever.
-void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeOut)
+void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeout)
 {
     auto *const silence = new QTimer(connection);
     silence->setSingleShot(true);
     silence->callOnTimeout(connection, &QNetworkReply::abort);
-    const auto progress = [silence, timeOut] { silence->start(timeOut); };
+    const auto progress = [silence, timeout] { silence->start(timeout); };
     QObject::connect(connection, &QNetworkReply::redirected, silence, progress);
     QObject::connect(connection, &QNetworkReply::metaDataChanged, silence, progress);
     QObject::connect(connection, &QNetworkReply::readyRead, silence, progress);
@@ -64,7 +64,7 @@ void limitWhole(QNetworkReply *connection, std::chrono::milliseconds limit)
 }
 
 /// Nothing for other arguments than the two.
-std::optional<std::chrono::milliseconds> timeOutOf(const QStringList &arguments)
+std::optional<std::chrono::milliseconds> timeoutOf(const QStringList &arguments)
 {
     bool isNumber = false;
     const int number = arguments.value(2).toInt(&isNumber);
@@ -91,10 +91,10 @@ void writeHead(const QNetworkReply &connection)
 
 } // namespace
 
-void fetchFeed(const QStringList &arguments, std::chrono::milliseconds mostForAll)
+void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDuration)
 {
-    const std::optional<std::chrono::milliseconds> timeOut = timeOutOf(arguments);
-    if (!timeOut) {
+    const std::optional<std::chrono::milliseconds> timeout = timeoutOf(arguments);
+    if (!timeout) {
         std::fputs("usage: kivfetch ADDRESS MILLISECONDS\n", stderr);
         std::exit(usageError);
     }
@@ -107,8 +107,8 @@ void fetchFeed(const QStringList &arguments, std::chrono::milliseconds mostForAl
     network.setProxy(QNetworkProxy::NoProxy);
     QNetworkReply *const connection = network.get(plainRequest(address));
     connection->setReadBufferSize(readBuffer);
-    limitSilence(connection, *timeOut);
-    limitWhole(connection, mostForAll);
+    limitSilence(connection, *timeout);
+    limitWhole(connection, maxDuration);
     QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
     QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection] { write(connection->readAll()); });
     QObject::connect(

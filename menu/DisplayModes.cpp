@@ -5,7 +5,7 @@
 
 namespace
 {
-constexpr std::int32_t leastSide = 2; // pixels
+constexpr std::int32_t minSide = 2; // pixels
 
 QString titleOf(std::int32_t width, std::int32_t height)
 {
@@ -42,7 +42,7 @@ std::vector<KIVDspRes> displaySizes(CFArrayRef modes)
         const std::int32_t width = get_int(mode, CFSTR("Width"));
         const std::int32_t height = get_int(mode, CFSTR("Height"));
         // Modes of one size differ in what nobody chooses here, such as the refresh rate: the first one stands for all.
-        if (width >= leastSide && height >= leastSide && known.emplace(width, height).second) {
+        if (width >= minSide && height >= minSide && known.emplace(width, height).second) {
             sizes.emplace_back(titleOf(width, height), width, height);
         }
     }

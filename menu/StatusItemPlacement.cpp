@@ -4,10 +4,10 @@
 
 namespace
 {
-constexpr float greatestMouseDistance = 30;
+constexpr float maxMouseDistance = 30;
 constexpr float mouseGrid = 12;
 constexpr float gapToStatusBar = 5;
-constexpr float leastDisagreement = 50;
+constexpr float minDisagreement = 50;
 } // namespace
 
 float trayDistance(NSRect item, NSSize mainScreen) noexcept
@@ -18,7 +18,7 @@ float trayDistance(NSRect item, NSSize mainScreen) noexcept
 NSRect heldFrame(NSRect item, float distance, NSSize mainScreen) noexcept
 {
     const float rememberedX = mainScreen.width - distance;
-    if (distance != 0 && std::abs(item.origin.x - rememberedX) > leastDisagreement) {
+    if (distance != 0 && std::abs(item.origin.x - rememberedX) > minDisagreement) {
         item.origin.x = rememberedX;
     }
     return item;
@@ -26,7 +26,7 @@ NSRect heldFrame(NSRect item, float distance, NSSize mainScreen) noexcept
 
 NSPoint menuAnchor(const std::optional<NSRect> &item, NSPoint mouse, NSSize mainScreen, const StatusBar &bar) noexcept
 {
-    const bool useItem = item && std::abs(item->origin.x - mouse.x) <= greatestMouseDistance;
+    const bool useItem = item && std::abs(item->origin.x - mouse.x) <= maxMouseDistance;
     const float distanceFromEdge = bar.thickness + gapToStatusBar;
     return {useItem ? item->origin.x : mouse.x - std::fmod(mouse.x, mouseGrid),
             bar.edge == StatusBar::Edge::Top ? mainScreen.height - distanceFromEdge : distanceFromEdge};

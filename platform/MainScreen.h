@@ -9,8 +9,8 @@
 #include <optional>
 
 /// The main screen in the agent's own coordinates (platform/Geometry.h), and the one place that converts to Qt's.
-/// Everything is asked of the window system at each call, unless it is held: QScreen lags one event-loop turn behind a
-/// size switched by another process. Main thread only.
+/// Everything is asked of the window system at each call, unless it is held: QScreen lags one event loop iteration
+/// behind a size switched by another process. Main thread only.
 namespace MainScreen
 {
 

@@ -6,11 +6,11 @@
 #include "platform/Workspace.h"
 #include "platform/alert/AlertPanel.h"
 #include "shell/AlertRunner.h"
-#include "shell/EventCodes.h"
-#include "shell/EventLink.h"
 #include "shell/ProcessState.h"
 #include "shell/ProductInformation.h"
 #include "shell/ProductTexts.h"
+#include "shell/link/EventCodes.h"
+#include "shell/link/EventLink.h"
 
 namespace
 {

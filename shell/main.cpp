@@ -7,11 +7,11 @@
 #include "platform/SessionLock.h"
 #include "shell/Application.h"
 #include "shell/DockSearch.h"
-#include "shell/EventCodes.h"
-#include "shell/EventHandler.h"
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
 #include "shell/TerminationSignals.h"
+#include "shell/link/EventCodes.h"
+#include "shell/link/EventHandler.h"
 
 #include <cstdio>
 #include <cstdlib>

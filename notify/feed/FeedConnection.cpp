@@ -9,7 +9,7 @@ namespace
 {
 
 /// How long the event loop may stand still for a process that was killed.
-constexpr int mostMilliseconds = 1000;
+constexpr int maxMilliseconds = 1000;
 
 /// At the end of a session, or by Ctrl-C, it may get the signal before its agent does.
 bool wasAskedToEnd(int signal)
@@ -19,11 +19,11 @@ bool wasAskedToEnd(int signal)
 
 } // namespace
 
-FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeOut, QObject *parent)
+FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeout, QObject *parent)
     : QObject(parent)
     , m_program(std::move(program))
     , m_address(std::move(address))
-    , m_timeOut(timeOut)
+    , m_timeout(timeout)
 {
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &FeedConnection::read);
@@ -44,7 +44,7 @@ FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milli
 FeedConnection::~FeedConnection()
 {
     cancel();
-    m_process->waitForFinished(mostMilliseconds); // It was killed if it was running.
+    m_process->waitForFinished(maxMilliseconds); // It was killed if it was running.
     if (m_process->state() != QProcess::NotRunning) {
         // It hangs in a call of the kernel, and its object would wait for it another half a minute.
         QProcess *const process = m_process.release();
@@ -54,7 +54,7 @@ FeedConnection::~FeedConnection()
 
 void FeedConnection::start()
 {
-    m_process->start(m_program, {QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeOut.count())});
+    m_process->start(m_program, {QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeout.count())});
 }
 
 void FeedConnection::cancel()

@@ -20,7 +20,7 @@ public:
     };
 
     /// Sends nothing yet. `program` is the path of kivfetch; null, or another wrong one, is a request that fails.
-    FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeOut, QObject *parent);
+    FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeout, QObject *parent);
 
     /// Cancels it if it is in flight. Waits for the end of its process, a second at most.
     ~FeedConnection() override;
@@ -47,7 +47,7 @@ private:
 
     QString m_program;
     QUrl m_address;
-    std::chrono::milliseconds m_timeOut;
+    std::chrono::milliseconds m_timeout;
     bool m_hasResponse = false;
     bool m_isFinished = false;
     std::unique_ptr<QProcess> m_process = std::make_unique<QProcess>();

@@ -130,7 +130,7 @@ qsizetype lengthIn(QStringConverter::Encoding encoding, QByteArrayView bytes)
 
 } // namespace
 
-FeedDocument feedDocument(const QByteArray &bytes, int mostAttributes)
+FeedDocument feedDocument(const QByteArray &bytes, int maxAttributes)
 {
     const auto encoding = encodingOf(bytes);
     if (!encoding) {
@@ -138,6 +138,6 @@ FeedDocument feedDocument(const QByteArray &bytes, int mostAttributes)
     }
     const QByteArrayView valid = QByteArrayView(bytes).first(lengthIn(*encoding, bytes));
     const QString text = QStringDecoder(*encoding).decode(valid);
-    const qsizetype length = std::min(lengthBeforeCrowdedTag(text, mostAttributes), lengthBeforeDocumentType(text));
+    const qsizetype length = std::min(lengthBeforeCrowdedTag(text, maxAttributes), lengthBeforeDocumentType(text));
     return {text.first(length), length == text.size() && valid.size() == bytes.size()};
 }

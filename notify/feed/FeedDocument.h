@@ -14,6 +14,6 @@ struct FeedDocument final {
 /// other parts of ISO 8859 and those of East Asia would each need tables that the feed has never made use of.
 ///
 /// The text ends before the first character that is not in the document's encoding (half a surrogate pair included),
-/// so that all before it can still be used; before the first tag with more than `mostAttributes` attributes (see
+/// so that all before it can still be used; before the first tag with more than `maxAttributes` attributes (see
 /// CrowdedTag.h); and before a document type (see DocumentType.h). Reentrant.
-[[nodiscard]] FeedDocument feedDocument(const QByteArray &bytes, int mostAttributes);
+[[nodiscard]] FeedDocument feedDocument(const QByteArray &bytes, int maxAttributes);

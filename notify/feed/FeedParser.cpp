@@ -19,22 +19,35 @@
 namespace
 {
 
-constexpr int mostAttributes = 64;
-constexpr int mostLevels = 100;
-constexpr int mostMessages = 10'000;
+constexpr int maxAttributes = 64;
+constexpr int maxLevels = 100;
+constexpr int maxMessages = 10'000;
 
-/// A field whose code is the place of the feed's word among these; another word leaves the field alone.
+/// A word of the feed, and the code that a record keeps for it.
+struct CodeWord {
+    QLatin1String word;
+    std::int32_t code;
+};
+
+/// A field that has one of these words; another leaves it alone.
 struct CodeField {
     QLatin1String element;
-    std::span<const QLatin1String> words;
+    std::span<const CodeWord> words;
     void (KivNotification::*set)(std::int32_t);
 };
 
-constexpr std::array typeWords{kMsgPropertyUpdate, kMsgPropertyNotice, kMsgPropertyNews, kMsgPropertyWarning};
-constexpr std::array levelWords{kMsgPropertyUser, kMsgPropertyAdmin, kMsgPropertyAny};
-constexpr std::array priorityWords{kMsgPropertyLow, kMsgPropertyMedium, kMsgPropertyHigh};
-constexpr std::array productWords{kMsgPropertyKivune, kMsgPropertyKivuneTS, kMsgPropertyAny};
-constexpr std::array licenseWords{kMsgPropertyTrial, kMsgPropertyPaid, kMsgPropertyAny};
+constexpr std::array typeWords{CodeWord{kMsgPropertyUpdate, kTypeUpdate}, CodeWord{kMsgPropertyNotice, kTypeNotice},
+                               CodeWord{kMsgPropertyNews, kTypeNews}, CodeWord{kMsgPropertyWarning, kTypeWarning}};
+constexpr std::array levelWords{CodeWord{kMsgPropertyUser, kLevelUser}, CodeWord{kMsgPropertyAdmin, kLevelAdmin},
+                                CodeWord{kMsgPropertyAny, kLevelAny}};
+constexpr std::array priorityWords{CodeWord{kMsgPropertyLow, kPriorityLow},
+                                   CodeWord{kMsgPropertyMedium, kPriorityMedium},
+                                   CodeWord{kMsgPropertyHigh, kPriorityHigh}};
+constexpr std::array productWords{CodeWord{kMsgPropertyKivune, kProductKivune},
+                                  CodeWord{kMsgPropertyKivuneTS, kProductKivuneTS},
+                                  CodeWord{kMsgPropertyAny, kProductAny}};
+constexpr std::array licenseWords{CodeWord{kMsgPropertyTrial, kLicenseTrial}, CodeWord{kMsgPropertyPaid, kLicensePaid},
+                                  CodeWord{kMsgPropertyAny, kLicenseAny}};
 
 constexpr std::array codeFields{
     CodeField{kMessageTypeKey, typeWords, &KivNotification::setMessageType},
@@ -55,7 +68,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
 {
     QXmlStreamReader reader;
     reader.setNamespaceProcessing(false);
-    const FeedDocument document = feedDocument(bytes, mostAttributes);
+    const FeedDocument document = feedDocument(bytes, maxAttributes);
     reader.addData(document.text);
     int levels = 0;
     int messages = 0;
@@ -63,7 +76,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
             messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
-            if (++levels > mostLevels || messages > mostMessages) {
+            if (++levels > maxLevels || messages > maxMessages) {
                 qCDebug(feedLog, "the document is refused: too many elements or messages");
                 return Outcome::Malformed;
             }
@@ -136,9 +149,10 @@ void FeedParser::setField(QStringView element)
     const auto code = std::find_if(codeFields.begin(), codeFields.end(),
                                    [element](const CodeField &field) { return field.element == element; });
     if (code != codeFields.end()) {
-        const auto word = std::find(code->words.begin(), code->words.end(), text);
+        const auto word = std::find_if(code->words.begin(), code->words.end(),
+                                       [&text](const CodeWord &known) { return known.word == text; });
         if (word != code->words.end()) {
-            (record.*code->set)(static_cast<std::int32_t>(word - code->words.begin()));
+            (record.*code->set)(word->code);
         }
     } else if (element == kMessageRepeatKey) {
         record.setMessageRepeat(static_cast<std::uint32_t>(StringValues::intValue(text)));

@@ -14,7 +14,7 @@ namespace
 
 /// The most bytes that are kept, of one answer or of several after malformed ones. Far more than messages for one
 /// pop-up at a time ever need.
-constexpr qsizetype mostBytes = qsizetype{16} * 1024 * 1024;
+constexpr qsizetype maxBytes = qsizetype{16} * 1024 * 1024;
 
 FeedRequest requestOf(const KivNotificationProperties &properties, const Bundle &bundle)
 {
@@ -69,7 +69,7 @@ void KivNotificationReceiver::receiveNextNotification()
     qCDebug(feedLog) << "fetches" << address.toString(QUrl::RemoveUserInfo);
     letGoOfCancelled();
     auto *const connection = new FeedConnection(m_bundle.pathForAuxiliaryExecutable(QStringLiteral("kivfetch")),
-                                                address, m_timing.timeOut, this);
+                                                address, m_timing.timeout, this);
     connect(connection, &FeedConnection::receivedResponse, this,
             [this, connection](int status, const QByteArray &contentType) {
                 connectionDidReceiveResponse(connection, status, contentType);
@@ -113,7 +113,7 @@ void KivNotificationReceiver::connectionDidReceiveResponse(FeedConnection *conne
 void KivNotificationReceiver::connectionDidReceiveData(FeedConnection *connection, const QByteArray &bytes)
 {
     m_data += bytes;
-    if (m_data.size() > mostBytes) {
+    if (m_data.size() > maxBytes) {
         qCDebug(feedLog, "the answer is refused: it is too large");
         cancel(connection);
         m_data.clear(); // Whatever came next, it could not become a document any more.

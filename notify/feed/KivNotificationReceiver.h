@@ -21,7 +21,7 @@ struct FeedTiming final {
     std::chrono::milliseconds interval =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(requestTimeInterval));
     /// How long a request may go without progress before it fails.
-    std::chrono::milliseconds timeOut = std::chrono::seconds(60);
+    std::chrono::milliseconds timeout = std::chrono::seconds(60);
 };
 
 /// Fetches the feed of support messages over HTTP, once at start and then daily, and hands its records to the sink.
@@ -42,8 +42,8 @@ public:
     /// never destroyed.
     [[nodiscard]] static KivNotificationReceiver &sharedInstance();
 
-    /// Sends a first request in the coming round of the event loop, and one at every interval from now on. The name is
-    /// spelt so wherever it is called.
+    /// Sends a first request in the next iteration of the event loop, and one at every interval from now on. The name
+    /// is spelt so wherever it is called.
     void recieveNotifications();
 
     /// Sends one request; none when the address is no http or https URL. One that is still in flight goes on.

@@ -4,19 +4,15 @@
 #include "notify/popup/KivNotificationView.h"
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
-#include "platform/Bundle.h"
+#include "notify/popup/PopUpParts.h"
 #include "platform/Compositor.h"
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
-#include "platform/images/IcnsReader.h"
-#include "platform/text/SystemFont.h"
 
 #include <QAccessible>
 #include <QCloseEvent>
-#include <QFile>
 #include <QGuiApplication>
-#include <QLabel>
 #include <QPushButton>
 #include <QScreen>
 #include <QUrl>
@@ -24,7 +20,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
-#include <tuple>
 #include <utility>
 
 namespace
@@ -35,54 +30,10 @@ using namespace std::chrono_literals;
 constexpr auto fadeDuration = 500ms;
 constexpr int fadeFrames = 15; ///< 30 a second.
 constexpr std::int32_t defaultTimeout = 15;
-constexpr std::int32_t longestTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
+constexpr std::int32_t maxTimeout = 2'147'483; ///< 24 days; Qt counts the milliseconds in 32 bits.
 constexpr auto linkCloseDelay = 1s;
 
-constexpr NSSize smallestScreen = {640, 480};
-
-QString iconName(std::int32_t messageType)
-{
-    switch (messageType) {
-    case kTypeUpdate:
-        return QStringLiteral("update");
-    case kTypeNotice:
-        return QStringLiteral("information");
-    case kTypeWarning:
-        return QStringLiteral("warning");
-    default:
-        return QStringLiteral("kivmenua");
-    }
-}
-
-/// Null when there is none.
-QImage readIcon(std::int32_t messageType, int side, qreal devicePixelRatio)
-{
-    QFile file(Bundle::main().pathForResource(iconName(messageType), QStringLiteral("icns")));
-    if (file.fileName().isEmpty() || !file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    const int pixels = static_cast<int>(std::ceil(side * devicePixelRatio));
-    const QImage image = readIcns(file.readAll(), pixels);
-    if (image.isNull()) {
-        return {};
-    }
-    QImage scaled = image.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    scaled.setDevicePixelRatio(devicePixelRatio);
-    return scaled;
-}
-
-/// The same; the last one is kept. To decode and scale it takes as long as half of all else that a pop-up needs until
-/// it is shown, and most pop-ups are of one type. Not in Qt's cache, whose clean-up would wake the process up.
-QPixmap icon(std::int32_t messageType, int side, qreal devicePixelRatio)
-{
-    static std::tuple<std::int32_t, int, qreal> kind;
-    static QImage kept; // A pixmap must not outlive the application object.
-    if (const std::tuple asked(messageType, side, devicePixelRatio); kept.isNull() || asked != kind) {
-        kind = asked;
-        kept = readIcon(messageType, side, devicePixelRatio);
-    }
-    return QPixmap::fromImage(kept);
-}
+constexpr NSSize fallbackScreen = {640, 480};
 
 /// A frame within the window in Qt's coordinates, which count from the top.
 QRect inWindow(const NSRect &frame, const NSSize &window)
@@ -98,38 +49,6 @@ QRect inWindow(const NSRect &frame, const NSSize &window)
 QSize sizeInWindows(const NSSize &size)
 {
     return {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))};
-}
-
-QPushButton *newButton(const QString &text, const QRect &frame, QWidget *parent)
-{
-    auto *button = new QPushButton(parent);
-    button->setFont(systemFont(QFont::Normal));
-    button->setFocusPolicy(Qt::NoFocus);
-    button->setAutoDefault(false);
-    button->setGeometry(frame);
-    constexpr int padding = 12;
-    button->setText(button->fontMetrics().elidedText(text, Qt::ElideRight, frame.width() - padding));
-    button->setAccessibleName(text);
-    return button;
-}
-
-void addIcon(std::int32_t messageType, const QRect &frame, QWidget *parent)
-{
-    auto *label = new QLabel(parent);
-    label->setGeometry(frame);
-    label->setPixmap(icon(messageType, frame.height(), parent->devicePixelRatio()));
-    label->setAccessibleName(QStringLiteral("Message type"));
-}
-
-void addTitle(const QString &text, const QRect &frame, QWidget *parent)
-{
-    auto *label = new QLabel(parent);
-    label->setTextFormat(Qt::PlainText);
-    label->setFont(systemFont(QFont::Bold));
-    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    label->setGeometry(frame);
-    label->setText(label->fontMetrics().elidedText(text, Qt::ElideRight, frame.width()));
-    label->setAccessibleName(text);
 }
 
 } // namespace
@@ -149,7 +68,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     setAccessibleName(windowTitle());
 
     const std::optional<NSRect> mainScreen = MainScreen::frame();
-    const NSSize screen = mainScreen ? mainScreen->size : smallestScreen;
+    const NSSize screen = mainScreen ? mainScreen->size : fallbackScreen;
     PopUpContents contents{
         .contentSize = boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen),
         .hasTitle = !title.isEmpty(),
@@ -161,7 +80,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     auto *text = new KivTextView(view);
     text->setMessage(m_notification->messageText(), static_cast<int>(std::lround(contents.contentSize.width)));
     text->setAccessibleName(QStringLiteral("Message"));
-    const float visibleHeight = largestTextHeight(contents, screen);
+    const float visibleHeight = maxTextHeight(contents, screen);
     if (text->textHeight() > visibleHeight) {
         text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     }
@@ -172,15 +91,15 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     m_frame = layout.window;
     resize(sizeInWindows(size));
     view->setGeometry(rect());
-    addIcon(m_notification->messageType(), inWindow(layout.icon, size), view);
+    addPopUpIcon(m_notification->messageType(), inWindow(layout.icon, size), view);
     if (contents.hasTitle) {
-        addTitle(title, inWindow(layout.title, size), view);
+        addPopUpTitle(title, inWindow(layout.title, size), view);
     }
     text->setGeometry(inWindow(layout.text, size));
     connect(text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
 
     const auto addButton = [&](const QString &label, const NSRect &frame, void (KivNotificationWindow::*action)()) {
-        const QPushButton *button = newButton(label, inWindow(frame, size), view);
+        const QPushButton *button = addPopUpButton(label, inWindow(frame, size), view);
         connect(button, &QPushButton::clicked, this, action);
     };
     if (contents.isInstant) {
@@ -219,7 +138,7 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
     }
 
     if (theTimeout >= 0) {
-        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, longestTimeout));
+        const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, maxTimeout));
         m_timer = new QTimer(this);
         m_timer->setSingleShot(true);
         m_timer->setTimerType(Qt::PreciseTimer); // It may be late, never early.

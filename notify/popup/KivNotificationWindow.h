@@ -16,8 +16,8 @@ class KivNotificationView;
 class KivTextView;
 
 /// The pop-up that shows a support message. It floats above the other windows and never takes the keyboard. Made on the
-/// heap, without a parent; once shown it deletes itself after it has closed, in a later round of the event loop. It is
-/// shown once. Main thread only.
+/// heap, without a parent; once shown it deletes itself after it has closed, in a later iteration of the event loop. It
+/// is shown once. Main thread only.
 class KivNotificationWindow final : public QWidget
 {
     Q_OBJECT

@@ -19,9 +19,9 @@ namespace
 
 /// What is shown of a plain text. More than fills a screen; a single word of that length, the worst case, is laid out
 /// before a user notices.
-constexpr qsizetype largestLength = 8'000;
+constexpr qsizetype maxLength = 8'000;
 /// The others stay text: a word in a thousand pieces takes long to lay out as well.
-constexpr qsizetype mostLinks = 200;
+constexpr qsizetype maxLinks = 200;
 
 /// The text without what Qt's documents use as marks of their own or cannot hold, and with one kind of line break, so
 /// that a character's place in the text is its place in the document.
@@ -49,7 +49,7 @@ QString cleaned(QString text)
 
 QString shortened(const QString &text)
 {
-    const QStringView shown = firstScriptRuns(QStringView(text).first(std::min(text.size(), largestLength)));
+    const QStringView shown = firstScriptRuns(QStringView(text).first(std::min(text.size(), maxLength)));
     if (shown.size() == text.size()) {
         return text;
     }
@@ -80,7 +80,7 @@ void KivTextView::setMessage(const QString &text, int width)
     document()->setTextWidth(width);
     // Not trimmed: a blank in front is how an author has markup shown as it is.
     // What is judged is what Qt gets: cleaning may make a table of what is none before.
-    const bool mayBeMarkup = text.startsWith(u'<') && text.size() <= mostMarkupBytes;
+    const bool mayBeMarkup = text.startsWith(u'<') && text.size() <= maxMarkupBytes;
     const QString markup = mayBeMarkup ? cleaned(text) : QString();
     if (mayBeMarkup && isWithinMarkupLimits(markup)) {
         setHtmlMessage(markup);
@@ -132,7 +132,7 @@ void KivTextView::setPlainMessage(const QString &text)
     linkFormat.setAnchor(true);
     QTextCursor cursor(document());
     cursor.beginEditBlock(); // Or each link would lay out all the text anew.
-    for (const LinkMatch &link : findLinks(shown).mid(0, mostLinks)) {
+    for (const LinkMatch &link : findLinks(shown).mid(0, maxLinks)) {
         linkFormat.setAnchorHref(link.absoluteString);
         cursor.setPosition(static_cast<int>(link.start));
         cursor.setPosition(static_cast<int>(link.start + link.length), QTextCursor::KeepAnchor);

@@ -48,15 +48,15 @@ PopUpLayout popUpLayout(const PopUpContents &contents)
 
 NSSize boundedContentSize(NSSize asked, NSSize screen)
 {
-    const float largestWidth =
+    const float maxWidth =
         std::max(KivNotification::defaultContentWidth, screen.width - 2 * popUpSideMargin - iconSize - 3 * margin);
     // Written so that what is not a number fails each test.
-    const float width = asked.width > 0 ? std::min(asked.width, largestWidth) : KivNotification::defaultContentWidth;
-    const float height = asked.height > 0 ? std::min(asked.height, maxTextHeight) : 0;
+    const float width = asked.width > 0 ? std::min(asked.width, maxWidth) : KivNotification::defaultContentWidth;
+    const float height = asked.height > 0 ? std::min(asked.height, maxMeasuredHeight) : 0;
     return {width, height};
 }
 
-float largestTextHeight(const PopUpContents &contents, NSSize screen)
+float maxTextHeight(const PopUpContents &contents, NSSize screen)
 {
     return std::max(iconSize, screen.height - popUpTopMargin - popUpBottomMargin - heightAroundText(contents));
 }

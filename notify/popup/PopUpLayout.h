@@ -34,10 +34,10 @@ struct PopUpLayout {
 
 /// A content size that a pop-up can have. The message may ask for anything: a width that is no positive number is the
 /// default, and it is at most what lets the window keep its margins to both sides of a main screen of size `screen`; a
-/// height that is no positive number is 0, and it is at most maxTextHeight.
+/// height that is no positive number is 0, and it is at most maxMeasuredHeight.
 [[nodiscard]] NSSize boundedContentSize(NSSize asked, NSSize screen);
 
 /// How much of the text can be seen at once: as much as leaves the window its margins at the top and at the bottom
 /// of the main screen, since the buttons are at its lower end. At least 50, even if the screen is too small.
 /// `contents` are bounded.
-[[nodiscard]] float largestTextHeight(const PopUpContents &contents, NSSize screen);
+[[nodiscard]] float maxTextHeight(const PopUpContents &contents, NSSize screen);

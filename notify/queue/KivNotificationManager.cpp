@@ -27,11 +27,11 @@ NSSize prevScreenSize;
 const QString settingsChanged = QStringLiteral("KivMunuUpdateSettingsNotification");
 
 /// Of instant records that wait.
-constexpr auto mostInstantOnes = 100;
+constexpr auto maxInstantOnes = 100;
 
 /// Of records in the queue, and of bytes that they take in the cache file: less than may be in a file that can be read.
-constexpr std::size_t mostRecords = 1000;
-constexpr qsizetype mostBytes = qsizetype{15} * 1024 * 1024;
+constexpr std::size_t maxRecords = 1000;
+constexpr qsizetype maxBytes = qsizetype{15} * 1024 * 1024;
 
 QDateTime never()
 {
@@ -149,7 +149,7 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     const std::lock_guard hold(m_notificationsLock);
     record->setWasDisplayed(false);
     queueAdd(record);
-    m_notifications.dropBeyond(mostRecords, mostBytes);
+    m_notifications.dropBeyond(maxRecords, maxBytes);
     qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
     if (m_notifications.records().size() == 1 && !m_notificationWindow) {
         forceNotification();
@@ -171,8 +171,8 @@ bool KivNotificationManager::showNotificationInstantly(const std::shared_ptr<Kiv
     const auto waits = [&](const auto &queued) {
         return queued->messagePriority() == kPriorityInstant && queued != shown;
     };
-    if (std::ranges::count_if(m_notifications.records(), waits) >= mostInstantOnes) {
-        qCDebug(queueLog, "a hint is dropped: %d wait already", mostInstantOnes);
+    if (std::ranges::count_if(m_notifications.records(), waits) >= maxInstantOnes) {
+        qCDebug(queueLog, "a hint is dropped: %d wait already", maxInstantOnes);
         return false;
     }
     queueAdd(record);

@@ -2,11 +2,11 @@
 
 #include "notify/ProductTexts.h"
 #include "platform/LogCategories.h"
-#include "platform/data/AtomicFile.h"
-#include "platform/data/OwnFolder.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/PropertyListValues.h"
-#include "platform/data/RegularFile.h"
+#include "platform/files/AtomicFile.h"
+#include "platform/files/OwnFolder.h"
+#include "platform/files/RegularFile.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>

@@ -22,13 +22,13 @@ constexpr std::array titles = {QLatin1String("New update"), QLatin1String("Infor
                                QLatin1String("Warning")};
 
 /// Of a text, as UTF-8: more than anybody reads in a pop-up, and so little that a thousand of them can be kept.
-constexpr qsizetype mostTextBytes = qsizetype{64} * 1024;
+constexpr qsizetype maxTextBytes = qsizetype{64} * 1024;
 
-/// The first characters of a text that take no more than `most` bytes of UTF-8.
-QString firstOf(const QString &text, qsizetype most)
+/// The first characters of a text that take no more than `maxBytes` bytes of UTF-8.
+QString firstOf(const QString &text, qsizetype maxBytes)
 {
-    constexpr qsizetype mostForOne = 3; // A pair of surrogates takes four.
-    if (text.size() <= most / mostForOne) {
+    constexpr qsizetype maxBytesOfAUnit = 3; // A pair of surrogates takes four.
+    if (text.size() <= maxBytes / maxBytesOfAUnit) {
         return text;
     }
     qsizetype bytes = 0;
@@ -36,8 +36,8 @@ QString firstOf(const QString &text, qsizetype most)
     while (end < text.size()) {
         const char16_t unit = text[end].unicode();
         const bool isPair = QChar::isHighSurrogate(unit) && end + 1 < text.size();
-        bytes += isPair ? 4 : unit < 0x80 ? 1 : unit < 0x800 ? 2 : mostForOne;
-        if (bytes > most) {
+        bytes += isPair ? 4 : unit < 0x80 ? 1 : unit < 0x800 ? 2 : maxBytesOfAUnit;
+        if (bytes > maxBytes) {
             return text.first(end);
         }
         end += isPair ? 2 : 1;
@@ -117,7 +117,7 @@ KivNotification::KivNotification()
     , m_contentType(QStringLiteral("text/plain"))
     , m_messageText(QLatin1String(""))
 {
-    setMessageType(1);
+    setMessageType(kTypeNotice);
 }
 
 KivNotification::KivNotification(const QVariantMap &dictionary)
@@ -219,7 +219,7 @@ void KivNotification::setMessageType(std::int32_t messageType)
 
 void KivNotification::setMessageText(const QString &messageText)
 {
-    m_messageText = firstOf(messageText, mostTextBytes);
+    m_messageText = firstOf(messageText, maxTextBytes);
     if (m_contentHeight == 0 && !m_messageText.isEmpty()) {
         m_contentHeight = getTextHeight(m_messageText);
     }

@@ -1,24 +1,13 @@
 #pragma once
 
+#include "notify/record/MessageCodes.h"
+
 #include <QDateTime>
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
 
 #include <cstdint>
-
-/// The codes of messageType.
-inline constexpr std::int32_t kTypeUpdate = 0;
-inline constexpr std::int32_t kTypeNotice = 1;
-inline constexpr std::int32_t kTypeNews = 2;
-inline constexpr std::int32_t kTypeWarning = 3;
-
-/// The codes of messagePriority.
-inline constexpr std::int32_t kPriorityLow = 0;
-inline constexpr std::int32_t kPriorityMedium = 1;
-inline constexpr std::int32_t kPriorityHigh = 2;
-/// The messagePriority of what is shown at once and always. No feed has a word for it.
-inline constexpr std::int32_t kPriorityInstant = 3;
 
 /// A support message: as it comes from the feed, waits in the queue and the cache file, and is shown in a pop-up.
 ///
@@ -55,7 +44,7 @@ public:
     /// The content width of a message that says none.
     static constexpr float defaultContentWidth = 320;
 
-    /// A record for everybody, of type 1 and priority 1, without id or text, whose dates are all 1970-01-01.
+    /// A notice of medium priority for everybody, without id or text, whose dates are all 1970-01-01.
     KivNotification();
 
     /// A record from its dictionary form. Missing keys leave the default, and so does a width or height of 0.
@@ -84,7 +73,7 @@ public:
     [[nodiscard]] const QString &messageId() const noexcept { return m_messageId; }
     void setMessageId(const QString &messageId) { m_messageId = messageId; }
 
-    /// 0 update, 1 notice, 2 news, 3 warning.
+    /// A MessageType.
     [[nodiscard]] std::int32_t messageType() const noexcept { return m_messageType; }
     /// Sets the title as well; a code without a title keeps the old one.
     void setMessageType(std::int32_t messageType);
@@ -93,7 +82,7 @@ public:
     [[nodiscard]] const QString &messageTypeString() const noexcept { return m_messageTypeString; }
     void setMessageTypeString(const QString &messageTypeString) { m_messageTypeString = messageTypeString; }
 
-    /// Whom it is for: 0 users, 1 administrators, 2 any.
+    /// Whom it is for: a MessageLevel.
     [[nodiscard]] std::int32_t messageLevel() const noexcept { return m_messageLevel; }
     void setMessageLevel(std::int32_t messageLevel) noexcept { m_messageLevel = messageLevel; }
 
@@ -101,15 +90,15 @@ public:
     [[nodiscard]] std::uint32_t messageRepeat() const noexcept { return m_messageRepeat; }
     void setMessageRepeat(std::uint32_t messageRepeat) noexcept { m_messageRepeat = messageRepeat; }
 
-    /// 0 low, 1 medium, 2 high, 3 instant: shown at once and always.
+    /// A MessagePriority.
     [[nodiscard]] std::int32_t messagePriority() const noexcept { return m_messagePriority; }
     void setMessagePriority(std::int32_t messagePriority) noexcept { m_messagePriority = messagePriority; }
 
-    /// 0 kivune, 1 kivunets, 2 any.
+    /// What it is about: a ProductCode.
     [[nodiscard]] std::int32_t productCode() const noexcept { return m_productCode; }
     void setProductCode(std::int32_t productCode) noexcept { m_productCode = productCode; }
 
-    /// 0 trial, 1 paid, 2 any.
+    /// Whom it is for: a LicenseType.
     [[nodiscard]] std::int32_t licenseType() const noexcept { return m_licenseType; }
     void setLicenseType(std::int32_t licenseType) noexcept { m_licenseType = licenseType; }
 
@@ -164,13 +153,13 @@ public:
 
 private:
     QString m_messageId;
-    std::int32_t m_messageType = 0;
+    std::int32_t m_messageType = kTypeUpdate;
     QString m_messageTypeString;
-    std::int32_t m_messageLevel = 2;
+    std::int32_t m_messageLevel = kLevelAny;
     std::uint32_t m_messageRepeat = 1;
-    std::int32_t m_messagePriority = 1;
-    std::int32_t m_productCode = 2;
-    std::int32_t m_licenseType = 2;
+    std::int32_t m_messagePriority = kPriorityMedium;
+    std::int32_t m_productCode = kProductAny;
+    std::int32_t m_licenseType = kLicenseAny;
     QString m_minVersion;
     QString m_maxVersion;
     QString m_buildDate;

@@ -1,15 +1,17 @@
 #include "notify/rules/CheckInterval.h"
 
+#include "notify/rules/SettingCodes.h"
+
 std::chrono::minutes checkInterval(std::int32_t notificationShow) noexcept
 {
     switch (notificationShow) {
-    case 2:
+    case kShowEvery5Minutes:
         return std::chrono::minutes(5);
-    case 3:
+    case kShowEvery15Minutes:
         return std::chrono::minutes(15);
-    case 4:
+    case kShowEvery30Minutes:
         return std::chrono::minutes(30);
-    case 5:
+    case kShowEvery60Minutes:
         return std::chrono::minutes(60);
     default:
         return std::chrono::minutes(1);

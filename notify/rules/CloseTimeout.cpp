@@ -1,6 +1,7 @@
 #include "notify/rules/CloseTimeout.h"
 
-#include "notify/record/KivNotification.h"
+#include "notify/record/MessageCodes.h"
+#include "notify/rules/SettingCodes.h"
 
 std::int32_t closeTimeout(std::int32_t messageType, std::int32_t notificationClose) noexcept
 {
@@ -9,13 +10,13 @@ std::int32_t closeTimeout(std::int32_t messageType, std::int32_t notificationClo
         return never;
     }
     switch (notificationClose) {
-    case 1:
+    case kCloseAfter15Seconds:
         return 15;
-    case 2:
+    case kCloseAfter30Seconds:
         return 30;
-    case 3:
+    case kCloseAfter60Seconds:
         return 60;
-    case 4:
+    case kCloseNever:
         return never;
     default:
         return 0;

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-/// After how many seconds the pop-up of a message of that type is to close by itself, by the user's setting
-/// (`notificationClose`, see NotificationSettings.h): 0 for the pop-up's own default, -1 for never. Updates
-/// (`messageType` 0) stay until the user closes them.
+/// After how many seconds the pop-up of a message of that type (a MessageType) is to close by itself, by the user's
+/// setting (a CloseSetting): 0 for the pop-up's own default, -1 for never. Updates stay until the user closes them.
 [[nodiscard]] std::int32_t closeTimeout(std::int32_t messageType, std::int32_t notificationClose) noexcept;

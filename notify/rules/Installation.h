@@ -1,15 +1,17 @@
 #pragma once
 
+#include "notify/record/MessageCodes.h"
+
 #include <QString>
 
 #include <cstdint>
 
-/// The facts about this installation and user that messages are addressed by. The codes are those of KivNotification.
+/// The facts about this installation and user that messages are addressed by. The codes are those of MessageCodes.h.
 /// A fact that the bundle or the system does not state is nil, and 0 as a number.
 struct Installation {
-    std::int32_t messageLevel = 0;
-    std::int32_t productCode = 1;
-    std::int32_t licenseType = 1;
+    std::int32_t messageLevel = kLevelUser;
+    std::int32_t productCode = kProductKivuneTS;
+    std::int32_t licenseType = kLicensePaid;
     QString messageLevelString;
     QString productCodeString;
     QString licenseTypeString;

@@ -57,9 +57,9 @@ Installation KivNotificationProperties::gatheredFacts(const Bundle &bundle, cons
     const QString productVersion = bundle.infoString(QStringLiteral("KIVBuildVersion"));
     const QString systemVersion = ::systemVersion(systemVersionFile);
     return {
-        .messageLevel = isAdmin ? 1 : 0,
-        .productCode = 1,
-        .licenseType = 1,
+        .messageLevel = isAdmin ? kLevelAdmin : kLevelUser,
+        .productCode = kProductKivuneTS,
+        .licenseType = kLicensePaid,
         .messageLevelString = isAdmin ? kMsgPropertyAdmin : kMsgPropertyUser,
         .productCodeString = kMsgPropertyKivuneTS,
         .licenseTypeString = kMsgPropertyPaid,

@@ -9,21 +9,19 @@
 namespace
 {
 
-constexpr std::int32_t anyCode = 2;
-
-bool addresses(std::int32_t addressed, std::int32_t own)
+bool addresses(std::int32_t addressed, std::int32_t any, std::int32_t own)
 {
-    return addressed == anyCode || addressed == own;
+    return addressed == any || addressed == own;
 }
 
-bool isAtLeast(const QString &version, const QString &lowest)
+bool isAtLeast(const QString &version, const QString &min)
 {
-    return lowest == kMsgPropertyAny || compareToVersion(lowest, version) != 1;
+    return min == kMsgPropertyAny || compareToVersion(min, version) != 1;
 }
 
-bool isAtMost(const QString &version, const QString &highest)
+bool isAtMost(const QString &version, const QString &max)
 {
-    return highest == kMsgPropertyAny || compareToVersion(highest, version) != -1;
+    return max == kMsgPropertyAny || compareToVersion(max, version) != -1;
 }
 
 bool isOlderBuild(const QString &buildDate, const QString &bound)
@@ -37,13 +35,13 @@ std::optional<QLatin1String> whyNotRelevant(const KivNotification &record, const
                                             const QDateTime &now)
 {
     // Not a table of results: a version that comes after what does not fit is not compared, and cannot throw.
-    if (!addresses(record.messageLevel(), installation.messageLevel)) {
+    if (!addresses(record.messageLevel(), kLevelAny, installation.messageLevel)) {
         return kMessageLevelKey;
     }
-    if (!addresses(record.productCode(), installation.productCode)) {
+    if (!addresses(record.productCode(), kProductAny, installation.productCode)) {
         return kProductCodeKey;
     }
-    if (!addresses(record.licenseType(), installation.licenseType)) {
+    if (!addresses(record.licenseType(), kLicenseAny, installation.licenseType)) {
         return kLicenseTypeKey;
     }
     if (!isAtLeast(installation.productVersionString, record.minVersion())) {

@@ -5,15 +5,13 @@
 namespace
 {
 
-constexpr std::int32_t showOnce = 4;
-
 qint64 repeatInterval(std::int32_t notificationRepeat)
 {
     constexpr qint64 hour = 3600;
     switch (notificationRepeat) {
-    case 2:
+    case kRepeatAfter3Hours:
         return 3 * hour;
-    case 3:
+    case kRepeatAfter5Hours:
         return 5 * hour;
     default:
         return hour;
@@ -61,7 +59,7 @@ ShowObstacle obstacleToShowing(const KivNotification &record, const Notification
     if (!(record.lastShowDate().addSecs(repeatInterval(settings.notificationRepeat)) < now)) {
         return ShowObstacle::Interval;
     }
-    if (settings.notificationRepeat == showOnce && record.wasDisplayed()) {
+    if (settings.notificationRepeat == kRepeatNever && record.wasDisplayed()) {
         return ShowObstacle::ShownOnce;
     }
     if (!priorityIsOn(record.messagePriority(), settings)) {

@@ -33,7 +33,7 @@ bool isDomainCharacter(QChar c)
 }
 
 /// Whether it has that many labels at least, none of them empty.
-bool isDomain(QStringView text, int leastLabels)
+bool isDomain(QStringView text, int minLabels)
 {
     int labels = 1;
     QChar last = u'.';
@@ -46,7 +46,7 @@ bool isDomain(QStringView text, int leastLabels)
         }
         last = c;
     }
-    return labels >= leastLabels && last != u'.';
+    return labels >= minLabels && last != u'.';
 }
 
 /// Without the punctuation at the end and the brackets that close nothing.

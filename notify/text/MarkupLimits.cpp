@@ -10,23 +10,23 @@
 namespace
 {
 
-constexpr int mostElements = 500;
-constexpr qsizetype greatestDepth = 100;
-constexpr qsizetype greatestTableDepth = 4;
-constexpr int mostCells = 150; ///< A cell that spans others counts as all of them.
-constexpr int mostFonts = 20;
-constexpr qsizetype mostStyle = 4096;
-constexpr int mostMatching = 5000; ///< Rules of style sheets times elements: each is held against each.
-constexpr qsizetype longestWord = 250;
-constexpr qsizetype mostTextInTables = 8'192; ///< It is laid out several times.
-constexpr int lineInTable = 16;               ///< What a line break counts in that, or an entity that may be one.
-constexpr int scriptRunInTable = 8;           ///< And what a change of script or direction does.
-constexpr int mostLines = 4000;
-constexpr int mostScriptRuns = 8000; ///< As many as 50 kB of Japanese have.
-constexpr int mostImages = 50;
+constexpr int maxElements = 500;
+constexpr qsizetype maxDepth = 100;
+constexpr qsizetype maxTableDepth = 4;
+constexpr int maxCells = 150; ///< A cell that spans others counts as all of them.
+constexpr int maxFonts = 20;
+constexpr qsizetype maxStyle = 4096;
+constexpr int maxMatching = 5000; ///< Rules of style sheets times elements: each is held against each.
+constexpr qsizetype maxWordLength = 250;
+constexpr qsizetype maxTextInTables = 8'192; ///< It is laid out several times.
+constexpr int lineInTable = 16;              ///< What a line break counts in that, or an entity that may be one.
+constexpr int scriptRunInTable = 8;          ///< And what a change of script or direction does.
+constexpr int maxLines = 4000;
+constexpr int maxScriptRuns = 8000; ///< As many as 50 kB of Japanese have.
+constexpr int maxImages = 50;
 /// With style sheets: a rule for elements within others within others is tried with all that they lie in.
-constexpr qsizetype greatestStyledDepth = 12;
-constexpr int longestNumber = 4;
+constexpr qsizetype maxStyledDepth = 12;
+constexpr int maxNumberLength = 4;
 
 const QString table = QStringLiteral("table");
 
@@ -90,14 +90,14 @@ public:
                 ++m_at;
             }
         }
-        require(m_rules * m_elements <= mostMatching && (m_rules == 0 || m_deepest <= greatestStyledDepth));
+        require(m_rules * m_elements <= maxMatching && (m_rules == 0 || m_deepest <= maxStyledDepth));
     }
 
 private:
     void character(QChar c)
     {
         if (!m_open.isEmpty() && isRawTextElement(m_open.last())) {
-            require(++m_style <= mostStyle);
+            require(++m_style <= maxStyle);
             m_rules += c == u'{' || c == u',' ? 1 : 0;
             number(c);
             if (c == u':') { // Of "font-size:" and the like, where a style sheet has them.
@@ -114,8 +114,8 @@ private:
         if (m_tables > 0) {
             m_textInTables += mayBreakLine ? lineInTable : (beginsRun ? scriptRunInTable : 1);
         }
-        require(m_lines <= mostLines && m_scriptRuns.count() <= mostScriptRuns);
-        require(m_word <= longestWord && m_textInTables <= mostTextInTables);
+        require(m_lines <= maxLines && m_scriptRuns.count() <= maxScriptRuns);
+        require(m_word <= maxWordLength && m_textInTables <= maxTextInTables);
     }
 
     void markup()
@@ -152,7 +152,7 @@ private:
 
     void startTag()
     {
-        require(++m_elements <= mostElements);
+        require(++m_elements <= maxElements);
         require(m_open.isEmpty() || !isRawTextElement(m_open.last()));
         const QString name = word();
         m_span = 1;
@@ -170,17 +170,17 @@ private:
             attribute();
         }
         if (isOneOf(name, {u"img", u"image"})) {
-            require(++m_images <= mostImages);
+            require(++m_images <= maxImages);
         }
         if (isOneOf(name, {u"td", u"th"})) {
             m_cells += m_span;
-            require(m_cells <= mostCells);
+            require(m_cells <= maxCells);
         }
         if (!isEmptyElement(name)) {
             m_open.append(name);
             m_tables = m_open.count(table);
             m_deepest = std::max(m_deepest, m_open.size());
-            require(m_open.size() <= greatestDepth && m_tables <= greatestTableDepth);
+            require(m_open.size() <= maxDepth && m_tables <= maxTableDepth);
         }
     }
 
@@ -201,7 +201,7 @@ private:
         require(!value.contains(u'&'));
         if (isOneOf(name, {u"colspan", u"rowspan"})) {
             const int span = std::max(1, value.toInt());
-            require(span <= mostCells);
+            require(span <= maxCells);
             m_span *= span;
         }
         m_digits = 0;
@@ -262,7 +262,7 @@ private:
             m_isColour = true;
         } else if (c.isLetterOrNumber()) {
             m_digits = c.isDigit() ? m_digits + 1 : 0;
-            require(m_isColour || m_digits <= longestNumber);
+            require(m_isColour || m_digits <= maxNumberLength);
         } else {
             m_isColour = false;
             m_digits = 0;
@@ -272,7 +272,7 @@ private:
     void font(QStringView words)
     {
         m_fonts += static_cast<int>(words.count(u"font", Qt::CaseInsensitive));
-        require(m_fonts <= mostFonts);
+        require(m_fonts <= maxFonts);
     }
 
     [[nodiscard]] QStringView rest() const { return m_text.sliced(m_at); }
@@ -301,7 +301,7 @@ private:
 
 bool isWithinMarkupLimits(const QString &html)
 {
-    if (html.size() > mostMarkupBytes || html.toUtf8().size() > mostMarkupBytes) {
+    if (html.size() > maxMarkupBytes || html.toUtf8().size() > maxMarkupBytes) {
         return false;
     }
     try {

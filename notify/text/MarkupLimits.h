@@ -3,7 +3,7 @@
 #include <QString>
 
 /// What is longer is never within the limits.
-constexpr qsizetype mostMarkupBytes = 65'536;
+constexpr qsizetype maxMarkupBytes = 65'536;
 
 /// Whether Qt can be given this HTML without stopping the agent for longer than a user notices. It lays some texts out
 /// in a time that grows with the square of their length, or fourfold with every table within another, and others it

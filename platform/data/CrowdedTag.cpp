@@ -9,7 +9,7 @@ bool canStartName(QChar c)
 }
 
 /// Whether the tag that begins with `tag` has more attributes than that.
-bool isCrowded(QStringView tag, int mostAttributes)
+bool isCrowded(QStringView tag, int maxAttributes)
 {
     int attributes = 0;
     QChar quote;
@@ -24,7 +24,7 @@ bool isCrowded(QStringView tag, int mostAttributes)
             quote = c;
         } else if (c == u'>') {
             return false;
-        } else if (c == u'=' && ++attributes > mostAttributes) {
+        } else if (c == u'=' && ++attributes > maxAttributes) {
             return true;
         }
     }
@@ -33,11 +33,11 @@ bool isCrowded(QStringView tag, int mostAttributes)
 
 } // namespace
 
-qsizetype lengthBeforeCrowdedTag(QStringView xml, int mostAttributes)
+qsizetype lengthBeforeCrowdedTag(QStringView xml, int maxAttributes)
 {
     for (qsizetype start = xml.indexOf(u'<'); start >= 0; start = xml.indexOf(u'<', start + 1)) {
         const QStringView tag = xml.sliced(start + 1);
-        if (!tag.isEmpty() && canStartName(tag.front()) && isCrowded(tag, mostAttributes)) {
+        if (!tag.isEmpty() && canStartName(tag.front()) && isCrowded(tag, maxAttributes)) {
             return start;
         }
     }

@@ -1,10 +1,10 @@
 #include "platform/data/PropertyList.h"
 
-#include "platform/data/AtomicFile.h"
 #include "platform/data/PropertyListBinaryReader.h"
 #include "platform/data/PropertyListValues.h"
 #include "platform/data/PropertyListXmlReader.h"
 #include "platform/data/PropertyListXmlWriter.h"
+#include "platform/files/AtomicFile.h"
 
 #include <optional>
 

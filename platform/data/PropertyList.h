@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/data/RegularFile.h"
+#include "platform/files/RegularFile.h"
 
 #include <QByteArray>
 #include <QString>

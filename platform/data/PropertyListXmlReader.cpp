@@ -21,7 +21,7 @@ namespace
 {
 
 /// Property lists have one, the version.
-constexpr int mostAttributes = 64;
+constexpr int maxAttributes = 64;
 
 /// The characters of `bytes`; a null string when they are wrongly encoded.
 QString decoded(const QByteArray &bytes)
@@ -63,8 +63,8 @@ QVariant integer(QStringView text)
     if (!negative) {
         return PropertyListValues::integer(magnitude);
     }
-    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
-    return magnitude <= largest + 1 ? QVariant(static_cast<qlonglong>(0 - magnitude)) : QVariant();
+    constexpr std::uint64_t max = std::numeric_limits<std::int64_t>::max();
+    return magnitude <= max + 1 ? QVariant(static_cast<qlonglong>(0 - magnitude)) : QVariant();
 }
 
 QVariant real(QStringView text)
@@ -257,7 +257,7 @@ QVariant Reader::dictionary()
 QVariant read(const QByteArray &bytes)
 {
     const QString text = decoded(bytes);
-    const bool isPlain = hasOnlyPlainDocumentType(text) && lengthBeforeCrowdedTag(text, mostAttributes) == text.size();
+    const bool isPlain = hasOnlyPlainDocumentType(text) && lengthBeforeCrowdedTag(text, maxAttributes) == text.size();
     return isPlain ? Reader(text).document() : QVariant();
 }
 

@@ -14,8 +14,8 @@ namespace StringValues
 namespace
 {
 
-constexpr std::int32_t smallestInt = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t largestInt = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t minInt = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t maxInt = std::numeric_limits<std::int32_t>::max();
 
 QStringView withoutLeadingSpace(const QString &text)
 {
@@ -38,7 +38,7 @@ Sign takeSign(QStringView &text)
 template <typename Integer>
 std::int32_t saturated(Integer value)
 {
-    return static_cast<std::int32_t>(std::clamp<Integer>(value, smallestInt, largestInt));
+    return static_cast<std::int32_t>(std::clamp<Integer>(value, minInt, maxInt));
 }
 
 } // namespace
@@ -47,8 +47,8 @@ std::int64_t longLongValue(const QString &text)
 {
     QStringView rest = withoutLeadingSpace(text);
     const Sign sign = takeSign(rest);
-    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
-    const std::uint64_t limit = sign == Sign::Minus ? largest + 1 : largest;
+    constexpr std::uint64_t max = std::numeric_limits<std::int64_t>::max();
+    const std::uint64_t limit = sign == Sign::Minus ? max + 1 : max;
     std::uint64_t magnitude = 0;
     for (const QChar c : rest) {
         if (c < u'0' || c > u'9') {
@@ -92,7 +92,7 @@ std::int32_t intValue(const QVariant &value)
         return saturated(value.toLongLong());
     case QMetaType::UInt:
     case QMetaType::ULongLong:
-        return static_cast<std::int32_t>(std::min<qulonglong>(value.toULongLong(), largestInt));
+        return static_cast<std::int32_t>(std::min<qulonglong>(value.toULongLong(), maxInt));
     case QMetaType::Float:
     case QMetaType::Double: {
         const double number = value.toDouble();

@@ -10,7 +10,7 @@
 namespace
 {
 
-constexpr qint64 maximumBytes = 16 << 20;
+constexpr qint64 maxBytes = 16 << 20;
 
 QList<QImage> readByQt(const QString &path)
 {
@@ -33,7 +33,7 @@ QList<QImage> readByQt(const QString &path)
 QIcon readImageFile(const QString &path)
 {
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly) || file.size() > maximumBytes) {
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly) || file.size() > maxBytes) {
         return {};
     }
     const bool isTiff = QFileInfo(path).suffix().startsWith(QLatin1String("tif"), Qt::CaseInsensitive);

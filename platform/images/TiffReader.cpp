@@ -11,8 +11,8 @@
 namespace
 {
 
-constexpr int maximumPages = 16;
-constexpr std::uint32_t maximumSide = 1024;
+constexpr int maxPages = 16;
+constexpr std::uint32_t maxSide = 1024;
 
 enum Tag : std::uint16_t {
     ImageWidth = 256,
@@ -125,7 +125,7 @@ private:
             return;
         }
         const std::uint32_t count = bytes.u32(at + 4);
-        require(count <= maximumSide); // A strip for each row at the most.
+        require(count <= maxSide); // A strip for each row at the most.
         const std::uint32_t size = type == shortType ? 2 : 4;
         const std::uint64_t values = count * size <= 4 ? at + 8 : bytes.u32(at + 8);
         std::vector<std::uint32_t> &numbers = m_values[bytes.u16(at)];
@@ -173,7 +173,7 @@ QImage readPage(const Bytes &bytes, const Directory &page)
 
     const std::uint32_t width = page.one(ImageWidth);
     const std::uint32_t height = page.one(ImageLength);
-    require(width >= 1 && width <= maximumSide && height >= 1 && height <= maximumSide);
+    require(width >= 1 && width <= maxSide && height >= 1 && height <= maxSide);
     const std::uint32_t rowsPerStrip = std::min(page.oneOr(RowsPerStrip, height), height);
     require(rowsPerStrip >= 1);
     const std::vector<std::uint32_t> &offsets = page.all(StripOffsets);
@@ -208,7 +208,7 @@ QList<QImage> readTiff(const QByteArray &file)
         const Bytes bytes(file);
         QList<QImage> pages;
         for (std::uint32_t at = bytes.u32(4); at != 0;) {
-            require(pages.size() < maximumPages);
+            require(pages.size() < maxPages);
             const Directory directory(bytes, at);
             pages.append(readPage(bytes, directory));
             at = directory.next;

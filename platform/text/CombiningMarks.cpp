@@ -2,7 +2,7 @@
 
 QString withoutPiledUpMarks(const QString &text)
 {
-    constexpr int mostMarks = 32;
+    constexpr int maxMarks = 32;
     QString result;
     result.reserve(text.size());
     int marks = 0;
@@ -14,7 +14,7 @@ QString withoutPiledUpMarks(const QString &text)
         const char32_t character = isPair ? QChar::surrogateToUcs4(first, rest[1]) : first.unicode();
         const bool isMark = QChar::isMark(character) || QChar::category(character) == QChar::Other_Format;
         marks = isMark ? marks + 1 : 0;
-        if (marks <= mostMarks) {
+        if (marks <= maxMarks) {
             result += rest.first(size);
         }
     }

@@ -3,7 +3,7 @@
 namespace
 {
 
-constexpr int mostRuns = 2000;
+constexpr int maxRuns = 2000;
 
 bool setsDirection(QChar::Direction direction)
 {
@@ -59,7 +59,7 @@ QStringView firstScriptRuns(QStringView text)
         const bool isPair = text[at].isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate();
         const char32_t character = isPair ? QChar::surrogateToUcs4(text[at], text[at + 1]) : text[at].unicode();
         runs.add(character);
-        if (runs.count() > mostRuns) {
+        if (runs.count() > maxRuns) {
             return text.first(at);
         }
         at += isPair ? 2 : 1;

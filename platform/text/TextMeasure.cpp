@@ -13,10 +13,10 @@ namespace
 {
 
 /// Within the range of Qt's fixed-point lengths; also stands for no limit.
-constexpr qreal largestWidth = 1'000'000;
+constexpr qreal maxWidth = 1'000'000;
 /// At the usual width even the narrowest letters fill that height. More would only be characters that take no
 /// room at all.
-constexpr qsizetype largestLength = 150'000;
+constexpr qsizetype maxLength = 150'000;
 /// For every line, a layout looks through the word in which it begins, so an endless word is laid out in pieces.
 constexpr qsizetype pieceLength = 4096;
 
@@ -46,14 +46,14 @@ void layOut(QTextLayout &layout, qreal width)
 
 float textHeight(const QString &text, float width)
 {
-    const QStringView measured = firstScriptRuns(QStringView(text).first(std::min(text.size(), largestLength)));
+    const QStringView measured = firstScriptRuns(QStringView(text).first(std::min(text.size(), maxLength)));
     const QString lines = withoutPiledUpMarks(withLineSeparators(measured.toString()));
-    const qreal lineWidth = width > 0 ? std::min<qreal>(width, largestWidth) : largestWidth;
+    const qreal lineWidth = width > 0 ? std::min<qreal>(width, maxWidth) : maxWidth;
     const QFont font = systemFont(QFont::Normal);
     qreal height = 0;
     qsizetype start = 0;
     qsizetype length = pieceLength;
-    while (start < lines.size() && height < qreal{maxTextHeight}) {
+    while (start < lines.size() && height < qreal{maxMeasuredHeight}) {
         QTextLayout piece(lines.mid(start, length), font);
         layOut(piece, lineWidth);
         // More text may belong to the last line of a piece, so the next piece begins with it.
@@ -65,5 +65,5 @@ float textHeight(const QString &text, float width)
         start = isLastPiece ? lines.size() : start + piece.lineAt(complete).textStart();
         length = complete > 0 ? pieceLength : length * 2;
     }
-    return static_cast<float>(std::min(height, qreal{maxTextHeight}));
+    return static_cast<float>(std::min(height, qreal{maxMeasuredHeight}));
 }

@@ -9,7 +9,7 @@ namespace
 CFTypeRef newValue(const QJsonValue &value)
 {
     if (value.isBool()) {
-        return CFRetain(value.toBool() ? kCFBooleanTrue : kCFBooleanFalse);
+        return value.toBool() ? kCFBooleanTrue : kCFBooleanFalse;
     }
     if (value.isString()) {
         return CFStringCreateWithCString(kCFAllocatorDefault, value.toString().toUtf8().constData(),

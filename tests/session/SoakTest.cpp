@@ -532,10 +532,10 @@ bool Life::carryOutOne()
 void Life::letTimePass()
 {
     // After an operation that took long, days may be due, and a timer fires once for a leap, however long that is.
-    constexpr std::chrono::seconds longestLeap = 12h;
+    constexpr std::chrono::seconds maxLeap = 12h;
     const auto due = std::chrono::seconds(m_time.elapsed() * pace / 1000);
     do {
-        if (const auto leap = std::min(due - m_lived, longestLeap); leap > 0s) {
+        if (const auto leap = std::min(due - m_lived, maxLeap); leap > 0s) {
             m_clock.advance(leap);
             m_lived += leap;
         }
@@ -591,8 +591,7 @@ TEST(Soak, OfDaysInASessionLeavesTheAgentAsItWas)
     });
     EXPECT_EQ(errors, QByteArrayList());
 #ifndef __SANITIZE_ADDRESS__ // It keeps what is freed for a while.
-    constexpr qint64 mostGrowth = 1024;
-    EXPECT_LT(inTheLastQuarter - inTheSecondQuarter, mostGrowth)
-        << "kB from the second quarter of the time to the last";
+    constexpr qint64 maxGrowth = 1024;
+    EXPECT_LT(inTheLastQuarter - inTheSecondQuarter, maxGrowth) << "kB from the second quarter of the time to the last";
 #endif
 }

@@ -1,8 +1,8 @@
 #include "shell/MenuProcedure.h"
 
 #include "menu/MenuCommands.h"
-#include "shell/EventCodes.h"
 #include "shell/ProcessState.h"
+#include "shell/link/EventCodes.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/SystemLog.h"
 #include "tests/support/WaitUntil.h"

@@ -1,4 +1,4 @@
-#include "shell/EventCodes.h"
+#include "shell/link/EventCodes.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/WaitUntil.h"

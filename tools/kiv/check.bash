@@ -4,7 +4,7 @@
 packages_check=(clang-format shellcheck libxml2-utils desktop-file-utils appstream python3)
 
 check() { # [NAME...]
-    local all=(format scripts includes words documents links tidy) name found=()
+    local all=(format scripts includes sizes words documents links tidy) name found=()
     [[ $# -gt 0 ]] || set -- "${all[@]}"
     for name in "$@"; do
         [[ " ${all[*]} " == *" $name "* ]] || fail "no such check: \"$name\"; there are ${all[*]}"
@@ -28,6 +28,10 @@ check_scripts() {
 
 check_includes() {
     tests/include_directions .
+}
+
+check_sizes() {
+    python3 -B tools/kiv/sizes.py .
 }
 
 check_words() {

@@ -23,7 +23,7 @@ clean_room() { # RELEASE --remove | RELEASE [--fresh] COMMAND...
     [[ $option == --remove || $# -gt 0 ]] || fail "clean-room wants a command; see ./kiv help"
     [[ $EUID -eq 0 ]] || fail "only root can make and enter a clean room"
     # In a container, root may not be enough.
-    unshare --mount --pid --ipc --uts --fork true || exit "$no_clean_rooms_here"
+    may_mount || exit "$no_clean_rooms_here"
     room=$clean_rooms/$release
     mkdir -p "$clean_rooms"
     exec {lock}>"$room.lock"
@@ -37,6 +37,16 @@ clean_room() { # RELEASE --remove | RELEASE [--fresh] COMMAND...
         make_room "$suite" "$room"
     fi
     use_room "$release" "$room" "$option" "$@" {lock}>&-
+}
+
+# All that in_room() mounts, tried where it is gone again at once.
+may_mount() {
+    unshare --mount --pid --ipc --uts --fork --kill-child bash -euc '
+        mount -t tmpfs tmpfs /mnt
+        mkdir /mnt/proc /mnt/pts
+        mount -t proc proc /mnt/proc
+        mount -t devpts -o newinstance devpts /mnt/pts
+        mount --rbind /dev /mnt/pts'
 }
 
 make_room() { # SUITE ROOM

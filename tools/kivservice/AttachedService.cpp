@@ -1,8 +1,8 @@
 #include "tools/kivservice/AttachedService.h"
 
 #include "menu/MenuEntries.h"
-#include "shell/EventCodes.h"
-#include "shell/EventLink.h"
+#include "shell/link/EventCodes.h"
+#include "shell/link/EventLink.h"
 
 #include <QtEndian>
 

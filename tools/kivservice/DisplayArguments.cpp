@@ -4,7 +4,7 @@
 
 namespace
 {
-constexpr std::uint16_t leastSide = 32; // pixels; the least that X servers for remote desktops take
+constexpr std::uint16_t minSide = 32; // pixels; the least that X servers for remote desktops take
 
 std::optional<std::uint16_t> side(const QString &text)
 {
@@ -12,7 +12,7 @@ std::optional<std::uint16_t> side(const QString &text)
         !text.isEmpty() && std::ranges::all_of(text, [](QChar c) { return c >= u'0' && c <= u'9'; });
     bool fits = false;
     const std::uint16_t value = text.toUShort(&fits);
-    return digitsOnly && fits && value >= leastSide ? std::optional(value) : std::nullopt;
+    return digitsOnly && fits && value >= minSide ? std::optional(value) : std::nullopt;
 }
 
 DisplayArguments refused(const QString &reason)
@@ -42,7 +42,7 @@ DisplayArguments parseDisplayArguments(const QStringList &arguments)
         ++it;
         const auto value = side(*it);
         if (!value) {
-            return refused(QStringLiteral("\"%1\" is no size from %2 to 65535 pixels").arg(*it).arg(leastSide));
+            return refused(QStringLiteral("\"%1\" is no size from %2 to 65535 pixels").arg(*it).arg(minSide));
         }
         (isWidth ? width : height) = value;
     }

@@ -5,18 +5,18 @@
 
 xcb_randr_mode_info_t reducedBlankingMode(DisplaySize size)
 {
-    constexpr double refreshRate = 60;            // hertz
-    constexpr double leastVerticalBlank = 460e-6; // seconds
-    constexpr int horizontalFrontPorch = 48;      // pixels, as the next two
+    constexpr double refreshRate = 60;          // hertz
+    constexpr double minVerticalBlank = 460e-6; // seconds
+    constexpr int horizontalFrontPorch = 48;    // pixels, as the next two
     constexpr int horizontalSync = 32;
     constexpr int horizontalBlank = 160;
     constexpr int verticalFrontPorch = 3; // lines, as the next two
-    constexpr int leastVerticalBackPorch = 6;
+    constexpr int minVerticalBackPorch = 6;
     constexpr int verticalSync = 10; // the value for a size of no standard aspect ratio
 
-    const double lineTime = (1 / refreshRate - leastVerticalBlank) / size.height;
-    const int verticalBlank = std::max(static_cast<int>(leastVerticalBlank / lineTime) + 1,
-                                       verticalFrontPorch + verticalSync + leastVerticalBackPorch);
+    const double lineTime = (1 / refreshRate - minVerticalBlank) / size.height;
+    const int verticalBlank = std::max(static_cast<int>(minVerticalBlank / lineTime) + 1,
+                                       verticalFrontPorch + verticalSync + minVerticalBackPorch);
     const auto total = [](int visible, int blank) {
         return static_cast<std::uint16_t>(std::min(visible + blank, 65535));
     };

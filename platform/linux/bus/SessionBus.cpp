@@ -129,11 +129,11 @@ QDBusMessage SessionBus::ask(const QString &member, const QVariantList &argument
     if (!isConnected()) {
         return {};
     }
-    constexpr int limit = 500;
+    constexpr int timeout = 500; // milliseconds
     const QString bus = QStringLiteral("org.freedesktop.DBus");
     QDBusMessage question = QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus, member);
     question.setArguments(arguments);
-    return m_connection.call(question, QDBus::Block, limit);
+    return m_connection.call(question, QDBus::Block, timeout);
 }
 
 void SessionBus::tryToConnect()

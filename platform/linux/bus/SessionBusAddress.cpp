@@ -211,9 +211,9 @@ QString sessionBusAddress()
            QString::fromLatin1(QUrl::toPercentEncoding(runtime + QStringLiteral("/bus"), "/", "~"));
 }
 
-ProbedBus probeBus(const QString &address, std::chrono::milliseconds limit)
+ProbedBus probeBus(const QString &address, std::chrono::milliseconds timeout)
 {
-    const QDeadlineTimer deadline(limit);
+    const QDeadlineTimer deadline(timeout);
     BusState state = BusState::Absent;
     for (const QString &entry : address.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         const std::optional<QByteArray> name = socketName(entry);

@@ -19,8 +19,8 @@ struct ProbedBus {
     QString address; ///< The one entry of the address that answers; empty when none does.
 };
 
-/// Joins each bus of an address, as a client does, until one answers to Hello, and leaves it again: `limit` in all. A
+/// Joins each bus of an address, as a client does, until one answers to Hello, and leaves it again: `timeout` in all. A
 /// bus at the other end of anything but a local socket, or one that wants to know more than this process's user, is
 /// taken to answer.
 [[nodiscard]] ProbedBus probeBus(const QString &address,
-                                 std::chrono::milliseconds limit = std::chrono::milliseconds(500));
+                                 std::chrono::milliseconds timeout = std::chrono::milliseconds(500));

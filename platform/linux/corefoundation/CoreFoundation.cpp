@@ -2,16 +2,13 @@
 #include <QStringDecoder>
 
 #include <atomic>
-#include <cmath>
 #include <cstring>
 #include <functional>
-#include <limits>
 #include <map>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
-#include <variant>
 #include <vector>
 
 namespace
@@ -88,12 +85,12 @@ struct __CFString final : Object {
 };
 
 struct __CFNumber final : Object {
-    explicit __CFNumber(std::variant<std::int64_t, double> number)
+    explicit __CFNumber(std::int32_t number)
         : Object(Kind::Number, Lifetime::Counted)
         , value(number)
     {
     }
-    const std::variant<std::int64_t, double> value;
+    const std::int32_t value;
 };
 
 struct __CFBoolean final : Object {
@@ -151,14 +148,6 @@ void CFRelease(CFTypeRef object)
     }
 }
 
-CFTypeRef CFRetain(CFTypeRef object)
-{
-    if (object) {
-        objectOf(object)->retain();
-    }
-    return object;
-}
-
 CFTypeID CFGetTypeID(CFTypeRef object)
 {
     return object ? static_cast<CFTypeID>(objectOf(object)->kind()) : 0;
@@ -177,16 +166,6 @@ CFTypeID CFNumberGetTypeID()
 CFTypeID CFBooleanGetTypeID()
 {
     return static_cast<CFTypeID>(Kind::Boolean);
-}
-
-CFTypeID CFDictionaryGetTypeID()
-{
-    return static_cast<CFTypeID>(Kind::Dictionary);
-}
-
-CFTypeID CFArrayGetTypeID()
-{
-    return static_cast<CFTypeID>(Kind::Array);
 }
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char *text, CFStringEncoding encoding)
@@ -224,102 +203,29 @@ CFStringRef __CFStringMakeConstantString(const char *text)
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void *value)
 {
-    if (!value) {
+    if (type != kCFNumberSInt32Type || !value) {
         return nullptr;
     }
-    const auto make = [value]<typename Stored, typename Kept>(Stored stored, Kept) -> CFNumberRef {
-        std::memcpy(&stored, value, sizeof stored);
-        return std::make_unique<__CFNumber>(static_cast<Kept>(stored)).release();
-    };
-    switch (type) {
-    case kCFNumberSInt32Type:
-        return make(std::int32_t{}, std::int64_t{});
-    case kCFNumberSInt64Type:
-        return make(std::int64_t{}, std::int64_t{});
-    case kCFNumberFloat64Type:
-        return make(double{}, double{});
-    default:
-        return nullptr;
-    }
+    std::int32_t number = 0;
+    std::memcpy(&number, value, sizeof number);
+    return std::make_unique<__CFNumber>(number).release();
 }
-
-namespace
-{
-
-/// A number as another type, and whether it is still the same number.
-template <typename To>
-struct Converted {
-    To value;
-    bool isExact;
-};
-
-/// Toward zero, and to the nearest that there is; no number at all becomes 0.
-Converted<std::int64_t> integerOf(double number)
-{
-    constexpr double beyond = 0x1p63;
-    using Limits = std::numeric_limits<std::int64_t>;
-    if (std::isnan(number)) {
-        return {0, false};
-    }
-    if (number >= beyond || number < -beyond) {
-        return {number > 0 ? Limits::max() : Limits::min(), false};
-    }
-    return {static_cast<std::int64_t>(number), number == std::trunc(number)};
-}
-
-Converted<std::int64_t> integerOf(std::int64_t number)
-{
-    return {number, true};
-}
-
-Converted<double> realOf(double number)
-{
-    return {number, true};
-}
-
-Converted<double> realOf(std::int64_t number)
-{
-    const auto real = static_cast<double>(number);
-    const Converted<std::int64_t> back = integerOf(real);
-    return {real, back.isExact && back.value == number};
-}
-
-template <typename To>
-Boolean store(Converted<To> converted, void *to)
-{
-    std::memcpy(to, &converted.value, sizeof converted.value);
-    return converted.isExact;
-}
-
-} // namespace
 
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void *value)
 {
-    std::variant<std::int64_t, double> stored;
+    std::int32_t stored = 0;
     if (isKind(number, Kind::Number)) {
         stored = number->value;
     } else if (isKind(number, Kind::Boolean)) {
-        stored = std::int64_t{objectOf(number) == kCFBooleanTrue};
+        stored = objectOf(number) == kCFBooleanTrue;
     } else {
         return false;
     }
-    if (!value) {
+    if (type != kCFNumberSInt32Type || !value) {
         return false;
     }
-    const Converted<std::int64_t> integer = std::visit([](auto it) { return integerOf(it); }, stored);
-    const Converted<double> real = std::visit([](auto it) { return realOf(it); }, stored);
-    switch (type) {
-    case kCFNumberSInt32Type: {
-        const auto narrow = static_cast<std::int32_t>(integer.value);
-        return store(Converted<std::int32_t>{narrow, integer.isExact && narrow == integer.value}, value);
-    }
-    case kCFNumberSInt64Type:
-        return store(integer, value);
-    case kCFNumberFloat64Type:
-        return store(real, value);
-    default:
-        return false;
-    }
+    std::memcpy(value, &stored, sizeof stored);
+    return true;
 }
 
 Boolean CFBooleanGetValue(CFBooleanRef boolean)
@@ -353,11 +259,6 @@ const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key)
     }
     const auto it = dictionary->entries.find(static_cast<CFStringRef>(key)->text);
     return it == dictionary->entries.end() ? nullptr : it->second.value.get();
-}
-
-CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary)
-{
-    return isKind(dictionary, Kind::Dictionary) ? static_cast<CFIndex>(dictionary->entries.size()) : 0;
 }
 
 CFArrayRef CFArrayCreate(CFAllocatorRef, const void **values, CFIndex count, const CFArrayCallBacks *)

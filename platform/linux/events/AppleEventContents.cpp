@@ -4,7 +4,7 @@ OSErr AppleEventContents::setParameter(AEKeyword keyword, DescType type, const v
 {
     const Parameter *replaced = parameter(keyword);
     const Size others = m_size - (replaced ? replaced->bytes.size() + kParameterCost : 0);
-    if (size > kCapacity - kParameterCost - others) {
+    if (size > kMaxBytes - kParameterCost - others) {
         return memFullErr;
     }
     m_size = others + kParameterCost + size;

@@ -93,10 +93,11 @@ OSErr copyOut(const AppleEventContents::Parameter *found, DescType desiredType, 
 
 /// How long a sender waits at most. A tick is a sixtieth of a second. "For ever" is a minute here, as is the default:
 /// it is the main thread that waits.
-std::chrono::milliseconds limitOf(SInt32 timeOutInTicks)
+std::chrono::milliseconds timeoutOf(SInt32 timeOutInTicks)
 {
-    constexpr std::chrono::milliseconds longest = std::chrono::minutes(1);
-    return timeOutInTicks < 0 ? longest : std::min(longest, std::chrono::milliseconds(timeOutInTicks * 1000LL / 60));
+    constexpr std::chrono::milliseconds maxTimeout = std::chrono::minutes(1);
+    return timeOutInTicks < 0 ? maxTimeout
+                              : std::min(maxTimeout, std::chrono::milliseconds(timeOutInTicks * 1000LL / 60));
 }
 
 } // namespace
@@ -110,7 +111,7 @@ OSErr AECreateDesc(DescType type, const void *data, Size size, AEDesc *result)
     if (!isReadable(data, size)) {
         return paramErr;
     }
-    if (size > AppleEventContents::kCapacity) {
+    if (size > AppleEventContents::kMaxBytes) {
         return memFullErr;
     }
     return setDesc(result, type, QByteArray(static_cast<const char *>(data), size));
@@ -190,7 +191,7 @@ OSErr AESend(const AppleEvent *event, AppleEvent *reply, AESendMode mode, AESend
     }
     constexpr AESendMode replyBits = 3;
     AppleEventTransport &transport = manager().transport;
-    return (mode & replyBits) == kAEWaitReply ? transport.sendAndWait(*contents, limitOf(timeOutInTicks))
+    return (mode & replyBits) == kAEWaitReply ? transport.sendAndWait(*contents, timeoutOf(timeOutInTicks))
                                               : transport.send(*contents);
 }
 

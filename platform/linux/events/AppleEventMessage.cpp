@@ -10,7 +10,7 @@ namespace
 {
 
 /// Of one event: many more than any has. To unpack a message of a million tiny ones takes seconds.
-constexpr int mostParameters = 64;
+constexpr int maxParameters = 64;
 
 struct WireParameter {
     QString keyword;
@@ -114,7 +114,7 @@ std::optional<AppleEventContents> eventOf(const QDBusMessage &message)
     list.beginArray();
     const auto end = qScopeGuard([&list] { list.endArray(); }); // An array left open would never be freed.
     for (int count = 0; !list.atEnd(); ++count) {
-        if (count == mostParameters) {
+        if (count == maxParameters) {
             return {};
         }
         WireParameter parameter;

@@ -10,7 +10,7 @@
 /// resources/dbus/com.tamborel.kivune.AppleEvents.xml says it.
 
 /// The call to the event's target. None when there is no target, or a code holds a zero byte, which no string of the
-/// bus can carry. `busName` is where it goes; empty for the name under which the target takes events.
+/// bus can carry. `busName` is where it goes; empty for the name under which the target receives events.
 [[nodiscard]] std::optional<QDBusMessage> messageOf(const AppleEventContents &event, const QString &busName = {});
 
 /// The event of a call of Send; sender and target are not set. None when the message breaks the contract.

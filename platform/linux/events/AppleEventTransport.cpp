@@ -57,15 +57,15 @@ QString ownBusName()
 
 } // namespace
 
-AppleEventTransport::AppleEventTransport(SessionBus &bus, Receiver receiver, std::size_t mostThatWait)
+AppleEventTransport::AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting)
     : m_bus(bus)
-    , m_receiver(std::move(receiver))
+    , m_handler(std::move(handler))
     , m_peers(bus)
-    , m_incoming(WorkInTurns::kShareOfATurn, mostThatWait)
+    , m_incoming(WorkInTurns::kShareOfATurn, maxWaiting)
 {
-    connect(&bus, &SessionBus::connected, this, &AppleEventTransport::enter);
+    connect(&bus, &SessionBus::connected, this, &AppleEventTransport::registerOnBus);
     // Another bus counts its unique names from the start again.
-    connect(&bus, &SessionBus::disconnected, this, [this] { m_taker.reset(); });
+    connect(&bus, &SessionBus::disconnected, this, [this] { m_target.reset(); });
 }
 
 AppleEventTransport::~AppleEventTransport()
@@ -77,7 +77,7 @@ void AppleEventTransport::startReceiving()
 {
     if (m_reception == Reception::Off) {
         m_reception = Reception::On;
-        enter();
+        registerOnBus();
     }
 }
 
@@ -85,11 +85,11 @@ void AppleEventTransport::stopReceiving()
 {
     if (m_reception == Reception::On) {
         m_reception = Reception::Off;
-        leave();
+        unregisterFromBus();
     }
 }
 
-void AppleEventTransport::enter()
+void AppleEventTransport::registerOnBus()
 {
     if (m_reception == Reception::Off || !m_bus.isConnected()) {
         return;
@@ -103,7 +103,7 @@ void AppleEventTransport::enter()
     }
 }
 
-void AppleEventTransport::leave()
+void AppleEventTransport::unregisterFromBus()
 {
     QDBusConnection connection = m_bus.connection();
     if (connection.isConnected()) {
@@ -112,11 +112,11 @@ void AppleEventTransport::leave()
     connection.unregisterObject(eventObjectPath());
 }
 
-OSErr AppleEventTransport::findTaker(SInt32 pid)
+OSErr AppleEventTransport::findTarget(SInt32 pid)
 {
-    // The bus takes a message to nobody without a word, so it is asked first; and who holds the name of a process that
-    // it is not gets nothing.
-    m_taker.reset();
+    // The bus accepts a message to an unowned name without a word, so it is asked first; and who holds the name of a
+    // process that it is not gets nothing.
+    m_target.reset();
     const QString uniqueName = m_bus.ownerOf(eventBusName(pid));
     if (uniqueName.isEmpty()) {
         qCDebug(linkLog, "process %d takes no events", pid);
@@ -127,35 +127,35 @@ OSErr AppleEventTransport::findTaker(SInt32 pid)
         qCDebug(linkLog, "process %d takes no events: another has its name on the bus", pid);
         return owner ? procNotFound : connectionInvalid;
     }
-    m_taker = Taker{pid, uniqueName};
+    m_target = Target{pid, uniqueName};
     return noErr;
 }
 
-OSErr AppleEventTransport::deliver(const QDBusMessage &message)
+OSErr AppleEventTransport::sendToTarget(const QDBusMessage &message)
 {
     // The bus answers in order, so that the event has gone on when the question after it is answered: Qt sends from a
     // thread of its own, and what a program sends just before it ends would be lost. The answer says, too, whether the
-    // one it went to still was the taker; to a unique name that has gone, nobody listens ever after.
-    const Taker taker = *std::exchange(m_taker, std::nullopt);
-    const QString owner = m_bus.connection().send(message) ? m_bus.ownerOf(eventBusName(taker.pid)) : QString();
-    if (owner != taker.uniqueName) {
+    // one it went to still was the target; to a unique name that has gone, nobody listens ever after.
+    const Target target = *std::exchange(m_target, std::nullopt);
+    const QString owner = m_bus.connection().send(message) ? m_bus.ownerOf(eventBusName(target.pid)) : QString();
+    if (owner != target.uniqueName) {
         return owner.isNull() ? connectionInvalid : procNotFound;
     }
-    m_taker = taker;
+    m_target = target;
     return noErr;
 }
 
 OSErr AppleEventTransport::send(const AppleEventContents &event)
 {
-    const bool isKnown = m_taker && m_taker->pid == event.target;
-    const std::optional<QDBusMessage> message = messageOf(event, isKnown ? m_taker->uniqueName : QString());
+    const bool isKnown = m_target && m_target->pid == event.target;
+    const std::optional<QDBusMessage> message = messageOf(event, isKnown ? m_target->uniqueName : QString());
     if (!message) {
         return paramErr;
     }
-    // Who took the last event gets this one at once: a question to the bus, or to the system, would take as long as the
-    // event itself.
+    // Who received the last event gets this one at once: a question to the bus, or to the system, would take as long as
+    // the event itself.
     if (isKnown) {
-        if (const OSErr error = deliver(*message); error != procNotFound) {
+        if (const OSErr error = sendToTarget(*message); error != procNotFound) {
             return error;
         }
     }
@@ -163,10 +163,10 @@ OSErr AppleEventTransport::send(const AppleEventContents &event)
         qCDebug(linkLog, "process %d does not run", *event.target);
         return procNotFound;
     }
-    if (const OSErr error = findTaker(*event.target); error != noErr) {
+    if (const OSErr error = findTarget(*event.target); error != noErr) {
         return error;
     }
-    return deliver(*messageOf(event, m_taker->uniqueName));
+    return sendToTarget(*messageOf(event, m_target->uniqueName));
 }
 
 OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage &message) const
@@ -182,23 +182,23 @@ OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage
     if (!isRunningProcess(*event.target)) {
         return procNotFound;
     }
-    // The bus takes a message to nobody without a word, so it is asked first; and who holds the name of a process that
-    // it is not gets nothing.
-    const std::optional<qint64> taker = m_bus.processOf(eventBusName(*event.target));
-    if (taker != *event.target) {
-        return taker ? procNotFound : connectionInvalid;
+    // The bus accepts a message to an unowned name without a word, so it is asked first; and who holds the name of a
+    // process that it is not gets nothing.
+    const std::optional<qint64> owner = m_bus.processOf(eventBusName(*event.target));
+    if (owner != *event.target) {
+        return owner ? procNotFound : connectionInvalid;
     }
     message = *call;
     return noErr;
 }
 
-OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chrono::milliseconds limit) const
+OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chrono::milliseconds timeout) const
 {
     QDBusMessage message;
     if (const OSErr error = prepare(event, message); error != noErr) {
         return error;
     }
-    return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(limit.count())));
+    return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(timeout.count())));
 }
 
 QString AppleEventTransport::introspect(const QString &) const
@@ -220,19 +220,19 @@ bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBus
     const std::optional<qint64> sender = m_peers.processOf(message.service());
     // To a blocking call to its own process, Qt wants the answer before this returns.
     if (message.service() == connection.baseService()) {
-        take(message, connection, sender);
+        receive(message, connection, sender);
         return true;
     }
     const bool isAccepted = m_incoming.carryOut(
-        message.service(), [this, message, connection, sender] { take(message, connection, sender); });
+        message.service(), [this, message, connection, sender] { receive(message, connection, sender); });
     if (!isAccepted) {
         refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many events wait already"));
     }
     return true;
 }
 
-void AppleEventTransport::take(const QDBusMessage &message, const QDBusConnection &connection,
-                               std::optional<qint64> sender)
+void AppleEventTransport::receive(const QDBusMessage &message, const QDBusConnection &connection,
+                                  std::optional<qint64> sender)
 {
     std::optional<AppleEventContents> event = eventOf(message);
     if (!event) {
@@ -243,17 +243,17 @@ void AppleEventTransport::take(const QDBusMessage &message, const QDBusConnectio
     if (sender) {
         event->sender = static_cast<SInt32>(*sender);
     }
-    const OSErr status = receive(std::move(*event));
+    const OSErr status = handle(std::move(*event));
     if (message.isReplyRequired()) {
         connection.send(message.createReply(int(status)));
     }
 }
 
-OSErr AppleEventTransport::receive(AppleEventContents event)
+OSErr AppleEventTransport::handle(AppleEventContents event)
 {
     // Nothing may be thrown through QtDBus: it would tell the sender that there is no such object.
     try {
-        return m_receiver(std::move(event));
+        return m_handler(std::move(event));
     } catch (const std::exception &failure) {
         qCCritical(linkLog, "an event handler failed: %s", failure.what());
     } catch (...) {

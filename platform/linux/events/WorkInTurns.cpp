@@ -2,9 +2,9 @@
 
 #include <utility>
 
-WorkInTurns::WorkInTurns(std::chrono::milliseconds shareOfATurn, std::size_t mostOfAClient)
+WorkInTurns::WorkInTurns(std::chrono::milliseconds shareOfATurn, std::size_t maxWaiting)
     : m_shareOfATurn(shareOfATurn)
-    , m_mostOfAClient(mostOfAClient)
+    , m_maxWaiting(maxWaiting)
 {
 }
 
@@ -24,7 +24,7 @@ bool WorkInTurns::carryOut(const QString &client, Work work)
         return true;
     }
     std::deque<Work> &waiting = m_waiting[client];
-    if (waiting.size() >= m_mostOfAClient) {
+    if (waiting.size() >= m_maxWaiting) {
         return false;
     }
     if (waiting.empty()) {

@@ -11,9 +11,9 @@
 #include <map>
 #include <optional>
 
-/// Carries out work for other programs: at once while there is little of it, and spread over turns of the event loop
-/// when there is much. Qt hands over all messages that have come since it last looked in one go, which in a flood of
-/// them takes seconds, and the user's clicks would wait as long. Main thread only.
+/// Carries out work for other programs: at once while there is little of it, and spread over iterations of the event
+/// loop (its turns, here) when there is much. Qt hands over all messages that have come since it last looked in one go,
+/// which in a flood of them takes seconds, and the user's clicks would wait as long. Main thread only.
 class WorkInTurns final : public QObject
 {
     Q_OBJECT
@@ -25,10 +25,9 @@ public:
     static constexpr std::chrono::milliseconds kShareOfATurn{5};
     /// More pieces than that do not wait for one client, so that a flood does not take all memory: several times the
     /// longest burst that a client has reason for.
-    static constexpr std::size_t kMostOfAClient = 100'000;
+    static constexpr std::size_t kMaxWaiting = 100'000;
 
-    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn,
-                         std::size_t mostOfAClient = kMostOfAClient);
+    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn, std::size_t maxWaiting = kMaxWaiting);
 
     /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work for one client
     /// is carried out in its order; clients with work that waits take turns, so that none waits for all of another's.
@@ -42,7 +41,7 @@ private:
     [[nodiscard]] Work takeNext();
 
     std::chrono::milliseconds m_shareOfATurn;
-    std::size_t m_mostOfAClient;
+    std::size_t m_maxWaiting;
     std::map<QString, std::deque<Work>> m_waiting; ///< While there is any, the next turn is sure to come.
     std::deque<QString> m_clients;                 ///< Those with work that waits, the next one first.
     std::optional<QDeadlineTimer> m_share; ///< What is left of this turn; nothing before its first work is done.

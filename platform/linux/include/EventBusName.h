@@ -6,7 +6,7 @@
 
 #include <optional>
 
-/// Where on the session bus a process takes events; see resources/dbus/com.tamborel.kivune.AppleEvents.xml.
+/// Where on the session bus a process receives events; see resources/dbus/com.tamborel.kivune.AppleEvents.xml.
 [[nodiscard]] inline QString eventBusName(qint64 pid)
 {
     return ProductTexts::eventBusName + QString::number(pid);

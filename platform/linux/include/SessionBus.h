@@ -34,10 +34,10 @@ public:
     /// when there is no bus. Whoever asks for it ends it, by QDBusConnection::disconnectFromBus.
     [[nodiscard]] QDBusConnection connectOnceMore() const;
 
-    /// The process behind a bus name, unique or well-known; 0 when nobody owns it, none when there is no bus or it does
+    /// The process behind a bus name, unique or well-known; 0 for an unowned name, none when there is no bus or it does
     /// not answer. Blocks for at most 500 ms.
     [[nodiscard]] std::optional<qint64> processOf(const QString &busName) const;
-    /// The unique name of a bus name's owner; empty when nobody owns it, null when there is no bus or it does not
+    /// The unique name of a bus name's owner; empty for an unowned name, null when there is no bus or it does not
     /// answer. Blocks for at most 500 ms.
     [[nodiscard]] QString ownerOf(const QString &busName) const;
     /// All names on the bus; none when there is no bus or it does not answer. Blocks for at most 500 ms.

@@ -2,6 +2,7 @@
 
 #include "platform/LogCategories.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -18,9 +19,6 @@
 namespace
 {
 
-constexpr std::uint32_t systemTrayRequestDock = 0;
-constexpr std::uint32_t xembedVersion = 0;
-constexpr std::uint32_t xembedMapped = 1;
 /// Alone, the icon may lie on any picture; on a plate of its own it can be told from it.
 constexpr QRgb plateColour = 0xffececec;
 const QByteArray className = QByteArrayLiteral("kivmenua");
@@ -29,21 +27,6 @@ const QByteArray className = QByteArrayLiteral("kivmenua");
 void ignoreError(xcb_void_cookie_t cookie)
 {
     xcb_discard_reply(XConnection::get(), cookie.sequence);
-}
-
-/// The visual that the tray asks its icons to have; the root window's where it asks for none.
-std::optional<XVisual> trayVisual(xcb_window_t tray)
-{
-    xcb_connection_t *x = XConnection::get();
-    xcb_screen_t *screen = XConnection::screen();
-    const auto cookie =
-        xcb_get_property(x, false, tray, XConnection::atom("_NET_SYSTEM_TRAY_VISUAL"), XCB_ATOM_VISUALID, 0, 1);
-    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x, cookie, nullptr));
-    xcb_visualid_t id = screen->root_visual;
-    if (reply && reply->format == 32 && xcb_get_property_value_length(reply.get()) == sizeof id) {
-        std::memcpy(&id, xcb_get_property_value(reply.get()), sizeof id);
-    }
-    return findVisual(screen, id);
 }
 
 void closePopups()
@@ -60,14 +43,14 @@ void closePopups()
 
 std::unique_ptr<TrayIconWindow> TrayIconWindow::dockedIn(xcb_window_t tray, int side)
 {
-    const std::optional<XVisual> visual = trayVisual(tray);
+    const std::optional<XVisual> visual = TrayProtocol::visualOf(tray);
     if (!visual) {
         qCWarning(itemLog, "no item: the tray asks for a visual that cannot be painted");
         return nullptr;
     }
     qCDebug(itemLog, "asks the tray of window 0x%x to take the item in", tray);
     std::unique_ptr<TrayIconWindow> window(new TrayIconWindow(Kind::Docked, *visual, QRect(0, 0, side, side)));
-    window->requestDock(tray);
+    TrayProtocol::requestDock(tray, window->m_window, {side, side});
     return window;
 }
 
@@ -136,35 +119,6 @@ TrayIconWindow::~TrayIconWindow()
     if (m_colormap != XConnection::screen()->default_colormap) {
         xcb_free_colormap(x, m_colormap);
     }
-    xcb_flush(x);
-}
-
-void TrayIconWindow::requestDock(xcb_window_t tray)
-{
-    xcb_connection_t *x = XConnection::get();
-    const std::array<std::uint32_t, 2> info = {xembedVersion, xembedMapped};
-    const xcb_atom_t infoAtom = XConnection::atom("_XEMBED_INFO");
-    xcb_change_property(x, XCB_PROP_MODE_REPLACE, m_window, infoAtom, infoAtom, 32, info.size(), info.data());
-
-    // Trays made with a toolkit ask for the least size and take a window without one for a single pixel.
-    std::array<std::uint32_t, 18> hints = {};
-    constexpr std::uint32_t hasMinimumSize = 1U << 4U;
-    hints[0] = hasMinimumSize;
-    hints[5] = static_cast<std::uint32_t>(m_geometry.width());
-    hints[6] = static_cast<std::uint32_t>(m_geometry.height());
-    xcb_change_property(x, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
-                        hints.size(), hints.data());
-
-    xcb_client_message_event_t request = {};
-    request.response_type = XCB_CLIENT_MESSAGE;
-    request.format = 32;
-    request.window = tray;
-    request.type = XConnection::atom("_NET_SYSTEM_TRAY_OPCODE");
-    request.data.data32[0] = XCB_CURRENT_TIME;
-    request.data.data32[1] = systemTrayRequestDock;
-    request.data.data32[2] = m_window;
-    ignoreError(
-        xcb_send_event_checked(x, false, tray, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&request)));
     xcb_flush(x);
 }
 
@@ -324,7 +278,7 @@ void TrayIconWindow::handlePress(xcb_button_t button)
     xcb_flush(XConnection::get());
     RootProperties::catchUpAndShow(this, [this, button] {
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
-        // opened by an earlier press of the same turn, or that could not get hold of the pointer.
+        // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {
             closePopups();
         } else if (button != XCB_BUTTON_INDEX_2) {

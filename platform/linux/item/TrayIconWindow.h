@@ -56,7 +56,6 @@ private:
     void showToolTip();
     void hideToolTip();
     void setUndocked();
-    void requestDock(xcb_window_t tray);
     void setNames();
     void paint();
     [[nodiscard]] QImage background(const QRect &area) const;

@@ -1,4 +1,3 @@
-#include "platform/linux/include/ExecutableName.h"
 #include "platform/linux/processes/RunningProcess.h"
 #include "platform/linux/processes/TrayHost.h"
 
@@ -59,18 +58,6 @@ std::optional<pid_t> runningProcess(const ProcessSerialNumber &psn)
     return GetProcessPID(&psn, &pid) == noErr ? std::optional(pid) : std::nullopt;
 }
 
-/// A length byte, then at most 31 bytes.
-void copyAsPascalString(const QByteArray &text, unsigned char *to)
-{
-    const qsizetype length = std::min<qsizetype>(text.size(), 31);
-    *to = static_cast<unsigned char>(length);
-    std::memcpy(to + 1, text.constData(), static_cast<std::size_t>(length));
-}
-
-struct Release {
-    void operator()(CFStringRef object) const { CFRelease(object); }
-};
-
 } // namespace
 
 OSErr GetNextProcess(ProcessSerialNumber *psn)
@@ -113,9 +100,6 @@ OSErr GetProcessInformation(const ProcessSerialNumber *psn, ProcessInfoRec *info
     info->processType = isDock ? fourCharCode("APPL") : 0;
     info->processSignature = isDock ? fourCharCode("dock") : 0;
     info->processMode = 0;
-    if (info->processName) {
-        copyAsPascalString(executableName(*pid), info->processName);
-    }
     return noErr;
 }
 
@@ -125,19 +109,9 @@ CFDictionaryRef ProcessInformationCopyDictionary(const ProcessSerialNumber *psn,
     if (!pid) {
         return nullptr;
     }
-    const QByteArray name = executableName(*pid);
-    const std::unique_ptr<const __CFString, Release> bundleName(
-        CFStringCreateWithCString(kCFAllocatorDefault, name.constData(), kCFStringEncodingUTF8));
-    std::vector<const void *> keys;
-    std::vector<const void *> values;
-    if (bundleName) {
-        keys.push_back(CFSTR("CFBundleName"));
-        values.push_back(bundleName.get());
-    }
-    if (*pid == trayHost()) {
-        keys.push_back(CFSTR("CFBundleIdentifier"));
-        values.push_back(CFSTR("com.apple.dock"));
-    }
-    return CFDictionaryCreate(kCFAllocatorDefault, keys.data(), values.data(), static_cast<CFIndex>(keys.size()),
-                              &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+    const void *key = CFSTR("CFBundleIdentifier");
+    const void *value = CFSTR("com.apple.dock");
+    const CFIndex count = *pid == trayHost() ? 1 : 0;
+    return CFDictionaryCreate(kCFAllocatorDefault, &key, &value, count, &kCFTypeDictionaryKeyCallBacks,
+                              &kCFTypeDictionaryValueCallBacks);
 }

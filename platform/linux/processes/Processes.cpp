@@ -22,8 +22,8 @@ OSStatus GetProcessPID(const ProcessSerialNumber *psn, pid_t *pid)
     if (!psn || !pid) {
         return paramErr;
     }
-    constexpr UInt32 largest = std::numeric_limits<pid_t>::max();
-    if (psn->highLongOfPSN != 0 || psn->lowLongOfPSN > largest ||
+    constexpr UInt32 maxPid = std::numeric_limits<pid_t>::max();
+    if (psn->highLongOfPSN != 0 || psn->lowLongOfPSN > maxPid ||
         !isRunningProcess(static_cast<pid_t>(psn->lowLongOfPSN))) {
         return procNotFound;
     }

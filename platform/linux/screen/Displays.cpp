@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <span>
 #include <utility>
 #include <vector>
@@ -23,13 +22,6 @@ std::optional<MainDisplay> displayOf(CGDirectDisplayID id)
     return display && display->output == id ? display : std::nullopt;
 }
 
-/// Hertz; 0 when the server does not tell.
-double refreshRate(const xcb_randr_mode_info_t &mode)
-{
-    const double dots = static_cast<double>(mode.htotal) * mode.vtotal;
-    return dots > 0 ? mode.dot_clock / dots : 0;
-}
-
 bool usableForDesktop(const xcb_randr_mode_info_t &mode)
 {
     return !(mode.mode_flags & (XCB_RANDR_MODE_FLAG_INTERLACE | XCB_RANDR_MODE_FLAG_DOUBLE_SCAN));
@@ -42,11 +34,8 @@ CFNumberRef newNumber(std::int32_t value)
 
 CFDictionaryRef newModeDictionary(const xcb_randr_mode_info_t &mode)
 {
-    const double rate = refreshRate(mode);
-    std::array<const void *, 4> keys{CFSTR("Width"), CFSTR("Height"), CFSTR("RefreshRate"),
-                                     CFSTR("UsableForDesktopGUI")};
-    std::array<const void *, 4> values{newNumber(mode.width), newNumber(mode.height),
-                                       CFNumberCreate(kCFAllocatorDefault, kCFNumberFloat64Type, &rate),
+    std::array<const void *, 3> keys{CFSTR("Width"), CFSTR("Height"), CFSTR("UsableForDesktopGUI")};
+    std::array<const void *, 3> values{newNumber(mode.width), newNumber(mode.height),
                                        newNumber(usableForDesktop(mode))};
     const CFDictionaryRef dictionary =
         CFDictionaryCreate(kCFAllocatorDefault, keys.data(), values.data(), keys.size(), &kCFTypeDictionaryKeyCallBacks,

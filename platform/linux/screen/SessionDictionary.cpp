@@ -40,8 +40,8 @@ QString systemBusAddress()
 class BriefConnection final
 {
 public:
-    explicit BriefConnection(std::chrono::milliseconds limit)
-        : m_deadline(limit)
+    explicit BriefConnection(std::chrono::milliseconds timeout)
+        : m_deadline(timeout)
         , m_name(freshName())
         , m_connection(QDBusConnection::connectToPeer(systemBusAddress(), m_name))
     {

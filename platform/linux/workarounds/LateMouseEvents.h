@@ -10,10 +10,9 @@
 
 /// Keeps Qt from seeing presses and moves of the mouse in a window that it has hidden already.
 ///
-/// Symptom: such an event is on its way while a pop-up closes because its time is over. Qt remembers the window for it
-/// as
-///   the one that was pressed, and does not forget it when the window is deleted right after; whichever window is
-///   hidden next then looks at memory that is free.
+/// Symptom: such an event is on its way while a pop-up closes because its time is over. Qt remembers the window for
+///   it as the one that was pressed, and does not forget it when the window is deleted right after; whichever window
+///   is hidden next then looks at memory that is free.
 /// Of: Qt 6.4 to 6.11, QGuiApplication with the platform xcb. No report found.
 /// Left out: a crash when the user presses a pop-up in the very moment in which it closes.
 /// Still needed? WorkaroundNeed.LateMouseEvents tells.

@@ -12,9 +12,8 @@
 /// What others write on the root window, heard only while it matters.
 ///
 /// Symptom: window managers and panels change properties of the root window all the time, and Qt has itself told of
-/// every
-///   change: two of this program's threads wake up for each. Of all those properties Qt uses but two: the work area, to
-///   place a menu or a dialog, and what the window manager can do, to give a window the keyboard.
+///   every change: two of this program's threads wake up for each. Of all those properties Qt uses but two: the work
+///   area, to place a menu or a dialog, and what the window manager can do, to give a window the keyboard.
 /// Of: Qt 6.4 to 6.11, the platform xcb. No report found.
 /// Left out: wake-ups in every session whenever a window opens, closes or is renamed in it.
 /// Still needed? WorkaroundNeed.RootProperties tells.

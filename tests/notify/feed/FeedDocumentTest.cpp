@@ -8,16 +8,16 @@
 namespace
 {
 
-constexpr int mostAttributes = 2;
+constexpr int maxAttributes = 2;
 
 QString textOf(const QByteArray &bytes)
 {
-    return feedDocument(bytes, mostAttributes).text;
+    return feedDocument(bytes, maxAttributes).text;
 }
 
 bool isWhole(const QByteArray &bytes)
 {
-    return feedDocument(bytes, mostAttributes).isWhole;
+    return feedDocument(bytes, maxAttributes).isWhole;
 }
 
 TEST(FeedDocument, IsTheWholeTextOfAWellMadeDocument)

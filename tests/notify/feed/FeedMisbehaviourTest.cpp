@@ -116,7 +116,7 @@ protected:
         QFile::link(QStringLiteral(KIV_FETCH), m_directory.filePath(QStringLiteral("kivfetch"))); // Unless it is there.
         m_bundle.emplace(m_directory.path());
         m_properties.emplace(*m_bundle, m_directory.path(), QString(), nobody, &QDateTime::currentDateTimeUtc);
-        m_receiver.emplace(*m_properties, *m_bundle, sink, FeedTiming{.timeOut = 100ms});
+        m_receiver.emplace(*m_properties, *m_bundle, sink, FeedTiming{.timeout = 100ms});
     }
 
     [[nodiscard]] QByteArray lastCase() { return m_server.output().trimmed().split('\n').last(); }

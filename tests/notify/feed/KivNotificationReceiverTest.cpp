@@ -108,7 +108,7 @@ private:
 
 constexpr char trustedCertificate[] = "KIV_TRUSTED_CERTIFICATE"; ///< Read by fetch_of_the_test.
 constexpr char applicationProxy[] = "KIV_APPLICATION_PROXY";     ///< As well.
-constexpr char mostForAll[] = "KIV_MOST_FOR_ALL";                ///< As well: milliseconds.
+constexpr char maxDuration[] = "KIV_MOST_FOR_ALL";               ///< As well: milliseconds.
 
 class KivNotificationReceiverTest : public testing::Test
 {
@@ -435,7 +435,7 @@ TEST_F(KivNotificationReceiverTest, KeepsTheBytesOfAConnectionCutInTheMiddle)
 
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComes)
 {
-    serve({{.gated = true}, answerWith(feedWith("1"))}, {.timeOut = 200ms});
+    serve({{.gated = true}, answerWith(feedWith("1"))}, {.timeout = 200ms});
     receive();
     EXPECT_EQ(receiver->connection(), nullptr);
     receive();
@@ -445,7 +445,7 @@ TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComes)
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComesAfterARedirect)
 {
     serve({{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}}, {.gated = true}},
-          {.timeOut = 200ms});
+          {.timeout = 200ms});
     receive();
     EXPECT_EQ(server.requests().size(), 2);
     EXPECT_EQ(receiver->connection(), nullptr);
@@ -453,7 +453,7 @@ TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatNeverComesAfterARedirect)
 
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatFallsSilent)
 {
-    serve({{.body = feedWith("1"), .mutedFrom = 20}}, {.timeOut = 200ms});
+    serve({{.body = feedWith("1"), .mutedFrom = 20}}, {.timeout = 200ms});
     receive();
     EXPECT_EQ(receiver->connection(), nullptr);
     EXPECT_EQ(sink.ids, Ids());
@@ -463,7 +463,7 @@ TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatFallsSilent)
 TEST_F(KivNotificationReceiverTest, WaitsForASlowAnswerThatGoesOn)
 {
     const ScriptedAnswer slow{.body = feedWith("1"), .pieces = 10, .pause = 80};
-    const FeedTiming timing{.timeOut = 1s};
+    const FeedTiming timing{.timeout = 1s};
     serve({slow}, timing);
     QElapsedTimer clock;
     clock.start();
@@ -474,8 +474,8 @@ TEST_F(KivNotificationReceiverTest, WaitsForASlowAnswerThatGoesOn)
 
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatTricklesInForEver)
 {
-    const Variable most(mostForAll, QStringLiteral("500"));
-    serve({{.body = feedWith("1").repeated(100), .pieces = 1, .pause = 10}}, {.timeOut = 60s});
+    const Variable most(maxDuration, QStringLiteral("500"));
+    serve({{.body = feedWith("1").repeated(100), .pieces = 1, .pause = 10}}, {.timeout = 60s});
     receive();
     EXPECT_EQ(receiver->connection(), nullptr);
     EXPECT_TRUE(waitUntil([this] { return server.closedByClient() == QList<int>{0}; }));
@@ -634,7 +634,7 @@ TEST_F(KivNotificationReceiverTest, FetchesAtOnceAndThenAtEveryInterval)
     QElapsedTimer clock;
     clock.start();
     receiver->recieveNotifications();
-    EXPECT_EQ(receiver->connection(), nullptr); // Not before the event loop has a turn.
+    EXPECT_EQ(receiver->connection(), nullptr); // Not before the next event loop iteration.
     ASSERT_TRUE(waitUntil([this] { return sink.ids.size() == 1; }));
     ASSERT_TRUE(waitUntil([this] { return sink.ids.size() >= 3; }));
     EXPECT_GE(clock.elapsed(), 600);
@@ -645,7 +645,7 @@ TEST_F(KivNotificationReceiverTest, FetchesDailyUnlessToldOtherwise)
 {
     EXPECT_EQ(requestTimeInterval, 86400.0);
     EXPECT_EQ(FeedTiming().interval, 24h);
-    EXPECT_EQ(FeedTiming().timeOut, 60s);
+    EXPECT_EQ(FeedTiming().timeout, 60s);
 }
 
 TEST_F(KivNotificationReceiverTest, SendsNoCookiesBack)

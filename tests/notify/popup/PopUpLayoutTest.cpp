@@ -121,11 +121,11 @@ TEST(PopUpLayout, KeepsAPopUpOnTheScreen)
     for (const bool hasTitle : {true, false}) {
         for (const float asked : {0.F, 30.F, 100.F, 20000.F}) {
             const PopUpContents contents = planned({320, asked}, hasTitle);
-            const PopUpLayout layout = grown({320, asked}, hasTitle, largestTextHeight(contents, screen));
+            const PopUpLayout layout = grown({320, asked}, hasTitle, maxTextHeight(contents, screen));
             EXPECT_EQ(layout.window.size.height, 760) << asked;
         }
     }
-    EXPECT_EQ(largestTextHeight(planned({320, 0}, true), {320, 100}), 50);
+    EXPECT_EQ(maxTextHeight(planned({320, 0}, true), {320, 100}), 50);
 }
 
 } // namespace

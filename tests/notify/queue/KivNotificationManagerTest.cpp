@@ -580,8 +580,8 @@ TEST_F(KivNotificationManagerTest, ShowsOnePopUpAtATime)
 
 TEST_F(KivNotificationManagerTest, HandsTheUsersTimeOutToThePopUp)
 {
-    const std::pair<std::int32_t, int> timeOuts[] = {{0, 15}, {1, 15}, {2, 30}, {3, 60}, {4, -1}};
-    for (const auto &[code, seconds] : timeOuts) {
+    const std::pair<std::int32_t, int> timeouts[] = {{0, 15}, {1, 15}, {2, 30}, {3, 60}, {4, -1}};
+    for (const auto &[code, seconds] : timeouts) {
         setPreferences(0, code);
         start().displayNotification(record("1"));
         EXPECT_EQ(secondsToClose(), seconds) << code;

@@ -6,7 +6,7 @@ namespace
 {
 
 constexpr int frame = 8;       ///< Nothing but frames, theirs and those of what is highlighted, lies further out.
-constexpr int leastLetter = 5; ///< A line of text is at least that high; a separator is not.
+constexpr int minLetter = 5;   ///< A line of text is at least that high; a separator is not.
 constexpr int markColumn = 24; ///< Check marks lie left of it, titles right of it.
 
 bool isOneColour(const QImage &picture, const QRect &area)
@@ -49,7 +49,7 @@ QList<QRect> MenuPicture::entries(const QImage &menu)
     const int width = menu.width() - 2 * frame;
     QList<QRect> entries;
     for (const Run &run : runs(0, menu.height(), [&](int y) { return isOneColour(menu, {frame, y, width, 1}); })) {
-        if (run.count >= leastLetter) {
+        if (run.count >= minLetter) {
             entries.append({0, run.first, menu.width(), run.count});
         }
     }

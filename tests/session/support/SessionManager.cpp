@@ -117,39 +117,38 @@ Status SessionManager::Protocol::setUpClient(SmsConn joining, SmPointer protocol
             SmsSaveYourselfRequestProcMask | SmsSaveYourselfP2RequestProcMask | SmsSaveYourselfDoneProcMask |
             SmsCloseConnectionProcMask | SmsSetPropertiesProcMask | SmsDeletePropertiesProcMask |
             SmsGetPropertiesProcMask;
-    callbacks->register_client = {[](SmsConn client, SmPointer self, char *previousName) -> Status {
+    callbacks->register_client = {[](SmsConn from, SmPointer self, char *previousName) -> Status {
                                       std::free(previousName);
-                                      SmsRegisterClientReply(client, clientName);
+                                      SmsRegisterClientReply(from, clientName);
                                       // As the protocol wants it of whoever joins anew.
-                                      SmsSaveYourself(client, SmSaveLocal, False, SmInteractStyleNone, False);
+                                      SmsSaveYourself(from, SmSaveLocal, False, SmInteractStyleNone, False);
                                       static_cast<Protocol *>(self)->hasJoined = true;
                                       return True;
                                   },
                                   protocol};
-    callbacks->interact_request = {[](SmsConn client, SmPointer, int) { SmsInteract(client); }, protocol};
+    callbacks->interact_request = {[](SmsConn from, SmPointer, int) { SmsInteract(from); }, protocol};
     callbacks->interact_done = {[](SmsConn, SmPointer, Bool) {}, protocol};
     callbacks->save_yourself_request = {[](SmsConn, SmPointer, int, Bool, int, Bool, Bool) {}, protocol};
-    callbacks->save_yourself_phase2_request = {[](SmsConn client, SmPointer) { SmsSaveYourselfPhase2(client); },
-                                               protocol};
+    callbacks->save_yourself_phase2_request = {[](SmsConn from, SmPointer) { SmsSaveYourselfPhase2(from); }, protocol};
     callbacks->save_yourself_done = {[](SmsConn, SmPointer self, Bool) { ++static_cast<Protocol *>(self)->saves; },
                                      protocol};
     callbacks->close_connection = {
         [](SmsConn, SmPointer self, int, char **) { static_cast<Protocol *>(self)->forgetClient(); }, protocol};
-    callbacks->set_properties = {[](SmsConn, SmPointer, int count, SmProp **properties) {
-                                     for (int i = 0; i < count; ++i) {
+    callbacks->set_properties = {[](SmsConn, SmPointer, int number, SmProp **properties) {
+                                     for (int i = 0; i < number; ++i) {
                                          SmFreeProperty(properties[i]);
                                      }
                                      std::free(properties);
                                  },
                                  protocol};
-    callbacks->delete_properties = {[](SmsConn, SmPointer, int count, char **names) {
-                                        for (int i = 0; i < count; ++i) {
+    callbacks->delete_properties = {[](SmsConn, SmPointer, int number, char **names) {
+                                        for (int i = 0; i < number; ++i) {
                                             std::free(names[i]);
                                         }
                                         std::free(names);
                                     },
                                     protocol};
-    callbacks->get_properties = {[](SmsConn client, SmPointer) { SmsReturnProperties(client, 0, nullptr); }, protocol};
+    callbacks->get_properties = {[](SmsConn from, SmPointer) { SmsReturnProperties(from, 0, nullptr); }, protocol};
     return True;
 }
 

@@ -33,7 +33,7 @@ inline constexpr DescType typeProcessSerialNumber = fourCharCode("psn ");
 inline constexpr DescType typeKernelProcessID = fourCharCode("kpid");
 inline constexpr DescType typeAppleEvent = fourCharCode("aevt");
 /// Attribute: the sending process's ID as the transport knows it, typeSInt32; 0 when the sender had ended before the
-/// event was taken. Absent from events built here.
+/// event was received. Absent from events built here.
 inline constexpr AEKeyword keySenderPIDAttr = fourCharCode("spid");
 
 inline constexpr AEReturnID kAutoGenerateReturnID = -1;
@@ -63,8 +63,8 @@ OSErr AEGetAttributePtr(const AppleEvent *event, AEKeyword keyword, DescType des
                         void *data, Size maximumSize, Size *actualSize);
 
 /// Sends the event to the process that its address (typeKernelProcessID) names. procNotFound before anything is sent
-/// when that is 0, not running, or takes no events; connectionInvalid without a bus; paramErr for an address that is no
-/// process ID and for codes with a zero byte, which cannot travel. *reply, if given, becomes typeNull.
+/// when that is 0, not running, or receives no events; connectionInvalid without a bus; paramErr for an address that is
+/// no process ID and for codes with a zero byte, which cannot travel. *reply, if given, becomes typeNull.
 ///
 /// Every mode but kAEWaitReply returns once the bus has taken the event. With kAEWaitReply the handler's status is the
 /// result; the wait blocks, and ends with errAETimeout after the time-out (in sixtieths of a second), but no later than
@@ -72,8 +72,8 @@ OSErr AEGetAttributePtr(const AppleEvent *event, AEKeyword keyword, DescType des
 OSErr AESend(const AppleEvent *event, AppleEvent *reply, AESendMode mode, AESendPriority priority,
              SInt32 timeOutInTicks, AEIdleUPP idle, AEFilterUPP filter);
 
-/// Installs or replaces the handler of a class and ID. From the first one on this process takes events: it owns the bus
-/// name com.tamborel.kivune.p<pid>, now and whenever the bus comes back.
+/// Installs or replaces the handler of a class and ID. From the first one on this process receives events: it owns the
+/// bus name com.tamborel.kivune.p<pid>, now and whenever the bus comes back.
 ///
 /// Handlers are called from the event loop, nested ones included; what one throws is logged, and its status is
 /// errAEEventFailed. There is one table of handlers: whether it is a system handler does not matter.

@@ -22,22 +22,17 @@ using CFStringEncoding = UInt32;
 
 inline constexpr CFAllocatorRef kCFAllocatorDefault = nullptr;
 inline constexpr CFNumberType kCFNumberSInt32Type = 3;
-inline constexpr CFNumberType kCFNumberSInt64Type = 4;
-inline constexpr CFNumberType kCFNumberFloat64Type = 6;
 inline constexpr CFStringEncoding kCFStringEncodingUTF8 = 0x08000100;
 extern const CFBooleanRef kCFBooleanTrue;
 extern const CFBooleanRef kCFBooleanFalse;
 
 /// Null is allowed, and ignored (Apple's own call ends the process).
 void CFRelease(CFTypeRef object);
-CFTypeRef CFRetain(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 
 CFTypeID CFStringGetTypeID();
 CFTypeID CFNumberGetTypeID();
 CFTypeID CFBooleanGetTypeID();
-CFTypeID CFDictionaryGetTypeID();
-CFTypeID CFArrayGetTypeID();
 
 /// Null when `text` is null or not valid in the encoding, of which UTF-8 is the only one known.
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char *text, CFStringEncoding encoding);
@@ -47,10 +42,9 @@ Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex capacity, C
 CFStringRef __CFStringMakeConstantString(const char *text);
 #define CFSTR(text) __CFStringMakeConstantString("" text "")
 
-/// Null for a number type other than the three above.
+/// Null for a number type other than the one above.
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void *value);
-/// Booleans are read as 0 and 1. False when the value does not fit the type without loss; what could be kept is stored
-/// all the same, truncated.
+/// Booleans are read as 0 and 1. False, and nothing stored, when it is neither, or for another number type.
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void *value);
 Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
@@ -67,7 +61,6 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void **keys, 
                                    const CFDictionaryValueCallBacks *valueCallBacks);
 /// Null when there is no such key.
 const void *CFDictionaryGetValue(CFDictionaryRef dictionary, const void *key);
-CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 
 /// Values are retained; a null one stands for a missing element.
 CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void **values, CFIndex count,

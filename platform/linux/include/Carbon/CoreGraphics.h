@@ -37,8 +37,8 @@ CGDirectDisplayID CGMainDisplayID();
 /// The part of the screen that the display shows, in pixels, as the X server has it now; empty without a display.
 CGRect CGDisplayBounds(CGDirectDisplayID display);
 
-/// One dictionary for each mode of the display, in the server's order: "Width" and "Height" in pixels, "RefreshRate" in
-/// hertz, "UsableForDesktopGUI". Null without a display. Not the caller's: it lives until the next call.
+/// One dictionary for each mode of the display, in the server's order: "Width" and "Height" in pixels,
+/// "UsableForDesktopGUI". Null without a display. Not the caller's: it lives until the next call.
 CFArrayRef CGDisplayAvailableModes(CGDirectDisplayID display);
 
 /// The display's present mode, the caller's to release; null without a display.

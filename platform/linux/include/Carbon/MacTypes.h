@@ -21,7 +21,7 @@ enum : OSErr {
     noErr = 0,
     paramErr = -50,               ///< A pointer that must be given was null, or a value out of range.
     memFullErr = -108,            ///< No memory.
-    procNotFound = -600,          ///< No such process, or none that takes events.
+    procNotFound = -600,          ///< No such process, or none that receives events.
     connectionInvalid = -609,     ///< There is no session bus to send on.
     errAECoercionFail = -1700,    ///< The parameter is there, but of another type.
     errAEDescNotFound = -1701,    ///< No such parameter or attribute.

@@ -18,7 +18,7 @@ enum : UInt32 { kProcessDictionaryIncludeAllInformationMask = 0xFFFFFFFF };
 
 struct ProcessInfoRec {
     UInt32 processInfoLength;   ///< The caller's: sizeof(ProcessInfoRec).
-    unsigned char *processName; ///< Null, or a buffer of 32 bytes for a Pascal string.
+    unsigned char *processName; ///< Apple's place for a name; not filled here.
     ProcessSerialNumber processNumber;
     UInt32 processType;      ///< 'APPL' for the tray host, 0 for all else.
     OSType processSignature; ///< 'dock' for the tray host, 0 for all else.
@@ -35,8 +35,8 @@ OSErr GetNextProcess(ProcessSerialNumber *psn);
 /// else of the bus name org.kde.StatusNotifierWatcher, reports the type and signature of the Dock.
 OSErr GetProcessInformation(const ProcessSerialNumber *psn, ProcessInfoRec *info);
 
-/// "CFBundleIdentifier" (only the tray host has one: "com.apple.dock") and "CFBundleName", the executable's name.
-/// The caller's to release. Null when the process has ended.
+/// "CFBundleIdentifier", which only the tray host has: "com.apple.dock". The caller's to release. Null when the process
+/// has ended.
 CFDictionaryRef ProcessInformationCopyDictionary(const ProcessSerialNumber *psn, UInt32 mask);
 
 /// procNotFound, with *pid untouched, when the serial number names no running process.

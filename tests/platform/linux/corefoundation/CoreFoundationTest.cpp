@@ -3,9 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cmath>
 #include <cstring>
-#include <limits>
 #include <memory>
 #include <string>
 #include <thread>
@@ -25,10 +23,15 @@ Owned<CFStringRef> string(const char *text)
     return Owned<CFStringRef>(CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8));
 }
 
-template <typename T>
-Owned<CFNumberRef> number(CFNumberType type, T value)
+Owned<CFNumberRef> number(std::int32_t value)
 {
-    return Owned<CFNumberRef>(CFNumberCreate(kCFAllocatorDefault, type, &value));
+    return Owned<CFNumberRef>(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt32Type, &value));
+}
+
+/// Holds one value more than its own reference does.
+Owned<CFArrayRef> arrayOf(const void *value)
+{
+    return Owned<CFArrayRef>(CFArrayCreate(kCFAllocatorDefault, &value, 1, &kCFTypeArrayCallBacks));
 }
 
 TEST(CFString, KeepsItsText)
@@ -84,12 +87,10 @@ TEST(CFString, IsOneConstantForEachText)
 TEST(CFType, CountsItsReferences)
 {
     CFStringRef made = CFStringCreateWithCString(kCFAllocatorDefault, "counted", kCFStringEncodingUTF8);
-    EXPECT_EQ(CFRetain(made), made);
+    const auto holder = arrayOf(made);
     CFRelease(made);
-    EXPECT_EQ(CFGetTypeID(made), CFStringGetTypeID());
-    CFRelease(made);
+    EXPECT_EQ(CFGetTypeID(CFArrayGetValueAtIndex(holder.get(), 0)), CFStringGetTypeID());
     CFRelease(nullptr);
-    EXPECT_EQ(CFRetain(nullptr), nullptr);
     EXPECT_EQ(CFGetTypeID(nullptr), 0u);
 }
 
@@ -100,8 +101,7 @@ TEST(CFType, CountsAcrossThreads)
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&made] {
             for (int round = 0; round < 10'000; ++round) {
-                CFRetain(made.get());
-                CFRelease(made.get());
+                EXPECT_TRUE(arrayOf(made.get()));
             }
         });
     }
@@ -113,8 +113,9 @@ TEST(CFType, CountsAcrossThreads)
 
 TEST(CFType, HasAnIDForEachKind)
 {
+    const auto array = arrayOf(kCFBooleanTrue);
     const std::vector<CFTypeID> ids{CFStringGetTypeID(), CFNumberGetTypeID(), CFBooleanGetTypeID(),
-                                    CFDictionaryGetTypeID(), CFArrayGetTypeID()};
+                                    CFGetTypeID(array.get())};
     for (std::size_t i = 0; i < ids.size(); ++i) {
         EXPECT_NE(ids[i], 0u);
         for (std::size_t j = 0; j < i; ++j) {
@@ -123,79 +124,16 @@ TEST(CFType, HasAnIDForEachKind)
     }
 }
 
-TEST(CFNumber, ReadsIntegersAsEachType)
-{
-    struct Case {
-        std::int64_t value;
-        bool isInt32Exact;
-        std::int32_t int32;
-        bool isRealExact;
-        double real;
-    };
-    constexpr auto largest = std::numeric_limits<std::int64_t>::max();
-    constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
-    for (const Case &c : {
-             Case{0, true, 0, true, 0.0},
-             Case{-5, true, -5, true, -5.0},
-             Case{2147483647, true, 2147483647, true, 2147483647.0},
-             Case{2147483648, false, -2147483647 - 1, true, 2147483648.0},
-             Case{0x1'0000'0005, false, 5, true, 4294967301.0},
-             Case{9007199254740993, false, 1, false, 9007199254740992.0},
-             Case{largest, false, -1, false, 9223372036854775808.0},
-             Case{smallest, false, 0, true, -9223372036854775808.0},
-         }) {
-        const auto made = number(kCFNumberSInt64Type, c.value);
-        ASSERT_TRUE(made);
-        EXPECT_EQ(CFGetTypeID(made.get()), CFNumberGetTypeID());
-        std::int64_t int64 = 1;
-        EXPECT_TRUE(CFNumberGetValue(made.get(), kCFNumberSInt64Type, &int64));
-        EXPECT_EQ(int64, c.value);
-        std::int32_t int32 = 1;
-        EXPECT_EQ(CFNumberGetValue(made.get(), kCFNumberSInt32Type, &int32), c.isInt32Exact) << c.value;
-        EXPECT_EQ(int32, c.int32);
-        double real = 1;
-        EXPECT_EQ(CFNumberGetValue(made.get(), kCFNumberFloat64Type, &real), c.isRealExact) << c.value;
-        EXPECT_EQ(real, c.real);
-    }
-}
-
-TEST(CFNumber, ReadsRealsAsEachType)
-{
-    struct Case {
-        double value;
-        bool isInt64Exact;
-        std::int64_t int64;
-    };
-    constexpr auto largest = std::numeric_limits<std::int64_t>::max();
-    constexpr auto smallest = std::numeric_limits<std::int64_t>::min();
-    for (const Case &c : {
-             Case{0.0, true, 0},
-             Case{-3.0, true, -3},
-             Case{2.9, false, 2},
-             Case{-2.9, false, -2},
-             Case{0x1p62, true, 0x4000000000000000},
-             Case{0x1p63, false, largest},
-             Case{-0x1p63, true, smallest},
-             Case{-0x1p70, false, smallest},
-             Case{std::numeric_limits<double>::infinity(), false, largest},
-             Case{std::numeric_limits<double>::quiet_NaN(), false, 0},
-         }) {
-        const auto made = number(kCFNumberFloat64Type, c.value);
-        std::int64_t int64 = 1;
-        EXPECT_EQ(CFNumberGetValue(made.get(), kCFNumberSInt64Type, &int64), c.isInt64Exact) << c.value;
-        EXPECT_EQ(int64, c.int64) << c.value;
-        double real = 1;
-        EXPECT_TRUE(CFNumberGetValue(made.get(), kCFNumberFloat64Type, &real));
-        EXPECT_TRUE(real == c.value || std::isnan(c.value));
-    }
-}
-
 TEST(CFNumber, KeepsAThirtyTwoBitInteger)
 {
-    const auto made = number(kCFNumberSInt32Type, std::int32_t(-7));
-    std::int64_t int64 = 0;
-    EXPECT_TRUE(CFNumberGetValue(made.get(), kCFNumberSInt64Type, &int64));
-    EXPECT_EQ(int64, -7);
+    for (const std::int32_t value : {0, -7, 2147483647, -2147483647 - 1}) {
+        const auto made = number(value);
+        ASSERT_TRUE(made);
+        EXPECT_EQ(CFGetTypeID(made.get()), CFNumberGetTypeID());
+        std::int32_t kept = 1;
+        EXPECT_TRUE(CFNumberGetValue(made.get(), kCFNumberSInt32Type, &kept));
+        EXPECT_EQ(kept, value);
+    }
 }
 
 TEST(CFNumber, ReadsBooleansToo)
@@ -205,22 +143,25 @@ TEST(CFNumber, ReadsBooleansToo)
         std::int32_t int32 = -1;
         EXPECT_TRUE(CFNumberGetValue(boolean, kCFNumberSInt32Type, &int32));
         EXPECT_EQ(int32, truth ? 1 : 0);
-        double real = -1;
-        EXPECT_TRUE(CFNumberGetValue(boolean, kCFNumberFloat64Type, &real));
-        EXPECT_EQ(real, truth ? 1.0 : 0.0);
     }
 }
 
 TEST(CFNumber, RefusesOtherTypes)
 {
     std::int64_t value = 3;
-    EXPECT_EQ(CFNumberCreate(kCFAllocatorDefault, 1, &value), nullptr);
-    EXPECT_EQ(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, nullptr), nullptr);
-    const auto made = number(kCFNumberSInt64Type, value);
+    constexpr CFNumberType int64Type = 4;
+    constexpr CFNumberType float64Type = 6;
+    for (const CFNumberType type : {CFNumberType(1), int64Type, float64Type}) {
+        EXPECT_EQ(CFNumberCreate(kCFAllocatorDefault, type, &value), nullptr);
+    }
+    EXPECT_EQ(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt32Type, nullptr), nullptr);
+    const auto made = number(5);
     EXPECT_FALSE(CFNumberGetValue(made.get(), 1, &value));
-    EXPECT_FALSE(CFNumberGetValue(made.get(), kCFNumberSInt64Type, nullptr));
-    EXPECT_FALSE(CFNumberGetValue(nullptr, kCFNumberSInt64Type, &value));
-    EXPECT_FALSE(CFNumberGetValue(reinterpret_cast<CFNumberRef>(CFSTR("3")), kCFNumberSInt64Type, &value));
+    EXPECT_FALSE(CFNumberGetValue(made.get(), int64Type, &value));
+    EXPECT_FALSE(CFNumberGetValue(made.get(), float64Type, &value));
+    EXPECT_FALSE(CFNumberGetValue(made.get(), kCFNumberSInt32Type, nullptr));
+    EXPECT_FALSE(CFNumberGetValue(nullptr, kCFNumberSInt32Type, &value));
+    EXPECT_FALSE(CFNumberGetValue(reinterpret_cast<CFNumberRef>(CFSTR("3")), kCFNumberSInt32Type, &value));
     EXPECT_EQ(value, 3);
 }
 
@@ -246,14 +187,11 @@ TEST(CFDictionary, FindsByTheTextOfTheKey)
 {
     const auto made = dictionary({CFSTR("yes"), CFSTR("no")}, {kCFBooleanTrue, kCFBooleanFalse});
     ASSERT_TRUE(made);
-    EXPECT_EQ(CFGetTypeID(made.get()), CFDictionaryGetTypeID());
-    EXPECT_EQ(CFDictionaryGetCount(made.get()), 2);
     EXPECT_EQ(CFDictionaryGetValue(made.get(), string("yes").get()), kCFBooleanTrue);
     EXPECT_EQ(CFDictionaryGetValue(made.get(), CFSTR("no")), kCFBooleanFalse);
     EXPECT_EQ(CFDictionaryGetValue(made.get(), CFSTR("YES")), nullptr);
     EXPECT_EQ(CFDictionaryGetValue(made.get(), nullptr), nullptr);
     EXPECT_EQ(CFDictionaryGetValue(nullptr, CFSTR("yes")), nullptr);
-    EXPECT_EQ(CFDictionaryGetCount(nullptr), 0);
 }
 
 TEST(CFDictionary, KeepsItsKeysAndValuesAlive)
@@ -275,7 +213,6 @@ TEST(CFDictionary, KeepsTheFirstOfEqualKeys)
     const auto first = string("key");
     const auto second = string("key");
     const auto made = dictionary({first.get(), second.get()}, {kCFBooleanTrue, kCFBooleanFalse});
-    EXPECT_EQ(CFDictionaryGetCount(made.get()), 1);
     EXPECT_EQ(CFDictionaryGetValue(made.get(), CFSTR("key")), kCFBooleanTrue);
 }
 
@@ -300,7 +237,6 @@ TEST(CFArray, KeepsOrderAndValues)
         made.reset(CFArrayCreate(kCFAllocatorDefault, values, 2, &kCFTypeArrayCallBacks));
     }
     ASSERT_TRUE(made);
-    EXPECT_EQ(CFGetTypeID(made.get()), CFArrayGetTypeID());
     EXPECT_EQ(CFArrayGetCount(made.get()), 2);
     EXPECT_EQ(CFArrayGetValueAtIndex(made.get(), 0), CFSTR("first"));
     EXPECT_EQ(CFGetTypeID(CFArrayGetValueAtIndex(made.get(), 1)), CFStringGetTypeID());

@@ -8,7 +8,7 @@
 #include <unistd.h>
 
 // A program at the other end of the event link, by the same calls as the agent.
-//   carbon_peer receive       takes events test/numb and writes "<number> from <pid>"; their status is the number
+//   carbon_peer receive       receives events test/numb and writes "<number> from <pid>"; their status is the number
 //   carbon_peer tell <pid>    sends one such event, numbered 41, and leaves by ExitToShell at once
 // "receive" writes "ready" first, and ends with its standard input.
 

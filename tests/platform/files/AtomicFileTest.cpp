@@ -1,4 +1,4 @@
-#include "platform/data/AtomicFile.h"
+#include "platform/files/AtomicFile.h"
 
 #include "tests/support/FullDisk.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "menu/MenuCommands.h"
-#include "shell/EventCodes.h"
+#include "shell/link/EventCodes.h"
 
 #include <Carbon/Carbon.h>
 

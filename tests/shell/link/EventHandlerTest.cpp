@@ -1,7 +1,7 @@
-#include "shell/EventHandler.h"
+#include "shell/link/EventHandler.h"
 
 #include "shell/ProcessState.h"
-#include "tests/shell/EventBuilder.h"
+#include "tests/shell/link/EventBuilder.h"
 #include "tests/support/ChildProcess.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/data/FileDescriptor.h"
+#include "platform/files/FileDescriptor.h"
 
 #include <QString>
 

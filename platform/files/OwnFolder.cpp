@@ -1,4 +1,4 @@
-#include "platform/data/OwnFolder.h"
+#include "platform/files/OwnFolder.h"
 
 #include <QFile>
 

@@ -1,11 +1,11 @@
-#include "shell/EventHandler.h"
+#include "shell/link/EventHandler.h"
 
 #include "platform/FourCharCode.h"
 #include "platform/LogCategories.h"
-#include "shell/EventCodes.h"
-#include "shell/EventLink.h"
 #include "shell/ProcessState.h"
-#include "shell/ServiceCommands.h"
+#include "shell/link/EventCodes.h"
+#include "shell/link/EventLink.h"
+#include "shell/link/ServiceCommands.h"
 
 namespace
 {

@@ -1,8 +1,8 @@
-#include "platform/data/RegularFile.h"
+#include "platform/files/RegularFile.h"
 
-#include "platform/data/FileDescriptor.h"
-#include "platform/data/OwnFolder.h"
-#include "platform/data/WholeWrite.h"
+#include "platform/files/FileDescriptor.h"
+#include "platform/files/OwnFolder.h"
+#include "platform/files/WholeWrite.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -23,13 +23,13 @@ std::optional<qint64> sizeOf(int file)
 
 } // namespace
 
-std::optional<QByteArray> RegularFile::read(const QString &path, qsizetype most, Links links)
+std::optional<QByteArray> RegularFile::read(const QString &path, qsizetype maxBytes, Links links)
 {
     const int following = links == Links::Refuse ? O_NOFOLLOW : 0;
     const FileDescriptor file(
         ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | following));
     const std::optional<qint64> size = file ? sizeOf(file.number()) : std::nullopt;
-    if (!size || *size > most) {
+    if (!size || *size > maxBytes) {
         return std::nullopt;
     }
     QFile reader;
@@ -37,7 +37,7 @@ std::optional<QByteArray> RegularFile::read(const QString &path, qsizetype most,
         return std::nullopt;
     }
     const QByteArray content = reader.read(*size + 1); // It may have grown meanwhile.
-    return reader.error() == QFileDevice::NoError && content.size() <= most ? std::optional(content) : std::nullopt;
+    return reader.error() == QFileDevice::NoError && content.size() <= maxBytes ? std::optional(content) : std::nullopt;
 }
 
 bool RegularFile::overwrite(const QString &path, const QByteArray &content)

@@ -1,10 +1,10 @@
-#include "shell/ServiceCommands.h"
+#include "shell/link/ServiceCommands.h"
 
 #include "notify/popup/KivNotificationWindow.h"
 #include "notify/queue/KivNotificationManager.h"
 #include "notify/record/KivNotification.h"
 #include "shell/ProcessState.h"
-#include "tests/shell/EventBuilder.h"
+#include "tests/shell/link/EventBuilder.h"
 
 #include <QTemporaryDir>
 

@@ -1,6 +1,6 @@
-#include "shell/EventLink.h"
+#include "shell/link/EventLink.h"
 
-#include "shell/EventCodes.h"
+#include "shell/link/EventCodes.h"
 
 #include <syslog.h>
 

@@ -1,11 +1,11 @@
-#include "shell/ServiceCommands.h"
+#include "shell/link/ServiceCommands.h"
 
 #include "notify/queue/KivNotificationManager.h"
 #include "notify/record/KivNotification.h"
 #include "platform/LogCategories.h"
 #include "platform/data/StringValues.h"
-#include "shell/EventCodes.h"
 #include "shell/ProcessState.h"
+#include "shell/link/EventCodes.h"
 
 #include <QByteArray>
 #include <QList>

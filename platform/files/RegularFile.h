@@ -15,9 +15,9 @@ enum class Links {
     Refuse ///< As what is missing: for a file that is to be written anew.
 };
 
-/// The content of a file; nothing when it is missing, may not be read, has more than `most` bytes, of which none is
+/// The content of a file; nothing when it is missing, may not be read, has more than `maxBytes` bytes, of which none is
 /// read then, or is no regular file.
-[[nodiscard]] std::optional<QByteArray> read(const QString &path, qsizetype most, Links links);
+[[nodiscard]] std::optional<QByteArray> read(const QString &path, qsizetype maxBytes, Links links);
 
 /// Writes straight into the file, which keeps its owner, mode and names, or makes it; creates no folder. False when
 /// `path` is a symbolic link or anything else but a regular file, when the folder belongs to somebody else, or when not

@@ -1,8 +1,8 @@
-#include "platform/data/AtomicFile.h"
+#include "platform/files/AtomicFile.h"
 
-#include "platform/data/FileDescriptor.h"
-#include "platform/data/OwnFolder.h"
-#include "platform/data/WholeWrite.h"
+#include "platform/files/FileDescriptor.h"
+#include "platform/files/OwnFolder.h"
+#include "platform/files/WholeWrite.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/linux/screen/XVisual.h"
+
+#include <QSize>
+
+#include <optional>
+
+/// What is said to a tray by the freedesktop.org System Tray protocol, and to whoever embeds a window by XEmbed. Needs
+/// X; main thread only.
+namespace TrayProtocol
+{
+
+/// The visual that the tray asks its icons to have; the root window's where it asks for none. Nothing when it is one
+/// that cannot be painted.
+[[nodiscard]] std::optional<XVisual> visualOf(xcb_window_t tray);
+
+/// Asks the tray to take `window` in and show it, no smaller than `size` (device pixels). The answer is that the window
+/// is given another parent, if the tray does so.
+void requestDock(xcb_window_t tray, xcb_window_t window, QSize size);
+
+} // namespace TrayProtocol

@@ -2,12 +2,13 @@
 #include "notify/feed/KivNotificationReceiver.h"
 #include "notify/queue/KivNotificationManager.h"
 #include "platform/GraphicalSession.h"
+#include "platform/LogCategories.h"
+#include "platform/LogOutput.h"
 #include "platform/SessionLock.h"
 #include "shell/Application.h"
 #include "shell/DockSearch.h"
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
-#include "shell/SuddenExit.h"
 #include "shell/TerminationSignals.h"
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventHandler.h"
@@ -44,6 +45,7 @@ void tearDown()
 
 int main(int, char **argv)
 {
+    LogOutput::useStandardError();
     if (const QString obstacle = GraphicalSession::prepare(); !obstacle.isEmpty()) {
         std::fprintf(stderr, "kivmenua: %s\n", qPrintable(obstacle));
         return EXIT_FAILURE;
@@ -54,15 +56,14 @@ int main(int, char **argv)
 
     SessionLock lock;
     if (!lock.tryAcquire()) {
+        qCDebug(agentLog, "another agent has this display: ends at once");
         return EXIT_SUCCESS;
     }
     GraphicalSession::settle();
     startUp();
     const TerminationSignals signalsEndTheLoop;
-    {
-        const SuddenExit whenTheServerDies;
-        Application::exec();
-    }
+    GraphicalSession::run();
+    qCDebug(agentLog, "ends");
     tearDown();
     return EXIT_SUCCESS;
 }

@@ -1,10 +1,12 @@
 #include "notify/popup/KivNotificationWindow.h"
 
+#include "notify/ProductTexts.h"
 #include "notify/popup/KivNotificationView.h"
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
 #include "notify/popup/PopUpParts.h"
 #include "platform/Compositor.h"
+#include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
 
@@ -75,7 +77,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
 
     const QString title = m_notification->messageTypeString();
-    setWindowTitle(title.isEmpty() ? QStringLiteral("Kivune") : title);
+    setWindowTitle(title.isEmpty() ? QString::fromUtf16(ProductTexts::popUpTitle) : title);
     setAccessibleName(windowTitle());
 
     m_view = new KivNotificationView(this);
@@ -264,6 +266,7 @@ void KivNotificationWindow::close()
         return;
     }
     m_closed = true;
+    qCDebug(popUpLog) << "closes; its message is to come back" << m_notification->messageRepeat() << "times";
     dealloc_animation();
     dealloc_timer();
     if (m_delegate) {
@@ -321,6 +324,8 @@ void KivNotificationWindow::clickedOnLink(const QUrl &link)
                                        QStringLiteral("mailto")};
     if (opened.contains(link.scheme())) {
         Workspace::openUrl(link.toString(QUrl::FullyEncoded));
+    } else {
+        qCDebug(popUpLog) << "a link is not opened:" << link.toString(QUrl::FullyEncoded);
     }
 }
 

@@ -8,6 +8,7 @@
 #include "notify/rules/CheckInterval.h"
 #include "notify/rules/CloseTimeout.h"
 #include "notify/rules/KivNotificationProperties.h"
+#include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
 #include "platform/data/UtcTime.h"
@@ -95,6 +96,7 @@ void KivNotificationManager::showNextNotification()
 {
     const ReadWriteLock::Hold hold = m_rwLock.lockForWriting();
     if (!hold || m_notificationWindow) {
+        qCDebug(queueLog, "nothing new is shown while a pop-up is there");
         return;
     }
     if (const std::shared_ptr<KivNotification> record = retrieveNextNotification()) {
@@ -119,7 +121,10 @@ void KivNotificationManager::displayNotification(const std::shared_ptr<KivNotifi
     m_notificationWindow = new KivNotificationWindow(record); // It destroys itself after it has closed.
     m_notificationWindow->setDelegate(this);
     const std::int32_t timeout = closeTimeout(record->messageType(), m_properties.notificationClose());
-    m_notificationWindow->showAtScreenPoint(getWindowPoint(), timeout);
+    const NSPoint place = getWindowPoint();
+    qCDebug(popUpLog) << "shows message" << record->messageId() << "at" << place.x << place.y << "for" << timeout
+                      << "s (0: 15, -1: for ever)";
+    m_notificationWindow->showAtScreenPoint(place, timeout);
     record->setLastShowDate(m_clock());
     record->setWasDisplayed(true);
 }
@@ -145,6 +150,7 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     record->setWasDisplayed(false);
     queueAdd(record);
     m_notifications.dropBeyond(maxRecords, maxBytes);
+    qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
     if (m_notifications.records().size() != 1 || m_notificationWindow) {
         exportNotificationsToFile();
     } else if (m_showNextTimer) { // Else it is only read back.
@@ -167,11 +173,14 @@ bool KivNotificationManager::showNotificationInstantly(const std::shared_ptr<Kiv
         return queued->messagePriority() == kPriorityInstant && queued != shown;
     };
     if (std::ranges::count_if(m_notifications.records(), waits) >= maxInstantOnes) {
+        qCDebug(queueLog, "a hint is dropped: %d wait already", maxInstantOnes);
         return false;
     }
     queueAdd(record);
     if (!m_notificationWindow) {
         forceNotification();
+    } else {
+        qCDebug(queueLog, "the hint waits for the pop-up that is there");
     }
     return true;
 }
@@ -183,13 +192,16 @@ void KivNotificationManager::importNotificationsFromFile()
     const Delivery delivery(*this);
     for (const QVariant &entry : m_cache.read()) {
         if (entry.typeId() != QMetaType::QVariantMap) {
+            qCDebug(queueLog, "an entry of the cache is no message");
             continue;
         }
         try {
             enqueueNotification(std::make_shared<KivNotification>(entry.toMap()));
-        } catch (const UndefinedKeyException &) {
+        } catch (const UndefinedKeyException &unknown) {
+            qCDebug(queueLog) << "a message of the cache is left out:" << QString::fromUtf8(unknown.what());
             continue; // Of another version of the agent, or of nobody's.
         } catch (const std::out_of_range &) {
+            qCDebug(queueLog, "a message of the cache is left out: it has a version that cannot be compared");
             continue; // It has a version that cannot be compared.
         }
     }
@@ -220,6 +232,7 @@ void KivNotificationManager::writeFile(const std::function<bool(const KivNotific
         }
     }
     m_isExportDue = !m_cache.write(list);
+    qCDebug(queueLog, "%zu messages %s", m_notifications.records().size(), m_isExportDue ? "not saved" : "saved");
     if (!m_isExportDue) {
         m_isRecordUnsaved = m_recordToShow != nullptr;
         saveLastMesIDIfDue();
@@ -311,9 +324,11 @@ void KivNotificationManager::windowDidMove(KivNotificationWindow &window)
     case PopUpReaction::Nothing:
         return;
     case PopUpReaction::MoveThere:
+        qCDebug(popUpLog) << "the screen has changed: it goes to" << wanted.x << wanted.y;
         window.setFrame({wanted, frame.size});
         return;
     case PopUpReaction::Recreate:
+        qCDebug(popUpLog) << "something has moved it: it is made anew at" << wanted.x << wanted.y;
         recreateNotificaionWindow();
         return;
     }

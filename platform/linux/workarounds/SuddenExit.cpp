@@ -1,4 +1,4 @@
-#include "shell/SuddenExit.h"
+#include "platform/linux/workarounds/SuddenExit.h"
 
 #include <cstdlib>
 

@@ -280,7 +280,8 @@ TEST_F(WorkaroundNeed, SuddenExit)
     PrivateXServer server;
     ASSERT_TRUE(server.start());
     Subject subject;
-    server.addTo(subject.environment());
+    subject.environment().insert(QStringLiteral("DISPLAY"), server.display());
+    subject.environment().insert(QStringLiteral("XAUTHORITY"), server.authority());
     ASSERT_TRUE(subject.start({QStringLiteral("run"), bus.address()}));
     ASSERT_TRUE(subject.isUp());
     server.stop();

@@ -7,7 +7,9 @@
 #include "menu/DisplaySwitch.h"
 #include "menu/MenuEnabling.h"
 #include "menu/MenuEntries.h"
+#include "menu/ProductTexts.h"
 #include "menu/StatusItemPlacement.h"
+#include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/StatusBar.h"
 #include "platform/alert/AlertPanel.h"
@@ -61,10 +63,11 @@ KIVMenuObj::KIVMenuObj(const Bundle &bundle, const MenuSurroundings &surrounding
     connect(m_menu.get(), &QMenu::aboutToHide, this, [this] { menuDidClose(m_menu.get()); });
     for (const MenuEntry &entry : menuEntries()) {
         const QString title = QString::fromUtf16(entry.title);
+        const bool enabled = entry.choosable == Choosable::Always;
         if (entry.parent == kMenuCmdNone) {
-            addMenuItem(title, {}, entry.code, entry.separatorBefore, entry.enabled, false);
+            addMenuItem(title, {}, entry.code, entry.separatorBefore, enabled, false);
         } else {
-            addSubItem(itemWithTag(entry.parent), title, {}, entry.code, entry.separatorBefore, entry.enabled, false);
+            addSubItem(itemWithTag(entry.parent), title, {}, entry.code, entry.separatorBefore, enabled, false);
         }
     }
 }
@@ -164,8 +167,10 @@ void KIVMenuObj::switchResolution(std::int32_t index)
     }
     const KIVDspRes &size = (*m_dmods)[static_cast<std::size_t>(index)];
     if (set_dmod(static_cast<std::uint32_t>(size.width()), static_cast<std::uint32_t>(size.height()))) {
+        qCDebug(itemLog, "the display has %d x %d pixels", size.width(), size.height());
         return;
     }
+    qCWarning(itemLog, "%s has not switched the display to %d x %d pixels", serviceTool, size.width(), size.height());
     setEnabled(false);
     const auto enableAgain = qScopeGuard([this] { setEnabled(true); });
     AlertPanel panel(AlertPanel::Style::Critical, {QStringLiteral("Operation failed"),
@@ -222,6 +227,8 @@ void KIVMenuObj::setFlags(std::uint32_t flags)
     if (flags == m_flags) {
         return;
     }
+    qCDebug(itemLog, "the service wants %s item, %s", flags & kMenuFlagVisible ? "an" : "no",
+            flags & kMenuFlagActive ? "active" : "inactive");
     if ((flags ^ m_flags) & kMenuFlagVisible) {
         // The opposite of what is wanted, so that a new item gets its image below.
         m_flags = (m_flags & ~kMenuFlagActive) | (~flags & kMenuFlagActive);
@@ -245,7 +252,7 @@ void KIVMenuObj::createStatusItem()
 {
     m_tray = std::make_unique<StatusItem>();
     m_tray->setEnabled(true);
-    m_tray->setToolTip(QStringLiteral("Kivune Menu"));
+    m_tray->setToolTip(QString::fromUtf16(ProductTexts::toolTip));
     m_tray->setTitle(QString());
     // Queued: the service may remove the item while its menu is open, that is from within this very call.
     connect(m_tray.get(), &StatusItem::pressed, this, &KIVMenuObj::menuTrayPressed, Qt::QueuedConnection);
@@ -257,9 +264,11 @@ void KIVMenuObj::showImage(QIcon &image, const QString &resource)
     if (image.isNull()) {
         image = readImageFile(m_bundle.pathForResource(resource, QStringLiteral("tiff")));
     }
-    if (!image.isNull()) {
-        m_tray->setImage(image);
+    if (image.isNull()) {
+        qCWarning(itemLog, "no image %s.tiff that can be read lies with the program", qPrintable(resource));
+        return;
     }
+    m_tray->setImage(image);
 }
 
 void KIVMenuObj::setActions(QMenu *menu, std::span<const std::uint32_t> codes)
@@ -317,6 +326,7 @@ void KIVMenuObj::saveTrayX()
 void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
 {
     if (m_menu->isVisible()) {
+        qCDebug(itemLog, "closes the menu");
         m_menu->close();
         return;
     }
@@ -329,6 +339,9 @@ void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
     const MenuPlace menuPlace = place && !frame ? placeAtPress(pressed, screen, bar)
                                                 : MenuPlace{menuAnchor(frame, pressed, screen, bar), bar.edge};
     const QPoint anchorPoint = MainScreen::toQt(menuPlace.anchor);
+    qCDebug(itemLog, "opens the menu at (%g, %g), pressed at (%g, %g); the item's place is %s",
+            static_cast<double>(menuPlace.anchor.x), static_cast<double>(menuPlace.anchor.y),
+            static_cast<double>(pressed.x), static_cast<double>(pressed.y), frame ? "known" : "not known");
 
     auto *anchor = new AnchorWindow(anchorPoint); // Deletes itself when menuDidClose() closes it.
     anchor->show();

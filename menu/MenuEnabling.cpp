@@ -1,6 +1,7 @@
 #include "menu/MenuEnabling.h"
 
 #include "menu/MenuCommands.h"
+#include "menu/MenuEntries.h"
 
 #include <algorithm>
 
@@ -11,15 +12,14 @@ bool is_action(std::uint32_t code, std::span<const std::uint32_t> allowed) noexc
 
 bool isEnabled(std::uint32_t code, std::uint32_t flags, std::span<const std::uint32_t> allowed) noexcept
 {
-    switch (code) {
-    case kMenuCmdServerPrefs:
-    case kMenuCmdAbout:
-    case kMenuCmdSupport:
+    const MenuEntry *entry = menuEntry(code);
+    switch (entry ? entry->choosable : Choosable::WhenAllowed) {
+    case Choosable::Always:
         return true;
-    case kMenuCmdWorkspace:
-    case kMenuCmdResolution:
+    case Choosable::WhileActive:
         return flags & kMenuFlagActive;
-    default:
+    case Choosable::WhenAllowed:
         return is_action(code, allowed);
     }
+    return false;
 }

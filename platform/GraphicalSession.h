@@ -14,4 +14,8 @@ namespace GraphicalSession
 /// what would have it remember a window that has gone. To be called once the application object is there.
 void settle();
 
+/// Runs the application's event loop to its end. Does not return when the session has gone in the middle of it: the
+/// process then ends with status 1.
+void run();
+
 } // namespace GraphicalSession

@@ -5,9 +5,12 @@
 #include <QIcon>
 #include <QObject>
 #include <QString>
+#include <QtGui/qwindowdefs.h>
 
 #include <memory>
 #include <optional>
+
+class QScreen;
 
 /// One item of the desktop's status bar: an image that can be pressed.
 ///
@@ -38,6 +41,12 @@ public:
 
     /// Where the item is on screen, in points; nothing while it is not (yet) embedded, and where the host tells nobody.
     [[nodiscard]] std::optional<NSRect> frame() const;
+
+    /// The window in which the item is drawn, by the window system's own number; 0 while it is not (yet) embedded,
+    /// where its host draws it, and on macOS, which shows its windows to nobody.
+    [[nodiscard]] WId getWindow() const;
+    /// The screen on which the middle of that window lies; null without a window, or while that is on no screen.
+    [[nodiscard]] QScreen *getScreen() const;
 
 Q_SIGNALS:
     /// The primary or the right button went down on the enabled item, or its host says so: at `place`, in points, where

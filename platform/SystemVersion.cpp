@@ -2,14 +2,10 @@
 
 #include "platform/data/PropertyList.h"
 
-#include <QFile>
 #include <QVariantMap>
 
 QString systemVersion(const QString &file)
 {
-    if (!QFile::exists(file)) {
-        return systemVersionWithoutFile();
-    }
     const QVariant version = PropertyList::readFile(file).toMap().value(QStringLiteral("ProductVersion"));
     return version.typeId() == QMetaType::QString ? version.toString() : QString();
 }

@@ -2,9 +2,7 @@
 
 #include <QString>
 
-/// The operating system's version as a dotted number ("10.6.8"): the "ProductVersion" of the property list `file`, nil
-/// when it is unreadable or has none; where there is no such file, systemVersionWithoutFile().
+/// The operating system's version as a dotted number ("10.6.8"): the "ProductVersion" of the property list `file`; nil
+/// when there is no such file, or it is unreadable or has none. The feed's bounds are those of the one system that has
+/// it: the number of another system's kernel means nothing to them.
 [[nodiscard]] QString systemVersion(const QString &file);
-
-/// The version that the system states elsewhere: on Linux the kernel's, nil on macOS.
-[[nodiscard]] QString systemVersionWithoutFile();

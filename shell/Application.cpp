@@ -1,5 +1,7 @@
 #include "shell/Application.h"
 
+#include "platform/LogCategories.h"
+
 #include <QEvent>
 
 #include <exception>
@@ -9,7 +11,7 @@ bool Application::notify(QObject *receiver, QEvent *event)
     try {
         return QApplication::notify(receiver, event);
     } catch (const std::exception &exception) {
-        qWarning("exception in an event callback: %s", exception.what());
+        qCWarning(agentLog) << "exception in an event callback:" << QString::fromUtf8(exception.what());
         return true;
     }
 }

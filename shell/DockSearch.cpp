@@ -1,6 +1,7 @@
 #include "shell/DockSearch.h"
 
 #include "platform/FourCharCode.h"
+#include "platform/LogCategories.h"
 
 #include <Carbon/Carbon.h>
 
@@ -44,7 +45,12 @@ bool isDock(const ProcessSerialNumber &process, const ProcessInfoRec &info)
 
 void __wait_dock(SleepFunction sleep)
 {
-    for (int attempt = 0; attempt < attempts && !__find_dock(); ++attempt) {
+    for (int attempt = 1; attempt <= attempts; ++attempt) {
+        if (__find_dock()) {
+            qCDebug(itemLog, "attempt %d: a panel runs", attempt);
+            return;
+        }
+        qCDebug(itemLog, "attempt %d of %d: no panel runs", attempt, attempts);
         sleep(pauseAfterAttempt);
     }
 }

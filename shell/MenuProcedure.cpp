@@ -2,6 +2,7 @@
 
 #include "menu/MenuCommands.h"
 #include "platform/Bundle.h"
+#include "platform/LogCategories.h"
 #include "platform/Workspace.h"
 #include "platform/alert/AlertPanel.h"
 #include "shell/AlertRunner.h"
@@ -15,6 +16,7 @@ namespace
 {
 void forward(std::uint32_t code)
 {
+    qCDebug(linkLog, "command %u goes to process %u", code, static_cast<unsigned int>(__owpsn.lowLongOfPSN));
     AppleEvent event{};
     if (!kivmAECreateEvent(&__mypsn, &__owpsn, kMenuEvtAction, &event)) {
         return;
@@ -38,14 +40,15 @@ void openSupportPage()
 
 void showCredits()
 {
-    [[maybe_unused]] const int onlyButton = __run_alert(
-        QStringLiteral("Kivune Project credits."), QString::fromUtf16(ProductTexts::credits), QStringLiteral("Close"));
+    [[maybe_unused]] const int onlyButton =
+        __run_alert(QString::fromUtf16(ProductTexts::creditsTitle), QString::fromUtf16(ProductTexts::credits),
+                    QStringLiteral("Close"));
 }
 
 void showProductInformation()
 {
     const ProductInformation information = productInformation(Bundle::main().infoDictionary());
-    switch (__run_alert(QStringLiteral("Kivune Product information."), information.body, QStringLiteral("Close"),
+    switch (__run_alert(QString::fromUtf16(ProductTexts::informationTitle), information.body, QStringLiteral("Close"),
                         QStringLiteral("Home..."), QStringLiteral("Credits"))) {
     case AlertPanel::Alternate:
         Workspace::openUrl(information.home);
@@ -60,7 +63,7 @@ void showProductInformation()
 
 void disconnectIfConfirmed()
 {
-    const int answer = __run_alert(QStringLiteral("This will disconnect the current Kivune session."),
+    const int answer = __run_alert(QString::fromUtf16(ProductTexts::disconnectTitle),
                                    QStringLiteral("Your programs will continue to run after disconnection.\n"
                                                   "You can reconnect to this session remotely later.\n\n"
                                                   "Do you want to disconnect this session?"),

@@ -1,14 +1,14 @@
 #include "shell/ProductInformation.h"
 
+#include "platform/data/StringValues.h"
 #include "shell/ProductTexts.h"
 
 namespace
 {
-/// The value of a key of the dictionary; a null string when there is none.
+/// The value of a key of the dictionary, a number as its text; a null string when there is none.
 QString valueOf(const std::optional<QVariantMap> &dictionary, const char *key)
 {
-    const QVariant value = dictionary ? dictionary->value(QLatin1String(key)) : QVariant();
-    return value.metaType() == QMetaType::fromType<QString>() ? value.toString() : QString();
+    return dictionary ? StringValues::stringValue(dictionary->value(QLatin1String(key))) : QString();
 }
 
 QString valueOr(const std::optional<QVariantMap> &dictionary, const char *key, const char16_t *fallback)

@@ -1,7 +1,7 @@
 #pragma once
 
-/// The product's own texts, for where the bundle's information dictionary says nothing else. Whoever ships the agent
-/// under another name changes this file and resources/Info.plist.in.
+/// The names of the product in this library: see platform/ProductTexts.h. The first are for where the bundle's
+/// information dictionary says nothing else.
 namespace ProductTexts
 {
 
@@ -17,5 +17,10 @@ inline constexpr char16_t credits[] = u"\nProgramming:\t\tThe Kivune contributor
                                       u"\nProduct idea:\t\tThe Kivune contributors"
                                       u"\nCompany:\t\t\tTamborel"
                                       u"\n\n";
+
+/// The titles of the panels with these, and the question before the session is disconnected.
+inline constexpr char16_t creditsTitle[] = u"Kivune Project credits.";
+inline constexpr char16_t informationTitle[] = u"Kivune Product information.";
+inline constexpr char16_t disconnectTitle[] = u"This will disconnect the current Kivune session.";
 
 } // namespace ProductTexts

@@ -2,12 +2,13 @@
 #include "notify/feed/KivNotificationReceiver.h"
 #include "notify/queue/KivNotificationManager.h"
 #include "platform/GraphicalSession.h"
+#include "platform/LogCategories.h"
+#include "platform/LogOutput.h"
 #include "platform/SessionLock.h"
 #include "shell/Application.h"
 #include "shell/DockSearch.h"
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
-#include "shell/SuddenExit.h"
 #include "shell/TerminationSignals.h"
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventHandler.h"
@@ -34,11 +35,9 @@ void tearDown()
 {
     AERemoveEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, false);
     auto &manager = KivNotificationManager::sharedInstance();
-    if (!manager.notifications().records().empty()) {
-        // The first message is not saved when it comes, and the feed, which knows that it was received, does not send
-        // it again.
-        manager.exportNotificationsToFile();
-    }
+    // The first message is not saved when it comes, and the feed, which knows that it was received, does not send it
+    // again.
+    manager.saveUnsavedRecords();
     manager.setKivMenu(nullptr);
     __menu.reset();
 }
@@ -46,6 +45,7 @@ void tearDown()
 
 int main(int, char **argv)
 {
+    LogOutput::useStandardError();
     if (const QString obstacle = GraphicalSession::prepare(); !obstacle.isEmpty()) {
         std::fprintf(stderr, "kivmenua: %s\n", qPrintable(obstacle));
         return EXIT_FAILURE;
@@ -56,15 +56,14 @@ int main(int, char **argv)
 
     SessionLock lock;
     if (!lock.tryAcquire()) {
+        qCDebug(agentLog, "another agent has this display: ends at once");
         return EXIT_SUCCESS;
     }
     GraphicalSession::settle();
     startUp();
     const TerminationSignals signalsEndTheLoop;
-    {
-        const SuddenExit whenTheServerDies;
-        Application::exec();
-    }
+    GraphicalSession::run();
+    qCDebug(agentLog, "ends");
     tearDown();
     return EXIT_SUCCESS;
 }

@@ -66,5 +66,7 @@ int main(int argc, char **argv)
     if (!service.claim()) {
         return 1;
     }
-    return run([&service](const std::string &text) { return service.showHint(QByteArray::fromStdString(text)); });
+    return run([&service](const std::string &text) {
+        return service.send(ServiceLine::Hint{QByteArray::fromStdString(text)});
+    });
 }

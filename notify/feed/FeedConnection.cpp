@@ -1,5 +1,7 @@
 #include "notify/feed/FeedConnection.h"
 
+#include "platform/LogCategories.h"
+
 #include <csignal>
 #include <utility>
 
@@ -27,13 +29,13 @@ FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milli
     connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &FeedConnection::read);
     connect(m_process.get(), &QProcess::finished, this, [this](int exitCode, QProcess::ExitStatus status) {
         if (status == QProcess::CrashExit && !wasAskedToEnd(exitCode)) { // Then it is the signal's number.
-            qWarning("kivfetch has crashed");
+            qCWarning(feedLog, "kivfetch has crashed");
         }
         finish(status == QProcess::NormalExit && exitCode == 0 ? End::Complete : End::Failed);
     });
     connect(m_process.get(), &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
         if (error == QProcess::FailedToStart) {
-            qWarning("cannot run kivfetch: %s", qPrintable(m_process->errorString()));
+            qCWarning(feedLog, "cannot run kivfetch: %s", qPrintable(m_process->errorString()));
             finish(End::Failed);
         }
     });

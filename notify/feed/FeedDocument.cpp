@@ -3,6 +3,7 @@
 #include "platform/data/CrowdedTag.h"
 #include "platform/data/DocumentType.h"
 
+#include <QByteArrayList>
 #include <QStringDecoder>
 #include <QXmlStreamReader>
 #include <QtEndian>
@@ -15,6 +16,10 @@ namespace
 
 /// Far more than the longest declaration.
 constexpr qsizetype declarationLength = 1024;
+
+/// Those that Qt does not know.
+const QByteArrayList otherNamesOfLatin1 = {"ISO-LATIN-1", "L1",    "ISO-IR-100", "ISO_8859-1:1987",
+                                           "IBM819",      "CP819", "CSISOLATIN1"};
 
 std::optional<QStringConverter::Encoding> encodingOf(const QByteArray &bytes)
 {
@@ -31,6 +36,8 @@ std::optional<QStringConverter::Encoding> encodingOf(const QByteArray &bytes)
     QByteArray declared = reader.documentEncoding().toLatin1().toUpper();
     if (declared == "US-ASCII" || declared == "ASCII") {
         declared = "UTF-8";
+    } else if (otherNamesOfLatin1.contains(declared)) {
+        declared = "ISO-8859-1";
     }
     const auto encoding =
         declared.isEmpty() ? QStringConverter::Utf8 : QStringConverter::encodingForName(declared.constData());
@@ -138,6 +145,7 @@ FeedDocument feedDocument(const QByteArray &bytes, int maxAttributes)
     }
     const QByteArrayView valid = QByteArrayView(bytes).first(lengthIn(*encoding, bytes));
     const QString text = QStringDecoder(*encoding).decode(valid);
-    const qsizetype length = std::min(lengthBeforeCrowdedTag(text, maxAttributes), lengthBeforeDocumentType(text));
+    const qsizetype length =
+        std::min(lengthBeforeCrowdedTag(text, maxAttributes), lengthBeforeDeclaringDocumentType(text));
     return {text.first(length), length == text.size() && valid.size() == bytes.size()};
 }

@@ -15,5 +15,5 @@ struct FeedDocument final {
 ///
 /// The text ends before the first character that is not in the document's encoding (half a surrogate pair included),
 /// so that all before it can still be used; before the first tag with more than `maxAttributes` attributes (see
-/// CrowdedTag.h); and before a document type (see DocumentType.h). Reentrant.
+/// CrowdedTag.h); and before a document type that may declare something (see DocumentType.h). Reentrant.
 [[nodiscard]] FeedDocument feedDocument(const QByteArray &bytes, int maxAttributes);

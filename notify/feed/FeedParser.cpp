@@ -6,6 +6,7 @@
 #include "notify/record/DistantFuture.h"
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
+#include "platform/LogCategories.h"
 #include "platform/data/StringValues.h"
 
 #include <QXmlStreamReader>
@@ -69,13 +70,16 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
     reader.setNamespaceProcessing(false);
     const FeedDocument document = feedDocument(bytes, maxAttributes);
     reader.addData(document.text);
+    bool hasRoot = false;
     int levels = 0;
     int messages = 0;
     for (;;) {
         switch (reader.readNext()) {
         case QXmlStreamReader::StartElement:
+            hasRoot = true;
             messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
             if (++levels > maxLevels || messages > maxMessages) {
+                qCDebug(feedLog, "the document is refused: too many elements or messages");
                 return Outcome::Malformed;
             }
             didStartElement(reader.qualifiedName());
@@ -88,10 +92,20 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
             didEndElement(reader.qualifiedName());
             break;
         case QXmlStreamReader::EndDocument:
-            return document.isWhole ? Outcome::EndOfDocument : Outcome::Malformed;
+            if (!document.isWhole) {
+                qCDebug(feedLog, "the document is malformed: it cannot be decoded to its end");
+                return Outcome::Malformed;
+            }
+            return Outcome::EndOfDocument;
         case QXmlStreamReader::DTD:
+            if (hasRoot) { // Qt takes one behind it, too.
+                return Outcome::Malformed;
+            }
+            break;
         case QXmlStreamReader::EntityReference:
         case QXmlStreamReader::Invalid:
+            qCDebug(feedLog) << "the document is malformed: line" << reader.lineNumber() << "column"
+                             << reader.columnNumber() << reader.errorString();
             return Outcome::Malformed;
         default:
             break;

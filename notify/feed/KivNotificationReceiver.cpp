@@ -5,6 +5,7 @@
 #include "notify/record/NotificationSink.h"
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
+#include "platform/LogCategories.h"
 
 #include <QTimer>
 
@@ -44,8 +45,7 @@ KivNotificationReceiver::~KivNotificationReceiver() = default;
 
 void KivNotificationReceiver::recieveNotifications()
 {
-    // Not from within start-up, which has more urgent things to do than to start another process.
-    QTimer::singleShot(0, this, &KivNotificationReceiver::receiveNextNotification);
+    receiveNextNotification();
     m_timer = std::make_unique<QTimer>();
     m_timer->setTimerType(Qt::PreciseTimer);
     m_timer->callOnTimeout(this, &KivNotificationReceiver::receiveNextNotification);
@@ -54,10 +54,18 @@ void KivNotificationReceiver::recieveNotifications()
 
 void KivNotificationReceiver::receiveNextNotification()
 {
-    const QUrl address = feedAddress(requestOf(m_properties, m_bundle));
+    const FeedRequest request = requestOf(m_properties, m_bundle);
+    const QUrl address = feedAddress(request);
     if (!address.isValid()) {
+        if (request.baseAddress.isEmpty()) {
+            qCDebug(feedLog, "the bundle names no feed");
+        } else {
+            qCWarning(feedLog) << "no messages come: KIVSupportMessages is no address of the web:"
+                               << request.baseAddress;
+        }
         return;
     }
+    qCDebug(feedLog) << "fetches" << address.toString(QUrl::RemoveUserInfo);
     letGoOfCancelled();
     auto *const connection = new FeedConnection(m_bundle.pathForAuxiliaryExecutable(QStringLiteral("kivfetch")),
                                                 address, m_timing.timeout, this);
@@ -79,7 +87,10 @@ void KivNotificationReceiver::parseNotificationData()
 {
     const NotificationSink::Delivery delivery(m_sink);
     if (m_parser.parse(m_data) == FeedParser::Outcome::EndOfDocument) {
+        qCDebug(feedLog) << "the document of" << m_data.size() << "bytes has been read";
         m_data.clear();
+    } else {
+        qCDebug(feedLog) << "the" << m_data.size() << "bytes are kept, and the next answer is added to them";
     }
 }
 
@@ -93,6 +104,7 @@ void KivNotificationReceiver::connectionDidReceiveResponse(FeedConnection *conne
 {
     // A character set after the type is refused, too: the feed has never sent one.
     if (status != 200 || !contentType.endsWith("/xml")) {
+        qCDebug(feedLog) << "the answer is refused: status" << status << "and type" << QString::fromLatin1(contentType);
         cancel(connection);
     }
 }
@@ -101,6 +113,7 @@ void KivNotificationReceiver::connectionDidReceiveData(FeedConnection *connectio
 {
     m_data += bytes;
     if (m_data.size() > maxBytes) {
+        qCDebug(feedLog, "the answer is refused: it is too large");
         cancel(connection);
         m_data.clear(); // Whatever came next, it could not become a document any more.
     }
@@ -111,7 +124,9 @@ void KivNotificationReceiver::connectionDidEnd(FeedConnection *connection, FeedC
     letGoOfCancelled();
     connection->deleteLater();
     m_connection = nullptr; // Whichever it was.
-    if (end == FeedConnection::End::Complete) {
+    if (end == FeedConnection::End::Failed) {
+        qCDebug(feedLog, "the request has failed");
+    } else {
         parseNotificationData();
     }
 }

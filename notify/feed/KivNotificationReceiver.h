@@ -42,8 +42,8 @@ public:
     /// never destroyed.
     [[nodiscard]] static KivNotificationReceiver &sharedInstance();
 
-    /// Sends a first request in the next iteration of the event loop, and one at every interval from now on. The name
-    /// is spelt so wherever it is called.
+    /// Sends a first request at once, and one at every interval from now on. The name is spelt so wherever it is
+    /// called.
     void recieveNotifications();
 
     /// Sends one request; none when the address is no http or https URL. One that is still in flight goes on.

@@ -1,10 +1,12 @@
 #include "notify/popup/KivNotificationWindow.h"
 
+#include "notify/ProductTexts.h"
 #include "notify/popup/KivNotificationView.h"
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
 #include "notify/popup/PopUpParts.h"
 #include "platform/Compositor.h"
+#include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
 
@@ -14,6 +16,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QUrl>
+#include <QWindow>
 
 #include <algorithm>
 #include <chrono>
@@ -32,6 +35,18 @@ constexpr std::int32_t maxTimeout = 2'147'483; ///< 24 days; Qt counts the milli
 constexpr auto linkCloseDelay = 1s;
 
 constexpr NSSize fallbackScreen = {640, 480};
+
+NSSize mainScreenSize()
+{
+    const std::optional<NSRect> screen = MainScreen::frame();
+    return screen ? screen->size : fallbackScreen;
+}
+
+/// In whole pixels, as Qt has it.
+int textWidth(const NSSize &contentSize)
+{
+    return static_cast<int>(std::lround(contentSize.width));
+}
 
 /// A frame within the window in Qt's coordinates, which count from the top.
 QRect inWindow(const NSRect &frame, const NSSize &window)
@@ -62,55 +77,35 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
 
     const QString title = m_notification->messageTypeString();
-    setWindowTitle(title.isEmpty() ? QStringLiteral("Kivune") : title);
+    setWindowTitle(title.isEmpty() ? QString::fromUtf16(ProductTexts::popUpTitle) : title);
     setAccessibleName(windowTitle());
 
-    const std::optional<NSRect> mainScreen = MainScreen::frame();
-    const NSSize screen = mainScreen ? mainScreen->size : fallbackScreen;
-    PopUpContents contents{
-        .contentSize = boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen),
-        .hasTitle = !title.isEmpty(),
-        .isInstant = m_notification->messagePriority() == kPriorityInstant,
-        .textHeight = std::nullopt,
-    };
-
-    auto *view = new KivNotificationView(this);
-    auto *text = new KivTextView(view);
-    text->setMessage(m_notification->messageText(), static_cast<int>(std::lround(contents.contentSize.width)));
-    text->setAccessibleName(QStringLiteral("Message"));
-    const float visibleHeight = maxTextHeight(contents, screen);
-    if (text->textHeight() > visibleHeight) {
-        text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    m_view = new KivNotificationView(this);
+    m_icon = newPopUpIcon(m_view);
+    if (!title.isEmpty()) {
+        m_title = newPopUpTitle(title, m_view);
     }
-    contents.textHeight = std::min(text->textHeight(), visibleHeight);
-    const PopUpLayout layout = popUpLayout(contents);
-    const NSSize size = layout.window.size;
+    m_text = new KivTextView(m_view);
+    m_text->setMessage(m_notification->messageText(), textWidth(contentSize(mainScreenSize())));
+    m_text->setAccessibleName(QStringLiteral("Message"));
+    connect(m_text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
 
-    m_frame = layout.window;
-    resize(sizeInWindows(size));
-    view->setGeometry(rect());
-    addPopUpIcon(m_notification->messageType(), inWindow(layout.icon, size), view);
-    if (contents.hasTitle) {
-        addPopUpTitle(title, inWindow(layout.title, size), view);
-    }
-    text->setGeometry(inWindow(layout.text, size));
-    connect(text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
-
-    const auto addButton = [&](const QString &label, const NSRect &frame, void (KivNotificationWindow::*action)()) {
-        const QPushButton *button = addPopUpButton(label, inWindow(frame, size), view);
+    const auto newActionButton = [this](const QString &label, void (KivNotificationWindow::*action)()) {
+        QPushButton *button = newPopUpButton(label, m_view);
         connect(button, &QPushButton::clicked, this, action);
+        return button;
     };
-    if (contents.isInstant) {
-        addButton(QStringLiteral("Close"), layout.closeButton, &KivNotificationWindow::onCloseButton);
+    if (m_notification->messagePriority() == kPriorityInstant) {
+        m_close = newActionButton(QStringLiteral("Close"), &KivNotificationWindow::onCloseButton);
     } else {
-        addButton(QStringLiteral("Remind Me Later"), layout.remindMeLater,
-                  &KivNotificationWindow::remindMeLaterPressed);
-        addButton(QStringLiteral("Do Not Remind Me Later"), layout.dontRemindMe,
-                  &KivNotificationWindow::onDontRemindMeButton);
+        m_remindMeLater =
+            newActionButton(QStringLiteral("Remind Me Later"), &KivNotificationWindow::remindMeLaterPressed);
+        m_dontRemindMe =
+            newActionButton(QStringLiteral("Do Not Remind Me Later"), &KivNotificationWindow::onDontRemindMeButton);
     }
     // Without a compositor what is to be translucent would be black.
     setAttribute(Qt::WA_TranslucentBackground, compositor.isRunning());
-    setMask(view->mask());
+    layOut();
     watchScreens();
 }
 
@@ -118,6 +113,59 @@ KivNotificationWindow::~KivNotificationWindow()
 {
     dealloc_animation();
     dealloc_timer();
+}
+
+NSSize KivNotificationWindow::contentSize(NSSize screen) const
+{
+    return boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen);
+}
+
+void KivNotificationWindow::layOut()
+{
+    const NSSize screen = mainScreenSize();
+    PopUpContents contents{
+        .contentSize = contentSize(screen),
+        .hasTitle = m_title != nullptr,
+        .isInstant = m_close != nullptr,
+        .textHeight = std::nullopt,
+    };
+    m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_text->setTextWidth(textWidth(contents.contentSize));
+    const float visibleHeight = maxTextHeight(contents, screen);
+    if (m_text->textHeight() > visibleHeight) {
+        m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    }
+    contents.textHeight = std::min(m_text->textHeight(), visibleHeight);
+    const PopUpLayout layout = popUpLayout(contents);
+    const NSSize size = layout.window.size;
+
+    m_frame.size = size;
+    resize(sizeInWindows(size));
+    m_view->setGeometry(rect());
+    placePopUpIcon(*m_icon, m_notification->messageType(), inWindow(layout.icon, size));
+    if (m_title) {
+        placePopUpTitle(*m_title, inWindow(layout.title, size));
+    }
+    m_text->setGeometry(inWindow(layout.text, size));
+    const std::pair<QPushButton *, NSRect> buttons[] = {
+        {m_remindMeLater, layout.remindMeLater}, {m_dontRemindMe, layout.dontRemindMe}, {m_close, layout.closeButton}};
+    for (const auto &[button, frame] : buttons) {
+        if (button) {
+            placePopUpButton(*button, inWindow(frame, size));
+        }
+    }
+    setMask(m_view->mask());
+}
+
+void KivNotificationWindow::layOutAnew()
+{
+    layOut();
+    // What it measures on the screen is another thing after the screen's scale has changed, of which Qt's widgets,
+    // whose sizes do not count in pixels, see nothing.
+    if (QWindow *const window = windowHandle()) {
+        window->setGeometry(geometry());
+    }
+    m_frame.origin = MainScreen::fromQt(geometry()).origin;
 }
 
 void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTimeout)
@@ -218,6 +266,7 @@ void KivNotificationWindow::close()
         return;
     }
     m_closed = true;
+    qCDebug(popUpLog) << "closes; its message is to come back" << m_notification->messageRepeat() << "times";
     dealloc_animation();
     dealloc_timer();
     if (m_delegate) {
@@ -275,6 +324,8 @@ void KivNotificationWindow::clickedOnLink(const QUrl &link)
                                        QStringLiteral("mailto")};
     if (opened.contains(link.scheme())) {
         Workspace::openUrl(link.toString(QUrl::FullyEncoded));
+    } else {
+        qCDebug(popUpLog) << "a link is not opened:" << link.toString(QUrl::FullyEncoded);
     }
 }
 
@@ -309,11 +360,13 @@ void KivNotificationWindow::watchScreens()
 
 void KivNotificationWindow::watchScreen(QScreen *screen)
 {
-    // Nobody moves a window when a screen changes its size.
-    connect(screen, &QScreen::geometryChanged, this, [this] {
+    // Nobody moves a window when a screen changes its size or its scale.
+    const auto screenChanged = [this] {
         m_screensChanged = true;
         tellOfMove();
-    });
+    };
+    connect(screen, &QScreen::geometryChanged, this, screenChanged);
+    connect(screen, &QScreen::logicalDotsPerInchChanged, this, screenChanged);
 }
 
 void KivNotificationWindow::tellOfMove()
@@ -325,7 +378,11 @@ void KivNotificationWindow::tellOfMove()
     m_moveToTell = true;
     QTimer::singleShot(0, this, [this] {
         m_moveToTell = false;
-        const bool tell = std::exchange(m_screensChanged, false) || !isWhereItWasPut();
+        const bool screensChanged = std::exchange(m_screensChanged, false);
+        if (screensChanged && !m_closed) {
+            layOutAnew();
+        }
+        const bool tell = screensChanged || !isWhereItWasPut();
         if (tell && m_delegate && !m_closed) {
             m_delegate->windowDidMove(*this);
         }

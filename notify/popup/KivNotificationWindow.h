@@ -14,10 +14,13 @@
 
 class KivNotificationView;
 class KivTextView;
+class QLabel;
+class QPushButton;
 
 /// The pop-up that shows a support message. It floats above the other windows and never takes the keyboard. Made on the
 /// heap, without a parent; once shown it deletes itself after it has closed, in a later iteration of the event loop. It
-/// is shown once. Main thread only.
+/// is shown once. When a screen has changed its size or its scale, it lays itself out anew before it tells its
+/// delegate: all of its buttons are on the main screen if it is put where it belongs. Main thread only.
 class KivNotificationWindow final : public QWidget
 {
     Q_OBJECT
@@ -70,6 +73,11 @@ protected:
 private:
     enum class Fade { In, Out };
 
+    [[nodiscard]] NSSize contentSize(NSSize screen) const;
+    /// For the main screen as it is; its top-left corner stays.
+    void layOut();
+    /// The same once it is shown.
+    void layOutAnew();
     void startFade(Fade direction);
     void clickedOnLink(const QUrl &link);
     void watchScreens();
@@ -78,6 +86,14 @@ private:
     [[nodiscard]] bool isWhereItWasPut() const;
 
     std::shared_ptr<KivNotification> m_notification;
+    // Children.
+    KivNotificationView *m_view = nullptr;
+    QLabel *m_icon = nullptr;
+    QLabel *m_title = nullptr; ///< Null for none, as the buttons.
+    KivTextView *m_text = nullptr;
+    QPushButton *m_remindMeLater = nullptr;
+    QPushButton *m_dontRemindMe = nullptr;
+    QPushButton *m_close = nullptr;
     QTimer *m_timer = nullptr;                ///< A child.
     QVariantAnimation *m_animation = nullptr; ///< A child.
     bool m_fadingOut = false;

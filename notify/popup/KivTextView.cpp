@@ -1,11 +1,12 @@
 #include "notify/popup/KivTextView.h"
 
+#include "notify/text/CleanHtml.h"
 #include "notify/text/LinkScan.h"
-#include "notify/text/MarkupLimits.h"
 #include "platform/text/CombiningMarks.h"
 #include "platform/text/ScriptRuns.h"
 #include "platform/text/SystemFont.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QContextMenuEvent>
 #include <QImage>
 #include <QTextCursor>
@@ -17,9 +18,13 @@
 namespace
 {
 
-/// What is shown of a plain text. More than fills a screen; a single word of that length, the worst case, is laid out
-/// before a user notices.
-constexpr qsizetype maxLength = 8'000;
+/// What is shown of a plain text: bytes in UTF-8, lines, and pieces of one script.
+constexpr qsizetype maxBytes = 65'536;
+constexpr int maxLines = 8000;
+constexpr int maxScriptRuns = 8000;
+/// Lines end between words. To look for such a place in a longer word than that, for each line anew, takes long.
+constexpr int maxWord = 1000;
+constexpr int maxScriptRunsInWord = 100;
 /// The others stay text: a word in a thousand pieces takes long to lay out as well.
 constexpr qsizetype maxLinks = 200;
 
@@ -47,14 +52,39 @@ QString cleaned(QString text)
     return withoutPiledUpMarks(result);
 }
 
-QString shortened(const QString &text)
+struct ShownText {
+    QString text;
+    bool hasEndlessWord = false;
+};
+
+/// As much of the text as is shown, with an ellipsis in place of the rest.
+ShownText shortened(const QString &text)
 {
-    const QStringView shown = firstScriptRuns(QStringView(text).first(std::min(text.size(), maxLength)));
-    if (shown.size() == text.size()) {
-        return text;
+    ShownText shown;
+    ScriptRuns runs;
+    qsizetype bytes = 0;
+    int lines = 0;
+    int word = 0;
+    int runsBeforeWord = 0;
+    qsizetype at = 0;
+    while (at < text.size()) {
+        const bool isPair = text[at].isHighSurrogate() && at + 1 < text.size() && text[at + 1].isLowSurrogate();
+        const char32_t character = isPair ? QChar::surrogateToUcs4(text[at], text[at + 1]) : text[at].unicode();
+        bytes += character < 0x80 ? 1 : (character < 0x800 ? 2 : (isPair ? 4 : 3));
+        lines += character == U'\n' ? 1 : 0;
+        runs.add(character);
+        if (bytes > maxBytes || lines > maxLines || runs.count() > maxScriptRuns) {
+            break;
+        }
+        const bool endsWord = QChar::isSpace(character);
+        word = endsWord ? 0 : word + 1;
+        runsBeforeWord = endsWord ? runs.count() : runsBeforeWord;
+        shown.hasEndlessWord =
+            shown.hasEndlessWord || word > maxWord || runs.count() - runsBeforeWord > maxScriptRunsInWord;
+        at += isPair ? 2 : 1;
     }
-    const bool cutsPair = shown.back().isHighSurrogate();
-    return shown.chopped(cutsPair ? 1 : 0).toString() + QChar(u'\u2026');
+    shown.text = at == text.size() ? text : text.first(at) + QChar(u'\u2026');
+    return shown;
 }
 
 } // namespace
@@ -77,17 +107,22 @@ KivTextView::KivTextView(QWidget *parent)
 
 void KivTextView::setMessage(const QString &text, int width)
 {
-    document()->setTextWidth(width);
+    setTextWidth(width);
     // Not trimmed: a blank in front is how an author has markup shown as it is.
-    // What is judged is what Qt gets: cleaning may make a table of what is none before.
-    const bool mayBeMarkup = text.startsWith(u'<') && text.size() <= maxMarkupBytes;
-    const QString markup = mayBeMarkup ? cleaned(text) : QString();
-    if (mayBeMarkup && isWithinMarkupLimits(markup)) {
-        setHtmlMessage(markup);
+    if (text.startsWith(u'<')) {
+        setHtmlMessage(text);
     } else {
         setPlainMessage(text);
     }
-    document()->setTextWidth(width);
+    setTextWidth(width);
+}
+
+void KivTextView::setTextWidth(int width)
+{
+    // Qt lays it out anew even at the width that it has.
+    if (document()->textWidth() != width) {
+        document()->setTextWidth(width);
+    }
 }
 
 float KivTextView::textHeight() const
@@ -123,8 +158,8 @@ void KivTextView::setSelectedRange()
 
 void KivTextView::setPlainMessage(const QString &text)
 {
-    // Cut first: the rest is work in proportion to the length.
-    const QString shown = cleaned(shortened(text));
+    const auto [shown, hasEndlessWord] = shortened(cleaned(text));
+    setWordWrapMode(hasEndlessWord ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
     setPlainText(shown);
     QTextCharFormat linkFormat;
     linkFormat.setForeground(linkColour());
@@ -143,8 +178,12 @@ void KivTextView::setPlainMessage(const QString &text)
 
 void KivTextView::setHtmlMessage(const QString &text)
 {
-    document()->setDefaultStyleSheet(QStringLiteral("a { color: %1 }").arg(linkColour().name()));
-    setHtml(text);
+    const HtmlGround ground{palette().color(QPalette::Text), palette().color(QPalette::Window)};
+    const qreal width = document()->textWidth();
+    setHtml(cleanHtml(text, ground, HtmlTables::Kept));
+    if (document()->documentLayout()->documentSize().width() > width) {
+        setHtml(cleanHtml(text, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.
+    }
 }
 
 QColor KivTextView::linkColour() const

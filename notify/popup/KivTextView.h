@@ -13,9 +13,12 @@ public:
     explicit KivTextView(QWidget *parent);
 
     /// Shows the text at `width` points: as HTML when it begins with "<", else plain with links to the addresses in it.
-    /// HTML beyond the limits of notify/text/MarkupLimits.h is shown plain; of a plain text no more than 8,000
-    /// characters are shown, or the fewer of firstScriptRuns(), and no more than 200 links are made.
+    /// HTML is written anew before (notify/text/CleanHtml.h): its source is never shown. Of a plain text no more than
+    /// 64 kB are shown, in 8,000 lines and 8,000 changes of script, and no more than 200 links are made.
     void setMessage(const QString &text, int width);
+
+    /// Lays it out anew at that width.
+    void setTextWidth(int width);
 
     /// The height of all the text at that width, in points.
     [[nodiscard]] float textHeight() const;

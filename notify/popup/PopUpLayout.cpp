@@ -1,5 +1,9 @@
 #include "notify/popup/PopUpLayout.h"
 
+#include "notify/popup/PopUpPlacement.h"
+#include "notify/record/KivNotification.h"
+#include "platform/text/TextMeasure.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -12,12 +16,6 @@ constexpr float titleHeight = 20;
 constexpr float buttonHeight = 30;
 constexpr float closeButtonWidth = 70;
 constexpr float textLeft = margin + iconSize + margin;
-
-constexpr float defaultWidth = 320;
-constexpr float maxHeight = 20000; ///< As high as a text is ever measured.
-constexpr float sideDistance = 10;
-constexpr float topDistance = 30;
-constexpr float bottomDistance = 10;
 
 /// The height of all but the text itself, when that has the height that it asks for.
 float heightAroundText(const PopUpContents &contents)
@@ -50,14 +48,15 @@ PopUpLayout popUpLayout(const PopUpContents &contents)
 
 NSSize boundedContentSize(NSSize asked, NSSize screen)
 {
-    const float maxWidth = std::max(defaultWidth, screen.width - 2 * sideDistance - iconSize - 3 * margin);
+    const float maxWidth =
+        std::max(KivNotification::defaultContentWidth, screen.width - 2 * popUpSideMargin - iconSize - 3 * margin);
     // Written so that what is not a number fails each test.
-    const float width = asked.width > 0 ? std::min(asked.width, maxWidth) : defaultWidth;
-    const float height = asked.height > 0 ? std::min(asked.height, maxHeight) : 0;
+    const float width = asked.width > 0 ? std::min(asked.width, maxWidth) : KivNotification::defaultContentWidth;
+    const float height = asked.height > 0 ? std::min(asked.height, maxMeasuredHeight) : 0;
     return {width, height};
 }
 
 float maxTextHeight(const PopUpContents &contents, NSSize screen)
 {
-    return std::max(iconSize, screen.height - topDistance - bottomDistance - heightAroundText(contents));
+    return std::max(iconSize, screen.height - popUpTopMargin - popUpBottomMargin - heightAroundText(contents));
 }

@@ -32,12 +32,12 @@ struct PopUpLayout {
 /// shrinks by what the text then takes more or less; the text never takes less than a title's height.
 [[nodiscard]] PopUpLayout popUpLayout(const PopUpContents &contents);
 
-/// A content size that a pop-up can have. The message may ask for anything: a width that is no positive number is 320,
-/// and it is at most what lets the window keep 10 points to both sides of a main screen of size `screen`; a height
-/// that is no positive number is 0, and it is at most 20,000.
+/// A content size that a pop-up can have. The message may ask for anything: a width that is no positive number is the
+/// default, and it is at most what lets the window keep its margins to both sides of a main screen of size `screen`; a
+/// height that is no positive number is 0, and it is at most maxMeasuredHeight.
 [[nodiscard]] NSSize boundedContentSize(NSSize asked, NSSize screen);
 
-/// How much of the text can be seen at once: as much as leaves the window 30 points below the top of the main screen
-/// and 10 above its bottom, since the buttons are at its lower end. At least 50, even if the screen is too small.
+/// How much of the text can be seen at once: as much as leaves the window its margins at the top and at the bottom
+/// of the main screen, since the buttons are at its lower end. At least 50, even if the screen is too small.
 /// `contents` are bounded.
 [[nodiscard]] float maxTextHeight(const PopUpContents &contents, NSSize screen);

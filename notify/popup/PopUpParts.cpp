@@ -6,34 +6,59 @@
 #include <QLabel>
 #include <QPushButton>
 
-QPushButton *addPopUpButton(const QString &text, const QRect &frame, QWidget *parent)
+namespace
+{
+
+/// The whole text is the widget's accessible name.
+template <typename Widget>
+void place(Widget &widget, const QRect &frame, int padding)
+{
+    widget.setGeometry(frame);
+    widget.setText(widget.fontMetrics().elidedText(widget.accessibleName(), Qt::ElideRight, frame.width() - padding));
+}
+
+} // namespace
+
+QPushButton *newPopUpButton(const QString &text, QWidget *parent)
 {
     auto *button = new QPushButton(parent);
     button->setFont(systemFont(QFont::Normal));
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoDefault(false);
-    button->setGeometry(frame);
-    constexpr int padding = 12;
-    button->setText(button->fontMetrics().elidedText(text, Qt::ElideRight, frame.width() - padding));
     button->setAccessibleName(text);
     return button;
 }
 
-void addPopUpIcon(std::int32_t messageType, const QRect &frame, QWidget *parent)
+void placePopUpButton(QPushButton &button, const QRect &frame)
 {
-    auto *label = new QLabel(parent);
-    label->setGeometry(frame);
-    label->setPixmap(messageTypeIcon(messageType, frame.height(), parent->devicePixelRatio()));
-    label->setAccessibleName(QStringLiteral("Message type"));
+    constexpr int padding = 12;
+    place(button, frame, padding);
 }
 
-void addPopUpTitle(const QString &text, const QRect &frame, QWidget *parent)
+QLabel *newPopUpIcon(QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setAccessibleName(QStringLiteral("Message type"));
+    return label;
+}
+
+void placePopUpIcon(QLabel &icon, std::int32_t messageType, const QRect &frame)
+{
+    icon.setGeometry(frame);
+    icon.setPixmap(messageTypeIcon(messageType, frame.height(), icon.devicePixelRatio()));
+}
+
+QLabel *newPopUpTitle(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
     label->setFont(systemFont(QFont::Bold));
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    label->setGeometry(frame);
-    label->setText(label->fontMetrics().elidedText(text, Qt::ElideRight, frame.width()));
     label->setAccessibleName(text);
+    return label;
+}
+
+void placePopUpTitle(QLabel &title, const QRect &frame)
+{
+    place(title, frame, 0);
 }

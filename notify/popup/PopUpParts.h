@@ -5,16 +5,21 @@
 
 #include <cstdint>
 
+class QLabel;
 class QPushButton;
 class QWidget;
 
-/// The parts of a pop-up beside its text, as children of `parent`, at `frame` in its coordinates. A text that is too
-/// long for its frame ends in an ellipsis, and is read out whole. Main thread only.
+/// The parts of a pop-up beside its text: made as children of `parent`, and placed at `frame` in its coordinates,
+/// whenever that is another one. A text that is too long for its frame ends in an ellipsis, and is read out whole. Main
+/// thread only.
 
 /// Takes no focus: a pop-up never has the keyboard.
-[[nodiscard]] QPushButton *addPopUpButton(const QString &text, const QRect &frame, QWidget *parent);
+[[nodiscard]] QPushButton *newPopUpButton(const QString &text, QWidget *parent);
+void placePopUpButton(QPushButton &button, const QRect &frame);
 
+[[nodiscard]] QLabel *newPopUpIcon(QWidget *parent);
 /// The picture of the message's type; an empty place when there is none.
-void addPopUpIcon(std::int32_t messageType, const QRect &frame, QWidget *parent);
+void placePopUpIcon(QLabel &icon, std::int32_t messageType, const QRect &frame);
 
-void addPopUpTitle(const QString &text, const QRect &frame, QWidget *parent);
+[[nodiscard]] QLabel *newPopUpTitle(const QString &text, QWidget *parent);
+void placePopUpTitle(QLabel &title, const QRect &frame);

@@ -8,6 +8,7 @@
 #include "notify/rules/CheckInterval.h"
 #include "notify/rules/CloseTimeout.h"
 #include "notify/rules/KivNotificationProperties.h"
+#include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
 #include "platform/data/UtcTime.h"
@@ -95,6 +96,7 @@ void KivNotificationManager::showNextNotification()
 {
     const ReadWriteLock::Hold hold = m_rwLock.lockForWriting();
     if (!hold || m_notificationWindow) {
+        qCDebug(queueLog, "nothing new is shown while a pop-up is there");
         return;
     }
     if (const std::shared_ptr<KivNotification> record = retrieveNextNotification()) {
@@ -119,7 +121,10 @@ void KivNotificationManager::displayNotification(const std::shared_ptr<KivNotifi
     m_notificationWindow = new KivNotificationWindow(record); // It destroys itself after it has closed.
     m_notificationWindow->setDelegate(this);
     const std::int32_t timeout = closeTimeout(record->messageType(), m_properties.notificationClose());
-    m_notificationWindow->showAtScreenPoint(getWindowPoint(), timeout);
+    const NSPoint place = getWindowPoint();
+    qCDebug(popUpLog) << "shows message" << record->messageId() << "at" << place.x << place.y << "for" << timeout
+                      << "s (0: 15, -1: for ever)";
+    m_notificationWindow->showAtScreenPoint(place, timeout);
     record->setLastShowDate(m_clock());
     record->setWasDisplayed(true);
 }
@@ -145,10 +150,12 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     record->setWasDisplayed(false);
     queueAdd(record);
     m_notifications.dropBeyond(maxRecords, maxBytes);
-    if (m_notifications.records().size() == 1 && !m_notificationWindow) {
-        forceNotification();
-    } else {
+    qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
+    if (m_notifications.records().size() != 1 || m_notificationWindow) {
         exportNotificationsToFile();
+    } else if (m_showNextTimer) { // Else it is only read back.
+        m_recordToShow = m_notifications.records().front();
+        m_isRecordUnsaved = m_recordToShow == record; // And not one that waited there.
     }
 }
 
@@ -166,11 +173,14 @@ bool KivNotificationManager::showNotificationInstantly(const std::shared_ptr<Kiv
         return queued->messagePriority() == kPriorityInstant && queued != shown;
     };
     if (std::ranges::count_if(m_notifications.records(), waits) >= maxInstantOnes) {
+        qCDebug(queueLog, "a hint is dropped: %d wait already", maxInstantOnes);
         return false;
     }
     queueAdd(record);
     if (!m_notificationWindow) {
         forceNotification();
+    } else {
+        qCDebug(queueLog, "the hint waits for the pop-up that is there");
     }
     return true;
 }
@@ -182,13 +192,16 @@ void KivNotificationManager::importNotificationsFromFile()
     const Delivery delivery(*this);
     for (const QVariant &entry : m_cache.read()) {
         if (entry.typeId() != QMetaType::QVariantMap) {
+            qCDebug(queueLog, "an entry of the cache is no message");
             continue;
         }
         try {
             enqueueNotification(std::make_shared<KivNotification>(entry.toMap()));
-        } catch (const UndefinedKeyException &) {
+        } catch (const UndefinedKeyException &unknown) {
+            qCDebug(queueLog) << "a message of the cache is left out:" << QString::fromUtf8(unknown.what());
             continue; // Of another version of the agent, or of nobody's.
         } catch (const std::out_of_range &) {
+            qCDebug(queueLog, "a message of the cache is left out: it has a version that cannot be compared");
             continue; // It has a version that cannot be compared.
         }
     }
@@ -197,16 +210,31 @@ void KivNotificationManager::importNotificationsFromFile()
 void KivNotificationManager::exportNotificationsToFile()
 {
     m_isExportDue = true;
-    if (m_deliveries > 0) {
-        return;
+    if (m_deliveries == 0) {
+        writeFile([](const KivNotification &) { return true; });
     }
+}
+
+void KivNotificationManager::saveUnsavedRecords()
+{
+    if (m_isRecordUnsaved || m_isExportDue) {
+        writeFile([](const KivNotification &record) { return record.messagePriority() != kPriorityInstant; });
+    }
+}
+
+void KivNotificationManager::writeFile(const std::function<bool(const KivNotification &)> &belongs)
+{
     QVariantList list;
     list.reserve(static_cast<qsizetype>(m_notifications.records().size()));
     for (const std::shared_ptr<KivNotification> &record : m_notifications.records()) {
-        list.append(record->exportToDictionary());
+        if (record != m_recordToShow && belongs(*record)) {
+            list.append(record->exportToDictionary());
+        }
     }
     m_isExportDue = !m_cache.write(list);
+    qCDebug(queueLog, "%zu messages %s", m_notifications.records().size(), m_isExportDue ? "not saved" : "saved");
     if (!m_isExportDue) {
+        m_isRecordUnsaved = m_recordToShow != nullptr;
         saveLastMesIDIfDue();
     }
 }
@@ -229,12 +257,32 @@ void KivNotificationManager::endDelivery() noexcept
         return;
     }
     const std::lock_guard hold(m_notificationsLock);
-    if (m_isExportDue) {
+    const bool isExportDue = m_isExportDue;
+    if (isExportDue) {
         exportNotificationsToFile();
     }
     // Not when there was no room for the queue: the feed, told of the id, would not send the messages again.
     if (!m_isExportDue) {
         saveLastMesIDIfDue();
+    }
+    // Only now, and in no file before: a message that brings the agent down as it is shown must not come again.
+    if (const std::shared_ptr<KivNotification> record = std::exchange(m_recordToShow, nullptr)) {
+        showFirstRecord(record);
+        if (isExportDue) {
+            exportNotificationsToFile();
+        }
+    }
+}
+
+void KivNotificationManager::showFirstRecord(const std::shared_ptr<KivNotification> &record) noexcept
+{
+    try {
+        const ReadWriteLock::Hold hold = m_rwLock.lockForWriting();
+        if (hold && m_properties.shouldShowNotification(*record)) {
+            displayNotification(record);
+        }
+    } catch (const std::exception &problem) {
+        qWarning("a message cannot be shown: %s", problem.what());
     }
 }
 
@@ -276,9 +324,11 @@ void KivNotificationManager::windowDidMove(KivNotificationWindow &window)
     case PopUpReaction::Nothing:
         return;
     case PopUpReaction::MoveThere:
+        qCDebug(popUpLog) << "the screen has changed: it goes to" << wanted.x << wanted.y;
         window.setFrame({wanted, frame.size});
         return;
     case PopUpReaction::Recreate:
+        qCDebug(popUpLog) << "something has moved it: it is made anew at" << wanted.x << wanted.y;
         recreateNotificaionWindow();
         return;
     }

@@ -71,10 +71,11 @@ public:
     /// A queue of a thousand records, or of 15 MB in the file, is full: the oldest of the least urgent ones are
     /// dropped.
     ///
-    /// The saving waits for the end of the delivery, of which a record without one is all by itself. First comes the
-    /// queue and then the id, so that an agent that is killed in between is sent the messages again. As long as the
-    /// queue cannot be written, the id is not either. It is, when the queue's only record is shown at once. Such a
-    /// record is saved at the agent's end, and lost when the agent is killed before.
+    /// All but the queueing waits for the end of the delivery, of which a record without one is all by itself. First
+    /// the queue is saved and then the id, so that an agent that is killed in between is sent the messages again. As
+    /// long as the queue cannot be written, the id is not either. Last comes the record that is shown at once. It is
+    /// not saved before that: did it bring the agent down, it would do so again whenever the agent starts. When it has
+    /// come alone, it is not saved after that either, until another comes, its pop-up closes or the agent ends.
     void enqueueNotification(const std::shared_ptr<KivNotification> &record) override;
 
     /// Queues `record`, which is never null, as NotificationQueue::add does.
@@ -91,6 +92,10 @@ public:
     /// Saves the queue to the cache file; within a delivery, at its end.
     /// When that fails, the file stays as it was until the next time or the end of the next delivery.
     void exportNotificationsToFile();
+
+    /// At the agent's end: saves the queue, but for instant messages, when a record of it, or what has become of one,
+    /// could not be saved before. Else the file stays as it is.
+    void saveUnsavedRecords();
 
     /// Closes the pop-up and opens another one for its message where it belongs. (The name is spelt so on purpose.)
     void recreateNotificaionWindow();
@@ -110,7 +115,10 @@ private:
     void windowWillClose(KivNotificationWindow &window) override;
     void windowDidMove(KivNotificationWindow &window) override;
 
+    /// Those records of the queue that belong there, save one that has still to be shown.
+    void writeFile(const std::function<bool(const KivNotification &)> &belongs);
     void saveLastMesIDIfDue();
+    void showFirstRecord(const std::shared_ptr<KivNotification> &record) noexcept;
 
     void beginDelivery() override;
     void endDelivery() noexcept override;
@@ -118,9 +126,11 @@ private:
     KivNotificationProperties &m_properties;
     std::function<QDateTime()> m_clock;
     NotificationCache m_cache;
-    int m_deliveries = 0;          ///< How many are under way, one within the other.
-    bool m_isExportDue = false;    ///< Asked for in a delivery, or failed.
-    bool m_isLastMesIDDue = false; ///< Raised, and not stored yet.
+    int m_deliveries = 0;                            ///< How many are under way, one within the other.
+    bool m_isExportDue = false;                      ///< Asked for in a delivery, or failed.
+    bool m_isLastMesIDDue = false;                   ///< Raised, and not stored yet.
+    bool m_isRecordUnsaved = false;                  ///< One that is shown at once.
+    std::shared_ptr<KivNotification> m_recordToShow; ///< At the end of the delivery; null for none.
     /// The pop-up destroys itself some time after it has closed.
     QPointer<KivNotificationWindow> m_notificationWindow;
     NotificationQueue m_notifications;

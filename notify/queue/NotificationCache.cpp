@@ -1,5 +1,7 @@
 #include "notify/queue/NotificationCache.h"
 
+#include "notify/ProductTexts.h"
+#include "platform/LogCategories.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/PropertyListValues.h"
 #include "platform/files/AtomicFile.h"
@@ -11,7 +13,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QLoggingCategory>
 
 #include <optional>
 #include <sys/stat.h>
@@ -20,9 +21,6 @@
 namespace
 {
 
-Q_LOGGING_CATEGORY(queueLog, "kiv.queue", QtWarningMsg)
-
-const QLatin1String notificationCacheDirectory("~/Library/Caches/com.tamborel.kivune");
 const QLatin1String notificationCacheFile("notifications.plist");
 
 QString expanded(QString path, const QString &homeFolder)
@@ -65,7 +63,7 @@ QString nearestFolder(QString path)
 } // namespace
 
 NotificationCache::NotificationCache(const QString &homeFolder)
-    : m_folder(expanded(notificationCacheDirectory, homeFolder))
+    : m_folder(expanded(ProductTexts::notificationCacheDirectory, homeFolder))
     , m_path(m_folder + u'/' + notificationCacheFile)
 {
 }
@@ -109,8 +107,12 @@ QString NotificationCache::obstacleToWriting(const QByteArray &content)
         if (present == content && (*mode & 0777) == 0600) {
             return {};
         }
-        if ((!present || !isReadable(*present)) && !keepAside()) {
-            return QStringLiteral("what is there cannot be kept aside");
+        if (!present || !isReadable(*present)) {
+            if (!keepAside()) {
+                return QStringLiteral("what is there cannot be kept aside");
+            }
+            qCWarning(queueLog, "%s cannot be read and is kept as %s", qPrintable(m_path),
+                      qPrintable(pathOfUnreadable()));
         }
     }
     QString obstacle;

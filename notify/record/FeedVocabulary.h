@@ -1,5 +1,7 @@
 #pragma once
 
+#include "notify/ProductTexts.h"
+
 #include <QLatin1String>
 
 /// The feed's words. Constants, so that comparing text with one of them costs no allocation.
@@ -14,8 +16,8 @@ inline constexpr QLatin1String kMsgPropertyAdmin("admin");
 inline constexpr QLatin1String kMsgPropertyLow("low");
 inline constexpr QLatin1String kMsgPropertyMedium("medium");
 inline constexpr QLatin1String kMsgPropertyHigh("high");
-inline constexpr QLatin1String kMsgPropertyKivune("kivune");
-inline constexpr QLatin1String kMsgPropertyKivuneTS("kivunets");
+inline constexpr QLatin1String kMsgPropertyKivune = ProductTexts::feedWordForProduct;
+inline constexpr QLatin1String kMsgPropertyKivuneTS = ProductTexts::feedWordForTerminalServer;
 inline constexpr QLatin1String kMsgPropertyTrial("trial");
 inline constexpr QLatin1String kMsgPropertyPaid("paid");
 inline constexpr QLatin1String kMsgPropertyAny("any");

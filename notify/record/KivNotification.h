@@ -41,6 +41,9 @@ class KivNotification final
     Q_PROPERTY(bool wasDisplayed READ wasDisplayed WRITE setWasDisplayed)
 
 public:
+    /// The content width of a message that says none.
+    static constexpr float defaultContentWidth = 320;
+
     /// A notice of medium priority for everybody, without id or text, whose dates are all 1970-01-01.
     KivNotification();
 
@@ -168,7 +171,7 @@ private:
     QDateTime m_lastShowDate;
     QString m_contentEncoding;
     QString m_contentType;
-    float m_contentWidth = 320;
+    float m_contentWidth = defaultContentWidth;
     float m_contentHeight = 0;
     QString m_messageText;
     bool m_wasDisplayed = false;

@@ -1,9 +1,12 @@
 #include "notify/rules/KivNotificationProperties.h"
 
+#include "notify/ProductTexts.h"
 #include "notify/record/FeedVocabulary.h"
+#include "notify/record/KivNotification.h"
 #include "notify/rules/Relevance.h"
 #include "notify/rules/ShowPermission.h"
 #include "platform/Bundle.h"
+#include "platform/LogCategories.h"
 #include "platform/SystemVersion.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
@@ -37,7 +40,7 @@ std::uint32_t joinedDigits(QString version)
 KivNotificationProperties::KivNotificationProperties(const Bundle &bundle, const QString &homeFolder,
                                                      const QString &systemVersionFile, UserDatabase users,
                                                      std::function<QDateTime()> clock)
-    : m_preferencesFile(homeFolder + QLatin1String("/Library/Preferences/com.tamborel.kivmenua.plist"))
+    : m_preferencesFile(QString(ProductTexts::preferencesFile).replace(0, 1, homeFolder))
     , m_users(std::move(users))
     , m_clock(std::move(clock))
     , m_installation(gatheredFacts(bundle, systemVersionFile))
@@ -79,12 +82,14 @@ bool KivNotificationProperties::isCurrentUserIsAdminLevelUser() const
 bool KivNotificationProperties::loadPrefList()
 {
     if (!QFile::exists(m_preferencesFile)) {
+        qCDebug(queueLog) << "no settings in" << m_preferencesFile;
         return false;
     }
     const QVariantMap preferences =
         readDictionary(m_preferencesFile, RegularFile::Links::Follow).value_or(QVariantMap());
     m_lastMesID = StringValues::stringValue(preferences.value(lastMessageIdKey));
     m_settings = NotificationSettings::fromDictionary(preferences);
+    qCDebug(queueLog) << "settings read from" << m_preferencesFile << "- last message received:" << m_lastMesID;
     return true;
 }
 
@@ -106,16 +111,23 @@ void KivNotificationProperties::saveLastMessID(const QString &messageId)
     // In place, so that the file keeps its owner and its other names; and a file that could not be read stays as it is,
     // as does one somewhere else that a symbolic link leads to.
     if (!preferences || !PropertyList::writeFile(m_preferencesFile, *preferences, PropertyList::Writing::InPlace)) {
-        syslog(LOG_ERR, "Kivune[M]: Could not write file: : %s", QFile::encodeName(m_preferencesFile).constData());
+        syslog(LOG_ERR, ProductTexts::preferencesNotWritten, QFile::encodeName(m_preferencesFile).constData());
     }
 }
 
 bool KivNotificationProperties::notificationIsRelevant(const KivNotification &record) const
 {
-    return ::notificationIsRelevant(record, m_installation, m_clock());
+    const std::optional<QLatin1String> unfit = whyNotRelevant(record, m_installation, m_clock());
+    if (unfit) {
+        qCDebug(queueLog) << "message" << record.messageId() << "is not for this installation: its" << *unfit
+                          << "does not fit";
+    }
+    return !unfit;
 }
 
 bool KivNotificationProperties::shouldShowNotification(const KivNotification &record) const
 {
-    return ::shouldShowNotification(record, m_settings, m_clock());
+    const ShowObstacle obstacle = obstacleToShowing(record, m_settings, m_clock());
+    qCDebug(queueLog) << "message" << record.messageId() << description(obstacle);
+    return obstacle == ShowObstacle::None;
 }

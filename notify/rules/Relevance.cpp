@@ -31,15 +31,39 @@ bool isOlderBuild(const QString &buildDate, const QString &bound)
 
 } // namespace
 
-bool notificationIsRelevant(const KivNotification &record, const Installation &installation, const QDateTime &now)
+std::optional<QLatin1String> whyNotRelevant(const KivNotification &record, const Installation &installation,
+                                            const QDateTime &now)
 {
-    return addresses(record.messageLevel(), kLevelAny, installation.messageLevel) &&
-           addresses(record.productCode(), kProductAny, installation.productCode) &&
-           addresses(record.licenseType(), kLicenseAny, installation.licenseType) &&
-           isAtLeast(installation.productVersionString, record.minVersion()) &&
-           isAtMost(installation.productVersionString, record.maxVersion()) &&
-           isOlderBuild(installation.buildDate, record.buildDate()) &&
-           isAtLeast(installation.systemVersionString, record.minSysVer()) &&
-           isAtMost(installation.systemVersionString, record.maxSysVer()) &&
-           compareToDate(record.minDate(), now) != 1 && compareToDate(record.maxDate(), now) != -1;
+    // Not a table of results: a version that comes after what does not fit is not compared, and cannot throw.
+    if (!addresses(record.messageLevel(), kLevelAny, installation.messageLevel)) {
+        return kMessageLevelKey;
+    }
+    if (!addresses(record.productCode(), kProductAny, installation.productCode)) {
+        return kProductCodeKey;
+    }
+    if (!addresses(record.licenseType(), kLicenseAny, installation.licenseType)) {
+        return kLicenseTypeKey;
+    }
+    if (!isAtLeast(installation.productVersionString, record.minVersion())) {
+        return kMinVersionKey;
+    }
+    if (!isAtMost(installation.productVersionString, record.maxVersion())) {
+        return kMaxVersionKey;
+    }
+    if (!isOlderBuild(installation.buildDate, record.buildDate())) {
+        return kBuildDateKey;
+    }
+    if (!isAtLeast(installation.systemVersionString, record.minSysVer())) {
+        return kMinSysVerKey;
+    }
+    if (!isAtMost(installation.systemVersionString, record.maxSysVer())) {
+        return kMaxSysVerKey;
+    }
+    if (compareToDate(record.minDate(), now) == 1) {
+        return kMinDateKey;
+    }
+    if (compareToDate(record.maxDate(), now) == -1) {
+        return kMaxDateKey;
+    }
+    return std::nullopt;
 }

@@ -50,13 +50,42 @@ bool typeIsOn(std::int32_t type, const NotificationSettings &settings)
 
 } // namespace
 
-bool shouldShowNotification(const KivNotification &record, const NotificationSettings &settings, const QDateTime &now)
+ShowObstacle obstacleToShowing(const KivNotification &record, const NotificationSettings &settings,
+                               const QDateTime &now)
 {
     if (record.messagePriority() == kPriorityInstant) {
-        return true;
+        return ShowObstacle::None;
     }
-    const QDateTime next = record.lastShowDate().addSecs(repeatInterval(settings.notificationRepeat));
-    const bool wasShownEnough = settings.notificationRepeat == kRepeatNever && record.wasDisplayed();
-    return next < now && !wasShownEnough && priorityIsOn(record.messagePriority(), settings) &&
-           typeIsOn(record.messageType(), settings);
+    if (!(record.lastShowDate().addSecs(repeatInterval(settings.notificationRepeat)) < now)) {
+        return ShowObstacle::Interval;
+    }
+    if (settings.notificationRepeat == kRepeatNever && record.wasDisplayed()) {
+        return ShowObstacle::ShownOnce;
+    }
+    if (!priorityIsOn(record.messagePriority(), settings)) {
+        return ShowObstacle::PriorityOff;
+    }
+    return typeIsOn(record.messageType(), settings) ? ShowObstacle::None : ShowObstacle::TypeOff;
+}
+
+const char *description(ShowObstacle obstacle)
+{
+    switch (obstacle) {
+    case ShowObstacle::None:
+        return "may be shown";
+    case ShowObstacle::Interval:
+        return "was shown not long enough ago";
+    case ShowObstacle::ShownOnce:
+        return "was shown, and each is wanted once only";
+    case ShowObstacle::PriorityOff:
+        return "has a priority that is switched off";
+    case ShowObstacle::TypeOff:
+        return "has a type that is switched off";
+    }
+    return "";
+}
+
+bool shouldShowNotification(const KivNotification &record, const NotificationSettings &settings, const QDateTime &now)
+{
+    return obstacleToShowing(record, settings, now) == ShowObstacle::None;
 }

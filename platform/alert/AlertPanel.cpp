@@ -1,5 +1,6 @@
 #include "platform/alert/AlertPanel.h"
 
+#include "platform/ProductTexts.h"
 #include "platform/WindowStacking.h"
 #include "platform/alert/AlertIcon.h"
 #include "platform/alert/AlertMessage.h"
@@ -59,9 +60,9 @@ QLayout *newMessageLayout(const QString &message, QWidget *parent)
 
 AlertPanel::AlertPanel(Style style, const Texts &texts)
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint)
-    , m_escape(texts.alternateButton.isNull() ? Default : Alternate)
+    , m_escape(!texts.alternateButton.isNull() && texts.otherButton.isNull() ? Alternate : Default)
 {
-    setWindowTitle(QStringLiteral("Kivune"));
+    setWindowTitle(QString::fromUtf16(ProductTexts::panelTitle));
     setAccessibleName(texts.title);
     setAccessibleDescription(texts.message);
 

@@ -5,7 +5,8 @@
 
 /// A modal panel that tells the user something and offers up to three buttons: the title as a bold first line, the
 /// message below it. Runs of tabs in the message begin a new column, and the columns of all its lines line up. Return
-/// answers with the default button, Escape with the alternate one, or with the only one. Main thread only.
+/// answers with the default button. So does Escape, save in a question: there, where the alternate button is the only
+/// other one, it is the answer that changes nothing. Main thread only.
 class AlertPanel final : public QDialog
 {
     Q_OBJECT

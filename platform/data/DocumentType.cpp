@@ -11,6 +11,25 @@ struct Section {
 /// Within these, what looks like a document type is none.
 constexpr Section sections[] = {{u"<!--", u"-->"}, {u"<?", u"?>"}, {u"<![CDATA[", u"]]>"}};
 
+/// The length of the document type that the text begins with; 0 when it has an internal subset or no end.
+qsizetype lengthWithoutSubset(QStringView type)
+{
+    QChar quote;
+    for (qsizetype i = 1; i < type.size(); ++i) {
+        const QChar c = type[i];
+        if (!quote.isNull()) {
+            quote = c == quote ? QChar() : quote;
+        } else if (c == u'"' || c == u'\'') {
+            quote = c;
+        } else if (c == u'>') {
+            return i + 1;
+        } else if (c == u'[' || c == u'<') {
+            return 0;
+        }
+    }
+    return 0;
+}
+
 } // namespace
 
 qsizetype lengthBeforeDocumentType(QStringView xml)
@@ -32,4 +51,12 @@ qsizetype lengthBeforeDocumentType(QStringView xml)
         start = xml.indexOf(u'<', next);
     }
     return xml.size();
+}
+
+qsizetype lengthBeforeDeclaringDocumentType(QStringView xml)
+{
+    const qsizetype before = lengthBeforeDocumentType(xml);
+    const qsizetype length = lengthWithoutSubset(xml.sliced(before));
+    const qsizetype behind = before + length;
+    return length == 0 ? before : behind + lengthBeforeDocumentType(xml.sliced(behind));
 }

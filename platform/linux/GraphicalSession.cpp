@@ -1,65 +1,23 @@
 #include "platform/GraphicalSession.h"
 
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/workarounds/AccessibilityBridge.h"
 #include "platform/linux/workarounds/FreedMemory.h"
+#include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
 #include "platform/linux/workarounds/MenuMouse.h"
+#include "platform/linux/workarounds/PictureCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
+#include "platform/linux/workarounds/SessionManagerDeath.h"
+#include "platform/linux/workarounds/SuddenExit.h"
 
 #include <QApplication>
-#include <QDBusConnection>
-#include <QPixmapCache>
 
 #include <xcb/xfixes.h>
 
-#include <X11/ICE/ICElib.h>
 #include <csignal>
-
-namespace
-{
-
-/// Qt looks for the session bus by itself, for its accessibility bridge, once the application's loop begins. Without an
-/// address libdbus would run dbus-launch, and a bus that never answers would hold up the loop for minutes.
-void keepQtFromLaunchingOrWaiting()
-{
-    keepLibdbusFromAborting();
-    constexpr char variable[] = "DBUS_SESSION_BUS_ADDRESS";
-    const QString usable = sessionBusAddress();
-    const QByteArray address = usable.isEmpty() ? QByteArrayLiteral("disabled:") : usable.toLocal8Bit();
-    qputenv(variable, address);
-    if (probeBus(usable).state == BusState::Unusable) {
-        // Qt asks for its shared connection only once: had without a bus, it stays without. The variable itself is the
-        // bridge's only switch, but the programs started from here inherit that, and this one still needs it.
-        qputenv(variable, "disabled:");
-        static_cast<void>(QDBusConnection::sessionBus());
-        qputenv(variable, address);
-    }
-}
-
-/// A session manager that goes without a word has ended the session, too. The library of its protocol would call exit()
-/// there and then, with status 1 and in the middle of whatever is done.
-void endInOrderWhenTheSessionManagerDies()
-{
-    IceSetIOErrorHandler([](IceConn) { QCoreApplication::exit(); });
-}
-
-/// On a screen with a scale Qt looks for "name@2x" beside each image that a text names before it asks the text view,
-/// which gives nothing out. The name may lie on a file server that is gone, and the look would wait for that.
-void keepQtFromLookingForLargerImages()
-{
-    qputenv("QT_HIGHDPI_DISABLE_2X_IMAGE_LOADING", "1");
-}
-
-/// The style keeps the arrow of each entry with a submenu under a name of its own each time the entry is selected: a
-/// session of much use would grow by megabytes, and a timer that looks after them would wake every session up. Nothing
-/// that is drawn here is worth keeping.
-void keepQtFromCachingPictures()
-{
-    QPixmapCache::setCacheLimit(0);
-}
-
-} // namespace
+#include <cstdlib>
 
 QString GraphicalSession::prepare()
 {
@@ -79,7 +37,10 @@ QString GraphicalSession::prepare()
     QApplication::setDesktopSettingsAware(false);
 
     endInOrderWhenTheSessionManagerDies();
-    keepQtFromLaunchingOrWaiting();
+    keepLibdbusFromAborting();
+    const QString bus = sessionBusAddress();
+    keepQtFromLaunchingOrAwaitingABus(bus,
+                                      probeBus(bus).state == BusState::Unusable ? BusUse::Hopeless : BusUse::Possible);
     keepQtFromLookingForLargerImages();
 
     if (!needsDisplay) {
@@ -110,4 +71,12 @@ void GraphicalSession::settle()
     LateMouseEvents::keepFromQt();
     MenuMouse::follow();
     keepQtFromCachingPictures();
+}
+
+void GraphicalSession::run()
+{
+    const SuddenExit whenTheServerDies;
+    if (QApplication::exec() != EXIT_SUCCESS) {
+        std::exit(EXIT_FAILURE); // When the server has died, Qt 6.11 leaves the loop where Qt 6.8 ends the process.
+    }
 }

@@ -1,5 +1,7 @@
 #include "platform/GraphicalSession.h"
 
+#include <QCoreApplication>
+
 QString GraphicalSession::prepare()
 {
     // launchd starts the agent in a graphical session or not at all.
@@ -9,4 +11,9 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     // The system tells a process only of its own windows.
+}
+
+void GraphicalSession::run()
+{
+    QCoreApplication::exec();
 }

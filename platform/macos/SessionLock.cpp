@@ -1,5 +1,7 @@
 #include "platform/SessionLock.h"
 
+#include "platform/ProductTexts.h"
+
 #include <QByteArray>
 
 #include <bsm/audit_session.h>
@@ -35,8 +37,7 @@ bool SessionLock::tryAcquire()
         ::confstr(_CS_DARWIN_USER_TEMP_DIR, folder, sizeof folder) == 0) {
         return true;
     }
-    const QByteArray path =
-        QByteArray(folder) + "com.tamborel.kivmenua." + QByteArray::number(session.ai_asid) + ".lock";
+    const QByteArray path = QByteArray(folder) + ProductTexts::lockFile + QByteArray::number(session.ai_asid) + ".lock";
     d->file = ::open(path.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     return d->file < 0 || ::flock(d->file, LOCK_EX | LOCK_NB) == 0;
 }

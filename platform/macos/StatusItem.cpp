@@ -82,6 +82,16 @@ QIcon StatusItem::image() const
     return d->image;
 }
 
+WId StatusItem::getWindow() const
+{
+    return 0;
+}
+
+QScreen *StatusItem::getScreen() const
+{
+    return nullptr;
+}
+
 std::optional<NSRect> StatusItem::frame() const
 {
     const QRect place = d->icon.geometry();

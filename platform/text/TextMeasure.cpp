@@ -12,10 +12,9 @@
 namespace
 {
 
-constexpr qreal maxHeight = 20000;
 /// Within the range of Qt's fixed-point lengths; also stands for no limit.
 constexpr qreal maxWidth = 1'000'000;
-/// At the usual width even the narrowest letters fill the largest height. More would only be characters that take no
+/// At the usual width even the narrowest letters fill that height. More would only be characters that take no
 /// room at all.
 constexpr qsizetype maxLength = 150'000;
 /// For every line, a layout looks through the word in which it begins, so an endless word is laid out in pieces.
@@ -54,7 +53,7 @@ float textHeight(const QString &text, float width)
     qreal height = 0;
     qsizetype start = 0;
     qsizetype length = pieceLength;
-    while (start < lines.size() && height < maxHeight) {
+    while (start < lines.size() && height < qreal{maxMeasuredHeight}) {
         QTextLayout piece(lines.mid(start, length), font);
         layOut(piece, lineWidth);
         // More text may belong to the last line of a piece, so the next piece begins with it.
@@ -66,5 +65,5 @@ float textHeight(const QString &text, float width)
         start = isLastPiece ? lines.size() : start + piece.lineAt(complete).textStart();
         length = complete > 0 ? pieceLength : length * 2;
     }
-    return static_cast<float>(std::min(height, maxHeight));
+    return static_cast<float>(std::min(height, qreal{maxMeasuredHeight}));
 }

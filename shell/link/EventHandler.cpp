@@ -1,9 +1,30 @@
 #include "shell/link/EventHandler.h"
 
+#include "platform/FourCharCode.h"
+#include "platform/LogCategories.h"
 #include "shell/ProcessState.h"
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventLink.h"
 #include "shell/link/ServiceCommands.h"
+
+namespace
+{
+/// Reads a parameter that every event has.
+OSErr read(const AppleEvent *event, AEKeyword keyword, DescType type, void *value, Size size)
+{
+    const OSErr error = AEGetParamPtr(event, keyword, type, nullptr, value, size, nullptr);
+    if (error != noErr) {
+        qCDebug(linkLog, "refused an event: its parameter %s cannot be read, error %d",
+                fourCharText(keyword).constData(), error);
+    }
+    return error;
+}
+
+unsigned int processOf(const ProcessSerialNumber &process)
+{
+    return process.lowLongOfPSN;
+}
+} // namespace
 
 OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
 {
@@ -11,26 +32,33 @@ OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
         return errAEEventFailed;
     }
     std::uint32_t command = 0;
-    OSErr error = AEGetParamPtr(event, kMenuParamCommand, typeSInt32, nullptr, &command, sizeof command, nullptr);
-    if (error != noErr) {
+    if (const OSErr error = read(event, kMenuParamCommand, typeSInt32, &command, sizeof command); error != noErr) {
         return error;
     }
     ProcessSerialNumber sender{};
-    error = AEGetParamPtr(event, kMenuParamSender, typeProcessSerialNumber, nullptr, &sender, sizeof sender, nullptr);
-    if (error != noErr) {
+    if (const OSErr error = read(event, kMenuParamSender, typeProcessSerialNumber, &sender, sizeof sender);
+        error != noErr) {
         return error;
     }
+    const QByteArray name = linkLog().isDebugEnabled() ? fourCharText(command) : QByteArray();
     // The cheap test first: whoever is not the owner may send as many as he likes.
     if (command != kMenuEvtSetOwner && !kivmAESameProcess(&sender, &__owpsn)) {
+        qCDebug(linkLog, "refused %s of process %u: process %u owns this agent", name.constData(), processOf(sender),
+                processOf(__owpsn));
         return noErr;
     }
     if (kivmAEIsForged(event, &sender)) {
+        qCDebug(linkLog, "refused %s: it does not come from process %u, which it names", name.constData(),
+                processOf(sender));
         return noErr;
     }
+    qCDebug(linkLog, "%s of process %u", name.constData(), processOf(sender));
     switch (command) {
     case kMenuEvtDoHint:
         return __cmd_dohint(event);
     case kMenuEvtSetOwner:
+        qCDebug(linkLog, "process %u owns this agent now; before it was process %u", processOf(sender),
+                processOf(__owpsn));
         __owpsn = sender;
         return noErr;
     case kMenuEvtSetOptions:
@@ -38,6 +66,7 @@ OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
     case kMenuEvtQuit:
         ExitToShell();
     default:
+        qCDebug(linkLog, "%s is no command", name.constData());
         return noErr;
     }
 }

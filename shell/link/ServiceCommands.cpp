@@ -2,11 +2,13 @@
 
 #include "notify/queue/KivNotificationManager.h"
 #include "notify/record/KivNotification.h"
+#include "platform/LogCategories.h"
 #include "platform/data/StringValues.h"
 #include "shell/ProcessState.h"
 #include "shell/link/EventCodes.h"
 
 #include <QByteArray>
+#include <QList>
 
 #include <algorithm>
 #include <memory>
@@ -68,6 +70,7 @@ try {
     }
     // Flags first: they stay in force when the list that came with them turns out unreadable.
     if (const auto flags = readUInt32(event, kMenuParamFlags)) {
+        qCDebug(linkLog, "flags %u", *flags);
         __menu->setFlags(*flags);
     }
     const auto count = readUInt32(event, kMenuParamActionCount);
@@ -75,13 +78,16 @@ try {
         return noErr;
     }
     if (*count == 0) {
+        qCDebug(linkLog, "no command is allowed");
         __menu->setActions({});
         return noErr;
     }
     const auto codes = readActions(event, *count);
     if (!codes) {
+        qCDebug(linkLog, "%u commands are announced, and there is no list of them", *count);
         return errAEEventFailed;
     }
+    qCDebug(linkLog) << "commands allowed:" << QList<std::uint32_t>(codes->begin(), codes->end());
     __menu->setActions(*codes);
     return noErr;
 } catch (const std::bad_alloc &) {
@@ -99,8 +105,10 @@ try {
     }
     const auto text = readHintText(event, length);
     if (!text) {
+        qCDebug(linkLog, "a hint is announced, and there is no text");
         return errAEEventFailed;
     }
+    qCDebug(linkLog) << "hint of" << text->size() << "bytes";
     const auto record = std::make_shared<KivNotification>();
     // The height last: setting the text has set the height that it needs.
     record->setMessageText(StringValues::fromUtf8(*text));

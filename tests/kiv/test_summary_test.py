@@ -67,6 +67,13 @@ class TestSummary(unittest.TestCase):
                                               "[ RUN      ] S.Three\n[  SKIPPED ] S.Three (0 ms)\n")),
                          ["0 passed, 0 failed, 3 skipped (2: no disk of its own; 1: no reason given)"])
 
+    def test_a_workaround_whose_time_is_over_is_named(self):
+        self.assertEqual(self.summary(program("A", "[ RUN      ] S.One\nworkaround One: no longer needed with Qt 6.11.0\n"
+                                                   "[       OK ] S.One (1 ms)\n[ RUN      ] S.Two\n"
+                                                   "workaround Two: still needed with Qt 6.11.0\n"
+                                                   "[       OK ] S.Two (1 ms)\n")),
+                         ["workaround no longer needed: One with Qt 6.11.0", "2 passed, 0 failed"])
+
     def test_a_program_that_skips_itself(self):
         self.assertEqual(self.summary(program("A", "", "notrun", '<skipped message="SKIP_RETURN_CODE=77"/>'),
                                       program("B", "", "disabled", '<skipped message="Disabled"/>')),

@@ -108,21 +108,17 @@ TEST_F(Alert, OpensTheHomePageForHomeAlone)
         waitUntil([&] { return session->browser.opened() == before + QByteArrayList{"http://127.0.0.1/home"}; }));
     EXPECT_TRUE(session->agent->waitUntilClosed());
 
-    // Escape is that button's key; Return is the one of "Close".
-    ASSERT_TRUE(openPanel(Session::About));
-    session->desktop.input().key(XK_Escape);
-    EXPECT_TRUE(waitUntil([&] { return session->browser.opened().size() == before.size() + 2; }));
-    EXPECT_TRUE(session->agent->waitUntilClosed());
-
     const std::optional<XWindow> third = openPanel(Session::About);
     ASSERT_TRUE(third);
     ASSERT_TRUE(session->clickButton(*third, AboutButtons::Close, AboutButtons::count));
     ASSERT_TRUE(session->agent->waitUntilClosed());
-    ASSERT_TRUE(openPanel(Session::About));
-    session->desktop.input().key(XK_Return);
-    ASSERT_TRUE(session->agent->waitUntilClosed());
-    EXPECT_TRUE(opensTheMenu());
-    EXPECT_EQ(session->browser.opened().size(), before.size() + 2);
+    for (const xcb_keysym_t key : {XK_Return, XK_Escape}) {
+        ASSERT_TRUE(openPanel(Session::About));
+        session->desktop.input().key(key);
+        ASSERT_TRUE(session->agent->waitUntilClosed());
+        EXPECT_TRUE(opensTheMenu());
+    }
+    EXPECT_EQ(session->browser.opened().size(), before.size() + 1);
 }
 
 TEST_F(Alert, ShowsTheCreditsInPlaceOfTheProductInformation)

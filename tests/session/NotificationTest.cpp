@@ -1,3 +1,4 @@
+#include "tests/session/support/DesktopSettings.h"
 #include "tests/session/support/OtherWindow.h"
 #include "tests/session/support/Service.h"
 #include "tests/session/support/SessionWithMessages.h"
@@ -225,6 +226,45 @@ TEST_F(Notification, FollowsItsCornerWhenTheScreenChangesItsSize)
                    windows.first().geometry == corner(*window, size);
         })) << size.width();
     }
+}
+
+TEST_F(Notification, KeepsItsButtonsOnTheScreenWhenThatShrinks)
+{
+    ASSERT_TRUE(start({{{.id = "1", .text = QByteArray("line\n").repeated(45)}}}));
+    const std::optional<XWindow> window = popUp();
+    ASSERT_TRUE(window);
+    EXPECT_GT(window->geometry.height(), 600);
+    ASSERT_TRUE(desktop.switchTo({800, 600}));
+    const QRect wanted(800 - 10 - window->geometry.width(), 30, window->geometry.width(), 560);
+    EXPECT_TRUE(waitUntil([&] {
+        const QList<XWindow> windows = agent->freeWindows();
+        return windows.size() == 1 && windows.first().id == window->id && windows.first().geometry == wanted;
+    }));
+    XWindow shrunk = *window;
+    shrunk.geometry = wanted;
+    click(shrunk, DoNotRemindMeLater);
+    EXPECT_TRUE(agent->waitUntilClosed());
+}
+
+TEST_F(Notification, KeepsItsSizeInPointsWhenTheScreensScaleChanges)
+{
+    DesktopSettings settings(desktop.server());
+    ASSERT_TRUE(start({{{.id = "1", .text = QByteArray("line\n").repeated(15)}}}));
+    const std::optional<XWindow> window = popUp();
+    ASSERT_TRUE(window);
+    for (const int scale : {2, 1, 2, 1}) {
+        settings.setDotsPerInch(96 * scale);
+        const QSize size = window->geometry.size() * scale;
+        const QRect wanted(QPoint(1280 - 10 * scale - size.width(), 30 * scale), size);
+        EXPECT_TRUE(waitUntil([&] {
+            const QList<XWindow> windows = agent->freeWindows();
+            return windows.size() == 1 && windows.first().id == window->id && windows.first().geometry == wanted;
+        })) << scale
+            << ": " << agent->freeWindows().value(0).geometry.x() << ' '
+            << agent->freeWindows().value(0).geometry.width() << ' ' << agent->freeWindows().value(0).geometry.height();
+    }
+    click(*window, DoNotRemindMeLater);
+    EXPECT_TRUE(agent->waitUntilClosed());
 }
 
 TEST_F(Notification, ComesAtTheIntervalThatTheUserHasJustSet)

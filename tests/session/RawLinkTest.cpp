@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <unistd.h>
 
 namespace
@@ -103,6 +104,30 @@ TEST_F(RawLink, IgnoresAnEventThatNamesAnotherRunningProcessAsItsSender)
 
     service.send("flags 0");
     EXPECT_TRUE(itemGoes()) << "the owner is the owner still";
+}
+
+TEST_F(RawLink, ObeysAnOwnerThatHasClosedItsConnectionBeforeItsEventIsHandled)
+{
+    EXPECT_EQ(claim(self), 0);
+    for (const std::uint32_t value : {0U, 2U, 0U, 2U, 0U}) {
+        ::kill(static_cast<pid_t>(agent->pid()), SIGSTOP);
+        BusPeer brief(desktop.bus());
+        ASSERT_TRUE(brief.connection().send(event(agent->pid(), {command("meso"), sender(self), flags(value)})));
+        brief.leave();
+        ::kill(static_cast<pid_t>(agent->pid()), SIGCONT);
+        EXPECT_TRUE(waitUntil([&] { return agent->dockedItem().has_value() == (value != 0); })) << value;
+    }
+}
+
+TEST_F(RawLink, IgnoresAStrangerThatHasClosedItsConnection)
+{
+    EXPECT_EQ(claim(self), 0);
+    ::kill(static_cast<pid_t>(agent->pid()), SIGSTOP);
+    BusPeer brief(desktop.bus());
+    ASSERT_TRUE(brief.connection().send(event(agent->pid(), {command("meso"), sender(desktop.panelPid()), flags(0)})));
+    brief.leave();
+    ::kill(static_cast<pid_t>(agent->pid()), SIGCONT);
+    EXPECT_TRUE(itemStays());
 }
 
 TEST_F(RawLink, AnswersTheReadsErrorWhenCommandOrSenderIsMissing)

@@ -69,6 +69,22 @@ TEST(ProductInformation, HasALabelLineForALabelThatIsNotEmpty)
     EXPECT_FALSE(bodyOf({{QStringLiteral("KIVPrivateLabel"), QStringLiteral("")}}).contains(QLatin1String("Label")));
 }
 
+TEST(ProductInformation, TakesNumbersForTheirTexts)
+{
+    const ProductInformation information = productInformation(QVariantMap{
+        {QStringLiteral("KIVBuildVersion"), 3.5},
+        {QStringLiteral("KIVBuildDate"), 20110520},
+        {QStringLiteral("KIVProductCopyright"), true},
+        {QStringLiteral("KIVProductHome"), QVariantList{1}},
+        {QStringLiteral("KIVPrivateLabel"), 7},
+    });
+    EXPECT_EQ(information.body, text(u"\nProduct:\t\tKivune Server for Mac OS X\nVersion:\t\t3.5/20110520"
+                                     u"\nCopyright:\t\t") +
+                                    text(ProductTexts::copyright) + text(u"\nHome:\t\t") +
+                                    text(ProductTexts::homePage) + text(u"\nLabel:\t\t7\n\n"));
+    EXPECT_EQ(supportPage(QVariantMap{{QStringLiteral("KIVProductSupport"), 42}}), QStringLiteral("42"));
+}
+
 TEST(ProductInformation, LetsAnEmptyTextReplaceADefault)
 {
     EXPECT_TRUE(bodyOf({{QStringLiteral("KIVBuildVersion"), QStringLiteral("")}}).contains(text(u"\nVersion:\t\t\n")));

@@ -52,3 +52,9 @@ TEST(ServiceLine, SaysWhatIsWrong)
 {
     EXPECT_EQ(parsed<ServiceLine::Malformed>("flags six").reason.toStdString(), "\"flags six\": expected flags NUMBER");
 }
+
+TEST(ServiceLine, SaysWhichLinesThereAre)
+{
+    EXPECT_EQ(parsed<ServiceLine::Malformed>("hide").reason.toStdString(),
+              "\"hide\": expected flags, actions, hint or quit");
+}

@@ -2,8 +2,11 @@
 """reserved_words.py ROOT: names and texts that others know keep their spelling.
 
 The service, the makers' feed and the settings program use these words as they stand, some of them misspelt for good.
-Prints each that is gone from the code, and each place where one was put right; then the status is 1.
+Prints each that is gone from the code, and each place where one was put right; then the status is 1. So it does with
+each text of the code in which the product's or its maker's name stands outside a ProductTexts.h: whoever ships the
+agent under another name shall have no other file to look through.
 """
+import re
 import subprocess
 import sys
 from pathlib import Path
@@ -26,6 +29,7 @@ RESERVED = {
     'System could not set the selected resolution.': [],
     'Do Not Remind Me Later': ["Don't Remind Me Later"],
 }
+NAMES = re.compile(r'"(?:[^"\\\n]|\\.)*(?:kivune|tamborel)', re.IGNORECASE)
 PRODUCT = ['shell', 'menu', 'notify', 'platform', 'resources/Info.plist.in']
 
 
@@ -35,8 +39,24 @@ def places(root, word, folders):
                           capture_output=True, text=True, check=False).stdout
 
 
+def strewn_names(root):
+    """Places where a text has one of the names, which ought to stand in a ProductTexts.h."""
+    listed = subprocess.run(['git', 'ls-files', '*.h', '*.cpp', '*.mm'], cwd=root, capture_output=True, text=True,
+                            check=True).stdout
+    for name in listed.splitlines():
+        if not (root / name).is_file() or not name.startswith(('shell/', 'menu/', 'notify/', 'platform/')) or name.endswith('/ProductTexts.h'):
+            continue
+        for number, line in enumerate((root / name).read_text(encoding='utf-8').splitlines(), 1):
+            code = re.sub(r'(^|\s)//.*', '', line)
+            if NAMES.search(code) and not code.lstrip().startswith('#'):
+                yield f'{name}:{number}: {line.strip()}'
+
+
 def main(root):
     status = 0
+    for place in strewn_names(root):
+        print(f'{place}\n    belongs in ProductTexts.h')
+        status = 1
     for word, corrections in RESERVED.items():
         if not places(root, word, PRODUCT):
             print(f'nowhere any more: {word}')

@@ -2,6 +2,7 @@
 # of the link. For ./kiv, which has say(), fail() and build().
 
 geometry=1280x800   # of a desktop of its own
+verbose=''          # whether the agent says what it does
 work=''             # the session's folder; all it writes goes there
 private_desktop=tools/desktop/private_desktop.py
 declare -A part=()  # the programs of the session: name of each process ID
@@ -144,8 +145,14 @@ make_preferences() {
 start_agent() {
     make_bundle
     make_preferences
-    start "agent" "$work/bundle/bin/kivmenua"
+    local rules=()
+    [[ -z $verbose ]] || rules=(env 'QT_LOGGING_RULES=kiv.*=true')
+    start "agent" "${rules[@]}" "$work/bundle/bin/kivmenua"
     agent=${started[-1]}
+    if [[ -n $verbose ]]; then
+        tail --pid="$agent" --lines=+1 --follow "$work/agent.log" &
+        started+=($!)
+    fi
     wait_for 60 "the agent" agent_is_linked
     mkfifo "$work/commands"
     exec 8<>"$work/commands"
@@ -213,13 +220,14 @@ shoot() { # FILE
     import -silent -window root "$1"
 }
 
-run_session() { # [--for SECONDS] [--shot FILE]
+run_session() { # [--for SECONDS] [--shot FILE] [--verbose]
     local seconds='' shot='' timer=''
     while [[ $# -gt 0 ]]; do
         # shellcheck disable=SC2154 # ./kiv has called_from.
         case $1 in
         --for) [[ ${2:-} =~ ^[0-9]+$ ]] || fail "--for wants a number of seconds"; seconds=$2; shift 2 ;;
         --shot) [[ -n ${2:-} ]] || fail "--shot wants a file"; shot=$(cd "$called_from" && realpath -m "$2"); shift 2 ;;
+        --verbose) verbose=yes; shift ;;
         *) fail "run does not know \"$1\"; see ./kiv help" ;;
         esac
     done

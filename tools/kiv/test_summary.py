@@ -2,6 +2,8 @@
 
 test_summary.py FILE [AGAIN]        says how many tests passed, failed and were skipped. AGAIN, which need not be there,
                                     is about the programs that failed in FILE, which have been run once more.
+                                    Before that it names those of our cures for others' bugs that the tests found to be
+                                    of no use any more.
 test_summary.py --few-failures FILE succeeds when so few programs failed that to run them once more is worth the time.
 """
 
@@ -12,6 +14,7 @@ import sys
 import xml.etree.ElementTree
 
 OUTCOME = re.compile(r"\[ +(OK|FAILED|SKIPPED) +\] (\S+?)(?:, where .*)? \(\d+ ms\)$")
+GONE = re.compile(r"workaround (\w+): no longer needed (with .*)$")
 REASON = re.compile(r": Skipped$")
 FEW = 3
 
@@ -22,6 +25,7 @@ class Summary:
         self.passed_again = []  # names of those that failed at first
         self.failed = []  # names
         self.reasons = collections.Counter()  # of skipped tests
+        self.gone = {}  # what workarounds are no longer needed with, by their names
 
     def add_program(self, case):
         name = case.get("name")
@@ -53,6 +57,8 @@ class Summary:
                     self.failed.append(name)
                 else:
                     self.reasons[" ".join(reason or ["no reason given"])] += 1
+            if gone := GONE.match(line):
+                self.gone[gone[1]] = gone[2]
             if line.startswith("["):
                 reason = None
             elif REASON.search(line):
@@ -63,6 +69,7 @@ class Summary:
 
     def add_second_run(self, again):
         """Takes up what became of the programs that had failed. A test counts as passed in either run."""
+        self.gone |= again.gone
         if not set(again.failed) <= set(self.failed):
             self.failed = list(dict.fromkeys(self.failed + again.failed))
             return
@@ -100,6 +107,8 @@ def main():
     print()
     for name in summary.failed:
         print(f"failed: {name}")
+    for workaround, version in summary.gone.items():
+        print(f"workaround no longer needed: {workaround} {version}")
     print(summary.line())
     return True
 

@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <optional>
 #include <unistd.h>
+#include <variant>
 
 namespace
 {
@@ -53,6 +54,14 @@ Target findAgent()
     }
     return {agents.front(), {}};
 }
+
+/// One function object of several.
+template <typename... Functions>
+struct Overloaded : Functions... {
+    using Functions::operator()...;
+};
+template <typename... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>; // Clang before 17 does not deduce it.
 
 /// Carries the lines of standard input out until they end.
 class LineLoop final : public QObject
@@ -94,33 +103,23 @@ private:
         QCoreApplication::exit(status);
     }
 
-    /// The exit status when the line ends the command.
+    /// The exit status when the line ends the command. Every kind of line goes to the agent unless it is named here;
+    /// one that the agent cannot be sent does not compile.
     std::optional<int> carryOut(const ServiceLine::Line &line)
     {
-        if (std::holds_alternative<ServiceLine::Nothing>(line)) {
-            return std::nullopt;
-        }
-        if (const auto *malformed = std::get_if<ServiceLine::Malformed>(&line)) {
-            return fail(malformed->reason);
-        }
-        if (!send(line)) {
-            return fail(QStringLiteral("the agent cannot be reached"));
-        }
-        return std::holds_alternative<ServiceLine::Quit>(line) ? std::optional<int>(Success) : std::nullopt;
+        using namespace ServiceLine;
+        return std::visit(Overloaded{[](const Nothing &) { return std::optional<int>(); },
+                                     [](const Malformed &malformed) { return std::optional(fail(malformed.reason)); },
+                                     [this](const Quit &quit) {
+                                         return std::optional(failureOf(m_service.send(quit)).value_or(Success));
+                                     },
+                                     [this](const auto &command) { return failureOf(m_service.send(command)); }},
+                          line);
     }
 
-    bool send(const ServiceLine::Line &line)
+    static std::optional<int> failureOf(bool sent)
     {
-        if (const auto *flags = std::get_if<ServiceLine::Flags>(&line)) {
-            return m_service.setFlags(flags->flags);
-        }
-        if (const auto *actions = std::get_if<ServiceLine::Actions>(&line)) {
-            return m_service.setActions(actions->codes);
-        }
-        if (const auto *hint = std::get_if<ServiceLine::Hint>(&line)) {
-            return m_service.showHint(hint->text);
-        }
-        return m_service.quitAgent();
+        return sent ? std::nullopt : std::optional(fail(QStringLiteral("the agent cannot be reached")));
     }
 
     AttachedService &m_service;

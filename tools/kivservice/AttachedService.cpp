@@ -59,17 +59,18 @@ AttachedService::~AttachedService()
 
 bool AttachedService::claim()
 {
-    return send(kMenuEvtSetOwner);
+    return sendEvent(kMenuEvtSetOwner);
 }
 
-bool AttachedService::setFlags(std::uint32_t flags)
+bool AttachedService::send(const ServiceLine::Flags &line)
 {
-    return send(kMenuEvtSetOptions, [flags](AppleEvent &event) { putUInt32(event, kMenuParamFlags, flags); });
+    return sendEvent(kMenuEvtSetOptions, [&line](AppleEvent &event) { putUInt32(event, kMenuParamFlags, line.flags); });
 }
 
-bool AttachedService::setActions(const std::vector<std::uint32_t> &codes)
+bool AttachedService::send(const ServiceLine::Actions &line)
 {
-    return send(kMenuEvtSetOptions, [&codes](AppleEvent &event) {
+    const std::vector<std::uint32_t> &codes = line.codes;
+    return sendEvent(kMenuEvtSetOptions, [&codes](AppleEvent &event) {
         putUInt32(event, kMenuParamActionCount, static_cast<std::uint32_t>(codes.size()));
         if (!codes.empty()) {
             AEPutParamPtr(&event, kMenuParamActions, typeMenuActionList, codes.data(),
@@ -78,20 +79,21 @@ bool AttachedService::setActions(const std::vector<std::uint32_t> &codes)
     });
 }
 
-bool AttachedService::showHint(const QByteArray &text)
+bool AttachedService::send(const ServiceLine::Hint &line)
 {
-    return send(kMenuEvtDoHint, [&text](AppleEvent &event) {
+    const QByteArray &text = line.text;
+    return sendEvent(kMenuEvtDoHint, [&text](AppleEvent &event) {
         putUInt32(event, kMenuParamHintSize, static_cast<std::uint32_t>(text.size()));
         AEPutParamPtr(&event, kMenuParamHintText, typeMenuHintText, text.constData(), text.size());
     });
 }
 
-bool AttachedService::quitAgent()
+bool AttachedService::send(const ServiceLine::Quit &)
 {
-    return send(kMenuEvtQuit);
+    return sendEvent(kMenuEvtQuit);
 }
 
-bool AttachedService::send(std::uint32_t command, const std::function<void(AppleEvent &)> &fill)
+bool AttachedService::sendEvent(std::uint32_t command, const std::function<void(AppleEvent &)> &fill)
 {
     AppleEvent event{};
     if (!kivmAECreateEvent(&m_self, &m_agent, command, &event)) {

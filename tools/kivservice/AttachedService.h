@@ -25,17 +25,19 @@ public:
 
     /// Makes this process the agent's owner. Every call here is false when the agent cannot be reached.
     [[nodiscard]] bool claim();
-    [[nodiscard]] bool setFlags(std::uint32_t flags);
-    [[nodiscard]] bool setActions(const std::vector<std::uint32_t> &codes);
-    [[nodiscard]] bool showHint(const QByteArray &text);
-    [[nodiscard]] bool quitAgent();
+    /// Sends what a line asks for: one of these for each kind of line that the agent is to hear of. A kind without one
+    /// does not compile where lines are carried out (tools/kivservice/AttachCommand.cpp).
+    [[nodiscard]] bool send(const ServiceLine::Flags &line);
+    [[nodiscard]] bool send(const ServiceLine::Actions &line);
+    [[nodiscard]] bool send(const ServiceLine::Hint &line);
+    [[nodiscard]] bool send(const ServiceLine::Quit &line);
 
 private:
     static OSErr onEvent(const AppleEvent *event, AppleEvent *reply, SRefCon refcon);
     OSErr onEvent(const AppleEvent &event);
 
     /// Sends a command with the parameters that `fill` puts.
-    [[nodiscard]] bool send(std::uint32_t command, const std::function<void(AppleEvent &)> &fill = nullptr);
+    [[nodiscard]] bool sendEvent(std::uint32_t command, const std::function<void(AppleEvent &)> &fill = nullptr);
 
     ProcessSerialNumber m_self{};
     ProcessSerialNumber m_agent;

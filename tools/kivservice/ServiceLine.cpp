@@ -1,6 +1,7 @@
 #include "tools/kivservice/ServiceLine.h"
 
 #include <QList>
+#include <QStringList>
 
 #include <optional>
 
@@ -16,31 +17,71 @@ std::optional<std::uint32_t> number(const QByteArray &word)
     return ok && word.front() != '+' ? std::optional(value) : std::nullopt;
 }
 
-Line malformed(const QByteArray &line, const char *expected)
+/// A kind of line: its first word, what is to follow, and who reads that. Nothing when it is something else.
+struct Form {
+    const char *verb;
+    const char *usage;
+    std::optional<Line> (*read)(const QByteArray &rest);
+};
+
+QList<QByteArray> wordsOf(const QByteArray &rest)
 {
-    return Malformed{QStringLiteral("\"%1\": expected %2").arg(QString::fromUtf8(line), QLatin1String(expected))};
+    return rest.isEmpty() ? QList<QByteArray>() : rest.simplified().split(' ');
 }
 
-Line parseFlags(const QByteArray &line, const QList<QByteArray> &words)
+std::optional<Line> readFlags(const QByteArray &rest)
 {
-    const auto value = words.size() == 1 ? number(words.front()) : std::nullopt;
-    return value ? Line(Flags{*value}) : malformed(line, "flags NUMBER");
+    const auto value = number(rest);
+    return value ? std::optional<Line>(Flags{*value}) : std::nullopt;
 }
 
-Line parseActions(const QByteArray &line, const QList<QByteArray> &words)
+std::optional<Line> readActions(const QByteArray &rest)
 {
-    if (words == QList<QByteArray>{"none"}) {
-        return Actions{};
-    }
     Actions actions;
-    for (const QByteArray &word : words) {
+    if (rest == "none") {
+        return actions;
+    }
+    for (const QByteArray &word : wordsOf(rest)) {
         const auto code = number(word);
         if (!code) {
-            return malformed(line, "actions CODE ... or actions none");
+            return std::nullopt;
         }
         actions.codes.push_back(*code);
     }
-    return actions.codes.empty() ? malformed(line, "actions CODE ... or actions none") : Line(actions);
+    return actions.codes.empty() ? std::nullopt : std::optional<Line>(actions);
+}
+
+std::optional<Line> readHint(const QByteArray &rest)
+{
+    return rest.isEmpty() ? std::nullopt : std::optional<Line>(Hint{rest});
+}
+
+std::optional<Line> readQuit(const QByteArray &rest)
+{
+    return rest.isEmpty() ? std::optional<Line>(Quit{}) : std::nullopt;
+}
+
+constexpr Form forms[] = {
+    {"flags", "flags NUMBER", readFlags},
+    {"actions", "actions CODE ... or actions none", readActions},
+    {"hint", "hint TEXT", readHint},
+    {"quit", "quit", readQuit},
+};
+
+Line malformed(const QByteArray &line, const QString &expected)
+{
+    return Malformed{QStringLiteral("\"%1\": expected %2").arg(QString::fromUtf8(line), expected)};
+}
+
+/// "a, b or c"
+QString verbs()
+{
+    QStringList all;
+    for (const Form &form : forms) {
+        all += QLatin1String(form.verb);
+    }
+    const QString last = all.takeLast();
+    return all.join(QStringLiteral(", ")) + QStringLiteral(" or ") + last;
 }
 } // namespace
 
@@ -50,22 +91,14 @@ Line parse(const QByteArray &line)
     if (trimmed.isEmpty()) {
         return Nothing{};
     }
-    QList<QByteArray> words = trimmed.simplified().split(' ');
-    const QByteArray verb = words.takeFirst();
-    if (verb == "flags") {
-        return parseFlags(trimmed, words);
+    const QByteArray verb = trimmed.simplified().split(' ').first();
+    const QByteArray rest = trimmed.mid(verb.size()).trimmed();
+    for (const Form &form : forms) {
+        if (verb == form.verb) {
+            return form.read(rest).value_or(malformed(trimmed, QLatin1String(form.usage)));
+        }
     }
-    if (verb == "actions") {
-        return parseActions(trimmed, words);
-    }
-    if (verb == "hint") {
-        const QByteArray text = trimmed.mid(verb.size()).trimmed();
-        return text.isEmpty() ? malformed(trimmed, "hint TEXT") : Line(Hint{text});
-    }
-    if (verb == "quit" && words.isEmpty()) {
-        return Quit{};
-    }
-    return malformed(trimmed, "flags, actions, hint or quit");
+    return malformed(trimmed, verbs());
 }
 
 } // namespace ServiceLine

@@ -28,6 +28,8 @@ struct Malformed {
     QString reason;
 };
 
+/// A kind that is added here must be readable (ServiceLine.cpp) and, if it is for the agent, sendable
+/// (AttachedService::send); without the latter the command does not compile.
 using Line = std::variant<Flags, Actions, Hint, Quit, Nothing, Malformed>;
 
 /// Reads "flags 6", "actions 32793 32796", "actions none", "hint TEXT" or "quit", without the line's end.

@@ -13,6 +13,9 @@ _SUBMENU = re.compile(r"^resolutionSubmenu/(\d+) +([\d.]+) ms", re.M)
 _RATIOS = {"bench_base64": "Base64", "bench_feed": "Feed of 10,000 messages"}
 _MODES_LIMIT = 5  # ms for 600 modes
 
+_MESSAGE = re.compile(r"^(\w+) +[\d.]+ ms +([\d.]+) ms", re.M)
+_MESSAGE_LIMIT = 100  # ms of processor time
+
 
 def ratios_in(output):
     """(ours, other, median, limit or None) for each line of the table at the end of a program's output."""
@@ -41,4 +44,7 @@ def measure(place):
     for count, time in rows_of("bench_resolutions", _SUBMENU.findall):
         figure = Figure(f"Submenu of {count} resolutions", "ms", "", {"kivmenua": float(time)}, digits=2)
         figures.append(figure.require("limit", _MODES_LIMIT) if count == "600" else figure)
+    name, slowest = max(rows_of("bench_messages", _MESSAGE.findall), key=lambda row: float(row[1]))
+    figures.append(Figure(f"Text of the slowest of the sample messages ({name}), to its picture", "ms", "",
+                          {"kivmenua": float(slowest)}, digits=2).require("limit", _MESSAGE_LIMIT))
     return figures

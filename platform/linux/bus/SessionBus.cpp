@@ -1,13 +1,11 @@
 #include "platform/linux/include/SessionBus.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/workarounds/LibdbusLimit.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
 
 #include <QDBusError>
-
-#include <dlfcn.h>
-#include <limits>
-#include <mutex>
 
 namespace
 {
@@ -16,28 +14,12 @@ namespace
 QString freshConnectionName()
 {
     static int count = 0;
-    return QStringLiteral("kivune-session-%1").arg(++count);
+    return QStringLiteral("kiv-session-%1").arg(++count);
 }
 
 QDBusConnection noConnection()
 {
     return QDBusConnection(QString());
-}
-
-/// libdbus stops reading while the messages that it has read and that are still in use take up more than a limit, 63 MB
-/// unless told otherwise, and QtDBus never goes on from there (seen in 6.4): it is this thread that lets go of
-/// messages, and another one that reads. Whoever sends very much very fast would make the program deaf for ever. QtDBus
-/// is linked to libdbus, so that the function is there without its headers.
-void readWithoutLimit(const QDBusConnection &connection)
-{
-    using SetLimit = void (*)(void *connection, long bytes);
-    if (const auto setLimit =
-            reinterpret_cast<SetLimit>(::dlsym(RTLD_DEFAULT, "dbus_connection_set_max_received_size"))) {
-        setLimit(connection.internalPointer(), std::numeric_limits<long>::max());
-        return;
-    }
-    static std::once_flag once;
-    std::call_once(once, [] { qWarning("no way to lift libdbus's limit: a flood of messages may cut off the bus"); });
 }
 
 /// Whether the bus has not said anything to a question: there is none, or it has not answered in time.
@@ -132,7 +114,7 @@ bool SessionBus::requestName(const QString &busName) const
     }
     constexpr uint stands = 2;
     if (answer.arguments().value(0).toUInt() == stands) {
-        qWarning("another program has the name %s on the session bus: waiting for it", qPrintable(busName));
+        qCWarning(linkLog, "another program has the name %s on the session bus: waiting for it", qPrintable(busName));
     }
     return true;
 }
@@ -164,9 +146,13 @@ void SessionBus::tryToConnect()
     }
     if (!isConnected()) {
         disconnectFromBus();
+        if (!m_retry.isActive()) {
+            qCDebug(linkLog) << "no session bus at" << sessionBusAddress() << "- it is tried again";
+        }
         m_retry.start();
         return;
     }
+    qCDebug(linkLog) << "on the session bus at" << m_address << "as" << m_connection.baseService();
     m_retry.stop();
     readWithoutLimit(m_connection);
     // QtDBus knows no other way to name a slot than by a string.
@@ -182,6 +168,7 @@ void SessionBus::onDisconnected()
     if (isConnected() || m_retry.isActive()) {
         return;
     }
+    qCDebug(linkLog, "the session bus has gone: it is tried again");
     disconnectFromBus();
     m_retry.start();
     Q_EMIT disconnected();

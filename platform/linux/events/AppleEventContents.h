@@ -38,8 +38,8 @@ public:
 
     /// The process that the event is for; none when its address names no process ID.
     std::optional<SInt32> target;
-    /// The process that the event came from, 0 if it had gone before it could be asked for; none in events made here,
-    /// and when the bus did not say.
+    /// The process that the event came from; none in events made here, and when the bus did not say, or did not know
+    /// any more.
     std::optional<SInt32> sender;
 
 private:

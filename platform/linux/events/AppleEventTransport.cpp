@@ -1,5 +1,6 @@
 #include "platform/linux/events/AppleEventTransport.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/events/AppleEventMessage.h"
 #include "platform/linux/events/AppleEventsContract.h"
 #include "platform/linux/include/EventBusName.h"
@@ -43,6 +44,7 @@ OSErr statusOf(const QDBusMessage &answer)
 void refuse(const QDBusMessage &message, const QDBusConnection &connection, QDBusError::ErrorType error,
             const QString &why)
 {
+    qCDebug(linkLog) << "refused a message of" << message.service() << why;
     if (message.isReplyRequired()) {
         connection.send(message.createErrorReply(error, why));
     }
@@ -95,7 +97,9 @@ void AppleEventTransport::registerOnBus()
     QDBusConnection connection = m_bus.connection();
     // The object first: who sees the name may call at once.
     if (!connection.registerVirtualObject(eventObjectPath(), this) || !m_bus.requestName(ownBusName())) {
-        qWarning("cannot take events on the session bus");
+        qCWarning(linkLog, "cannot take events on the session bus: the service is not heard");
+    } else {
+        qCDebug(linkLog) << "takes events as" << ownBusName();
     }
 }
 
@@ -115,10 +119,12 @@ OSErr AppleEventTransport::findTarget(SInt32 pid)
     m_target.reset();
     const QString uniqueName = m_bus.ownerOf(eventBusName(pid));
     if (uniqueName.isEmpty()) {
+        qCDebug(linkLog, "process %d takes no events", pid);
         return uniqueName.isNull() ? connectionInvalid : procNotFound;
     }
     const std::optional<qint64> owner = m_bus.processOf(uniqueName);
     if (owner != pid) {
+        qCDebug(linkLog, "process %d takes no events: another has its name on the bus", pid);
         return owner ? procNotFound : connectionInvalid;
     }
     m_target = Target{pid, uniqueName};
@@ -154,6 +160,7 @@ OSErr AppleEventTransport::send(const AppleEventContents &event)
         }
     }
     if (!isRunningProcess(*event.target)) {
+        qCDebug(linkLog, "process %d does not run", *event.target);
         return procNotFound;
     }
     if (const OSErr error = findTarget(*event.target); error != noErr) {
@@ -233,7 +240,9 @@ void AppleEventTransport::receive(const QDBusMessage &message, const QDBusConnec
                QStringLiteral("Not an event: see the interface's description"));
         return;
     }
-    if (sender) {
+    // A sender that has closed its connection may well be the process that it says: it is not known, which is not to be
+    // nobody.
+    if (sender.value_or(0) != 0) {
         event->sender = static_cast<SInt32>(*sender);
     }
     const OSErr status = handle(std::move(*event));
@@ -248,9 +257,9 @@ OSErr AppleEventTransport::handle(AppleEventContents event)
     try {
         return m_handler(std::move(event));
     } catch (const std::exception &failure) {
-        qCritical("an event handler failed: %s", failure.what());
+        qCCritical(linkLog, "an event handler failed: %s", failure.what());
     } catch (...) {
-        qCritical("an event handler failed");
+        qCCritical(linkLog, "an event handler failed");
     }
     return errAEEventFailed;
 }

@@ -1,12 +1,13 @@
 #include "platform/linux/events/DistributedNotificationSignal.h"
 
+#include "platform/ProductTexts.h"
 #include "platform/linux/include/SessionBus.h"
 
 #include <utility>
 
 namespace
 {
-const QString interfaceName = QStringLiteral("com.tamborel.kivune.DistributedNotifications");
+const QString interfaceName = ProductTexts::notificationInterface;
 }
 
 DistributedNotificationSignal::DistributedNotificationSignal(SessionBus &bus, QString name,

@@ -19,18 +19,20 @@ bool WorkInTurns::carryOut(const QString &client, Work work)
         }
         return true;
     }
-    if (m_clients.empty() && !m_share->hasExpired()) {
+    if (m_waiting.empty() && !m_share->hasExpired()) {
         work();
         return true;
     }
-    std::deque<Work> &waiting = m_waiting[client];
-    if (waiting.size() >= m_maxWaiting) {
+    const auto entry = m_waiting.find(client);
+    const std::size_t waiting = entry == m_waiting.end() ? 0 : entry->second.size();
+    if (waiting >= m_maxWaiting) {
         return false;
     }
-    if (waiting.empty()) {
-        m_clients.push_back(client);
-    }
-    waiting.push_back(std::move(work));
+    std::deque<Piece> &pieces = m_waiting[client];
+    pieces.push_back({m_pieces++, std::move(work)});
+    const std::uint64_t first = pieces.front().number;
+    orderOfWhoHas(waiting).erase(first);
+    orderOfWhoHas(waiting + 1).emplace(first, client);
     return true;
 }
 
@@ -44,11 +46,11 @@ void WorkInTurns::startTurn(QDeadlineTimer share)
 void WorkInTurns::nextTurn()
 {
     m_share.reset();
-    if (!m_clients.empty()) {
+    if (!m_waiting.empty()) {
         startTurn(QDeadlineTimer(m_shareOfATurn, Qt::PreciseTimer));
     }
     // Work with a loop of its own may have come through here when it returns, and may have left nothing to do.
-    while (!m_clients.empty() && !m_share->hasExpired()) {
+    while (!m_waiting.empty() && !m_share->hasExpired()) {
         const Work work = takeNext();
         work();
     }
@@ -56,15 +58,22 @@ void WorkInTurns::nextTurn()
 
 WorkInTurns::Work WorkInTurns::takeNext()
 {
-    const QString client = std::move(m_clients.front());
-    m_clients.pop_front();
+    Order &order = m_next.empty() ? m_flooding : m_next;
+    const QString client = std::move(order.begin()->second);
+    order.erase(order.begin());
     const auto waiting = m_waiting.find(client);
-    Work work = std::move(waiting->second.front());
-    waiting->second.pop_front();
-    if (waiting->second.empty()) {
+    std::deque<Piece> &pieces = waiting->second;
+    Work work = std::move(pieces.front().work);
+    pieces.pop_front();
+    if (pieces.empty()) {
         m_waiting.erase(waiting);
     } else {
-        m_clients.push_back(client);
+        orderOfWhoHas(pieces.size()).emplace(pieces.front().number, client);
     }
     return work;
+}
+
+WorkInTurns::Order &WorkInTurns::orderOfWhoHas(std::size_t waiting)
+{
+    return waiting > kMaxInOrder ? m_flooding : m_next;
 }

@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <functional>
 #include <map>
@@ -23,26 +24,39 @@ public:
 
     /// What comes next waits once this much of a turn is used up.
     static constexpr std::chrono::milliseconds kShareOfATurn{5};
-    /// More pieces than that do not wait for one client, so that a flood does not take all memory: several times the
-    /// longest burst that a client has reason for.
+    /// A client for whom more pieces than that wait floods, and the others need not wait for it: several times the
+    /// longest burst that one has reason for.
+    static constexpr std::size_t kMaxInOrder = 1000;
+    /// More pieces than that do not wait for one client, so that a flood does not take all memory.
     static constexpr std::size_t kMaxWaiting = 100'000;
 
     explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn, std::size_t maxWaiting = kMaxWaiting);
 
-    /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work for one client
-    /// is carried out in its order; clients with work that waits take turns, so that none waits for all of another's.
+    /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work is carried out
+    /// in the order in which it came, whoever it is for; only that of a client for whom more than kMaxInOrder pieces
+    /// wait comes behind all other until they have become fewer. Work for one client keeps its order in any case.
     /// `work` may run an event loop of its own, in which what waits goes on, and must not throw. False, and `work` is
     /// dropped, when the most that may wait for this client waits already.
     [[nodiscard]] bool carryOut(const QString &client, Work work);
 
 private:
+    struct Piece {
+        std::uint64_t number; ///< In the order in which all have come.
+        Work work;
+    };
+    /// Clients, by the number of the first piece that waits for them.
+    using Order = std::map<std::uint64_t, QString>;
+
     void startTurn(QDeadlineTimer share);
     void nextTurn();
     [[nodiscard]] Work takeNext();
+    [[nodiscard]] Order &orderOfWhoHas(std::size_t waiting);
 
     std::chrono::milliseconds m_shareOfATurn;
     std::size_t m_maxWaiting;
-    std::map<QString, std::deque<Work>> m_waiting; ///< While there is any, the next turn is sure to come.
-    std::deque<QString> m_clients;                 ///< Those with work that waits, the next one first.
+    std::uint64_t m_pieces = 0;
+    std::map<QString, std::deque<Piece>> m_waiting; ///< While there is any, the next turn is sure to come.
+    Order m_next;
+    Order m_flooding;                      ///< Those for whom too much waits.
     std::optional<QDeadlineTimer> m_share; ///< What is left of this turn; nothing before its first work is done.
 };

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/ProductTexts.h"
+
 #include <QString>
 
 #include <optional>
@@ -7,23 +9,22 @@
 /// Where on the session bus a process receives events; see resources/dbus/com.tamborel.kivune.AppleEvents.xml.
 [[nodiscard]] inline QString eventBusName(qint64 pid)
 {
-    return QStringLiteral("com.tamborel.kivune.p%1").arg(pid);
+    return ProductTexts::eventBusName + QString::number(pid);
 }
 
 /// The process that such a name belongs to; nothing for any other name.
 [[nodiscard]] inline std::optional<qint64> processOfEventBusName(const QString &name)
 {
-    const qsizetype digits = eventBusName(0).size() - 1;
-    const qint64 pid = name.mid(digits).toLongLong();
+    const qint64 pid = name.mid(ProductTexts::eventBusName.size()).toLongLong();
     return pid > 0 && name == eventBusName(pid) ? std::optional(pid) : std::nullopt;
 }
 
 [[nodiscard]] inline QString eventObjectPath()
 {
-    return QStringLiteral("/com/tamborel/kivune/AppleEvents");
+    return ProductTexts::eventObjectPath;
 }
 
 [[nodiscard]] inline QString eventInterface()
 {
-    return QStringLiteral("com.tamborel.kivune.AppleEvents");
+    return ProductTexts::eventInterface;
 }

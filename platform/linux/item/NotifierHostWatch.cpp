@@ -1,5 +1,6 @@
 #include "platform/linux/item/NotifierHostWatch.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/item/DisplayMembership.h"
 #include "platform/linux/item/NotifierWatcher.h"
 
@@ -91,7 +92,12 @@ void NotifierHostWatch::takeAnswer()
     const QDBusPendingReply<QDBusVariant> answer = *m_question;
     m_question.release()->deleteLater();
     const bool hasHost = answer.isValid() && answer.value().variant().toBool();
-    m_watcher = hasHost && isForThisDisplay() ? m_owner : QString();
+    const bool counts = hasHost && isForThisDisplay();
+    qCDebug(itemLog, "the StatusNotifierItem watcher %s",
+            counts    ? "has a host on this display"
+            : hasHost ? "has hosts on other displays only"
+                      : "has no host");
+    m_watcher = counts ? m_owner : QString();
     Q_EMIT changed();
 }
 

@@ -1,5 +1,6 @@
 #include "platform/StatusItem.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
@@ -33,6 +34,21 @@ QRect stripPlace(const ScreenCoordinates &screen)
 {
     const int side = deviceSide(screen);
     return {screen.mainScreen.x() + screen.mainScreen.width() - side, screen.mainScreen.y(), side, side};
+}
+
+const char *description(StatusItemForm form)
+{
+    switch (form) {
+    case StatusItemForm::None:
+        return "nowhere";
+    case StatusItemForm::Tray:
+        return "in the tray";
+    case StatusItemForm::Notifier:
+        return "with the StatusNotifierItem host";
+    case StatusItemForm::Strip:
+        return "by itself in the corner of the screen";
+    }
+    return "";
 }
 
 } // namespace
@@ -97,10 +113,13 @@ void StatusItem::Private::update(Settling settling)
     if (form == wantedForm(hosts)) {
         m_settling.stop();
     } else if (!m_settling.isActive()) {
+        qCDebug(itemLog, "the item is %s for now: the hosts may still change", description(form));
         m_settling.start();
     }
     if (form != m_form || (form == StatusItemForm::Tray && m_tray != m_trays.tray()) ||
         (form == StatusItemForm::Notifier && m_watcher != m_notifiers.watcher())) {
+        qCDebug(itemLog, "the item is %s: there is %s tray and %s StatusNotifierItem host", description(form),
+                hosts.tray ? "a" : "no", hosts.notifier ? "a" : "no");
         take(form);
     }
 }
@@ -148,6 +167,7 @@ void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
 /// The tray has gone, or it has put the icon out while it rebuilds itself; either way it is asked again after settling.
 void StatusItem::Private::handleUndocked()
 {
+    qCDebug(itemLog, "the tray has put the item out: it is asked again");
     take(StatusItemForm::None);
     m_settling.start();
 }
@@ -182,6 +202,7 @@ void StatusItem::Private::apply()
 
 void StatusItem::Private::handlePress(std::optional<QPoint> place)
 {
+    qCDebug(itemLog, look.enabled ? "pressed" : "pressed, while a panel has to be answered first");
     if (look.enabled) {
         Q_EMIT m_owner->pressed(place ? std::optional(screenCoordinates().fromDevice(*place)) : std::nullopt);
     }
@@ -245,6 +266,21 @@ void StatusItem::setImage(const QIcon &image)
 QIcon StatusItem::image() const
 {
     return d->look.image;
+}
+
+WId StatusItem::getWindow() const
+{
+    return d->window && d->window->place() ? d->window->id() : 0;
+}
+
+QScreen *StatusItem::getScreen() const
+{
+    const std::optional<QRect> place = d->window ? d->window->place() : std::nullopt;
+    if (!place) {
+        return nullptr;
+    }
+    const ScreenCoordinates screen = screenCoordinates();
+    return QGuiApplication::screenAt(screen.toQt(screen.fromDevice(place->center())));
 }
 
 std::optional<NSRect> StatusItem::frame() const

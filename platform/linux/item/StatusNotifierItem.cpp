@@ -51,7 +51,8 @@ QDBusObjectPath StatusNotifierItem::menu() const
 void StatusNotifierItem::Activate(int x, int y)
 {
     const QPoint place(x, y);
-    RootProperties::hear(this, [this, place] { Q_EMIT pressed(place.isNull() ? std::nullopt : std::optional(place)); });
+    RootProperties::catchUpAndShow(
+        this, [this, place] { Q_EMIT pressed(place.isNull() ? std::nullopt : std::optional(place)); });
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y)

@@ -1,5 +1,6 @@
 #include "platform/linux/item/TrayIconWindow.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/workarounds/RootProperties.h"
@@ -44,8 +45,10 @@ std::unique_ptr<TrayIconWindow> TrayIconWindow::dockedIn(xcb_window_t tray, int 
 {
     const std::optional<XVisual> visual = TrayProtocol::visualOf(tray);
     if (!visual) {
+        qCWarning(itemLog, "no item: the tray asks for a visual that cannot be painted");
         return nullptr;
     }
+    qCDebug(itemLog, "asks the tray of window 0x%x to take the item in", tray);
     std::unique_ptr<TrayIconWindow> window(new TrayIconWindow(Kind::Docked, *visual, QRect(0, 0, side, side)));
     TrayProtocol::requestDock(tray, window->m_window, {side, side});
     return window;
@@ -56,6 +59,7 @@ std::unique_ptr<TrayIconWindow> TrayIconWindow::standingAt(const QRect &place)
     xcb_screen_t *screen = XConnection::screen();
     const std::optional<XVisual> visual = findVisual(screen, screen->root_visual);
     if (!visual) {
+        qCWarning(itemLog, "no item: the screen's visual cannot be painted");
         return nullptr;
     }
     std::unique_ptr<TrayIconWindow> window(new TrayIconWindow(Kind::Alone, *visual, place));
@@ -242,6 +246,7 @@ void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
 void TrayIconWindow::handleReparent(xcb_window_t parent)
 {
     if (parent != XConnection::screen()->root) {
+        qCDebug(itemLog, "the tray has taken the item in");
         m_embedded = true;
         return;
     }
@@ -271,7 +276,7 @@ void TrayIconWindow::handlePress(xcb_button_t button)
     // input extension, which the server refuses while a core grab stands: the menu would not see the mouse.
     xcb_ungrab_pointer(XConnection::get(), XCB_CURRENT_TIME);
     xcb_flush(XConnection::get());
-    RootProperties::hear(this, [this, button] {
+    RootProperties::catchUpAndShow(this, [this, button] {
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
         // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {

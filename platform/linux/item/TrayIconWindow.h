@@ -33,6 +33,9 @@ public:
     /// Moves a window that stands alone.
     void moveTo(const QRect &place);
 
+    /// The window itself; it lives as long as this object, unless the server ends it.
+    [[nodiscard]] xcb_window_t id() const { return m_window; }
+
     /// Where the window is on the root window, in device pixels, as the server has it now; nothing while it is not on
     /// screen or, for a docked one, not (or no longer) inside its tray.
     [[nodiscard]] std::optional<QRect> place() const;

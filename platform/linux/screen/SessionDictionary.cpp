@@ -76,7 +76,7 @@ private:
     static QString freshName()
     {
         static int count = 0;
-        return QStringLiteral("kivune-system-%1").arg(++count);
+        return QStringLiteral("kiv-system-%1").arg(++count);
     }
 
     QDeadlineTimer m_deadline;

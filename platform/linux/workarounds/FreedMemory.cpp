@@ -37,8 +37,7 @@ bool FreedMemory::eventFilter(QObject *watched, QEvent *event)
 
 void FreedMemory::giveBack()
 {
-    // Xlib notes each request of Qt's that follows one of its own, 200 bytes a window, until a reply comes to itself.
-    // Qt never waits for one.
+    // A reply to Xlib itself.
     if (const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
         XSync(x11->display(), False);
     }

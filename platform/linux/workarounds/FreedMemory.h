@@ -5,8 +5,14 @@
 
 /// Gives the memory that windows leave behind back to the system, two seconds after one has gone.
 ///
-/// What is freed stays with the process while anything above it on the heap is in use, which after a menu, an alert and
-/// a few pop-ups is 120 kB, in every session and for good. Main thread only.
+/// Symptom: what is freed stays with the process while anything above it on the heap is in use. And Xlib notes each
+///   request of Qt's that follows one of its own, 200 bytes a window, until a reply comes to itself, which Qt never
+///   waits for.
+/// Of: the GNU C library and libX11 as Qt uses it (6.4 to 6.11), by their design. No report found.
+/// Left out: 120 kB after a menu, an alert and a few pop-ups, in every session and for good.
+/// Still needed? WorkaroundNeed.FreedMemory tells.
+///
+/// Main thread only.
 class FreedMemory final : public QObject
 {
     Q_OBJECT

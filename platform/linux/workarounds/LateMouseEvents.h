@@ -10,9 +10,14 @@
 
 /// Keeps Qt from seeing presses and moves of the mouse in a window that it has hidden already.
 ///
-/// Such an event is on its way while a pop-up closes because its time is over. Qt remembers the window for it as the
-/// one that was pressed, and does not forget it when the window is deleted right after; whichever window is hidden next
-/// then looks at memory that is free. Main thread only.
+/// Symptom: such an event is on its way while a pop-up closes because its time is over. Qt remembers the window for
+///   it as the one that was pressed, and does not forget it when the window is deleted right after; whichever window
+///   is hidden next then looks at memory that is free.
+/// Of: Qt 6.4 to 6.11, QGuiApplication with the platform xcb. No report found.
+/// Left out: a crash when the user presses a pop-up in the very moment in which it closes.
+/// Still needed? WorkaroundNeed.LateMouseEvents tells.
+///
+/// Main thread only.
 class LateMouseEvents final : public QObject, private QAbstractNativeEventFilter
 {
     Q_OBJECT

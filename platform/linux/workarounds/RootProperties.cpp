@@ -30,13 +30,13 @@ void RootProperties::hearOnlyWhileShown()
     }
 }
 
-void RootProperties::hear(QObject *context, std::function<void()> then)
+void RootProperties::catchUpAndShow(QObject *context, std::function<void()> show)
 {
     if (theInstance) {
-        theInstance->m_waiting.push_back({context, std::move(then)});
+        theInstance->m_waiting.push_back({context, std::move(show)});
         theInstance->catchUp();
     } else {
-        QMetaObject::invokeMethod(context, std::move(then), Qt::QueuedConnection);
+        QMetaObject::invokeMethod(context, std::move(show), Qt::QueuedConnection);
     }
 }
 
@@ -105,7 +105,7 @@ void RootProperties::proceed()
     // One by one from the event loop: the first may run a loop of its own, in which the next has its turn.
     for (Waiting &each : std::exchange(m_waiting, {})) {
         if (each.context) {
-            QMetaObject::invokeMethod(each.context, std::move(each.then), Qt::QueuedConnection);
+            QMetaObject::invokeMethod(each.context, std::move(each.show), Qt::QueuedConnection);
         }
     }
     QMetaObject::invokeMethod(this, &RootProperties::update, Qt::QueuedConnection);

@@ -11,11 +11,15 @@
 
 /// What others write on the root window, heard only while it matters.
 ///
-/// Window managers and panels change properties of the root window all the time, and Qt has itself told of every
-/// change: two of this program's threads would wake up for each. Of all those properties Qt uses but two: the work
-/// area, to place a menu or a dialog, and what the window manager can do, to give a window the keyboard. So they are
-/// heard only while a window of this program is on the screen, and hear() catches up with them before one comes up.
-/// Main thread only.
+/// Symptom: window managers and panels change properties of the root window all the time, and Qt has itself told of
+///   every change: two of this program's threads wake up for each. Of all those properties Qt uses but two: the work
+///   area, to place a menu or a dialog, and what the window manager can do, to give a window the keyboard.
+/// Of: Qt 6.4 to 6.11, the platform xcb. No report found.
+/// Left out: wake-ups in every session whenever a window opens, closes or is renamed in it.
+/// Still needed? WorkaroundNeed.RootProperties tells.
+///
+/// So they are heard only while a window of this program is on the screen; and what is about to show one has Qt catch
+/// up with them first. Main thread only.
 class RootProperties final : public QObject, private QAbstractNativeEventFilter
 {
     Q_OBJECT
@@ -24,13 +28,14 @@ public:
     /// From now on, as long as the application object lives, which owns this. Without an X server nothing is done.
     static void hearOnlyWhileShown();
 
-    /// Calls `then` from the event loop once Qt has caught up; not at all when `context` has gone by then.
-    static void hear(QObject *context, std::function<void()> then);
+    /// For what shows a window: has Qt catch up, and calls `show` from the event loop when it has; not at all when
+    /// `context` has gone by then.
+    static void catchUpAndShow(QObject *context, std::function<void()> show);
 
 private:
     struct Waiting {
         QPointer<QObject> context;
-        std::function<void()> then;
+        std::function<void()> show;
     };
 
     explicit RootProperties(QObject *parent);

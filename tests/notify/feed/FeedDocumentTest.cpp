@@ -132,16 +132,18 @@ TEST(FeedDocument, EndsBeforeATagWithTooManyAttributes)
     EXPECT_FALSE(isWhole("<a><b c='1' d='2' e='3'/></a>"));
 }
 
-TEST(FeedDocument, EndsBeforeADocumentType)
+TEST(FeedDocument, EndsBeforeADocumentTypeThatMayDeclareSomething)
 {
     for (const QByteArray before : {"", "<?xml version='1.0'?>\n", "<!-- a -->", " <?a?> ", "<a/>\n"}) {
-        for (const QByteArray after :
-             {"<!DOCTYPE a><a/>", "<!DOCTYPE a [<!ENTITY e 'text'>]><a>&e;</a>", "<!DOCTYPE"}) {
+        for (const QByteArray after : {"<!DOCTYPE a [<!ENTITY e 'text'>]><a>&e;</a>",
+                                       "<!DOCTYPE a SYSTEM '>' [<!ENTITY e 'text'>]>", "<!DOCTYPE"}) {
             EXPECT_EQ(textOf(before + after), QString::fromUtf8(before)) << after.constData();
             EXPECT_FALSE(isWhole(before + after)) << after.constData();
         }
     }
     EXPECT_TRUE(isWhole("<!-- <!DOCTYPE a> --><a><![CDATA[<!DOCTYPE a>]]></a>"));
+    EXPECT_TRUE(isWhole("<!DOCTYPE a SYSTEM '['><a/>"));
+    EXPECT_EQ(textOf("<!DOCTYPE a><a/><!DOCTYPE a>"), QStringLiteral("<!DOCTYPE a><a/>"));
 }
 
 } // namespace

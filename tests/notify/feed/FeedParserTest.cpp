@@ -245,9 +245,9 @@ TEST(FeedParser, ReadsADocumentWithoutMessages)
 TEST(FeedParser, HandsOverTheRecordsBeforeAMalformedSpot)
 {
     const QByteArray good = message("<messageId>1</messageId>") + message("<messageId>2</messageId>");
-    for (const QByteArray rest :
-         {"<supportMessage><messageId>3</messageId>", "<supportMessage></wrong>", "&unknown;", "\xFF", "<", "\x01",
-          "</supportMessages><more/>", "</supportMessages>text", "<a b='1' b='2'/>", "<!DOCTYPE a>"}) {
+    for (const QByteArray rest : {"<supportMessage><messageId>3</messageId>", "<supportMessage></wrong>", "&unknown;",
+                                  "\xFF", "<", "\x01", "</supportMessages><more/>", "</supportMessages>text",
+                                  "<a b='1' b='2'/>", "<!DOCTYPE a>", "</supportMessages><!DOCTYPE a>"}) {
         Feed feed;
         EXPECT_EQ(feed.parser.parse("<supportMessages>" + good + rest), Outcome::Malformed) << rest.constData();
         EXPECT_EQ(feed.ids(), (Ids{"1", "2"})) << rest.constData();
@@ -262,11 +262,35 @@ TEST(FeedParser, RefusesWhatIsNoDocument)
     }
 }
 
-TEST(FeedParser, RefusesADocumentType)
+TEST(FeedParser, ReadsADocumentWhoseTypeDeclaresNothing)
 {
     for (const QByteArray type :
-         {"<!DOCTYPE supportMessages>", "<!DOCTYPE supportMessages SYSTEM 'file:///etc/passwd'>",
-          "<!DOCTYPE a [<!ENTITY e 'text'>]>", "<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]>",
+         {"<!DOCTYPE supportMessages>", "<!DOCTYPE supportMessages SYSTEM 'file:///etc/passwd'>\n",
+          "<?xml version='1.0'?>\n<!DOCTYPE a PUBLIC \"-//K//DTD a//EN\" 'http://127.0.0.1/[a>b]'><!-- a -->"}) {
+        Feed feed;
+        EXPECT_EQ(feed.parser.parse(type + "<a><supportMessage><messageId>1</messageId></supportMessage></a>"),
+                  Outcome::EndOfDocument)
+            << type.constData();
+        EXPECT_EQ(feed.ids(), Ids{"1"}) << type.constData();
+
+        Feed entities;
+        EXPECT_EQ(entities.parser.parse(type + "<a><supportMessage><messageId>&e;</messageId></supportMessage></a>"),
+                  Outcome::Malformed)
+            << type.constData();
+        EXPECT_EQ(entities.ids(), Ids{});
+    }
+    Feed latin1;
+    EXPECT_EQ(latin1.parser.parse("<?xml version='1.0' encoding='ISO-8859-1'?><!DOCTYPE a>"
+                                  "<a><supportMessage><messageId>\xE9</messageId></supportMessage></a>"),
+              Outcome::EndOfDocument);
+    EXPECT_EQ(latin1.ids(), Ids{"\xC3\xA9"});
+}
+
+TEST(FeedParser, RefusesADocumentTypeThatMayDeclareSomething)
+{
+    for (const QByteArray type :
+         {"<!DOCTYPE a [<!ENTITY e 'text'>]>", "<!DOCTYPE a SYSTEM 'b>c' [<!ENTITY e 'text'>]>", "<!DOCTYPE a []>",
+          "<!DOCTYPE a><!DOCTYPE a>", "<!DOCTYPE a", "<!DOCTYPE a [<!ENTITY e SYSTEM 'file:///etc/passwd'>]>",
           "<!DOCTYPE a [<!ENTITY % e SYSTEM 'file:///etc/passwd'> %e;]>"}) {
         Feed feed;
         EXPECT_EQ(feed.parser.parse(type + "<a><supportMessage><messageId>1</messageId></supportMessage></a>"),
@@ -355,6 +379,13 @@ TEST(FeedParser, ReadsTheUsualEncodings)
                        .encode(QStringLiteral("<?xml version='1.0' encoding='UTF-16'?>") + document));
     const QByteArray utf32 =
         QByteArray(QStringEncoder(QStringConverter::Utf32, QStringConverter::Flag::WriteBom).encode(document));
+    for (const QByteArray name : {"iso-8859-1", "ISO_8859-1", "latin1", "Latin-1", "iso-latin-1", "l1", "cp819"}) {
+        Feed feed;
+        EXPECT_EQ(feed.parser.parse("<?xml version='1.0' encoding='" + name + "'?>" + document.toLatin1()),
+                  Outcome::EndOfDocument)
+            << name.constData();
+        EXPECT_EQ(feed.ids(), (Ids{"\xC3\xA9"})) << name.constData();
+    }
     for (const QByteArray &bytes : {document.toUtf8(), "\xEF\xBB\xBF" + document.toUtf8(),
                                     "<?xml version='1.0' encoding='utf-8'?>" + document.toUtf8(),
                                     "<?xml version='1.0' encoding='ISO-8859-1'?>" + document.toLatin1(), utf16,

@@ -447,7 +447,7 @@ TEST_F(KivNotificationWindowTest, TellsThatTheScreenHasAnotherSize)
     const QRect before = onServer().geometry;
     setScreenSize("1024x768");
     EXPECT_TRUE(waitUntil([this] { return owner.moves > 0; }));
-    EXPECT_EQ(onServer().geometry, before);
+    EXPECT_EQ(onServer().geometry, before) << "there is room for it as it is";
     EXPECT_EQ(window->frame().origin, (NSPoint{800, 468})) << "counted from the new lower edge";
     EXPECT_EQ(window->screenFrame(), (NSRect{{0, 0}, {1024, 768}}));
     window->setFrame({{-5000, 100}, window->frame().size});
@@ -618,6 +618,41 @@ TEST_F(KivNotificationWindowTest, KeepsItsButtonsOnTheScreenWhateverTheMessageAs
         window->close();
         ASSERT_TRUE(waitUntil([this] { return isGone(); }));
     }
+}
+
+TEST_F(KivNotificationWindowTest, KeepsItsButtonsInASmallerScreenAndTheRestOfItsTextWithinReach)
+{
+    record->setContentWidth(1000);
+    record->setMessageText(QStringLiteral("line\n").repeated(40));
+    show(never, {0, 0});
+    const QRect before = onServer().geometry;
+    EXPECT_EQ(before.width(), 1083);
+    EXPECT_GT(before.height(), 600);
+    const xcb_window_t id = onServer().id;
+    for (const char *size : {"800x600", "640x480"}) {
+        owner.moves = 0;
+        setScreenSize(size);
+        ASSERT_TRUE(waitUntil([this] { return owner.moves > 0; })) << size;
+        const NSSize screen = MainScreen::frame()->size;
+        EXPECT_EQ(window->frame().size, (NSSize{screen.width - 20, screen.height - 40}));
+        window->setFrame({{10, 10}, window->frame().size});
+        const QRect shown(QPoint(10, 30), QSize(window->width(), window->height()));
+        EXPECT_TRUE(waitUntil([&] { return onServer().geometry == shown; })) << size;
+        EXPECT_EQ(onServer().id, id);
+        for (const char *name : {"Remind Me Later", "Do Not Remind Me Later"}) {
+            EXPECT_TRUE(shown.contains(onScreen(*button(name)))) << name;
+        }
+        EXPECT_EQ(stranger.shape(id).boundingRect(), QRect(QPoint(0, 0), shown.size()).adjusted(3, 3, -3, -3));
+        EXPECT_TRUE(messageText()->verticalScrollBar()->isVisible());
+        EXPECT_LE(messageText()->document()->textWidth(), messageText()->viewport()->width());
+    }
+    owner.moves = 0;
+    setScreenSize("1280x800");
+    ASSERT_TRUE(waitUntil([this] { return owner.moves > 0; }));
+    EXPECT_EQ(onServer().geometry.size(), before.size()) << "there is room again";
+    EXPECT_FALSE(messageText()->verticalScrollBar()->isVisible());
+    click("Remind Me Later");
+    EXPECT_TRUE(waitUntil([this] { return isGone(); }));
 }
 
 TEST_F(KivNotificationWindowTest, LetsTheRestOfALongTextBeScrolledTo)

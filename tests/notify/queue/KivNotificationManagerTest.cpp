@@ -315,12 +315,91 @@ TEST_F(KivNotificationManagerTest, SavesADeliveryOnceAtItsEndAndThenItsLastId)
             manager->enqueueNotification(record(sent.back().c_str()));
             ASSERT_EQ(properties->lastMesID().toStdString(), sent.back()) << "what follows is compared with it";
         }
-        EXPECT_EQ(shown(), "1") << "the first is shown at once";
         EXPECT_EQ(changes.takeNames(), QByteArrayList());
     }
-    EXPECT_EQ(changes.takeNames(), (QByteArrayList{"notifications.plist", "com.tamborel.kivmenua.plist"}));
+    EXPECT_EQ(shown(), "1") << "the first is shown at once";
+    EXPECT_EQ(changes.takeNames(),
+              (QByteArrayList{"notifications.plist", "com.tamborel.kivmenua.plist", "notifications.plist"}))
+        << "and once more what has been shown";
     EXPECT_EQ(idsInFile(), sent);
     EXPECT_EQ(storedId(), "1000");
+}
+
+TEST_F(KivNotificationManagerTest, HasStoredTheIdBeforeItShowsAMessage)
+{
+    setPreferences(0, 0);
+    start();
+    std::string whenShown;
+    Ids savedWhenShown;
+    const auto deliver = [&](std::initializer_list<const char *> ids) {
+        const NotificationSink::Delivery delivery(*manager);
+        for (const char *id : ids) {
+            manager->enqueueNotification(record(id));
+        }
+        // The clock tells when it is shown, with its pop-up there.
+        onClock = [&] {
+            if (window()) {
+                whenShown = storedId();
+                savedWhenShown = idsInFile();
+                onClock = nullptr;
+            }
+        };
+    };
+    deliver({"1"});
+    EXPECT_EQ(shown(), "1");
+    EXPECT_EQ(whenShown, "1");
+    EXPECT_EQ(savedWhenShown, Ids{});
+    window()->onDontRemindMeButton();
+    ASSERT_EQ(queued(), Ids{});
+
+    deliver({"2", "3", "4"});
+    EXPECT_EQ(shown(), "2");
+    EXPECT_EQ(whenShown, "4");
+    EXPECT_EQ(savedWhenShown, (Ids{"3", "4"})) << "what kills the agent would come again, or the others would not";
+    EXPECT_EQ(idsInFile(), (Ids{"2", "3", "4"})) << "nothing was the matter with it";
+}
+
+TEST_F(KivNotificationManagerTest, SavesAtTheEndAFirstMessageThatIsNotSavedYetAndNoHints)
+{
+    start().showNotificationInstantly(hint("a"));
+    manager->saveUnsavedRecords();
+    EXPECT_FALSE(hasFile()) << "a hint is for the moment";
+    window()->onDontRemindMeButton();
+
+    manager->enqueueNotification(record("1"));
+    manager->showNotificationInstantly(hint("b"));
+    ASSERT_EQ(idsInFile(), Ids{});
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(idsInFile(), Ids{"1"});
+    EXPECT_EQ(queued(), (Ids{"", "1"}));
+}
+
+TEST_F(KivNotificationManagerTest, LeavesAFileAtTheEndThatHoldsEveryMessage)
+{
+    start().enqueueNotification(record("1"));
+    manager->enqueueNotification(record("2"));
+    window()->remindMeLaterPressed();
+    FileChanges changes({cacheFile()});
+    manager->showNotificationInstantly(hint("a"));
+    manager->saveUnsavedRecords();
+    window()->setDelegate(nullptr);
+    window()->close();
+    start();
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(changes.takeNames(), QByteArrayList()) << "nor after it has only been read";
+}
+
+TEST_F(KivNotificationManagerTest, TriesAgainAtTheEndWhatItCouldNotSave)
+{
+    setPreferences(0, 0);
+    start();
+    const QString inTheWay = home.filePath(QStringLiteral("Library/Caches"));
+    ASSERT_TRUE(QFile(inTheWay).open(QIODevice::WriteOnly));
+    manager->enqueueNotification(record("1"));
+    manager->enqueueNotification(record("2"));
+    ASSERT_TRUE(QFile::remove(inTheWay));
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(idsInFile(), (Ids{"1", "2"}));
 }
 
 TEST_F(KivNotificationManagerTest, TakesADeliveryWithinAnotherAsAPartOfIt)
@@ -886,12 +965,14 @@ TEST_F(KivNotificationManagerTest, GivesTheQueueBackWhenSomethingIsThrown)
 {
     start();
     onClock = [&] {
-        if (!manager->notifications().records().empty()) {
+        if (window()) {
             throw std::runtime_error("no time");
         }
     };
-    EXPECT_THROW(manager->enqueueNotification(record("1")), std::runtime_error);
+    EXPECT_THROW(manager->showNotificationInstantly(hint("a")), std::runtime_error);
     onClock = nullptr;
+    window()->onDontRemindMeButton();
+    manager->queueAdd(record("1"));
     // This thread would get the queue in any case.
     auto another = std::async(std::launch::async, [this] {
         manager->queueAdd(record("2"));

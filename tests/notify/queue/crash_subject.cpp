@@ -6,7 +6,7 @@
 // The ids of the messages that come are higher than ID.
 //
 // Before each step it writes the state that the queue will have to standard output: a line of the queued messages' ids
-// and repeat codes. What the cache file holds at any moment is one of the last two or three of these lines.
+// and repeat codes. What the cache file holds at any moment is one of the last three or four of these lines.
 
 #include "notify/popup/KivNotificationWindow.h"
 #include "notify/queue/KivNotificationManager.h"
@@ -100,9 +100,18 @@ int main(int argc, char **argv)
                 records.push_back(newRecord(++id, random));
                 next.add(records.back());
             }
+            // One that is shown at once is not saved before that.
+            const bool isShown = manager.notifications().records().empty() && !manager.notificationWindow();
             std::string state;
+            std::string stateBefore;
             for (const auto &queued : next.records()) {
-                state += queued->messageId().toStdString() + 'x' + std::to_string(queued->messageRepeat()) + ' ';
+                const std::string one =
+                    queued->messageId().toStdString() + 'x' + std::to_string(queued->messageRepeat()) + ' ';
+                state += one;
+                stateBefore += isShown && queued == records.front() ? "" : one;
+            }
+            if (isShown) {
+                say(stateBefore + '\n');
             }
             say(state + '\n');
             const NotificationSink::Delivery delivery(manager);

@@ -120,22 +120,22 @@ QString text(Text bytes)
     return bytes ? QString::fromLatin1(bytes) : QString();
 }
 
-/// One rule that fails, in the order of the rules.
+/// One rule that fails, by the name of its field in the feed, in the order of the rules.
 struct Failing {
     Text name;
     std::function<void(KivNotification &)> apply;
 };
 
 const Failing failing[] = {
-    {"level", [](KivNotification &record) { record.setMessageLevel(1); }},
-    {"product", [](KivNotification &record) { record.setProductCode(0); }},
-    {"edition", [](KivNotification &record) { record.setLicenseType(0); }},
+    {"messageLevel", [](KivNotification &record) { record.setMessageLevel(1); }},
+    {"productCode", [](KivNotification &record) { record.setProductCode(0); }},
+    {"licenseType", [](KivNotification &record) { record.setLicenseType(0); }},
     {"minVersion", [](KivNotification &record) { record.setMinVersion(QStringLiteral("3.9")); }},
     {"maxVersion", [](KivNotification &record) { record.setMaxVersion(QStringLiteral("3.0")); }},
     {"buildDate", [](KivNotification &record) { record.setBuildDate(QStringLiteral("1")); }},
     {"minSysVer", [](KivNotification &record) { record.setMinSysVer(QStringLiteral("10.9")); }},
     {"maxSysVer", [](KivNotification &record) { record.setMaxSysVer(QStringLiteral("10.0")); }},
-    {"dates", [](KivNotification &record) { record.setMaxDate(now.addDays(-1)); }},
+    {"maxDate", [](KivNotification &record) { record.setMaxDate(now.addDays(-1)); }},
 };
 
 /// The rules that throw for a version without a second component, by their place among those above.
@@ -296,5 +296,19 @@ TEST(Relevance, StopsAtTheFirstRuleThatFails)
                     << failing[place].name;
             }
         }
+    }
+}
+
+TEST(Relevance, NamesTheFirstFieldThatDoesNotFit)
+{
+    EXPECT_FALSE(whyNotRelevant(relevantRecord(), installation(), now));
+    KivNotification record = relevantRecord();
+    record.setMinDate(now.addDays(1));
+    EXPECT_EQ(whyNotRelevant(record, installation(), now), QLatin1String("minDate"));
+    record = relevantRecord();
+    // From the last rule to the first, so that each stands before those that fail already.
+    for (auto rule = std::rbegin(failing); rule != std::rend(failing); ++rule) {
+        rule->apply(record);
+        EXPECT_EQ(whyNotRelevant(record, installation(), now), QLatin1String(rule->name));
     }
 }

@@ -167,3 +167,21 @@ TEST(ShowPermission, IsAlwaysGivenToAnInstantMessage)
         EXPECT_TRUE(shouldShowNotification(record, settings, now)) << type;
     }
 }
+
+TEST(ShowPermission, NamesTheFirstObstacle)
+{
+    NotificationSettings settings = everythingOff();
+    settings.notificationRepeat = 4;
+    KivNotification record = lastShown(1);
+    record.setMessagePriority(2);
+    record.setWasDisplayed(true);
+    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::Interval);
+    record.setLastShowDate(now.addSecs(-100'000));
+    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::ShownOnce);
+    record.setWasDisplayed(false);
+    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::PriorityOff);
+    settings.shouldDisplayHighPriority = true;
+    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::TypeOff);
+    settings.shouldDisplayNotices = true;
+    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::None);
+}

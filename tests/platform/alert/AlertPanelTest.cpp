@@ -17,6 +17,8 @@ using namespace std::chrono_literals;
 
 const AlertPanel::Texts threeButtons{QStringLiteral("Title"), QStringLiteral("Message"), QStringLiteral("Close"),
                                      QStringLiteral("Home..."), QStringLiteral("Credits")};
+const AlertPanel::Texts question{
+    QStringLiteral("Title"), QStringLiteral("Message"), QStringLiteral("Yes"), QStringLiteral("No"), {}};
 const AlertPanel::Texts oneButton{QStringLiteral("Title"), QStringLiteral("Message"), QStringLiteral("Ok"), {}, {}};
 
 QPushButton *button(const AlertPanel &panel, const QString &text)
@@ -61,9 +63,10 @@ TEST(AlertPanel, TakesReturnForTheDefaultButton)
     EXPECT_EQ(respond(oneButton, [](AlertPanel &p) { press(p, Qt::Key_Return); }), 1);
 }
 
-TEST(AlertPanel, TakesEscapeForTheAlternateOrTheOnlyButton)
+TEST(AlertPanel, TakesEscapeForTheAnswerNoToAQuestionAndElseForTheDefaultButton)
 {
-    EXPECT_EQ(respond(threeButtons, [](AlertPanel &p) { press(p, Qt::Key_Escape); }), 0);
+    EXPECT_EQ(respond(question, [](AlertPanel &p) { press(p, Qt::Key_Escape); }), 0);
+    EXPECT_EQ(respond(threeButtons, [](AlertPanel &p) { press(p, Qt::Key_Escape); }), 1);
     EXPECT_EQ(respond(oneButton, [](AlertPanel &p) { press(p, Qt::Key_Escape); }), 1);
 }
 

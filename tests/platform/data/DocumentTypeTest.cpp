@@ -27,6 +27,20 @@ TEST(DocumentType, IsFoundBeforeAndBehindTheRoot)
     }
 }
 
+TEST(DocumentType, IsPassedOverWhenItDeclaresNothing)
+{
+    const auto before = [](const char *xml) { return lengthBeforeDeclaringDocumentType(QString::fromLatin1(xml)); };
+    for (const char *xml : {"<!DOCTYPE a><a/>", "<!DOCTYPE a SYSTEM 'b'><a/>", "<!DOCTYPE a SYSTEM \"[>'<\"><a/>",
+                            "<!-- --><!DOCTYPE a PUBLIC '\"' \"'\"><!-- <!DOCTYPE b [ --><a/>", "<a/>", ""}) {
+        EXPECT_EQ(before(xml), qsizetype(qstrlen(xml))) << xml;
+    }
+    for (const char *xml : {"<!DOCTYPE a []><a/>", "<!DOCTYPE a SYSTEM '>' [<!ENTITY b 'c'>]><a/>", "<!DOCTYPE a",
+                            "<!DOCTYPE a SYSTEM '><a/>", "<!DOCTYPE a <b>>"}) {
+        EXPECT_EQ(before(xml), 0) << xml;
+    }
+    EXPECT_EQ(before("<!DOCTYPE a><a/><!DOCTYPE b>"), 16) << "the second";
+}
+
 TEST(DocumentType, IsFoundWhereverTheParserTakesOne)
 {
     const QStringList pieces = {QStringLiteral(" "),

@@ -70,7 +70,8 @@ bool Agent::start()
                                  sanitizer + QStringLiteral(":verify_asan_link_order=0"));
     m_process.process().setProcessChannelMode(QProcess::SeparateChannels);
     m_process.process().setStandardErrorFile(directory.filePath(QStringLiteral("stderr")), QIODevice::Append);
-    const bool started = m_process.start(directory.filePath(QStringLiteral("bin/kivmenua")), {});
+    const QStringList command = starter + QStringList{directory.filePath(QStringLiteral("bin/kivmenua"))};
+    const bool started = m_process.start(command.first(), command.mid(1));
     EXPECT_TRUE(started) << "the agent did not start";
     return started;
 }

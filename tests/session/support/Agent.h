@@ -31,6 +31,9 @@ public:
     /// What the agent gets as its environment; the desktop's at first.
     QProcessEnvironment environment;
 
+    /// A program that starts it, with arguments to which the agent's path is added. It starts by itself when empty.
+    QStringList starter;
+
     /// The address of its message feed; none when empty. Counts at the first start.
     QString feed;
 

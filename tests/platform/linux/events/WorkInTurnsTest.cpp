@@ -81,16 +81,42 @@ TEST_F(WorkInTurnsTest, KeepsTheOrderOfAClient)
     EXPECT_EQ(done, "abcd");
 }
 
-TEST_F(WorkInTurnsTest, DoesNotLetOneClientWaitForAllOfAnothers)
+TEST_F(WorkInTurnsTest, KeepsTheOrderInWhichItCameWhoeverItIsFor)
 {
     carryOut(one, noteAfterLong('a'));
-    for (int i = 0; i < 1000; ++i) {
+    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder - 1; ++i) {
         carryOut(one, note('.'));
     }
     carryOut(other, note('b'));
-    carryOut(other, note('c'));
-    ASSERT_TRUE(waitUntil([this] { return done.size() == 1003; }));
-    EXPECT_EQ(done.substr(0, 5), "a.b.c");
+    carryOut(one, note('c'));
+    carryOut(other, note('d'));
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 2; }));
+    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMaxInOrder - 1, '.') + "bcd");
+}
+
+TEST_F(WorkInTurnsTest, ComesBehindThatOfOthersForAClientForWhomTooMuchWaits)
+{
+    carryOut(one, noteAfterLong('a'));
+    for (std::size_t i = 0; i <= WorkInTurns::kMaxInOrder; ++i) {
+        carryOut(one, note('.'));
+    }
+    carryOut(other, note('b'));
+    carryOut(QStringLiteral("third"), note('c'));
+    carryOut(other, note('d'));
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 1 + 3; }));
+    EXPECT_EQ(done, "abcd" + std::string(WorkInTurns::kMaxInOrder + 1, '.'));
+}
+
+TEST_F(WorkInTurnsTest, TakesItsPlaceAgainOnceLessOfItWaits)
+{
+    carryOut(one, noteAfterLong('a'));
+    // When this is carried out, just as much waits as may be in order.
+    carryOut(one, [this] { carryOut(other, note('b')); });
+    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder; ++i) {
+        carryOut(one, note('.'));
+    }
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 1; }));
+    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMaxInOrder, '.') + 'b');
 }
 
 TEST_F(WorkInTurnsTest, IsRefusedOnlyToWhoHasTheMostThatMayWait)
@@ -102,9 +128,9 @@ TEST_F(WorkInTurnsTest, IsRefusedOnlyToWhoHasTheMostThatMayWait)
     EXPECT_FALSE(small.carryOut(one, note('!')));
     EXPECT_TRUE(small.carryOut(other, note('d')));
     ASSERT_TRUE(waitUntil([this] { return done.size() == 4; }));
-    EXPECT_EQ(done, "abdc");
+    EXPECT_EQ(done, "abcd");
     EXPECT_TRUE(small.carryOut(one, note('e'))) << "there is room again";
-    EXPECT_TRUE(waitUntil([this] { return done == "abdce"; }));
+    EXPECT_TRUE(waitUntil([this] { return done == "abcde"; }));
 }
 
 TEST_F(WorkInTurnsTest, GoesOnInALoopThatWorkRunsItself)

@@ -77,6 +77,8 @@ TEST_F(StatusItemNotifierTest, IsGivenToAHostThatIsTheOnlyOne)
     item.setImage(redIcon());
     EXPECT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
     EXPECT_EQ(item.frame(), std::nullopt);
+    EXPECT_EQ(item.getWindow(), WId{0}) << "the host draws it";
+    EXPECT_EQ(item.getScreen(), nullptr);
 }
 
 TEST_F(StatusItemNotifierTest, TellsAPressAfterTheHostHasHadItsAnswer)

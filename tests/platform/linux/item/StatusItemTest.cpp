@@ -182,6 +182,8 @@ TEST_F(DockedStatusItemTest, IsOneWindowInsideThePanelAndItsFrameIsThatWindows)
     ASSERT_EQ(windows.size(), 1U);
     EXPECT_NE(parentOf(windows[0]), XConnection::screen()->root);
     EXPECT_EQ(qtPlace(item), placeOf(windows[0]));
+    EXPECT_EQ(item.getWindow(), windows[0]);
+    EXPECT_EQ(item.getScreen(), QGuiApplication::primaryScreen());
     EXPECT_TRUE(QRect(0, 0, 1280, 32).contains(qtPlace(item)));
     EXPECT_FALSE(qtPlace(item).intersects(stripPlace) && qtPlace(item).top() == 0);
 }
@@ -439,7 +441,11 @@ TEST_F(StatusItemTest, HasNoFrameUntilTheTrayHasTakenItIn)
     StatusItem item;
     settleEvents();
     EXPECT_EQ(item.frame(), std::nullopt);
+    EXPECT_EQ(item.getWindow(), WId{0});
+    EXPECT_EQ(item.getScreen(), nullptr);
     EXPECT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value(); }));
+    EXPECT_NE(item.getWindow(), WId{0});
+    EXPECT_NE(item.getScreen(), nullptr);
 }
 
 /// The pixel of the item's window, as the server keeps it, alpha included.

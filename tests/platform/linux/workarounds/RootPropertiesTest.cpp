@@ -145,7 +145,7 @@ TEST_F(RootPropertiesTest, AreHeardBeforeAWindowIsPlacedAndNotAfterIt)
     QObject context;
     int calls = 0;
     int heardMeanwhile = 0;
-    RootProperties::hear(&context, [&] {
+    RootProperties::catchUpAndShow(&context, [&] {
         ++calls;
         heardMeanwhile = heard();
     });
@@ -163,7 +163,7 @@ TEST_F(RootPropertiesTest, BringTheWorkAreaThatHasChangedMeanwhile)
         m_other.setWorkArea(belowThePanel);
         QObject context;
         QRect seen;
-        RootProperties::hear(&context, [&] { seen = QGuiApplication::primaryScreen()->availableGeometry(); });
+        RootProperties::catchUpAndShow(&context, [&] { seen = QGuiApplication::primaryScreen()->availableGeometry(); });
         EXPECT_TRUE(waitUntil([&] { return !seen.isNull(); }));
         EXPECT_EQ(seen, belowThePanel);
     }
@@ -174,11 +174,11 @@ TEST_F(RootPropertiesTest, AreOfNoUseToOneThatHasGone)
     bool called = false;
     {
         QObject context;
-        RootProperties::hear(&context, [&] { called = true; });
+        RootProperties::catchUpAndShow(&context, [&] { called = true; });
     }
     QObject other;
     bool otherCalled = false;
-    RootProperties::hear(&other, [&] { otherCalled = true; });
+    RootProperties::catchUpAndShow(&other, [&] { otherCalled = true; });
     EXPECT_TRUE(waitUntil([&] { return otherCalled; }));
     EXPECT_FALSE(called);
 }

@@ -1,0 +1,45 @@
+#include "platform/LogOutput.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <climits>
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace
+{
+
+/// The kernel gives out the lowest number that is free, so that what is opened next stands in the first gap.
+void fillStandardDescriptors()
+{
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) < 0) {
+            ::open("/dev/null", O_RDWR);
+        }
+    }
+}
+
+bool takesALine()
+{
+    pollfd output{STDERR_FILENO, POLLOUT, 0};
+    return ::poll(&output, 1, 0) == 1 && (output.revents & POLLOUT) != 0;
+}
+
+void writeLine(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    const QByteArray line = qFormatLogMessage(type, context, message).toLocal8Bit().left(PIPE_BUF - 1) + '\n';
+    if (takesALine()) {
+        [[maybe_unused]] const ssize_t written =
+            ::write(STDERR_FILENO, line.constData(), static_cast<std::size_t>(line.size()));
+    }
+}
+
+} // namespace
+
+void LogOutput::useStandardError()
+{
+    fillStandardDescriptors();
+    qInstallMessageHandler(writeLine);
+}

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QLatin1String>
+
+/// The names of the product in this library. Whoever ships the agent under another name changes this file, those of the
+/// same name in menu/, notify/ and shell/, resources/Info.plist.in and resources/dbus/; ./kiv check words finds what is
+/// left. Names on the session bus are agreed on with the service and the settings program.
+namespace ProductTexts
+{
+
+/// The title of panels.
+inline constexpr char16_t panelTitle[] = u"Kivune";
+
+/// Where on the session bus a process takes events: the bus name, to which its process ID is added, and the object.
+inline constexpr QLatin1String eventBusName("com.tamborel.kivune.p");
+inline constexpr QLatin1String eventObjectPath("/com/tamborel/kivune/AppleEvents");
+inline constexpr QLatin1String eventInterface("com.tamborel.kivune.AppleEvents");
+
+/// The interface whose signals are distributed notifications.
+inline constexpr QLatin1String notificationInterface("com.tamborel.kivune.DistributedNotifications");
+
+/// The file in the user's temporary folder by which one agent keeps another out of the same session; on macOS.
+inline constexpr char lockFile[] = "com.tamborel.kivmenua.";
+
+} // namespace ProductTexts

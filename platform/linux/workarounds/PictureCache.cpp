@@ -1,0 +1,8 @@
+#include "platform/linux/workarounds/PictureCache.h"
+
+#include <QPixmapCache>
+
+void keepQtFromCachingPictures()
+{
+    QPixmapCache::setCacheLimit(0);
+}

@@ -1,6 +1,0 @@
-#include "platform/SystemVersion.h"
-
-QString systemVersionWithoutFile()
-{
-    return {};
-}

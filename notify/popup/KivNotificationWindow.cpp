@@ -177,6 +177,7 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
     }
     show();
     m_shown = true;
+    m_screensChanged = false; // It has been put where it belongs on the screens that there are now.
     fadeIn();
     if (QAccessible::isActive()) {
         QAccessibleEvent alert(this, QAccessible::Alert);

@@ -17,6 +17,7 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTextBrowser>
 
@@ -462,8 +463,12 @@ TEST_F(KivNotificationWindowTest, TellsNothingOfMovesBeforeItIsShownOrAfterItHas
     window->setDelegate(&owner);
     window->setFrame({{10, 10}, window->frame().size});
     window->move(300, 300);
+    // Qt hears of a screen's size some time after the tool that has set it has ended.
+    const auto qtKnows = [](QSize size) { return QGuiApplication::primaryScreen()->size() == size; };
     setScreenSize("1024x768");
+    ASSERT_TRUE(waitUntil([&] { return qtKnows({1024, 768}); }));
     setScreenSize("1280x800");
+    ASSERT_TRUE(waitUntil([&] { return qtKnows({1280, 800}); }));
     window->showAtScreenPoint(place, never);
     ASSERT_TRUE(waitUntil([this] { return window->windowOpacity() == 1; }));
     EXPECT_EQ(owner.moves, 0);

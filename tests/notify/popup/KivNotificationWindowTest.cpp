@@ -14,6 +14,7 @@
 
 #include <QAccessible>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>

@@ -5,6 +5,7 @@ target_compile_definitions(kiv_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_compile_options(kiv_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi
+  -Werror=switch # For everybody: a switch that does not know of a new value would do what it does for the last one.
   $<$<BOOL:${KIV_WARNINGS_AS_ERRORS}>:-Werror>)
 if(NOT APPLE)
   # A library that is linked but not used would still be mapped into every session.

@@ -155,7 +155,7 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
         exportNotificationsToFile();
     } else if (m_showNextTimer) { // Else it is only read back.
         m_recordToShow = m_notifications.records().front();
-        m_isRecordUnsaved = m_recordToShow == record; // And not one that waited there.
+        m_isRecordUnsaved = m_isRecordUnsaved || m_recordToShow == record; // And not one that waited there.
     }
 }
 
@@ -282,7 +282,7 @@ void KivNotificationManager::showFirstRecord(const std::shared_ptr<KivNotificati
             displayNotification(record);
         }
     } catch (const std::exception &problem) {
-        qWarning("a message cannot be shown: %s", problem.what());
+        qCWarning(queueLog, "a message cannot be shown: %s", problem.what());
     }
 }
 

@@ -65,7 +65,7 @@ public:
     [[nodiscard]] const QString &systemVersion() const noexcept { return m_installation.systemVersionString; }
     [[nodiscard]] const QString &buildDate() const noexcept { return m_installation.buildDate; }
 
-    /// The codes are explained in NotificationSettings.h.
+    /// The codes are explained in SettingCodes.h.
     [[nodiscard]] std::int32_t notificationRepeat() const noexcept { return m_settings.notificationRepeat; }
     [[nodiscard]] std::int32_t notificationClose() const noexcept { return m_settings.notificationClose; }
     [[nodiscard]] std::int32_t notificationShow() const noexcept { return m_settings.notificationShow; }

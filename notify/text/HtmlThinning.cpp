@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
+#include <vector>
 
 namespace
 {
@@ -14,6 +16,7 @@ constexpr qsizetype maxBytes = 65'536;
 constexpr int maxTags = 3000;
 constexpr int maxDepth = 150;
 constexpr int maxOpenFormats = 24;
+constexpr int maxBlocksInFormat = 8; ///< In more than that the standard's reader does not end a format.
 constexpr qsizetype maxAddress = 2000;
 constexpr qsizetype maxStyle = 1000;
 constexpr qsizetype maxValue = 200;
@@ -23,7 +26,8 @@ enum class Kind {
     Void,       ///< It has no end.
     SelfEnding, ///< The next of its kind ends it.
     Block,
-    Format ///< Opened anew in what follows, until it is ended.
+    Inline, ///< Its end is not heard inside a block that was begun in it.
+    Format  ///< Opened anew in what follows, until it is ended.
 };
 
 struct Element {
@@ -43,8 +47,8 @@ const QHash<QString, Element> &elements()
         add(Kind::Void, {"br", "hr", "img"});
         add(Kind::SelfEnding, {"p", "li", "dt", "dd", "caption", "thead", "tbody", "tfoot", "tr", "td", "th"});
         add(Kind::Block,
-            {"div",   "center", "blockquote", "pre", "h1",  "h2",  "h3",   "h4",  "h5",  "h6",  "ul",   "ol", "dl",
-             "table", "span",   "ins",        "del", "sub", "sup", "cite", "var", "dfn", "kbd", "samp", "q",  "mark"});
+            {"div", "center", "blockquote", "pre", "h1", "h2", "h3", "h4", "h5", "h6", "ul", "ol", "dl", "table"});
+        add(Kind::Inline, {"span", "ins", "del", "sub", "sup", "cite", "var", "dfn", "kbd", "samp", "q", "mark"});
         add(Kind::Format, {"a", "b", "big", "code", "em", "font", "i", "s", "small", "strike", "strong", "tt", "u"});
         for (const char *name :
              {"section", "article", "header", "footer", "main", "nav", "aside", "figure", "figcaption", "form",
@@ -132,11 +136,11 @@ private:
             return {};
         }
         const bool isStart = token.kind == HtmlToken::Kind::StartTag;
-        if (++m_tags > maxTags || (isStart && !mayOpen(element->kind))) {
+        if (++m_tags > maxTags || (isStart && !open(*element))) {
             return " "; // It may have parted two words.
         }
         if (!isStart) {
-            close(element->kind);
+            close(*element);
             return QByteArray("</") + element->name + '>';
         }
         QByteArray tag = QByteArray("<") + element->name;
@@ -151,33 +155,73 @@ private:
         return tag + '>';
     }
 
-    bool mayOpen(Kind kind)
+    /// False when that would be too many.
+    bool open(const Element &element)
     {
-        if (kind == Kind::Void || kind == Kind::SelfEnding) {
+        if (element.kind == Kind::Void) {
             return true;
         }
-        if (m_depth >= maxDepth || (kind == Kind::Format && m_openFormats >= maxOpenFormats)) {
-            return false;
+        if (element.kind != Kind::SelfEnding) {
+            if (m_depth >= maxDepth || (element.kind == Kind::Format && m_openFormats >= maxOpenFormats)) {
+                return false;
+            }
+            ++m_depth;
+            m_openFormats += element.kind == Kind::Format ? 1 : 0;
         }
-        ++m_depth;
-        m_openFormats += kind == Kind::Format ? 1 : 0;
+        m_open.push_back(element);
         return true;
     }
 
-    void close(Kind kind)
+    /// Takes the element that the tag ends from those that are open, if the reader is sure to see it in the same way.
+    /// In doubt it stays: what the reader holds open costs it time, and by ends that end nothing it could be misled.
+    void close(const Element &element)
     {
-        if (kind == Kind::Block || kind == Kind::Format) {
-            m_depth = std::max(0, m_depth - 1);
+        const std::string_view name = element.name;
+        int blocks = 0; // In it.
+        for (auto last = m_open.end(); last != m_open.begin();) {
+            --last;
+            if (last->name == name || (isHeading(name) && isHeading(last->name))) {
+                if (element.kind != Kind::Format) {
+                    forget(last, true);
+                } else if (blocks < maxBlocksInFormat) {
+                    forget(last, false);
+                }
+                return;
+            }
+            const bool isBlock = last->kind == Kind::Block || last->kind == Kind::SelfEnding;
+            blocks += isBlock ? 1 : 0;
+            if (last->name == std::string_view("table") || (isBlock && element.kind == Kind::Inline)) {
+                return;
+            }
         }
-        if (kind == Kind::Format) {
-            m_openFormats = std::max(0, m_openFormats - 1);
+    }
+
+    static bool isHeading(std::string_view name) { return name.size() == 2 && name[0] == 'h' && name[1] != 'r'; }
+
+    /// With `contents`, whatever was opened in it goes, too, but the formats, which the reader will open anew.
+    void forget(std::vector<Element>::iterator element, bool contents)
+    {
+        const auto leave = [this](const Element &left) {
+            m_depth -= left.kind == Kind::SelfEnding ? 0 : 1;
+            m_openFormats -= left.kind == Kind::Format ? 1 : 0;
+        };
+        leave(*element);
+        auto next = m_open.erase(element);
+        while (contents && next != m_open.end()) {
+            if (next->kind == Kind::Format) {
+                ++next;
+            } else {
+                leave(*next);
+                next = m_open.erase(next);
+            }
         }
     }
 
     HtmlTokens m_tokens;
     QByteArray m_result;
     int m_tags = 0;
-    int m_depth = 0; ///< As far as can be told without reading it.
+    std::vector<Element> m_open; ///< As far as can be told without reading it; rather too many than too few.
+    int m_depth = 0;             ///< How many of them need an end.
     int m_openFormats = 0;
 };
 

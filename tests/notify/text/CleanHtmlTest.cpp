@@ -249,7 +249,17 @@ TEST(CleanHtml, DissolvesTablesThatOnlyFrameTheirText)
 TEST(CleanHtml, TakesTimeInProportion)
 {
     // What a reader that goes by the standard repairs takes the square of its length, and some of it more.
+    QString manyFormats; // No two alike: the reader ends those itself.
+    QString formatsAroundTables;
+    for (int i = 0; i < 740; ++i) {
+        manyFormats += u"<font size=%1></i>"_s.arg(i);
+        formatsAroundTables += u"<font size=%1><table><td></font></table>"_s.arg(i);
+    }
     const QString hostile[] = {
+        u"<p>"_s + manyFormats + times(1500, "<p>x"),
+        u"<p>"_s + formatsAroundTables + times(100, "<p>x"),
+        times(1500, "<div></b>"),
+        times(1500, "<span><div></span>"),
         times(30'000, "<b>x"),
         times(3000, "<b a>") + times(10'000, "<p>x"),
         times(10'000, "<a href=x>"),

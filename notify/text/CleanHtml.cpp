@@ -156,7 +156,7 @@ private:
         within.text = QColor(); // The colour is always written, or Qt takes one of its own.
         const QString css = m_styles.characterStyle(coloured, within);
         const QString name = QStringLiteral("a");
-        const bool isOpen = open(name, QStringLiteral(" href=\"") + address.toHtmlEscaped() + u'"' +
+        const bool isOpen = open(name, QStringLiteral(" href=\"") + HtmlText::attributeValue(address) + u'"' +
                                            HtmlStyleWriter::styleAttribute(css));
         writeChildren(node, isOpen ? within : around);
         if (isOpen) {

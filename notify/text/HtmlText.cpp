@@ -25,21 +25,44 @@ bool isForbidden(char32_t c)
            c == QChar::ObjectReplacementCharacter || c == QChar::ParagraphSeparator || c == QChar::LineSeparator;
 }
 
+char32_t characterAt(const QString &text, qsizetype i)
+{
+    const bool isPair = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+    return isPair ? QChar::surrogateToUcs4(text[i], text[i + 1]) : text[i].unicode();
+}
+
+qsizetype charactersOf(char32_t c)
+{
+    return QChar::requiresSurrogates(c) ? 2 : 1;
+}
+
 } // namespace
 
 void HtmlText::writeText(const QString &text, Blanks blanks, Words words)
 {
     const int maxWord = words == Words::InTable ? maxWordInTable : maxUsualWord;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const bool isPair = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
-        const char32_t c = isPair ? QChar::surrogateToUcs4(text[i], text[i + 1]) : text[i].unicode();
-        i += isPair ? 1 : 0;
+    for (qsizetype i = 0; i < text.size();) {
+        const char32_t c = characterAt(text, i);
+        i += charactersOf(c);
         if (isBlank(c)) {
             writeBlank(c, blanks);
         } else if (!isForbidden(c)) {
             writeCharacter(c, maxWord);
         }
     }
+}
+
+QString HtmlText::attributeValue(const QString &text)
+{
+    QString value;
+    for (qsizetype i = 0; i < text.size();) {
+        const char32_t c = characterAt(text, i);
+        if (!isForbidden(c)) {
+            value += QStringView(text).sliced(i, charactersOf(c));
+        }
+        i += charactersOf(c);
+    }
+    return value.toHtmlEscaped();
 }
 
 void HtmlText::writeLineBreak()

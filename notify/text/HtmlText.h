@@ -22,6 +22,9 @@ public:
     void writeTag(const QString &tag) { m_html += tag; }
     void endWord();
 
+    /// The value of an attribute, between its quotes, without what a text cannot hold either.
+    [[nodiscard]] static QString attributeValue(const QString &text);
+
     [[nodiscard]] const QString &html() const { return m_html; }
 
 private:

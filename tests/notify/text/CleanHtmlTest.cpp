@@ -218,6 +218,7 @@ TEST(CleanHtml, LetsNothingOutOfAnAttribute)
 {
     EXPECT_EQ(clean("<a href='\"><img src=x>'>a</a>"),
               "<a href=\"&quot;&gt;&lt;img src=x&gt;\" style=\"color:#0000ff;\">a</a>");
+    EXPECT_EQ(clean(u"<a href='h\f\ti\U0001f600'>a</a>"_s), "<a href=\"hi\U0001f600\" style=\"color:#0000ff;\">a</a>");
     EXPECT_EQ(clean("<font face='a\";b:c}<'>a</font>"), "<span style=\"font-family:abc;\">a</span>");
     EXPECT_EQ(clean("<p style='color:expression(1);font-family:url(x)'>a</p>"), "<p style=\"font-family:urlx;\">a</p>");
     EXPECT_EQ(clean("<td colspan='2\" onclick=\"x'>a"), "a");

@@ -21,7 +21,6 @@ enum class HtmlTables {
 /// falls away, and its text stays, unless it is hidden.
 ///
 /// At most 64 kB of text come out, 2,000 elements, 60 of them within one another, tables 4 deep and lists 4, 150 cells
-/// with all that they span, 6 families of fonts, 4,000 lines and 8,000 changes of script; in words without an end there
-/// are places where they may be broken. Measured: what comes out is laid out within 100 ms. Takes time in proportion to
-/// the text. Reentrant.
+/// with all that they span, 6 families of fonts, 2,500 lines and 5,000 changes of script; in words without an end there
+/// are places where they may be broken. Takes time in proportion to the text. Reentrant.
 [[nodiscard]] QString cleanHtml(const QString &html, const HtmlGround &ground, HtmlTables tables);

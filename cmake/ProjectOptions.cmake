@@ -7,6 +7,19 @@ target_compile_options(kiv_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi
   -Werror=switch # For everybody: a switch that does not know of a new value would do what it does for the last one.
   $<$<BOOL:${KIV_WARNINGS_AS_ERRORS}>:-Werror>)
+if(CMAKE_UNITY_BUILD)
+  # What one file calls a function of its own, the next may call a variable. And to GCC a type of an anonymous namespace
+  # seems to come from a header.
+  target_compile_options(kiv_options INTERFACE -Wno-shadow
+    $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endif()
+
+# kiv_compile_alone(<target> <file>...): not several at a time. A file needs it whose functions tests replace by their own,
+# for what is compiled with it would bring the replaced ones along; and one that includes Xlib, whose macros ("None",
+# "Status") break what is compiled after it.
+function(kiv_compile_alone target)
+  set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
 if(NOT APPLE)
   # A library that is linked but not used would still be mapped into every session.
   target_link_options(kiv_options INTERFACE -Wl,--as-needed)

@@ -14,7 +14,7 @@ namespace
 
 /// The most bytes that are kept, of one answer or of several after malformed ones. Far more than messages for one
 /// pop-up at a time ever need.
-constexpr qsizetype maxBytes = qsizetype{16} * 1024 * 1024;
+constexpr qsizetype maxAnswerBytes = qsizetype{16} * 1024 * 1024;
 
 FeedRequest requestOf(const KivNotificationProperties &properties, const Bundle &bundle)
 {
@@ -112,7 +112,7 @@ void KivNotificationReceiver::connectionDidReceiveResponse(FeedConnection *conne
 void KivNotificationReceiver::connectionDidReceiveData(FeedConnection *connection, const QByteArray &bytes)
 {
     m_data += bytes;
-    if (m_data.size() > maxBytes) {
+    if (m_data.size() > maxAnswerBytes) {
         qCDebug(feedLog, "the answer is refused: it is too large");
         cancel(connection);
         m_data.clear(); // Whatever came next, it could not become a document any more.

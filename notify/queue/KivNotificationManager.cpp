@@ -31,7 +31,7 @@ constexpr auto maxInstantOnes = 100;
 
 /// Of records in the queue, and of bytes that they take in the cache file: less than may be in a file that can be read.
 constexpr std::size_t maxRecords = 1000;
-constexpr qsizetype maxBytes = qsizetype{15} * 1024 * 1024;
+constexpr qsizetype maxQueueBytes = qsizetype{15} * 1024 * 1024;
 
 QDateTime never()
 {
@@ -149,7 +149,7 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     const std::lock_guard hold(m_notificationsLock);
     record->setWasDisplayed(false);
     queueAdd(record);
-    m_notifications.dropBeyond(maxRecords, maxBytes);
+    m_notifications.dropBeyond(maxRecords, maxQueueBytes);
     qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
     if (m_notifications.records().size() != 1 || m_notificationWindow) {
         exportNotificationsToFile();

@@ -12,7 +12,7 @@
 namespace
 {
 
-constexpr qsizetype maxBytes = 65'536;
+constexpr qsizetype maxHtmlBytes = 65'536;
 constexpr int maxTags = 3000;
 constexpr int maxDepth = 150;
 constexpr int maxOpenFormats = 24;
@@ -93,7 +93,7 @@ public:
         while (std::optional<HtmlToken> token = m_tokens.next()) {
             const bool isText = token->kind == HtmlToken::Kind::Text;
             if (!append(isText ? textOf(token->text) : tagOf(*token))) {
-                m_result += isText ? beginningOf(token->text, maxBytes - m_result.size()) : QByteArray();
+                m_result += isText ? beginningOf(token->text, maxHtmlBytes - m_result.size()) : QByteArray();
                 m_result += "\xe2\x80\xa6";
                 break;
             }
@@ -104,7 +104,7 @@ public:
 private:
     [[nodiscard]] bool append(const QByteArray &bytes)
     {
-        if (m_result.size() + bytes.size() > maxBytes) {
+        if (m_result.size() + bytes.size() > maxHtmlBytes) {
             return false;
         }
         m_result += bytes;

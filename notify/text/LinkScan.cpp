@@ -73,28 +73,28 @@ QStringView trimmedEnd(QStringView address)
     return address;
 }
 
-enum class Kind { Hierarchical, Mail, Bare };
+enum class PrefixKind { Hierarchical, Mail, Bare };
 
 struct Prefix {
     QStringView text;
-    Kind kind;
+    PrefixKind kind;
 };
 
-constexpr Prefix prefixes[] = {{u"http://", Kind::Hierarchical},
-                               {u"https://", Kind::Hierarchical},
-                               {u"ftp://", Kind::Hierarchical},
-                               {u"mailto:", Kind::Mail},
-                               {u"www.", Kind::Bare}};
+constexpr Prefix prefixes[] = {{u"http://", PrefixKind::Hierarchical},
+                               {u"https://", PrefixKind::Hierarchical},
+                               {u"ftp://", PrefixKind::Hierarchical},
+                               {u"mailto:", PrefixKind::Mail},
+                               {u"www.", PrefixKind::Bare}};
 
 bool isComplete(QStringView address, const Prefix &prefix)
 {
     const QStringView rest = address.sliced(prefix.text.size());
     switch (prefix.kind) {
-    case Kind::Hierarchical:
+    case PrefixKind::Hierarchical:
         return isAlphanumeric(rest.front()) || rest.front() == u'[';
-    case Kind::Mail:
+    case PrefixKind::Mail:
         return rest.indexOf(u'@') > 0 && rest.back() != u'@';
-    case Kind::Bare:
+    case PrefixKind::Bare:
         break;
     }
     const auto endOfHost = std::ranges::find_if(rest, [](QChar c) { return QStringView(u"/?#:").contains(c); });
@@ -129,7 +129,7 @@ Attempt addressAt(QStringView text, qsizetype start)
         const QStringView address = trimmedEnd(run);
         Attempt attempt{std::nullopt, start + run.size()};
         if (address.size() > prefix.text.size() && isComplete(address, prefix)) {
-            attempt.match = newMatch(start, address, QLatin1String(prefix.kind == Kind::Bare ? "http://" : ""));
+            attempt.match = newMatch(start, address, QLatin1String(prefix.kind == PrefixKind::Bare ? "http://" : ""));
         }
         return attempt;
     }

@@ -1,5 +1,7 @@
 #include "platform/images/IcnsReader.h"
 
+#include "platform/images/ImageLimits.h"
+
 #include <QBuffer>
 #include <QImageReader>
 #include <QtEndian>
@@ -10,7 +12,6 @@ namespace
 {
 
 constexpr qsizetype headerSize = 8; ///< Of the file and of every entry: a type and the length, itself included.
-constexpr std::uint32_t maxSide = 1024;
 
 std::uint32_t u32(const QByteArray &bytes, qsizetype at)
 {
@@ -27,7 +28,7 @@ int pngSide(const QByteArray &picture)
         return 0;
     }
     const std::uint32_t width = u32(picture, widthAt);
-    const bool isUsable = width == u32(picture, heightAt) && width <= maxSide;
+    const bool isUsable = width == u32(picture, heightAt) && width <= maxImageSide;
     return isUsable ? static_cast<int>(width) : 0;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/images/TiffReader.h"
 
+#include "platform/images/ImageLimits.h"
+
 #include <QtEndian>
 
 #include <algorithm>
@@ -12,7 +14,6 @@ namespace
 {
 
 constexpr int maxPages = 16;
-constexpr std::uint32_t maxSide = 1024;
 
 enum Tag : std::uint16_t {
     ImageWidth = 256,
@@ -125,7 +126,7 @@ private:
             return;
         }
         const std::uint32_t count = bytes.u32(at + 4);
-        require(count <= maxSide); // A strip for each row at the most.
+        require(count <= maxImageSide); // A strip for each row at the most.
         const std::uint32_t size = type == shortType ? 2 : 4;
         const std::uint64_t values = count * size <= 4 ? at + 8 : bytes.u32(at + 8);
         std::vector<std::uint32_t> &numbers = m_values[bytes.u16(at)];
@@ -173,7 +174,7 @@ QImage readPage(const Bytes &bytes, const Directory &page)
 
     const std::uint32_t width = page.one(ImageWidth);
     const std::uint32_t height = page.one(ImageLength);
-    require(width >= 1 && width <= maxSide && height >= 1 && height <= maxSide);
+    require(width >= 1 && width <= maxImageSide && height >= 1 && height <= maxImageSide);
     const std::uint32_t rowsPerStrip = std::min(page.oneOr(RowsPerStrip, height), height);
     require(rowsPerStrip >= 1);
     const std::vector<std::uint32_t> &offsets = page.all(StripOffsets);

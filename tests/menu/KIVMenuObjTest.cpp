@@ -186,7 +186,7 @@ std::optional<AlertTexts> alertFrom(const std::function<void()> &action, const s
     return texts;
 }
 
-QSize displaySize()
+QSize sizeOfDisplay()
 {
     const CGRect bounds = CGDisplayBounds(CGMainDisplayID());
     return {static_cast<int>(bounds.size.width), static_cast<int>(bounds.size.height)};
@@ -433,7 +433,7 @@ TEST_F(KIVMenuObjTest, ListsNothingWhileTheResolutionEntryIsDisabled)
     EXPECT_EQ(outline(*item(32809)->menu()), "Not available -1\n");
     QAction *stale = menu.addSubItem(item(32809), QStringLiteral("800 x 600"), {}, 0, false, true, false);
     EXPECT_FALSE(alertFrom([&] { menu.onMenuAction(stale); }));
-    EXPECT_EQ(displaySize(), QSize(1280, 800)) << "a list that is gone was used";
+    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800)) << "a list that is gone was used";
 }
 
 TEST_F(KIVMenuObjTest, ShowsThePlaceholderForADisplayThatTellsNoModesButNothingForOneWithNoUsableMode)
@@ -476,7 +476,7 @@ TEST_F(KIVMenuObjTest, IgnoresASizeWhoseIndexIsOutOfRange)
         QAction *stale = menu.addSubItem(item(32809), QStringLiteral("stale"), {}, index, false, true, false);
         EXPECT_FALSE(alertFrom([&] { menu.onMenuAction(stale); })) << index;
     }
-    EXPECT_EQ(displaySize(), QSize(1280, 800));
+    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800));
 }
 
 TEST_F(KIVMenuObjTest, IgnoresAnEntryThatWentBeforeItsTurnCame)
@@ -501,7 +501,7 @@ TEST_F(KIVMenuObjTest, SaysThatASwitchHasFailedAndDisablesTheItemMeanwhile)
     EXPECT_EQ(alert->buttons, QStringList{QStringLiteral("Ok")});
     EXPECT_TRUE(menu.statusItem()->isEnabled());
     EXPECT_TRUE(procedureCalls.empty());
-    EXPECT_EQ(displaySize(), QSize(1280, 800));
+    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800));
 }
 
 TEST_F(KIVMenuObjTest, SaysNothingForTheSizeThatTheDisplayHas)

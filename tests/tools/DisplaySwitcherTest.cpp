@@ -10,7 +10,7 @@
 namespace
 {
 
-QSize displaySize()
+QSize mainDisplaySize()
 {
     return mainDisplay()->bounds.size();
 }
@@ -43,7 +43,7 @@ TEST_F(DisplaySwitcherTest, SwitchesToAListedMode)
 {
     ASSERT_EQ(modesOfSize(1024, 768), 1);
     EXPECT_EQ(switchMainDisplay({1024, 768}), QString());
-    EXPECT_EQ(displaySize(), QSize(1024, 768));
+    EXPECT_EQ(mainDisplaySize(), QSize(1024, 768));
     EXPECT_EQ(modesOfSize(1024, 768), 1);
 }
 
@@ -51,11 +51,11 @@ TEST_F(DisplaySwitcherTest, ListsANewModeForASizeThatWasNotListedAndKeepsIt)
 {
     ASSERT_EQ(modesOfSize(1234, 777), 0);
     EXPECT_EQ(switchMainDisplay({1234, 777}), QString());
-    EXPECT_EQ(displaySize(), QSize(1234, 777));
+    EXPECT_EQ(mainDisplaySize(), QSize(1234, 777));
     EXPECT_EQ(switchMainDisplay({1024, 768}), QString());
     EXPECT_EQ(modesOfSize(1234, 777), 1);
     EXPECT_EQ(switchMainDisplay({1234, 777}), QString());
-    EXPECT_EQ(displaySize(), QSize(1234, 777));
+    EXPECT_EQ(mainDisplaySize(), QSize(1234, 777));
     EXPECT_EQ(modesOfSize(1234, 777), 1);
 }
 
@@ -63,21 +63,21 @@ TEST_F(DisplaySwitcherTest, GrowsAndShrinksTheScreenInBothDirections)
 {
     for (const DisplaySize size : {DisplaySize{1920, 1200}, {640, 480}, {800, 1000}, {1600, 500}, {32, 32}}) {
         EXPECT_EQ(switchMainDisplay(size), QString());
-        EXPECT_EQ(displaySize(), QSize(size.width, size.height));
+        EXPECT_EQ(mainDisplaySize(), QSize(size.width, size.height));
     }
 }
 
 TEST_F(DisplaySwitcherTest, DoesNothingForThePresentSize)
 {
     EXPECT_EQ(switchMainDisplay({1280, 800}), QString());
-    EXPECT_EQ(displaySize(), QSize(1280, 800));
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800));
 }
 
 TEST_F(DisplaySwitcherTest, RefusesWhatTheServerCannotShowAndLeavesTheDisplayAsItWas)
 {
     const QString refusal = switchMainDisplay({65535, 65535});
     EXPECT_TRUE(refusal.contains(QLatin1String("outside the X server's limits"))) << qPrintable(refusal);
-    EXPECT_EQ(displaySize(), QSize(1280, 800));
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800));
     EXPECT_EQ(modesOfSize(65535, 65535), 0);
 }
 

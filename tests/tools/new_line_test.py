@@ -12,8 +12,17 @@ import unittest
 
 SOURCE = pathlib.Path(__file__).resolve().parents[2]
 HEADER = "tools/kivservice/ServiceLine.h"
+
+
+def compiles_the_command(entry):
+    """Whether it is the file itself that is compiled, or one that includes several of which it is one."""
+    file = pathlib.Path(entry["directory"], entry["file"])
+    name = "tools/kivservice/AttachCommand.cpp"
+    return str(file).endswith(name) or file.name.startswith("unity_") and name in file.read_text(encoding="utf-8")
+
+
 COMMAND = next(entry for entry in json.loads(pathlib.Path(sys.argv.pop(1)).read_text(encoding="utf-8"))
-               if entry["file"].endswith("tools/kivservice/AttachCommand.cpp"))
+               if compiles_the_command(entry))
 
 
 class NewLine(unittest.TestCase):

@@ -5,14 +5,14 @@
 namespace
 {
 
-constexpr NSRect screen{{0, 0}, {1440, 900}};
+constexpr NSRect wholeScreen{{0, 0}, {1440, 900}};
 constexpr NSPoint corner{1030, 670};
 
 /// A pop-up where it belongs.
-constexpr PopUpSituation settled{.prevScreenSize = screen.size,
-                                 .screenSize = screen.size,
-                                 .popUpScreen = screen,
-                                 .mainScreen = screen,
+constexpr PopUpSituation settled{.prevScreenSize = wholeScreen.size,
+                                 .screenSize = wholeScreen.size,
+                                 .popUpScreen = wholeScreen,
+                                 .mainScreen = wholeScreen,
                                  .wanted = corner,
                                  .actual = corner};
 

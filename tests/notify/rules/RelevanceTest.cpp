@@ -34,7 +34,7 @@ KivNotification relevantRecord()
     return record;
 }
 
-QDateTime instant(const char *text)
+QDateTime moment(const char *text)
 {
     return QDateTime::fromString(QString::fromLatin1(text), Qt::ISODate);
 }
@@ -229,8 +229,8 @@ TEST(Relevance, ComparesWholeDays)
     };
     for (const Case &c : cases) {
         KivNotification record;
-        record.setMinDate(instant(c.minDate));
-        record.setMaxDate(instant(c.maxDate));
+        record.setMinDate(moment(c.minDate));
+        record.setMaxDate(moment(c.maxDate));
         EXPECT_EQ(notificationIsRelevant(record, installation(), now), c.relevant) << c.minDate << " to " << c.maxDate;
     }
 }
@@ -239,11 +239,11 @@ TEST(Relevance, GoesByTheLocalDay)
 {
     const TimeZone zone(TimeZone::firstOfAll);
     KivNotification record;
-    record.setMinDate(instant("2024-03-02T00:00:00+14:00"));
-    record.setMaxDate(instant("2024-03-02T00:00:00+14:00"));
+    record.setMinDate(moment("2024-03-02T00:00:00+14:00"));
+    record.setMaxDate(moment("2024-03-02T00:00:00+14:00"));
     EXPECT_TRUE(notificationIsRelevant(record, installation(), now)) << "noon UTC is the next day's small hours here";
-    EXPECT_FALSE(notificationIsRelevant(record, installation(), instant("2024-03-01T09:59:59Z")));
-    EXPECT_FALSE(notificationIsRelevant(record, installation(), instant("2024-03-02T10:00:00Z")));
+    EXPECT_FALSE(notificationIsRelevant(record, installation(), moment("2024-03-01T09:59:59Z")));
+    EXPECT_FALSE(notificationIsRelevant(record, installation(), moment("2024-03-02T10:00:00Z")));
 }
 
 TEST(Relevance, NeverTakesARecordWhoseLastDayStayedAtItsDefault)

@@ -11,7 +11,7 @@
 namespace
 {
 
-const QDateTime now(QDate(2024, 3, 1), QTime(12, 0), inUtc);
+const QDateTime present(QDate(2024, 3, 1), QTime(12, 0), inUtc);
 constexpr std::int32_t intMin = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t intMax = std::numeric_limits<std::int32_t>::max();
 
@@ -30,7 +30,7 @@ NotificationSettings everythingOff()
 KivNotification lastShown(qint64 secondsAgo)
 {
     KivNotification record;
-    record.setLastShowDate(now.addSecs(-secondsAgo));
+    record.setLastShowDate(present.addSecs(-secondsAgo));
     return record;
 }
 
@@ -69,50 +69,50 @@ TEST(ShowPermission, IsGivenOnlyAfterTheRepeatInterval)
 {
     for (const Interval &interval : intervals) {
         const NotificationSettings settings = repeating(interval.code);
-        EXPECT_FALSE(shouldShowNotification(lastShown(interval.seconds - 1), settings, now)) << interval.code;
-        EXPECT_FALSE(shouldShowNotification(lastShown(interval.seconds), settings, now)) << interval.code;
-        EXPECT_TRUE(shouldShowNotification(lastShown(interval.seconds + 1), settings, now)) << interval.code;
+        EXPECT_FALSE(shouldShowNotification(lastShown(interval.seconds - 1), settings, present)) << interval.code;
+        EXPECT_FALSE(shouldShowNotification(lastShown(interval.seconds), settings, present)) << interval.code;
+        EXPECT_TRUE(shouldShowNotification(lastShown(interval.seconds + 1), settings, present)) << interval.code;
     }
 }
 
 TEST(ShowPermission, KeepsTheIntervalToTheMillisecond)
 {
     KivNotification record;
-    record.setLastShowDate(now.addSecs(-3600).addMSecs(-1));
-    EXPECT_TRUE(shouldShowNotification(record, repeating(1), now));
-    record.setLastShowDate(now.addSecs(-3600).addMSecs(1));
-    EXPECT_FALSE(shouldShowNotification(record, repeating(1), now));
+    record.setLastShowDate(present.addSecs(-3600).addMSecs(-1));
+    EXPECT_TRUE(shouldShowNotification(record, repeating(1), present));
+    record.setLastShowDate(present.addSecs(-3600).addMSecs(1));
+    EXPECT_FALSE(shouldShowNotification(record, repeating(1), present));
 }
 
 TEST(ShowPermission, IsRefusedTwoHoursAfterTheLastShowingWhenThreeAreAsked)
 {
-    EXPECT_FALSE(shouldShowNotification(lastShown(7200), repeating(2), now));
-    EXPECT_TRUE(shouldShowNotification(lastShown(10801), repeating(2), now));
+    EXPECT_FALSE(shouldShowNotification(lastShown(7200), repeating(2), present));
+    EXPECT_TRUE(shouldShowNotification(lastShown(10801), repeating(2), present));
 }
 
 TEST(ShowPermission, IsGivenToARecordThatWasNeverShown)
 {
-    EXPECT_TRUE(shouldShowNotification(KivNotification(), NotificationSettings(), now));
+    EXPECT_TRUE(shouldShowNotification(KivNotification(), NotificationSettings(), present));
     KivNotification record;
     record.setLastShowDate(QDateTime());
-    EXPECT_TRUE(shouldShowNotification(record, NotificationSettings(), now));
+    EXPECT_TRUE(shouldShowNotification(record, NotificationSettings(), present));
 }
 
 TEST(ShowPermission, IsRefusedWhenTheClockWasSetBack)
 {
-    EXPECT_FALSE(shouldShowNotification(lastShown(-3600), repeating(1), now));
+    EXPECT_FALSE(shouldShowNotification(lastShown(-3600), repeating(1), present));
     KivNotification record;
     record.setLastShowDate(distantFuture());
-    EXPECT_FALSE(shouldShowNotification(record, repeating(1), now));
+    EXPECT_FALSE(shouldShowNotification(record, repeating(1), present));
 }
 
 TEST(ShowPermission, IsGivenOnceOnlyWithCodeFour)
 {
     KivNotification record = lastShown(100'000);
     record.setWasDisplayed(true);
-    EXPECT_FALSE(shouldShowNotification(record, repeating(4), now));
+    EXPECT_FALSE(shouldShowNotification(record, repeating(4), present));
     record.setWasDisplayed(false);
-    EXPECT_TRUE(shouldShowNotification(record, repeating(4), now));
+    EXPECT_TRUE(shouldShowNotification(record, repeating(4), present));
 }
 
 TEST(ShowPermission, DoesNotAskWhetherItWasShownWithOtherCodes)
@@ -120,7 +120,7 @@ TEST(ShowPermission, DoesNotAskWhetherItWasShownWithOtherCodes)
     KivNotification record = lastShown(100'000);
     record.setWasDisplayed(true);
     for (const std::int32_t code : {0, 1, 2, 3, 5, -4}) {
-        EXPECT_TRUE(shouldShowNotification(record, repeating(code), now)) << code;
+        EXPECT_TRUE(shouldShowNotification(record, repeating(code), present)) << code;
     }
 }
 
@@ -132,13 +132,13 @@ TEST(ShowPermission, NeedsTheSwitchesOfPriorityAndTypeAndNoOther)
             record.setMessagePriority(priority.code);
             record.setMessageType(type.code);
             NotificationSettings settings = everythingOff();
-            EXPECT_FALSE(shouldShowNotification(record, settings, now));
+            EXPECT_FALSE(shouldShowNotification(record, settings, present));
             settings.*priority.needed = true;
-            EXPECT_FALSE(shouldShowNotification(record, settings, now)) << "without type " << type.code;
+            EXPECT_FALSE(shouldShowNotification(record, settings, present)) << "without type " << type.code;
             settings.*type.needed = true;
-            EXPECT_TRUE(shouldShowNotification(record, settings, now)) << priority.code << ", " << type.code;
+            EXPECT_TRUE(shouldShowNotification(record, settings, present)) << priority.code << ", " << type.code;
             settings.*priority.needed = false;
-            EXPECT_FALSE(shouldShowNotification(record, settings, now)) << "without priority " << priority.code;
+            EXPECT_FALSE(shouldShowNotification(record, settings, present)) << "without priority " << priority.code;
         }
     }
 }
@@ -150,7 +150,7 @@ TEST(ShowPermission, NeedsNoSwitchForOtherCodes)
             KivNotification record;
             record.setMessagePriority(priority);
             record.setMessageType(type);
-            EXPECT_TRUE(shouldShowNotification(record, everythingOff(), now)) << priority << ", " << type;
+            EXPECT_TRUE(shouldShowNotification(record, everythingOff(), present)) << priority << ", " << type;
         }
     }
 }
@@ -164,7 +164,7 @@ TEST(ShowPermission, IsAlwaysGivenToAnInstantMessage)
         record.setMessagePriority(3);
         record.setMessageType(type);
         record.setWasDisplayed(true);
-        EXPECT_TRUE(shouldShowNotification(record, settings, now)) << type;
+        EXPECT_TRUE(shouldShowNotification(record, settings, present)) << type;
     }
 }
 
@@ -175,13 +175,13 @@ TEST(ShowPermission, NamesTheFirstObstacle)
     KivNotification record = lastShown(1);
     record.setMessagePriority(2);
     record.setWasDisplayed(true);
-    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::Interval);
-    record.setLastShowDate(now.addSecs(-100'000));
-    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::ShownOnce);
+    EXPECT_EQ(obstacleToShowing(record, settings, present), ShowObstacle::Interval);
+    record.setLastShowDate(present.addSecs(-100'000));
+    EXPECT_EQ(obstacleToShowing(record, settings, present), ShowObstacle::ShownOnce);
     record.setWasDisplayed(false);
-    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::PriorityOff);
+    EXPECT_EQ(obstacleToShowing(record, settings, present), ShowObstacle::PriorityOff);
     settings.shouldDisplayHighPriority = true;
-    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::TypeOff);
+    EXPECT_EQ(obstacleToShowing(record, settings, present), ShowObstacle::TypeOff);
     settings.shouldDisplayNotices = true;
-    EXPECT_EQ(obstacleToShowing(record, settings, now), ShowObstacle::None);
+    EXPECT_EQ(obstacleToShowing(record, settings, present), ShowObstacle::None);
 }

@@ -20,8 +20,8 @@
 namespace
 {
 
-constexpr AEEventClass kClass = fourCharCode("test");
-constexpr AEEventID kID = fourCharCode("numb");
+constexpr AEEventClass testClass = fourCharCode("test");
+constexpr AEEventID numberedId = fourCharCode("numb");
 constexpr AEKeyword kKey = fourCharCode("data");
 
 /// An event for a process, given up with its scope.
@@ -30,14 +30,18 @@ struct Event {
     {
         AEAddressDesc target;
         EXPECT_EQ(AECreateDesc(typeKernelProcessID, &pid, sizeof pid, &target), noErr);
-        EXPECT_EQ(AECreateAppleEvent(kClass, kID, &target, kAutoGenerateReturnID, kAnyTransactionID, &event), noErr);
+        EXPECT_EQ(AECreateAppleEvent(testClass, numberedId, &target, kAutoGenerateReturnID, kAnyTransactionID, &event),
+                  noErr);
         EXPECT_EQ(AEDisposeDesc(&target), noErr);
     }
     ~Event() { AEDisposeDesc(&event); }
     Event(const Event &) = delete;
     Event &operator=(const Event &) = delete;
 
-    void setNumber(SInt32 number) { EXPECT_EQ(AEPutParamPtr(&event, kID, typeSInt32, &number, sizeof number), noErr); }
+    void setNumber(SInt32 number)
+    {
+        EXPECT_EQ(AEPutParamPtr(&event, numberedId, typeSInt32, &number, sizeof number), noErr);
+    }
     [[nodiscard]] OSErr send(AESendMode mode = kAENoReply) const
     {
         return AESend(&event, nullptr, mode, kAENormalPriority, kNoTimeOut, nullptr, nullptr);
@@ -87,8 +91,8 @@ TEST(AECreateAppleEvent, NeedsATargetAndAResult)
     AEDesc target;
     ASSERT_EQ(AECreateDesc(typeKernelProcessID, "pid!", 4, &target), noErr);
     AppleEvent event{1, reinterpret_cast<AEDataStorage>(1)};
-    EXPECT_EQ(AECreateAppleEvent(kClass, kID, &target, -1, 0, nullptr), paramErr);
-    EXPECT_EQ(AECreateAppleEvent(kClass, kID, nullptr, -1, 0, &event), paramErr);
+    EXPECT_EQ(AECreateAppleEvent(testClass, numberedId, &target, -1, 0, nullptr), paramErr);
+    EXPECT_EQ(AECreateAppleEvent(testClass, numberedId, nullptr, -1, 0, &event), paramErr);
     EXPECT_EQ(event.descriptorType, typeNull);
     EXPECT_EQ(event.dataHandle, nullptr);
     AEDisposeDesc(&target);
@@ -208,7 +212,7 @@ TEST(AESend, RefusesWhatIsNoEvent)
     for (const Size size : {Size(0), Size(3)}) {
         AEDesc target;
         ASSERT_EQ(AECreateDesc(typeKernelProcessID, "pid!", size, &target), noErr);
-        ASSERT_EQ(AECreateAppleEvent(kClass, kID, &target, -1, 0, &unaddressed), noErr);
+        ASSERT_EQ(AECreateAppleEvent(testClass, numberedId, &target, -1, 0, &unaddressed), noErr);
         EXPECT_EQ(AESend(&unaddressed, nullptr, kAENoReply, 0, kNoTimeOut, nullptr, nullptr), paramErr);
         AEDisposeDesc(&unaddressed);
         AEDisposeDesc(&target);
@@ -242,7 +246,7 @@ OSErr otherHandler(const AppleEvent *, AppleEvent *, SRefCon)
 
 OSErr selfRemoving(const AppleEvent *, AppleEvent *, SRefCon)
 {
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, selfRemoving, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, selfRemoving, false), noErr);
     return 13;
 }
 
@@ -284,19 +288,19 @@ std::unique_ptr<PrivateBus> AppleEventManager::daemon;
 
 TEST_F(AppleEventManager, RefusesAHandlerThatIsNone)
 {
-    EXPECT_EQ(AEInstallEventHandler(kClass, kID, nullptr, nullptr, false), paramErr);
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, nullptr, false), paramErr);
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, otherHandler, false), errAEHandlerNotFound);
+    EXPECT_EQ(AEInstallEventHandler(testClass, numberedId, nullptr, nullptr, false), paramErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, nullptr, false), paramErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, otherHandler, false), errAEHandlerNotFound);
     EXPECT_FALSE(isNameOwned());
 }
 
 TEST_F(AppleEventManager, RemovesAHandlerWithinASecondWhenTheBusIsStuck)
 {
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, otherHandler, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, otherHandler, nullptr, false), noErr);
     daemon->suspend();
     QElapsedTimer time;
     time.start();
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, otherHandler, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, otherHandler, false), noErr);
     EXPECT_LT(time.elapsed(), 1000);
     daemon->resume();
     EXPECT_FALSE(isNameOwned());
@@ -306,8 +310,8 @@ TEST_F(AppleEventManager, TakesEventsWhileAHandlerIsInstalled)
 {
     std::vector<Size> sizes;
     EXPECT_EQ(Event(self).send(), procNotFound);
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, receivedSize, &sizes, false), noErr);
-    ASSERT_EQ(AEInstallEventHandler(kClass, kKey, otherHandler, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, receivedSize, &sizes, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, kKey, otherHandler, nullptr, false), noErr);
     EXPECT_TRUE(isNameOwned());
 
     Event made(self);
@@ -316,12 +320,12 @@ TEST_F(AppleEventManager, TakesEventsWhileAHandlerIsInstalled)
     EXPECT_TRUE(waitUntil([&] { return sizes == std::vector<Size>{3}; }));
     EXPECT_EQ(made.send(kAEWaitReply), 11);
 
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, otherHandler, false), errAEHandlerNotFound);
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, receivedSize, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, otherHandler, false), errAEHandlerNotFound);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, receivedSize, false), noErr);
     EXPECT_EQ(made.send(kAEWaitReply), errAEEventNotHandled) << "the other ID does not take it";
     EXPECT_EQ(sizes.size(), 2u);
     EXPECT_TRUE(isNameOwned());
-    EXPECT_EQ(AERemoveEventHandler(kClass, kKey, otherHandler, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, kKey, otherHandler, false), noErr);
     EXPECT_FALSE(isNameOwned());
     EXPECT_EQ(made.send(), procNotFound);
 }
@@ -329,34 +333,34 @@ TEST_F(AppleEventManager, TakesEventsWhileAHandlerIsInstalled)
 TEST_F(AppleEventManager, ReplacesAHandler)
 {
     std::vector<Size> sizes;
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, receivedSize, &sizes, false), noErr);
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, otherHandler, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, receivedSize, &sizes, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, otherHandler, nullptr, false), noErr);
     EXPECT_EQ(Event(self).send(kAEWaitReply), 12);
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, receivedSize, false), errAEHandlerNotFound);
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, otherHandler, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, receivedSize, false), errAEHandlerNotFound);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, otherHandler, false), noErr);
     EXPECT_TRUE(sizes.empty());
 }
 
 TEST_F(AppleEventManager, LetsAHandlerRemoveItself)
 {
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, selfRemoving, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, selfRemoving, nullptr, false), noErr);
     EXPECT_EQ(Event(self).send(kAEWaitReply), 13);
     EXPECT_FALSE(isNameOwned());
 }
 
 TEST_F(AppleEventManager, AnswersItsOwnProcessRightAfterASlowHandler)
 {
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, slow, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, slow, nullptr, false), noErr);
     EXPECT_EQ(Event(self).send(kAEWaitReply), 14);
     EXPECT_EQ(Event(self).send(kAEWaitReply), 14);
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, slow, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, slow, false), noErr);
 }
 
 TEST_F(AppleEventManager, ReportsAHandlerThatThrows)
 {
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, throwing, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, throwing, nullptr, false), noErr);
     EXPECT_EQ(Event(self).send(kAEWaitReply), errAEEventFailed);
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, throwing, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, throwing, false), noErr);
 }
 
 TEST_F(AppleEventManager, ReachesAnotherProcess)
@@ -384,7 +388,7 @@ TEST_F(AppleEventManager, ReachesAnotherProcess)
 OSErr rememberSender(const AppleEvent *event, AppleEvent *, SRefCon refcon)
 {
     SInt32 number = 0;
-    EXPECT_EQ(AEGetParamPtr(event, kID, typeSInt32, nullptr, &number, sizeof number, nullptr), noErr);
+    EXPECT_EQ(AEGetParamPtr(event, numberedId, typeSInt32, nullptr, &number, sizeof number, nullptr), noErr);
     EXPECT_EQ(number, 41);
     SInt32 pid = 0;
     DescType type = 0;
@@ -407,7 +411,7 @@ OSErr rememberSender(const AppleEvent *event, AppleEvent *, SRefCon refcon)
 TEST_F(AppleEventManager, LosesNothingThatIsSentJustBeforeTheEnd)
 {
     std::vector<SInt32> senders;
-    ASSERT_EQ(AEInstallEventHandler(kClass, kID, rememberSender, &senders, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, rememberSender, &senders, false), noErr);
     for (std::size_t count = 1; count <= 10; ++count) {
         ChildProcess peer;
         ASSERT_TRUE(peer.start(QStringLiteral(KIV_CARBON_PEER), {QStringLiteral("tell"), QString::number(self)}));
@@ -416,13 +420,13 @@ TEST_F(AppleEventManager, LosesNothingThatIsSentJustBeforeTheEnd)
         EXPECT_EQ(peer.exitCode(), 0);
         EXPECT_TRUE(senders.back() == pid || senders.back() == 0) << senders.back();
     }
-    EXPECT_EQ(AERemoveEventHandler(kClass, kID, rememberSender, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, numberedId, rememberSender, false), noErr);
 }
 
 TEST_F(AppleEventManager, StaysInstalledAtTheEndOfTheProcess)
 {
     // Nobody removes this one: the program's end must cope.
-    EXPECT_EQ(AEInstallEventHandler(kClass, kID, otherHandler, nullptr, false), noErr);
+    EXPECT_EQ(AEInstallEventHandler(testClass, numberedId, otherHandler, nullptr, false), noErr);
     EXPECT_TRUE(isNameOwned());
 }
 

@@ -13,7 +13,7 @@
 namespace
 {
 
-ProcessSerialNumber numberOf(qint64 pid)
+ProcessSerialNumber serialNumberOf(qint64 pid)
 {
     return {0, static_cast<UInt32>(pid)};
 }
@@ -31,7 +31,7 @@ TEST(GetProcessPID, KnowsWhoRuns)
 {
     ChildProcess child;
     ASSERT_TRUE(child.start(QStringLiteral("sleep"), {QStringLiteral("100")}));
-    const ProcessSerialNumber psn = numberOf(child.pid());
+    const ProcessSerialNumber psn = serialNumberOf(child.pid());
     pid_t pid = 0;
     EXPECT_EQ(GetProcessPID(&psn, &pid), noErr);
     EXPECT_EQ(pid, child.pid());
@@ -48,7 +48,7 @@ TEST(GetProcessPID, LeavesThePidAloneWhenThereIsNoProcess)
         EXPECT_EQ(GetProcessPID(&psn, &pid), procNotFound) << psn.lowLongOfPSN;
         EXPECT_EQ(pid, 4711);
     }
-    const ProcessSerialNumber psn = numberOf(::getpid());
+    const ProcessSerialNumber psn = serialNumberOf(::getpid());
     pid_t pid = 0;
     EXPECT_EQ(GetProcessPID(nullptr, &pid), paramErr);
     EXPECT_EQ(GetProcessPID(&psn, nullptr), paramErr);
@@ -62,7 +62,7 @@ TEST(GetProcessPID, DoesNotCountAZombie)
     }
     siginfo_t info{};
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT), 0);
-    const ProcessSerialNumber psn = numberOf(child);
+    const ProcessSerialNumber psn = serialNumberOf(child);
     pid_t pid = 4711;
     EXPECT_EQ(GetProcessPID(&psn, &pid), procNotFound);
     EXPECT_EQ(pid, 4711);
@@ -72,7 +72,7 @@ TEST(GetProcessPID, DoesNotCountAZombie)
 TEST(GetProcessPID, DoesNotCountAThread)
 {
     std::thread([] {
-        const ProcessSerialNumber psn = numberOf(::gettid());
+        const ProcessSerialNumber psn = serialNumberOf(::gettid());
         pid_t pid = 4711;
         EXPECT_EQ(GetProcessPID(&psn, &pid), procNotFound);
     }).join();

@@ -7,7 +7,7 @@ namespace
 
 constexpr StatusBar none{StatusBar::Edge::Top, 22};
 
-struct Row {
+struct PanelRow {
     const char *what;
     QRect window;
     QRect screen;
@@ -19,7 +19,7 @@ TEST(PanelBar, IsAHorizontalPanelAtTheTopOrBottomEdge)
 {
     const QRect screen(0, 0, 1280, 800);
     const QRect second(1280, 200, 1280, 800);
-    const Row rows[] = {
+    const PanelRow rows[] = {
         {"top panel", {0, 0, 1280, 32}, screen, 1, {StatusBar::Edge::Top, 32}},
         {"short top panel", {400, 0, 480, 27}, screen, 1, {StatusBar::Edge::Top, 27}},
         {"bottom panel", {0, 768, 1280, 32}, screen, 1, {StatusBar::Edge::Bottom, 32}},
@@ -39,7 +39,7 @@ TEST(PanelBar, IsAHorizontalPanelAtTheTopOrBottomEdge)
         {"no window", {}, screen, 1, none},
         {"no screen", {0, 0, 1280, 32}, {}, 1, none},
     };
-    for (const Row &row : rows) {
+    for (const PanelRow &row : rows) {
         EXPECT_EQ(panelBar(row.window, row.screen, row.ratio), row.bar) << row.what;
     }
 }

@@ -30,7 +30,7 @@ void forward(std::uint32_t code)
 
 void openPreferences()
 {
-    Workspace::openFile(QStringLiteral("/Library/PreferencePanes/kivserverp.prefPane"));
+    Workspace::openFile(ProductTexts::preferencesPane);
 }
 
 void openSupportPage()

@@ -1,6 +1,7 @@
 #include "platform/linux/item/TrayIconWindow.h"
 
 #include "platform/LogCategories.h"
+#include "platform/ProductTexts.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/workarounds/RootProperties.h"
@@ -21,7 +22,7 @@ namespace
 
 /// Alone, the icon may lie on any picture; on a plate of its own it can be told from it.
 constexpr QRgb plateColour = 0xffececec;
-const QByteArray className = QByteArrayLiteral("kivmenua");
+const QByteArray className(ProductTexts::itemName.data(), ProductTexts::itemName.size());
 
 /// The tray's windows may be gone before a request about them arrives; that is no error worth Qt's log.
 void ignoreError(xcb_void_cookie_t cookie)

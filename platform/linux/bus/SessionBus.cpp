@@ -4,6 +4,7 @@
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/workarounds/LibdbusLimit.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
+#include "platform/linux/workarounds/SilentBus.h"
 
 #include <QDBusError>
 
@@ -138,7 +139,6 @@ QDBusMessage SessionBus::ask(const QString &member, const QVariantList &argument
 
 void SessionBus::tryToConnect()
 {
-    // Qt's way to a bus waits 25 s for one that takes connections and then says nothing: a probe goes ahead of it.
     const ProbedBus bus = probeBus(sessionBusAddress());
     if (bus.state == BusState::Answers) {
         m_connection = QDBusConnection::connectToBus(bus.address, freshConnectionName());

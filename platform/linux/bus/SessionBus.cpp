@@ -147,7 +147,8 @@ void SessionBus::tryToConnect()
     if (!isConnected()) {
         disconnectFromBus();
         if (!m_retry.isActive()) {
-            qCDebug(linkLog) << "no session bus at" << sessionBusAddress() << "- it is tried again";
+            const char *why = bus.state == BusState::Absent ? "no session bus at" : "no answer of the session bus at";
+            qCDebug(linkLog) << why << sessionBusAddress() << "- it is tried again";
         }
         m_retry.start();
         return;

@@ -281,6 +281,7 @@ void TrayIconWindow::handlePress(xcb_button_t button)
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
         // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {
+            qCDebug(itemLog, "pressed: closes the menu that is open");
             closePopups();
         } else if (button != XCB_BUTTON_INDEX_2) {
             Q_EMIT pressed();

@@ -6,6 +6,7 @@
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QGuiApplication>
@@ -15,10 +16,12 @@
 #include <QScreen>
 #include <QToolTip>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace
@@ -395,6 +398,27 @@ TEST_F(StatusItemTest, StaysInTheCornerWhenTheScreenChangesItsSize)
     EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
     ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
     EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+}
+
+TEST_F(StatusItemTest, SaysWhereItGoesAndWhichTrayThereIs)
+{
+    using testing::Contains;
+    using testing::MatchesRegex;
+    StatusItem item;
+    LogLines log;
+    ChildProcess tool;
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1024x768")}));
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
+    EXPECT_THAT(log.take(), Contains("kiv.item: the screen has changed: the item goes to (1002, 0)"));
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+
+    std::optional<FakeTray> tray(std::in_place, QPoint(100, 50));
+    ASSERT_TRUE(waitUntil([&] { return tray->serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    EXPECT_THAT(log.take(), Contains(MatchesRegex("kiv.item: there is a new tray, of window 0x[0-9a-f]+")));
+    tray.reset();
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+    EXPECT_THAT(log.take(), Contains(MatchesRegex("kiv.item: the tray of window 0x[0-9a-f]+ has gone")));
 }
 
 TEST_F(StatusItemTest, MovesIntoATrayThatComesLater)

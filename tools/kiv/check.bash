@@ -27,7 +27,7 @@ check_scripts() {
 }
 
 check_includes() {
-    tests/include_directions .
+    python3 -B tools/kiv/include_directions.py .
 }
 
 check_sizes() {

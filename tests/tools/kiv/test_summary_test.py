@@ -7,7 +7,7 @@ import tempfile
 import unittest
 from xml.sax.saxutils import escape
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+SOURCE = pathlib.Path(__file__).resolve().parents[3]
 
 
 def program(name, output="", status="run", inside=""):

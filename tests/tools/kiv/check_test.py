@@ -6,7 +6,7 @@ import sys
 import tempfile
 import unittest
 
-SOURCE = pathlib.Path(__file__).parents[2]
+SOURCE = pathlib.Path(__file__).parents[3]
 
 
 def run(check, root):

@@ -1,11 +1,12 @@
-"""include_directions finds arrows that point the wrong way, between folders and inside them."""
+"""./kiv check includes finds arrows that point the wrong way, between folders and inside them."""
 import subprocess
 import sys
 import tempfile
 import unittest
 from pathlib import Path
 
-CHECK = Path(__file__).parent / 'include_directions'
+SOURCE = Path(__file__).resolve().parents[3]
+CHECK = SOURCE / 'tools/kiv/include_directions.py'
 
 
 def check(file, include):
@@ -13,10 +14,14 @@ def check(file, include):
         path = Path(root, file)
         path.parent.mkdir(parents=True)
         path.write_text(f'#include {include}\n')
-        return subprocess.run([sys.executable, CHECK, root], capture_output=True, text=True, check=False)
+        return subprocess.run([sys.executable, '-B', CHECK, root], capture_output=True, text=True, check=False)
 
 
 class IncludeDirections(unittest.TestCase):
+    def test_those_of_the_tree_are_right(self):
+        result = subprocess.run([sys.executable, '-B', CHECK, SOURCE], capture_output=True, text=True, check=False)
+        self.assertEqual((result.stdout, result.returncode), ('', 0))
+
     def test_arrows_that_point_down_are_let_pass(self):
         for file, include in [
                 ('shell/A.cpp', '"notify/queue/B.h"'),

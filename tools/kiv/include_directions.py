@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""include_directions SOURCE_DIR: the folders use one another one way only.
+"""include_directions.py ROOT: the folders use one another one way only.
 
 Prints each include that points elsewhere, and ends with status 1 when there is one. Includes of ours are written with
-their path from SOURCE_DIR.
+their path from ROOT.
 """
 import re
 import sys

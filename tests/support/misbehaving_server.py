@@ -33,8 +33,8 @@ def chunk(body):
     return b"%x\r\n%s\r\n" % (len(body), body)
 
 
-def noise(rng, most=2000):
-    return rng.randbytes(rng.randrange(most))
+def noise(rng, max_bytes=2000):
+    return rng.randbytes(rng.randrange(max_bytes))
 
 
 def status_line(rng):

@@ -24,7 +24,7 @@ public:
 
     /// `bus` must outlive this object. When `maxWaiting` events of one sender wait to be handled, more of them are
     /// refused: with the error LimitsExceeded, or without a word when the sender wants no reply.
-    AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting = WorkInTurns::kMaxWaiting);
+    AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting = WorkInTurns::defaultMaxWaiting);
     ~AppleEventTransport() override;
 
     /// Receives events from now on: serves the object and owns the bus name, again whenever the bus comes back.

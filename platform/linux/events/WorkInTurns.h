@@ -23,17 +23,18 @@ public:
     using Work = std::function<void()>;
 
     /// What comes next waits once this much of a turn is used up.
-    static constexpr std::chrono::milliseconds kShareOfATurn{5};
+    static constexpr std::chrono::milliseconds defaultShareOfATurn{5};
     /// A client for whom more pieces than that wait floods, and the others need not wait for it: several times the
     /// longest burst that one has reason for.
-    static constexpr std::size_t kMaxInOrder = 1000;
+    static constexpr std::size_t maxInOrder = 1000;
     /// More pieces than that do not wait for one client, so that a flood does not take all memory.
-    static constexpr std::size_t kMaxWaiting = 100'000;
+    static constexpr std::size_t defaultMaxWaiting = 100'000;
 
-    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn, std::size_t maxWaiting = kMaxWaiting);
+    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = defaultShareOfATurn,
+                         std::size_t maxWaiting = defaultMaxWaiting);
 
     /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work is carried out
-    /// in the order in which it came, whoever it is for; only that of a client for whom more than kMaxInOrder pieces
+    /// in the order in which it came, whoever it is for; only that of a client for whom more than maxInOrder pieces
     /// wait comes behind all other until they have become fewer. Work for one client keeps its order in any case.
     /// `work` may run an event loop of its own, in which what waits goes on, and must not throw. False, and `work` is
     /// dropped, when the most that may wait for this client waits already.

@@ -29,8 +29,8 @@ namespace
 
 using namespace std::chrono_literals;
 
-constexpr AEEventClass kClass = fourCharCode("test");
-constexpr AEEventID kID = fourCharCode("numb");
+constexpr AEEventClass numberClass = fourCharCode("test");
+constexpr AEEventID numberID = fourCharCode("numb");
 
 QString ownBusName()
 {
@@ -111,8 +111,8 @@ TEST_F(Transport, ReadsAHandMadeEvent)
 
     ASSERT_EQ(events.size(), 1u);
     const AppleEventContents &event = events.front();
-    EXPECT_EQ(event.eventClass(), kClass);
-    EXPECT_EQ(event.eventID(), kID);
+    EXPECT_EQ(event.eventClass(), numberClass);
+    EXPECT_EQ(event.eventID(), numberID);
     EXPECT_EQ(event.parameters().size(), 4u);
     EXPECT_EQ(valueOf<UInt32>(event, fourCharCode("numb")), 0x01020304u);
     EXPECT_EQ(event.parameter(fourCharCode("numb"))->type, typeUInt32);
@@ -361,7 +361,7 @@ TEST_F(Transport, StartsAndStopsReceivingWithinASecondOnABusThatIsStuck)
 TEST_F(Transport, SendsNothingOnABusThatIsStuck)
 {
     transport.startReceiving();
-    AppleEventContents event(kClass, kID);
+    AppleEventContents event(numberClass, numberID);
     event.target = static_cast<SInt32>(QCoreApplication::applicationPid());
     daemon.suspend();
     EXPECT_EQ(transport.send(event), connectionInvalid);
@@ -388,7 +388,7 @@ TEST_F(Transport, RefusesEventsOfASenderThatHasTooManyWaiting)
     AppleEventTransport narrow(
         ownBus,
         [&handled](const AppleEventContents &) {
-            const QDeadlineTimer end(2 * WorkInTurns::kShareOfATurn, Qt::PreciseTimer);
+            const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
             while (!end.hasExpired()) {
             }
             ++handled;
@@ -463,7 +463,7 @@ private:
 
 AppleEventContents numberedEvent(qint64 target)
 {
-    AppleEventContents event(kClass, kID);
+    AppleEventContents event(numberClass, numberID);
     event.target = static_cast<SInt32>(target);
     const SInt32 number = 7;
     EXPECT_EQ(event.setParameter(fourCharCode("numb"), typeSInt32, &number, sizeof number), noErr);
@@ -585,8 +585,8 @@ TEST_F(Transport, DoesNotTakeSomebodyOnANewBusForTheLastTaker)
 TEST_F(Transport, RefusesAnEventThatCannotTravel)
 {
     const qint64 self = QCoreApplication::applicationPid();
-    EXPECT_EQ(transport.send(AppleEventContents(kClass, kID)), paramErr) << "no target";
-    AppleEventContents event(0, kID);
+    EXPECT_EQ(transport.send(AppleEventContents(numberClass, numberID)), paramErr) << "no target";
+    AppleEventContents event(0, numberID);
     event.target = static_cast<SInt32>(self);
     EXPECT_EQ(transport.send(event), paramErr);
     event = numberedEvent(self);

@@ -77,9 +77,9 @@ public:
     {
         return waitUntil([this] { return m_process.output().contains("up\n"); });
     }
-    [[nodiscard]] bool endsWithin(std::chrono::milliseconds limit)
+    [[nodiscard]] bool endsWithin(std::chrono::milliseconds timeout)
     {
-        return waitUntil([this] { return !m_process.isRunning(); }, limit);
+        return waitUntil([this] { return !m_process.isRunning(); }, timeout);
     }
 
 private:

@@ -5,8 +5,47 @@ import tempfile
 import unittest
 from pathlib import Path
 
+from tools.kiv import include_directions
+
 SOURCE = Path(__file__).resolve().parents[3]
 CHECK = SOURCE / 'tools/kiv/include_directions.py'
+
+# The rooms, and which others each may include from.
+NOTIFY = {
+    'notify/record': [],
+    'notify/text': ['notify/record'],
+    'notify/rules': ['notify/record'],
+    'notify/popup': ['notify/rules', 'notify/text', 'notify/record'],
+    'notify/queue': ['notify/popup', 'notify/rules', 'notify/record'],
+    'notify/feed': ['notify/rules', 'notify/text', 'notify/record'],
+}
+PLATFORM = {
+    'platform/files': [],
+    'platform/data': ['platform/files'],
+    'platform/images': [],
+    'platform/text': [],
+    'platform/alert': [],
+}
+LINUX = {
+    'platform/linux/include': [],
+    'platform/linux/workarounds': ['platform/linux/include'],
+    'platform/linux/bus': ['platform/linux/include', 'platform/linux/workarounds'],
+    'platform/linux/corefoundation': ['platform/linux/include'],
+    'platform/linux/screen': ['platform/linux/include'],
+    'platform/linux/processes': ['platform/linux/include'],
+    'platform/linux/events': ['platform/linux/include', 'platform/linux/processes'],
+    'platform/linux/item': ['platform/linux/include', 'platform/linux/screen', 'platform/linux/workarounds',
+                            'platform/images'],
+}
+OTHERS = {
+    'fetch': [],
+    'menu': [*PLATFORM],
+    'shell': ['menu', *NOTIFY, *PLATFORM],
+    'tools/kivservice': ['shell', 'menu', *PLATFORM, 'platform/linux/include'],
+}
+# What a message is made of knows how its texts are measured and how its dates are kept, and no more of platform/.
+DRAWN = {room: others + (['platform/data', 'platform/text'] if room == 'notify/record' else [*PLATFORM])
+         for room, others in NOTIFY.items()} | PLATFORM | LINUX | OTHERS
 
 
 def check(file, include):
@@ -21,6 +60,25 @@ class IncludeDirections(unittest.TestCase):
     def test_those_of_the_tree_are_right(self):
         result = subprocess.run([sys.executable, '-B', CHECK, SOURCE], capture_output=True, text=True, check=False)
         self.assertEqual((result.stdout, result.returncode), ('', 0))
+
+    def test_an_include_is_right_exactly_where_an_arrow_is_drawn(self):
+        for room in DRAWN:
+            for other in DRAWN:
+                with self.subTest(room=room, other=other):
+                    complaint = include_directions.complaint(f'{room}/A.cpp', f'{other}/B.h')
+                    self.assertEqual(complaint is None, other == room or other in DRAWN[room], complaint)
+
+    def test_each_include_of_the_tree_would_be_wrong_the_other_way_round(self):
+        turned = 0
+        for file, _, included in include_directions.includes(SOURCE):
+            if file.startswith(('tests/', 'bench/', 'fuzz/')) or '/' not in included:
+                continue
+            room, other = (include_directions.room_of(path.rpartition('/')[0], include_directions.ALLOWED)
+                           for path in (file, included))
+            if room != other:
+                self.assertIsNotNone(include_directions.complaint(included, file), f'{included} may include {file}')
+                turned += 1
+        self.assertGreater(turned, 100)
 
     def test_arrows_that_point_down_are_let_pass(self):
         for file, include in [

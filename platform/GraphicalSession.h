@@ -14,8 +14,8 @@ namespace GraphicalSession
 /// pixmap cache, and lets no mouse event reach a closed window. To be called once the application object is there.
 void settle();
 
-/// Runs the application's event loop to its end. Does not return when the session has gone in the middle of it: the
-/// process then ends with status 1.
+/// Runs the application's event loop to its end. When the session ends before the loop does, the process ends here,
+/// with status 1.
 void run();
 
 } // namespace GraphicalSession

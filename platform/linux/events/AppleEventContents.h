@@ -16,8 +16,8 @@ public:
         QByteArray bytes;
     };
 
-    /// The content of one event in bytes, each parameter counted with what it costs on the way. A bus refuses messages
-    /// of more than 128 MiB, and cuts off who sends one.
+    /// The content of one event in bytes, for each parameter `parameterCost` more than its own. A bus disconnects who
+    /// sends a message of more than 128 MiB.
     static constexpr Size maxBytes = Size{32} * 1024 * 1024;
     static constexpr Size parameterCost = 64;
 

@@ -18,8 +18,8 @@ class AppleEventTransport final : public QDBusVirtualObject
     Q_OBJECT
 
 public:
-    /// Handles an event that has come, its sender set, and says how that went. What it throws does not get further: it
-    /// is logged, and the event has failed (errAEEventFailed).
+    /// Handles a received event, whose sender is set, and returns the status. An exception is logged, and the status is
+    /// errAEEventFailed.
     using Handler = std::function<OSErr(AppleEventContents event)>;
 
     /// `bus` must outlive this object. When `maxWaiting` events of one sender wait to be handled, more of them are
@@ -31,7 +31,7 @@ public:
     void startReceiving();
     void stopReceiving();
 
-    /// Sends without waiting. paramErr for an event that cannot travel (no target, or a zero byte in a code);
+    /// Sends without waiting. paramErr for an event that cannot be a message (no target, or a zero byte in a code);
     /// procNotFound, and nothing sent, when the target is no running process or receives no events; connectionInvalid
     /// without a bus that answers. Returns once the bus has the event: one that is sent just before the program ends is
     /// not lost.

@@ -56,7 +56,8 @@ function(kiv_add_tests program)
   endforeach()
 endfunction()
 
-# kiv_add_python_test(<name> <file> [<argument>...]): tests of our Python and bash, which may import what lies in the tree.
+# kiv_add_python_test(<name> <file> [<argument>...]): tests of our Python and bash. They may import what lies in the
+# tree, by its path from the top.
 function(kiv_add_python_test name file)
   add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${ARGN})
   set_tests_properties(${name} PROPERTIES LABELS unit ENVIRONMENT "PYTHONPATH=${CMAKE_SOURCE_DIR}")

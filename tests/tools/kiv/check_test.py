@@ -1,102 +1,147 @@
-"""The checks of ./kiv check that are our own are green on the tree, and red for a seeded fault."""
+"""./kiv check is green on a tree without a fault, and red for one seeded fault of each kind."""
+import os
 import pathlib
 import shutil
 import subprocess
-import sys
 import tempfile
 import unittest
 
-SOURCE = pathlib.Path(__file__).parents[3]
+from tests.tools.kiv.scratch_tree import SOURCE, Tree
+
+# All packages are there, as far as ./kiv can see: a test installs none.
+DPKG_QUERY = """#!/bin/sh
+shift 3
+for name; do echo "installed $name"; done
+"""
+
+METAINFO = """<?xml version="1.0" encoding="UTF-8"?>
+<component type="console-application">
+  <id>org.example.thing</id>
+  <metadata_license>FSFAP</metadata_license>
+  <project_license>MIT</project_license>
+  <name>Thing</name>
+  <summary>Does a thing</summary>
+  <description><p>A thing that does what things do.</p></description>
+  <url type="homepage">https://example.org/</url>
+  <provides><binary>thing</binary></provides>
+  <content_rating type="oars-1.1"/>
+</component>
+"""
+PROPERTY_LIST = '<?xml version="1.0" encoding="UTF-8"?>\n<plist version="1.0"><dict><key>A</key>%s</dict></plist>\n'
+DESKTOP = "[Desktop Entry]\nType=Application\n%sExec=thing\n"
+
+# The program that a document needs, the document, and the same with a fault.
+DOCUMENTS = {
+    "resources/dbus/thing.xml": ("xmllint", "<node><arg/></node>\n", "<node><arg></node>\n"),
+    "docs/images/thing.svg": ("xmllint", "<svg/>\n", "<svg>\n"),
+    "resources/Thing.plist": ("python3", PROPERTY_LIST % "<true/>", PROPERTY_LIST % ""),
+    "resources/Thing.plist.in": ("python3", PROPERTY_LIST % "<string>@B@</string>", PROPERTY_LIST % "<string>@B@"),
+    "resources/thing.desktop": ("desktop-file-validate", DESKTOP % "Name=Thing\n", DESKTOP % ""),
+    "resources/thing.metainfo.xml": ("appstreamcli", METAINFO, METAINFO.replace("<id>org.example.thing</id>", "")),
+}
+
+# What clang-tidy needs: a project with the preset of its name.
+PROJECT = {
+    "CMakeLists.txt": """
+        cmake_minimum_required(VERSION 3.25)
+        project(toy LANGUAGES CXX)
+        add_library(toy shell/A.cpp)
+        """,
+    "CMakePresets.json": """{"version": 4, "configurePresets": [
+        {"name": "check", "generator": "Ninja", "binaryDir": "${sourceDir}/build/${presetName}",
+         "cacheVariables": {"CMAKE_EXPORT_COMPILE_COMMANDS": "ON"}}]}""",
+    ".gitignore": "/build/\n",
+}
+
+WHOLE = "bool isNothing(const int *p);\nbool isNothing(const int *p)\n{\n    return p == nullptr;\n}\n"
 
 
-def run(check, root):
-    return subprocess.run([sys.executable, "-B", SOURCE / "tools/kiv" / check, root], capture_output=True, text=True,
-                          check=False)
-
-
-class Tree(tempfile.TemporaryDirectory):
-    """A git tree of the given files."""
-
-    def __init__(self, files):
-        super().__init__()
-        for name, text in files.items():
-            path = pathlib.Path(self.name, name)
-            path.parent.mkdir(parents=True, exist_ok=True)
-            path.write_text(text, encoding="utf-8")
-        for command in (["init", "--quiet"], ["add", "--all"]):
-            subprocess.run(["git", *command], cwd=self.name, check=True)
-
-
-@unittest.skipUnless(shutil.which("git"), "git lists the files")
-class Links(unittest.TestCase):
-    def test_those_of_the_tree_lead_somewhere(self):
-        self.assertEqual((run("links.py", SOURCE).stdout, run("links.py", SOURCE).returncode), ("", 0))
-
-    def test_a_file_that_is_not_there_is_named(self):
-        with Tree({"A.md": "[there](docs/B.md) [gone](docs/C.md) [site](https://example.org/x)", "docs/B.md": ""}) as root:
-            result = run("links.py", root)
-        self.assertEqual((result.stdout, result.returncode), ("A.md: docs/C.md: no such file\n", 1))
-
-    def test_a_heading_that_is_not_there_is_named(self):
-        with Tree({"A.md": "# One & two\n[here](#one--two) [gone](#three)"}) as root:
-            result = run("links.py", root)
-        self.assertEqual((result.stdout, result.returncode), ("A.md: #three: no such heading\n", 1))
-
-
-@unittest.skipUnless(shutil.which("git"), "git lists the files")
-class Sizes(unittest.TestCase):
-    def test_those_of_the_tree_are_within_the_limits(self):
-        self.assertEqual((run("sizes.py", SOURCE).stdout, run("sizes.py", SOURCE).returncode), ("", 0))
-
-    def test_the_largest_that_are_allowed_pass(self):
-        with Tree({"a/A.cpp": "\n" * 400} | {f"b/{number}.h": "" for number in range(25)}) as root:
-            result = run("sizes.py", root)
-        self.assertEqual((result.stdout, result.returncode), ("", 0))
-
-    def test_a_source_file_that_is_too_long_is_named(self):
-        for name, begin in {"a/A.cpp": "\n", "a/a.bash": "\n", "a/a": "#!/bin/bash\n"}.items():
-            with self.subTest(name), Tree({name: begin + "\n" * 400}) as root:
-                result = run("sizes.py", root)
-                self.assertEqual((result.stdout, result.returncode), (f"{name}: 401 lines, more than 400\n", 1))
-
-    def test_a_folder_that_is_too_full_is_named(self):
-        with Tree({f"a/{number}.h": "" for number in range(26)}) as root:
-            result = run("sizes.py", root)
-        self.assertEqual((result.stdout, result.returncode), ("a: 26 source files, more than 25\n", 1))
-
-    def test_tests_and_what_is_no_source_do_not_count(self):
-        with Tree({"tests/A.cpp": "\n" * 401, "a/A.md": "\n" * 401, "a/A.xml": "\n" * 401, "a/LICENSE": "\n" * 401} |
-                  {f"tests/{number}.h": "" for number in range(26)} |
-                  {f"b/{number}.xml": "" for number in range(26)}) as root:
-            result = run("sizes.py", root)
-        self.assertEqual((result.stdout, result.returncode), ("", 0))
+def tracked(*names):
+    """Those files of the tree, or all, by name."""
+    listed = subprocess.run(["git", "ls-files", "-z", *names], cwd=SOURCE, capture_output=True, text=True, check=True)
+    return {name: (SOURCE / name).read_bytes() for name in listed.stdout.split("\0") if (SOURCE / name).is_file()}
 
 
 @unittest.skipUnless(shutil.which("git"), "git lists the files")
-class ReservedWords(unittest.TestCase):
-    def test_all_stand_in_the_tree_as_others_know_them(self):
-        self.assertEqual((run("reserved_words.py", SOURCE).stdout, run("reserved_words.py", SOURCE).returncode), ("", 0))
+class Check(unittest.TestCase):
+    def setUp(self):
+        self.programs = tempfile.TemporaryDirectory()
+        self.addCleanup(self.programs.cleanup)
+        dpkg_query = pathlib.Path(self.programs.name, "dpkg-query")
+        dpkg_query.write_text(DPKG_QUERY)
+        dpkg_query.chmod(0o755)
 
-    def test_one_that_is_gone_is_named(self):
-        with Tree({"shell/A.cpp": "void f();"}) as root:
-            result = run("reserved_words.py", root)
-        self.assertIn("nowhere any more: recieveNotifications\n", result.stdout)
-        self.assertEqual(result.returncode, 1)
+    def needs(self, *programs):
+        missing = [program for program in programs if not shutil.which(program)]
+        if missing:
+            self.skipTest("not installed: " + ", ".join(missing))
 
-    def test_one_that_was_put_right_is_named_with_its_place(self):
-        with Tree({"shell/A.cpp": "int a;\nvoid receive" + "Notifications();"}) as root:
-            result = run("reserved_words.py", root)
-        self.assertIn("shell/A.cpp:2:", result.stdout)
+    def tree(self, files):
+        tree = Tree(files)
+        self.addCleanup(tree.cleanup)
+        return tree
 
-    def test_a_name_of_the_product_outside_its_header_is_named_with_its_place(self):
-        with Tree({"menu/A.cpp": '#include "menu/Kivune.h"\n// The "Kivune" of old.\nint a;\nauto t = u"The Kivune menu";',
-                   "notify/queue/B.cpp": 'auto folder = "com.tamborel.other"; // of "Kivune"',
-                   "menu/ProductTexts.h": 'auto t = u"Kivune";', "tests/C.cpp": 'auto t = u"Kivune";'}) as root:
-            result = run("reserved_words.py", root)
-        strewn = [line for line in result.stdout.splitlines() if line.startswith(("menu/", "notify/", "tests/"))]
-        self.assertEqual(strewn, ['menu/A.cpp:4: auto t = u"The Kivune menu";',
-                                  'notify/queue/B.cpp:1: auto folder = "com.tamborel.other"; // of "Kivune"'])
+    def small_tree(self, files):
+        """The script, and only these files beside it."""
+        return self.tree(tracked("kiv", "tools/kiv", ".ci", "fuzz/run", "resources/make-images", ".clang-format",
+                                 ".clang-tidy") | files)
+
+    def check(self, tree, name):
+        return subprocess.run(["bash", "kiv", "check", name], cwd=tree.name, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, text=True, check=False, timeout=300,
+                              env=os.environ | {"PATH": f"{self.programs.name}:{os.environ['PATH']}"})
+
+    def assertNotices(self, name, tree, fault, said):
+        """Green without the fault; and red with it, for a reason that is said."""
+        sound = self.check(tree, name)
+        self.assertEqual(sound.returncode, 0, sound.stdout)
+        self.assertIn("The tree is in order.", sound.stdout)
+        tree.add(fault)
+        faulty = self.check(tree, name)
+        self.assertEqual(faulty.returncode, 1, faulty.stdout)
+        self.assertIn(f"the tree is not in order: {name}\n", faulty.stdout)
+        self.assertIn(said, faulty.stdout)
+
+    def test_a_line_that_clang_format_would_write_otherwise(self):
+        self.needs("clang-format")
+        self.assertNotices("format", self.small_tree({"shell/A.cpp": WHOLE}),
+                           {"shell/A.cpp": WHOLE.replace("== n", "==  n")}, "shell/A.cpp:4:")
+
+    def test_a_variable_that_a_script_splits_into_words(self):
+        self.needs("shellcheck")
+        for script in ("tools/kiv/more.bash", "resources/make-images"):
+            with self.subTest(script):
+                tree = self.small_tree({"tools/kiv/more.bash": "more() { rm \"$1\"; }\n"})
+                self.assertNotices("scripts", tree, {script: "#!/bin/bash\nmore() { rm $1; }\n"}, "SC2086")
+
+    def test_a_document_that_its_reader_would_refuse(self):
+        for name, (program, whole, faulty) in DOCUMENTS.items():
+            with self.subTest(name):
+                self.needs(program)
+                self.assertNotices("documents", self.small_tree({name: whole}), {name: faulty}, pathlib.Path(name).stem)
+
+    def test_what_clang_tidy_finds(self):
+        self.needs("cmake", "ninja", "c++", "clang-tidy", "run-clang-tidy")
+        self.assertNotices("tidy", self.small_tree(PROJECT | {"shell/A.cpp": WHOLE}),
+                           {"shell/A.cpp": WHOLE.replace("nullptr", "0")}, "modernize-use-nullptr")
+
+    def test_an_include_against_the_arrows(self):
+        self.assertNotices("includes", self.small_tree({"menu/A.cpp": '#include "platform/B.h"\n'}),
+                           {"menu/A.cpp": '#include "notify/queue/B.h"\n'}, "menu/A.cpp:1: notify/queue/B.h")
+
+    def test_a_file_that_is_too_long(self):
+        self.assertNotices("sizes", self.small_tree({"menu/A.cpp": "\n" * 400}), {"menu/A.cpp": "\n" * 401},
+                           "menu/A.cpp: 401 lines")
+
+    def test_a_link_to_nowhere(self):
+        self.assertNotices("links", self.small_tree({"A.md": "[here](kiv)"}), {"A.md": "[there](B.md)"}, "A.md: B.md")
+
+    def test_a_word_that_others_know_and_a_mutant_whose_rule_has_gone(self):
+        whole = tracked()
+        self.assertNotices("words", self.tree(whole), {"menu/A.cpp": "void receive" + "Notifications();\n"},
+                           "menu/A.cpp:1:")
+        self.assertNotices("mutants", self.tree(whole), {"menu/DisplayModes.cpp": b"\n"}, "DisplayModes.cpp")
 
 
 if __name__ == "__main__":
-    unittest.main()
+    unittest.main(verbosity=2) # Which says what is skipped, and why.

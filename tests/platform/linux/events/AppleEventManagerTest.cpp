@@ -306,7 +306,7 @@ TEST_F(AppleEventManager, RemovesAHandlerWithinASecondWhenTheBusIsStuck)
     EXPECT_FALSE(isNameOwned());
 }
 
-TEST_F(AppleEventManager, TakesEventsWhileAHandlerIsInstalled)
+TEST_F(AppleEventManager, ReceivesEventsWhileAHandlerIsInstalled)
 {
     std::vector<Size> sizes;
     EXPECT_EQ(Event(self).send(), procNotFound);

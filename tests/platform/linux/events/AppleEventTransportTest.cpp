@@ -123,7 +123,7 @@ TEST_F(Transport, ReadsAHandMadeEvent)
     EXPECT_EQ(event.sender, std::optional<SInt32>(QCoreApplication::applicationPid()));
 }
 
-TEST_F(Transport, TakesACallThatNamesNoInterface)
+TEST_F(Transport, ReceivesACallThatNamesNoInterface)
 {
     transport.startReceiving();
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -167,7 +167,7 @@ TEST_F(Transport, RefusesWhatIsNoEvent)
         EXPECT_EQ(QDBusError(call(message)).type(), QDBusError::InvalidArgs) << qPrintable(message.signature());
         ASSERT_TRUE(peer.connection().send(message));
     }
-    // All of the silent ones have been taken once this is answered.
+    // All of the silent ones have been received once this is answered.
     EXPECT_EQ(call(rawEvent(ownBusName(), four, four)).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(events.size(), 1u);
 }
@@ -368,7 +368,7 @@ TEST_F(Transport, SendsNothingOnABusThatIsStuck)
     daemon.resume();
 }
 
-TEST_F(Transport, TakesTwentyThousandEventsInOrder)
+TEST_F(Transport, HandlesTwentyThousandEventsInOrder)
 {
     transport.startReceiving();
     constexpr int count = 20'000;
@@ -415,7 +415,7 @@ TEST_F(Transport, RefusesEventsOfASenderThatHasTooManyWaiting)
     EXPECT_EQ(handled, 3);
 }
 
-TEST_F(Transport, TakesAnEventWithinMilliseconds)
+TEST_F(Transport, HandlesAnEventWithinMilliseconds)
 {
     transport.startReceiving();
     constexpr std::size_t count = 500;
@@ -437,7 +437,7 @@ TEST_F(Transport, TakesAnEventWithinMilliseconds)
     EXPECT_LT(median, 50'000'000);
 }
 
-/// Takes calls of Send on a connection of its own and keeps them as they came.
+/// Receives calls of Send on a connection of its own and keeps them as they came.
 class RawReceiver final : public QDBusVirtualObject
 {
 public:
@@ -497,7 +497,7 @@ TEST(AppleEventMessage, StartsNoService)
     EXPECT_FALSE(message->autoStartService());
 }
 
-TEST_F(Transport, SendsNothingToWhoTakesNoEvents)
+TEST_F(Transport, SendsNothingToWhoReceivesNoEvents)
 {
     // Everything that is on the bus for these names would come here.
     ChildProcess other;
@@ -520,7 +520,7 @@ TEST_F(Transport, SendsNothingToWhoTakesNoEvents)
     EXPECT_EQ(impostor.messages.front().arguments().at(0), QVariant(QStringLiteral("last")));
 }
 
-TEST_F(Transport, FindsATakerAgainThatHasChangedItsConnection)
+TEST_F(Transport, FindsATargetAgainThatHasChangedItsConnection)
 {
     const qint64 self = QCoreApplication::applicationPid();
     BusPeer first(daemon);
@@ -541,7 +541,7 @@ TEST_F(Transport, FindsATakerAgainThatHasChangedItsConnection)
     EXPECT_TRUE(waitUntil([&] { return !receiver.messages.empty() && !third.messages.empty(); }));
 }
 
-TEST_F(Transport, SaysInTimeThatTheBusIsStuckAlsoForAKnownTaker)
+TEST_F(Transport, SaysInTimeThatTheBusIsStuckAlsoForAKnownTarget)
 {
     const qint64 self = QCoreApplication::applicationPid();
     const RawReceiver receiver(peer.connection(), ownBusName());
@@ -555,15 +555,15 @@ TEST_F(Transport, SaysInTimeThatTheBusIsStuckAlsoForAKnownTaker)
     EXPECT_EQ(transport.send(numberedEvent(self)), noErr);
 }
 
-TEST_F(Transport, DoesNotTakeSomebodyOnANewBusForTheLastTaker)
+TEST_F(Transport, DoesNotMistakeSomebodyOnANewBusForTheLastTarget)
 {
     const qint64 self = QCoreApplication::applicationPid();
-    auto taker = std::make_unique<BusPeer>(daemon);
-    auto receiver = std::make_unique<RawReceiver>(taker->connection(), ownBusName());
+    auto target = std::make_unique<BusPeer>(daemon);
+    auto receiver = std::make_unique<RawReceiver>(target->connection(), ownBusName());
     ASSERT_EQ(transport.send(numberedEvent(self)), noErr);
-    const QString takersName = taker->name();
+    const QString targetsName = target->name();
     receiver.reset();
-    taker.reset();
+    target.reset();
     daemon.stop();
     ASSERT_TRUE(waitUntil([&] { return !bus.isConnected(); }));
     ASSERT_TRUE(daemon.start());
@@ -574,10 +574,10 @@ TEST_F(Transport, DoesNotTakeSomebodyOnANewBusForTheLastTaker)
     do {
         others.push_back(std::make_unique<BusPeer>(daemon));
         ASSERT_LT(others.size(), 100u);
-    } while (others.back()->name() != takersName);
+    } while (others.back()->name() != targetsName);
     const RawReceiver stranger(others.back()->connection(), QStringLiteral("com.example.Stranger"));
     EXPECT_EQ(transport.send(numberedEvent(self)), procNotFound);
-    ASSERT_TRUE(bus.connection().send(rawEvent(takersName, QStringLiteral("last"), QStringLiteral("last"))));
+    ASSERT_TRUE(bus.connection().send(rawEvent(targetsName, QStringLiteral("last"), QStringLiteral("last"))));
     ASSERT_TRUE(waitUntil([&] { return !stranger.messages.empty(); }));
     EXPECT_EQ(stranger.messages.front().arguments().at(0), QVariant(QStringLiteral("last")));
 }

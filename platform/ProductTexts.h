@@ -22,7 +22,7 @@ inline constexpr QLatin1String bundleFolder("../share/kivmenua");
 /// The X selection, with the screen's number after it, by which one agent keeps another out of the same display.
 inline constexpr char lockSelection[] = "_KIVMENUA_S";
 
-/// Where on the session bus a process takes events: the bus name, to which its process ID is added, and the object.
+/// Where on the session bus a process receives events: the bus name, to which its process ID is added, and the object.
 inline constexpr QLatin1String eventBusName("com.tamborel.kivune.p");
 inline constexpr QLatin1String eventObjectPath("/com/tamborel/kivune/AppleEvents");
 inline constexpr QLatin1String eventInterface("com.tamborel.kivune.AppleEvents");

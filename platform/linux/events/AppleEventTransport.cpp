@@ -73,7 +73,7 @@ AppleEventTransport::AppleEventTransport(SessionBus &bus, Handler handler, std::
     : m_bus(bus)
     , m_handler(std::move(handler))
     , m_peers(bus)
-    , m_incoming(WorkInTurns::kShareOfATurn, maxWaiting)
+    , m_incoming(WorkInTurns::defaultShareOfATurn, maxWaiting)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::registerOnBus);
     // Another bus counts its unique names from the start again.
@@ -221,7 +221,7 @@ OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chr
 QString AppleEventTransport::introspect(const QString &) const
 {
     // Qt writes the node around it.
-    const QString contract = QString::fromUtf8(kAppleEventsContract);
+    const QString contract = QString::fromUtf8(appleEventsContract);
     const QString end = QStringLiteral("</interface>\n");
     const qsizetype from = contract.indexOf(QStringLiteral("  <interface "));
     return contract.mid(from, contract.indexOf(end) + end.size() - from);

@@ -30,8 +30,8 @@ bool WorkInTurns::carryOut(const QString &client, Work work)
     if (waiting >= m_maxWaiting) {
         return false;
     }
-    if (waiting == kMaxInOrder) {
-        qCDebug(linkLog) << "more than" << kMaxInOrder << "events of" << client << "wait: the others come first";
+    if (waiting == maxInOrder) {
+        qCDebug(linkLog) << "more than" << maxInOrder << "events of" << client << "wait: the others come first";
     }
     std::deque<Piece> &pieces = m_waiting[client];
     pieces.push_back({m_pieces++, std::move(work)});
@@ -80,5 +80,5 @@ WorkInTurns::Work WorkInTurns::takeNext()
 
 WorkInTurns::Order &WorkInTurns::orderOfWhoHas(std::size_t waiting)
 {
-    return waiting > kMaxInOrder ? m_flooding : m_next;
+    return waiting > maxInOrder ? m_flooding : m_next;
 }

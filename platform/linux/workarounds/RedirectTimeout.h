@@ -1,6 +1,6 @@
 #pragma once
 
-// The cure itself is limitSilence() in fetch/FeedFetch.cpp: kivfetch uses nothing of ours. Nobody includes this.
+// The cure itself is abortOnceSilentFor() in fetch/FeedFetch.cpp: kivfetch uses nothing of ours. Nobody includes this.
 //
 // Symptom: a request with QNetworkRequest::setTransferTimeout is not given up any more once it has been redirected: a
 //   server that is silent from there on holds it for ever.

@@ -85,9 +85,9 @@ public:
     {
         return waitUntil([this] { return m_process.output().contains("up\n"); });
     }
-    [[nodiscard]] bool endsWithin(std::chrono::milliseconds limit)
+    [[nodiscard]] bool endsWithin(std::chrono::milliseconds timeout)
     {
-        return waitUntil([this] { return !m_process.isRunning(); }, limit);
+        return waitUntil([this] { return !m_process.isRunning(); }, timeout);
     }
 
 private:
@@ -178,7 +178,7 @@ TEST_F(WorkaroundNeed, FreedMemoryOfXlib)
     tell("FreedMemoryOfXlib", before > after + ofFewWindows);
 }
 
-TEST_F(WorkaroundNeed, PictureCache)
+TEST_F(WorkaroundNeed, PixmapCache)
 {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer has an allocator of its own";
@@ -193,7 +193,7 @@ TEST_F(WorkaroundNeed, PictureCache)
     QPixmapCache::clear();
     const std::size_t after = heapInUse();
     constexpr std::size_t ofFewPictures = 20'000;
-    tell("PictureCache", before > after + ofFewPictures);
+    tell("PixmapCache", before > after + ofFewPictures);
 }
 
 TEST_F(WorkaroundNeed, MenuMouse)

@@ -1,12 +1,14 @@
 """Whoever starts a test starts it in the environment of tests/environment. environment_test.py BUILD"""
 
 import json
+import pathlib
 import subprocess
 import sys
 import unittest
 
-from tests.tools.kiv.scratch_tree import SOURCE
-from tools.kiv import mutate
+SOURCE = pathlib.Path(__file__).resolve().parents[3]
+sys.path.insert(0, str(SOURCE / "tools/kiv"))
+import mutate  # noqa: E402 pylint: disable=wrong-import-position
 
 WANTED = [line for line in (SOURCE / "tests/environment").read_text(encoding="utf-8").splitlines() if line[0] != "#"]
 BUILD = sys.argv.pop()

@@ -166,7 +166,7 @@ OSErr AppleEventTransport::send(const AppleEventContents &event)
     // the event itself.
     if (isKnown) {
         if (const OSErr error = sendToTarget(*message); error != procNotFound) {
-            return error == noErr ? noErr : notSentAsTheBusIsSilent(*event.target);
+            return error == noErr ? error : notSentAsTheBusIsSilent(*event.target);
         }
     }
     if (!isRunningProcess(*event.target)) {

@@ -109,9 +109,9 @@ void AppleEventTransport::registerOnBus()
     QDBusConnection connection = m_bus.connection();
     // The object first: who sees the name may call at once.
     if (!connection.registerVirtualObject(eventObjectPath(), this) || !m_bus.requestName(ownBusName())) {
-        qCWarning(linkLog, "cannot take events on the session bus: the service is not heard");
+        qCWarning(linkLog, "cannot receive events on the session bus: the service is not heard");
     } else {
-        qCDebug(linkLog) << "takes events as" << ownBusName();
+        qCDebug(linkLog) << "receives events as" << ownBusName();
     }
 }
 
@@ -131,7 +131,7 @@ OSErr AppleEventTransport::findTarget(SInt32 pid)
     m_target.reset();
     const QString uniqueName = m_bus.ownerOf(eventBusName(pid));
     if (uniqueName.isEmpty()) {
-        return uniqueName.isNull() ? notSentAsTheBusIsSilent(pid) : notSent(pid, procNotFound, "it takes no events");
+        return uniqueName.isNull() ? notSentAsTheBusIsSilent(pid) : notSent(pid, procNotFound, "it receives no events");
     }
     const std::optional<qint64> owner = m_bus.processOf(uniqueName);
     if (owner != pid) {
@@ -203,7 +203,7 @@ OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage
     // process that it is not gets nothing.
     const std::optional<qint64> owner = m_bus.processOf(eventBusName(target));
     if (owner != target) {
-        return owner ? notSent(target, procNotFound, "it takes no events") : notSentAsTheBusIsSilent(target);
+        return owner ? notSent(target, procNotFound, "it receives no events") : notSentAsTheBusIsSilent(target);
     }
     message = *call;
     return noErr;

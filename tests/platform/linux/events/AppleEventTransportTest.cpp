@@ -617,7 +617,7 @@ TEST_F(Transport, SaysWhyNothingGoesToAProcess)
     const std::string none = "kiv.link: nothing goes to process 0: it does not run";
     EXPECT_THAT(linesOf(numberedEvent(0)), ElementsAre(none, none));
     const std::string noMessage = "kiv.link: nothing goes to process 0: this event cannot be a message";
-    EXPECT_THAT(linesOf(AppleEventContents(kClass, kID)), ElementsAre(noMessage, noMessage));
+    EXPECT_THAT(linesOf(AppleEventContents(numberClass, numberID)), ElementsAre(noMessage, noMessage));
     EXPECT_THAT(linesOf(numberedEvent(self)),
                 ElementsAre(toThis + "it receives no events", toThis + "it receives no events"));
     const std::string toOther = "kiv.link: nothing goes to process " + std::to_string(other.pid()) + ": ";

@@ -1,5 +1,7 @@
 #include "shell/TerminationSignals.h"
 
+#include "platform/LogCategories.h"
+
 #include <QCoreApplication>
 
 #include <cerrno>
@@ -52,6 +54,7 @@ TerminationSignals::TerminationSignals()
         char bytes[16];
         while (::read(m_pipe[0], bytes, sizeof bytes) > 0) {
         }
+        qCDebug(agentLog, "a signal asks it to end");
         QCoreApplication::exit();
     });
     wakeUp = m_pipe[1];

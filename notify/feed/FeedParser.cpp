@@ -99,6 +99,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
             return Outcome::EndOfDocument;
         case QXmlStreamReader::DTD:
             if (hasRoot) { // Qt takes one behind it, too.
+                qCDebug(feedLog, "the document is malformed: its type stands behind its beginning");
                 return Outcome::Malformed;
             }
             break;

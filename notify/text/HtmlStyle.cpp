@@ -79,8 +79,8 @@ bool isZero(const QString &value)
 QString harmlessFamily(QString text)
 {
     static const QRegularExpression harmful(QStringLiteral("[^A-Za-z0-9 ,-]"));
-    constexpr qsizetype longest = 80;
-    return text.remove(harmful).left(longest).simplified();
+    constexpr qsizetype maxLength = 80;
+    return text.remove(harmful).left(maxLength).simplified();
 }
 
 QString knownAlignment(const QString &text)

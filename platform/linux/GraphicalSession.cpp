@@ -7,9 +7,10 @@
 #include "platform/linux/workarounds/LateMouseEvents.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
 #include "platform/linux/workarounds/MenuMouse.h"
-#include "platform/linux/workarounds/PictureCache.h"
+#include "platform/linux/workarounds/PixmapCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
+#include "platform/linux/workarounds/SilentBus.h"
 #include "platform/linux/workarounds/SuddenExit.h"
 
 #include <QApplication>
@@ -17,7 +18,6 @@
 #include <xcb/xfixes.h>
 
 #include <csignal>
-#include <cstdlib>
 
 QString GraphicalSession::prepare()
 {
@@ -70,13 +70,11 @@ void GraphicalSession::settle()
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();
     MenuMouse::follow();
-    keepQtFromCachingPictures();
+    keepQtFromCachingPixmaps();
 }
 
 void GraphicalSession::run()
 {
     const SuddenExit whenTheServerDies;
-    if (QApplication::exec() != EXIT_SUCCESS) {
-        std::exit(EXIT_FAILURE); // When the server has died, Qt 6.11 leaves the loop where Qt 6.8 ends the process.
-    }
+    SuddenExit::afterLoop(QApplication::exec());
 }

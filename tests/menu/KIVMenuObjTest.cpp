@@ -9,6 +9,8 @@
 #include "tests/menu/ModeList.h"
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/FakeInput.h"
+#include "tests/support/LogLines.h"
+#include "tests/support/MainDisplaySize.h"
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Carbon.h>
@@ -21,6 +23,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -184,12 +187,6 @@ std::optional<AlertTexts> alertFrom(const std::function<void()> &action, const s
     look.start(1ms);
     action();
     return texts;
-}
-
-QSize sizeOfDisplay()
-{
-    const CGRect bounds = CGDisplayBounds(CGMainDisplayID());
-    return {static_cast<int>(bounds.size.width), static_cast<int>(bounds.size.height)};
 }
 
 std::string outline(const QMenu &menu, const std::string &indent = {})
@@ -433,7 +430,7 @@ TEST_F(KIVMenuObjTest, ListsNothingWhileTheResolutionEntryIsDisabled)
     EXPECT_EQ(outline(*item(32809)->menu()), "Not available -1\n");
     QAction *stale = menu.addSubItem(item(32809), QStringLiteral("800 x 600"), {}, 0, false, true, false);
     EXPECT_FALSE(alertFrom([&] { menu.onMenuAction(stale); }));
-    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800)) << "a list that is gone was used";
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800)) << "a list that is gone was used";
 }
 
 TEST_F(KIVMenuObjTest, ShowsThePlaceholderForADisplayThatTellsNoModesButNothingForOneWithNoUsableMode)
@@ -445,6 +442,22 @@ TEST_F(KIVMenuObjTest, ShowsThePlaceholderForADisplayThatTellsNoModesButNothingF
     EXPECT_EQ(outline(*resolution.menu()), "Not available -1\n");
     fill({{1, 600}, {800, 0}});
     EXPECT_EQ(outline(*resolution.menu()), "");
+}
+
+TEST_F(KIVMenuObjTest, SaysWhyThereIsNoSizeToChoose)
+{
+    LogLines log;
+    menu.updResolutions();
+    EXPECT_THAT(log.take(), testing::Contains("kiv.item: no display sizes to choose from: the service has not made "
+                                              "the item active"));
+    QAction &resolution = *item(32809);
+    resolution.setEnabled(true);
+    menu.fillResolutions(resolution, nullptr, {1280, 800});
+    EXPECT_THAT(log.take(), testing::Contains("kiv.item: no display sizes to choose from: the display tells none"));
+    fill({{800, 600}});
+    QAction *stale = menu.addSubItem(&resolution, QStringLiteral("stale"), {}, 7, false, true, false);
+    menu.onMenuAction(stale);
+    EXPECT_THAT(log.take(), testing::Contains("kiv.item: there is no display size 7 any more"));
 }
 
 TEST_F(KIVMenuObjTest, ChecksTheCurrentSizeIfItIsListed)
@@ -476,7 +489,7 @@ TEST_F(KIVMenuObjTest, IgnoresASizeWhoseIndexIsOutOfRange)
         QAction *stale = menu.addSubItem(item(32809), QStringLiteral("stale"), {}, index, false, true, false);
         EXPECT_FALSE(alertFrom([&] { menu.onMenuAction(stale); })) << index;
     }
-    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800));
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800));
 }
 
 TEST_F(KIVMenuObjTest, IgnoresAnEntryThatWentBeforeItsTurnCame)
@@ -501,7 +514,7 @@ TEST_F(KIVMenuObjTest, SaysThatASwitchHasFailedAndDisablesTheItemMeanwhile)
     EXPECT_EQ(alert->buttons, QStringList{QStringLiteral("Ok")});
     EXPECT_TRUE(menu.statusItem()->isEnabled());
     EXPECT_TRUE(procedureCalls.empty());
-    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800));
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800));
 }
 
 TEST_F(KIVMenuObjTest, SaysNothingForTheSizeThatTheDisplayHas)
@@ -563,6 +576,20 @@ TEST(MenuSurroundings, LetTheItemSettleForTenSecondsInTheSessionAsItIs)
 TEST(MenuSurroundings, HoldTheItemInItsPlaceOnADisplayForRemoteViewers)
 {
     EXPECT_TRUE(is_hidden()) << "the display is one, and no other session is known";
+}
+
+TEST_F(KIVMenuObjTest, SaysWhetherItRemembersTheItemsPlace)
+{
+    menu.setFlags(2);
+    ASSERT_TRUE(waitUntil([&] { return menu.trayX() != 0; }));
+    LogLines log;
+    menu.saveTrayX();
+    EXPECT_THAT(log.take(), testing::ElementsAre("kiv.item: the item's place is remembered: " +
+                                                 std::to_string(static_cast<int>(menu.trayX())) + " from the right"));
+    sessionIsHidden = false;
+    menu.saveTrayX();
+    EXPECT_THAT(log.take(), testing::ElementsAre("kiv.item: the item's place is not remembered: the session is at the "
+                                                 "console, or not known"));
 }
 
 TEST_F(KIVMenuObjTest, RemembersNothingOnTheConsole)

@@ -1,3 +1,5 @@
+#include "platform/FourCharCode.h"
+#include "platform/LogCategories.h"
 #include "platform/linux/events/AppleEventContents.h"
 #include "platform/linux/events/AppleEventTransport.h"
 #include "platform/linux/include/SessionBus.h"
@@ -29,6 +31,8 @@ struct Manager {
     {
         const auto it = handlers.find({event.eventClass(), event.eventID()});
         if (it == handlers.end()) {
+            qCDebug(linkLog, "refused an event %s %s: it has no handler", fourCharText(event.eventClass()).constData(),
+                    fourCharText(event.eventID()).constData());
             return errAEEventNotHandled;
         }
         // A copy, for the handler may remove itself.
@@ -111,7 +115,7 @@ OSErr AECreateDesc(DescType type, const void *data, Size size, AEDesc *result)
     if (!isReadable(data, size)) {
         return paramErr;
     }
-    if (size > AppleEventContents::kMaxBytes) {
+    if (size > AppleEventContents::maxBytes) {
         return memFullErr;
     }
     return setDesc(result, type, QByteArray(static_cast<const char *>(data), size));

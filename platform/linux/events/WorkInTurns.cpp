@@ -30,8 +30,8 @@ bool WorkInTurns::carryOut(const QString &client, Work work)
     if (waiting >= m_maxWaiting) {
         return false;
     }
-    if (waiting == kMaxInOrder) {
-        qCDebug(linkLog) << "more than" << kMaxInOrder << "events of" << client << "wait: the others come first";
+    if (waiting == maxInOrder) {
+        qCDebug(linkLog) << "more than" << maxInOrder << "events of" << client << "wait: the others come first";
     }
     std::deque<Piece> &pieces = m_waiting[client];
     pieces.push_back({m_pieces++, std::move(work)});

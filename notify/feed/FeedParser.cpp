@@ -7,6 +7,7 @@
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
 #include "platform/LogCategories.h"
+#include "platform/data/CrowdedTag.h"
 #include "platform/data/StringValues.h"
 
 #include <QXmlStreamReader>
@@ -19,7 +20,6 @@
 namespace
 {
 
-constexpr int maxAttributes = 64;
 constexpr int maxLevels = 100;
 constexpr int maxMessages = 10'000;
 
@@ -68,7 +68,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
 {
     QXmlStreamReader reader;
     reader.setNamespaceProcessing(false);
-    const FeedDocument document = feedDocument(bytes, maxAttributes);
+    const FeedDocument document = feedDocument(bytes, maxXmlAttributes);
     reader.addData(document.text);
     bool hasRoot = false;
     int levels = 0;

@@ -58,9 +58,9 @@ int runAndCompare(int argc, char **argv, std::span<const Ratio> ratios)
         const double median = values[values.size() / 2];
         std::printf("%-28s %-28s %8.2f %8.2f %8.2f", ratio.ours.c_str(), ratio.other.c_str(), median, values.front(),
                     values.back());
-        if (ratio.limit) {
-            const bool isAbove = median > *ratio.limit;
-            std::printf(" %8.2f%s", *ratio.limit, isAbove ? "  too slow" : "");
+        if (ratio.maxMedian) {
+            const bool isAbove = median > *ratio.maxMedian;
+            std::printf(" %8.2f%s", *ratio.maxMedian, isAbove ? "  too slow" : "");
             isGoodEnough = isGoodEnough && !isAbove;
         }
         std::printf("\n");

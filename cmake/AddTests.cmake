@@ -40,6 +40,10 @@ function(kiv_add_tests program)
   if(T_DEPENDS)
     add_dependencies(${program} ${T_DEPENDS})
   endif()
+  set(environment LC_ALL=C.UTF-8 TZ=UTC QT_QPA_PLATFORM=offscreen DISPLAY=
+    DBUS_SESSION_BUS_ADDRESS=disabled: DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent XDG_RUNTIME_DIR=
+    ASAN_OPTIONS=detect_leaks=1
+    LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0)
   list(FILTER T_FILES INCLUDE REGEX "Test\\.cpp$")
   foreach(file IN LISTS T_FILES)
     kiv_suites_of(${file} filter)
@@ -48,8 +52,15 @@ function(kiv_add_tests program)
     set_tests_properties(${T_PREFIX}${name} PROPERTIES
       TIMEOUT ${T_TIMEOUT}
       LABELS "${T_LABEL}"
-      ENVIRONMENT "LC_ALL=C.UTF-8;TZ=UTC;QT_QPA_PLATFORM=offscreen;DISPLAY=;DBUS_SESSION_BUS_ADDRESS=disabled:;DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent;XDG_RUNTIME_DIR=;ASAN_OPTIONS=detect_leaks=1;LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0")
+      ENVIRONMENT "${environment}")
   endforeach()
+endfunction()
+
+# kiv_add_python_test(<name> <file> [<argument>...]): tests of our Python and bash. They may import what lies in the
+# tree, by its path from the top.
+function(kiv_add_python_test name file)
+  add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${ARGN})
+  set_tests_properties(${name} PROPERTIES LABELS unit ENVIRONMENT "PYTHONPATH=${CMAKE_SOURCE_DIR}")
 endfunction()
 
 # The filter that selects the suites of a file of tests, those of its instantiations included. A suite lies in one file.

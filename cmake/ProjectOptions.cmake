@@ -14,9 +14,9 @@ if(CMAKE_UNITY_BUILD)
     $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endif()
 
-# kiv_compile_alone(<target> <file>...): not several at a time. A file needs it whose functions tests replace by their own,
-# for what is compiled with it would bring the replaced ones along; and one that includes Xlib, whose macros ("None",
-# "Status") break what is compiled after it.
+# kiv_compile_alone(<target> <file>...): not several at a time. Two kinds of file need it: a file whose functions tests
+# replace by their own, because what is compiled with it would bring the replaced ones along; and a file that includes
+# Xlib, whose macros ("None", "Status") break what is compiled after it.
 function(kiv_compile_alone target)
   set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()

@@ -41,7 +41,7 @@ QNetworkRequest plainRequest(const QUrl &address)
 
 /// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect (seen in
 /// 6.4), after which a silent server would hold the request for ever.
-void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeout)
+void abortOnceSilentFor(QNetworkReply *connection, std::chrono::milliseconds timeout)
 {
     auto *const silence = new QTimer(connection);
     silence->setSingleShot(true);
@@ -55,12 +55,12 @@ void limitSilence(QNetworkReply *connection, std::chrono::milliseconds timeout)
 }
 
 /// However steadily it trickles in.
-void limitWhole(QNetworkReply *connection, std::chrono::milliseconds limit)
+void abortAfter(QNetworkReply *connection, std::chrono::milliseconds maxDuration)
 {
     auto *const whole = new QTimer(connection);
     whole->setSingleShot(true);
     whole->callOnTimeout(connection, &QNetworkReply::abort);
-    whole->start(limit);
+    whole->start(maxDuration);
 }
 
 /// Nothing for other arguments than the two.
@@ -107,8 +107,8 @@ void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDurati
     network.setProxy(QNetworkProxy::NoProxy);
     QNetworkReply *const connection = network.get(plainRequest(address));
     connection->setReadBufferSize(readBuffer);
-    limitSilence(connection, *timeout);
-    limitWhole(connection, maxDuration);
+    abortOnceSilentFor(connection, *timeout);
+    abortAfter(connection, maxDuration);
     QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
     QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection] { write(connection->readAll()); });
     QObject::connect(

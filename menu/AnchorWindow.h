@@ -3,8 +3,8 @@
 #include <QPoint>
 #include <QWidget>
 
-/// The invisible window that the status menu pops up from, as the context menu of its content. It is never on the
-/// screen: without a compositor even a window of opacity 0 would be a grey square. Deletes itself when closed.
+/// The invisible window whose context menu the status menu is. It is never shown on the screen: without a compositor
+/// even a window of opacity 0 would be a grey square. Deletes itself when closed.
 class AnchorWindow final : public QWidget
 {
     Q_OBJECT

@@ -20,7 +20,7 @@
 
 /// What the menu object asks of the session it runs in.
 struct MenuSurroundings {
-    /// How long after its creation the status item is taken to have found its place.
+    /// How long the status item gets to find its place after its creation.
     std::chrono::milliseconds settling{10'000};
     /// Whether this session is away from the console, so that its screen may change its size.
     bool (*isHidden)() = is_hidden;
@@ -49,11 +49,10 @@ public:
     QAction *addSubItem(QAction *parent, const QString &title, const QString &key, std::uint32_t code, bool sep,
                         bool enable, bool check);
 
-    /// Refills the resolution submenu with the sizes of the main display, the current one checked. The placeholder
-    /// stands there while the submenu's entry is disabled, and where the display tells no modes at all.
+    /// Refills the resolution submenu with the sizes of the main display, and checks the current one. It has only the
+    /// placeholder while its own entry is disabled, and where the display has no list of modes.
     void updResolutions();
-    /// The same for the entry that this is, with the modes that a display tells of (null for none) and the size that it
-    /// has.
+    /// Fills the submenu of this entry, with the modes of a display (null for none) and its current size.
     void fillResolutions(QAction &resolution, CFArrayRef modes, QSize current);
 
     /// The action of every entry.
@@ -86,8 +85,8 @@ public:
     /// That distance in points; 0 when none has been remembered.
     [[nodiscard]] float trayX() const { return m_trayX; }
 
-    /// Pops the menu up under the status item and returns when it has closed. While it is open, closes it. `place` is
-    /// where the item was pressed; nothing where the mouse tells that.
+    /// Opens the menu at the status item and returns when it has closed; closes it when it is open. `place` is where
+    /// the item was pressed; nothing when that is the mouse's position.
     void menuTrayPressed(std::optional<NSPoint> place = std::nullopt);
 
     [[nodiscard]] QMenu *menu() const { return m_menu.get(); }
@@ -107,7 +106,7 @@ private:
     const Bundle &m_bundle;
     const MenuSurroundings m_surroundings;
 
-    // Destroyed in this order's reverse, save that the destructor gives the item up first.
+    // Destroyed in the reverse of this order, but for the item, which the destructor destroys first.
     std::unique_ptr<StatusItem> m_tray;
     MenuProc m_proc = nullptr;
     std::unique_ptr<QMenu> m_menu;

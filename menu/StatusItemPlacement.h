@@ -5,7 +5,7 @@
 
 #include <optional>
 
-/// Where the status item is held to be, and where its menu opens. All in points, origin bottom-left.
+/// Where the agent assumes the status item to be, and where its menu opens. All in points, origin bottom-left.
 
 /// The distance from the screen's right edge to the item's left edge. Status items keep it when the screen's width
 /// changes.
@@ -29,6 +29,6 @@ struct MenuPlace {
     bool operator==(const MenuPlace &) const = default;
 };
 
-/// The place for a press of which the item's host tells no more than where it was: as menuAnchor() has it if that is on
-/// the status bar, else the very place, for not every panel is a window of the X server.
+/// The place for a press whose position is all that the item's host has told. On the status bar it is menuAnchor()'s;
+/// anywhere else it is the press itself, because not every panel is a window of the X server.
 [[nodiscard]] MenuPlace placeAtPress(NSPoint press, NSSize mainScreen, const StatusBar &bar) noexcept;

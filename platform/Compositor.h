@@ -4,12 +4,13 @@
 
 #include <cstdint>
 
-/// The program that blends windows over each other, without which nothing in a window is translucent. Main thread only.
+/// The compositor: the program that blends windows over each other. Without one no window is translucent. Main thread
+/// only.
 namespace Compositor
 {
 
-/// Whether one runs. Asked when this is made, and waited for when the answer is wanted, so that what is done in between
-/// costs no time: the answer takes a round to the window system.
+/// Whether a compositor runs. The constructor sends the question to the window system, and isRunning() waits for the
+/// answer, so that the round trip goes on while something else is done.
 class Question final
 {
 public:
@@ -26,8 +27,8 @@ private:
     [[maybe_unused]] std::uint32_t m_request = 0;
 };
 
-/// Tells it that the window, which has been created, paints its own shadow, `extent` device-independent pixels wide on
-/// every side, and needs no other.
+/// Tells the compositor that the window, which has been created, paints its own shadow, `extent` device-independent
+/// pixels wide on every side, and needs no other.
 void announceShadow(QWidget &window, int extent);
 
 } // namespace Compositor

@@ -9,13 +9,13 @@ namespace GraphicalSession
 /// made. An empty string, or one line that says why there is no session to run in.
 [[nodiscard]] QString prepare();
 
-/// Makes this process a quiet part of the session: it no longer wakes up for what others do on the screen while it
-/// shows nothing there itself, gives back the memory of windows that have gone, stores no pictures, and keeps from Qt
-/// what would have it remember a window that has gone. To be called once the application object is there.
+/// Makes this process a quiet part of the session, by the cures in platform/linux/workarounds/: it does not wake up for
+/// what others do on the screen while it shows nothing there itself, gives the memory of closed windows back, keeps no
+/// pixmap cache, and lets no mouse event reach a closed window. To be called once the application object is there.
 void settle();
 
-/// Runs the application's event loop to its end. Does not return when the session has gone in the middle of it: the
-/// process then ends with status 1.
+/// Runs the application's event loop to its end. When the session ends before the loop does, the process ends here,
+/// with status 1.
 void run();
 
 } // namespace GraphicalSession

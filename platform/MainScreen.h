@@ -26,9 +26,9 @@ namespace MainScreen
 /// A rectangle of Qt's global coordinates in the agent's own.
 [[nodiscard]] NSRect fromQt(const QRect &rect);
 
-/// While one lives, the screen is what it was when the first was made. For work that is done in one go and is to have
-/// one screen in mind: to ask takes two rounds to the X server. Not beyond a return to the event loop, nor across a
-/// program that is waited for.
+/// While one exists, the functions above answer with the screen as it was when the first one was made. This saves two
+/// round trips to the X server at each call, and all steps of a piece of work see the same screen. Destroy it before
+/// the event loop goes on, and before another program is waited for: either may change the screen.
 class Held final
 {
 public:

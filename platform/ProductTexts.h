@@ -11,7 +11,7 @@ namespace ProductTexts
 /// The title of panels.
 inline constexpr char16_t panelTitle[] = u"Kivune";
 
-/// Where on the session bus a process takes events: the bus name, to which its process ID is added, and the object.
+/// Where on the session bus a process receives events: the bus name, to which its process ID is added, and the object.
 inline constexpr QLatin1String eventBusName("com.tamborel.kivune.p");
 inline constexpr QLatin1String eventObjectPath("/com/tamborel/kivune/AppleEvents");
 inline constexpr QLatin1String eventInterface("com.tamborel.kivune.AppleEvents");

@@ -11,7 +11,7 @@ struct StatusBar {
 
     bool operator==(const StatusBar &) const = default;
 
-    /// The bar under `point` (in the main screen's coordinates, platform/Geometry.h): the status item's centre, or
-    /// the mouse where the item's place is unknown. Where no horizontal bar lies there: 22 points at the top.
+    /// The bar at `point`, in the main screen's coordinates (platform/Geometry.h); 22 points at the top when there is
+    /// no horizontal bar. Callers pass the status item's centre, or the mouse's position where the item's is unknown.
     [[nodiscard]] static StatusBar at(NSPoint point);
 };

@@ -2,9 +2,8 @@
 
 #include <QString>
 
-/// Opens things with the session's default programs. Results are not told, for there is nothing to be done about a
-/// failure; it is a warning in the log.
-/// Main thread only; never waits for the program.
+/// Opens things with the session's default programs. There are no results: a caller can do nothing about a failure,
+/// which is a warning in the log. Main thread only; never waits for the program.
 namespace Workspace
 {
 

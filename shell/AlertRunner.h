@@ -6,7 +6,6 @@
 /// alternate, -1 for the other one, -2 when nothing was answered. The last two buttons may be null for none. The status
 /// item cannot be pressed meanwhile; events of the service go on being handled.
 ///
-/// The message stands where the system's panel takes a format, so "%%" is shown as a percent sign; any other directive
-/// is shown as it stands.
+/// The message is a format without arguments: "%%" is shown as a percent sign, and any other directive as it is.
 [[nodiscard]] int __run_alert(const QString &title, const QString &message, const QString &defaultButton,
                               const QString &alternateButton = {}, const QString &otherButton = {});

@@ -14,6 +14,6 @@ extern std::unique_ptr<KIVMenuObj> __menu;
 /// This process: the sender of every event that goes out.
 extern ProcessSerialNumber __mypsn;
 
-/// The service that owns this agent, target of every event that goes out and the only one whose commands are taken.
-/// {0, 0}, no process, until one has claimed it.
+/// The service that owns this agent: the target of every event sent from here, and the only sender whose commands are
+/// carried out. {0, 0}, no process, until a service has claimed the agent.
 extern ProcessSerialNumber __owpsn;

@@ -11,7 +11,8 @@ struct ProductInformation {
     QString home; ///< The address behind "Home...".
 };
 
-/// Made of the bundle's information dictionary; each key that is missing, or no string, leaves its built-in default.
+/// Made from the bundle's information dictionary. A key that is missing, or whose value is no string, has a built-in
+/// default.
 [[nodiscard]] ProductInformation productInformation(const std::optional<QVariantMap> &infoDictionary);
 
 /// The support page: the bundle's, else the built-in one.

@@ -5,9 +5,9 @@
 
 #include <array>
 
-/// Ends the event loop, so that teardown runs, on each signal that a session's end or a terminal's may send: SIGTERM,
-/// SIGINT, SIGHUP, SIGQUIT. The end of a session sends more than one: once this object has gone they are ignored, and
-/// do not disturb what it has set off. One at a time.
+/// Ends the event loop, so that teardown runs, on each signal that the end of a session or of a terminal may send:
+/// SIGTERM, SIGINT, SIGHUP, SIGQUIT. The end of a session sends more than one of them: after the destruction of this
+/// object they are ignored, so that they do not disturb the teardown. One object at a time.
 class TerminationSignals final : public QObject
 {
     Q_OBJECT

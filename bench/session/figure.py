@@ -5,8 +5,8 @@ import dataclasses
 
 @dataclasses.dataclass
 class Limit:
-    text: str      # "1.15 x floor"
-    at_most: float  # In the figure's unit.
+    text: str  # "1.15 x floor"
+    max: float  # In the figure's unit.
     met: bool
 
 
@@ -19,9 +19,9 @@ class Figure:
     limits: list = dataclasses.field(default_factory=list)
     digits: int = 0
 
-    def require(self, text, at_most, ours="kivmenua"):
+    def require(self, text, max_value, ours="kivmenua"):
         """Ours must not be above this."""
-        self.limits.append(Limit(text, at_most, self.values[ours] <= at_most))
+        self.limits.append(Limit(text, max_value, self.values[ours] <= max_value))
         return self
 
     def require_times(self, factor, other):
@@ -29,9 +29,9 @@ class Figure:
         return self.require(f"{factor:g} x {other}", factor * self.values[other])
 
     def require_below(self, what, others):
-        """Ours must be below the least of the others."""
-        least = min(self.values[other] for other in others)
-        self.limits.append(Limit("below " + what, least, self.values["kivmenua"] < least))
+        """Ours must be below the lowest of the others."""
+        lowest = min(self.values[other] for other in others)
+        self.limits.append(Limit("below " + what, lowest, self.values["kivmenua"] < lowest))
         return self
 
     @property

@@ -16,7 +16,7 @@ def _columns(figures):
 
 
 def _limits(figure):
-    return "; ".join(f"{limit.text}: {_number(limit.at_most, figure.digits)}" for limit in figure.limits)
+    return "; ".join(f"{limit.text}: {_number(limit.max, figure.digits)}" for limit in figure.limits)
 
 
 def _met(figure):

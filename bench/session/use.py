@@ -56,7 +56,7 @@ class Hints:
         self._sender = desktop.start([place.program("hintsender"), *words], stdin=subprocess.PIPE,
                                      stdout=subprocess.PIPE, text=True, bufsize=1)
         if self._sender.stdout.readline() != "ready\n":
-            raise RuntimeError("the agent takes no events")
+            raise RuntimeError("the agent receives no events")
 
     def show_and_close(self, text):
         """Seconds from the sending until the pop-up was there."""

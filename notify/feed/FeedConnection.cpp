@@ -9,7 +9,7 @@ namespace
 {
 
 /// How long the event loop may stand still for a process that was killed.
-constexpr int maxMilliseconds = 1000;
+constexpr int endTimeout = 1000; // milliseconds
 
 /// At the end of a session, or by Ctrl-C, it may get the signal before its agent does.
 bool wasAskedToEnd(int signal)
@@ -44,7 +44,7 @@ FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milli
 FeedConnection::~FeedConnection()
 {
     cancel();
-    m_process->waitForFinished(maxMilliseconds); // It was killed if it was running.
+    m_process->waitForFinished(endTimeout); // It was killed if it was running.
     if (m_process->state() != QProcess::NotRunning) {
         // It hangs in a call of the kernel, and its object would wait for it another half a minute.
         QProcess *const process = m_process.release();

@@ -14,8 +14,8 @@ public:
 
     explicit KivNotificationView(QWidget *parent);
 
-    /// What the window is to be cut to, in its own coordinates: without the corners, and without the rim where that
-    /// could only be black.
+    /// The shape mask for the window, in its own coordinates: without the corners, and without the rim in a window that
+    /// is not translucent, where the rim would be black.
     [[nodiscard]] QRegion mask() const;
 
 protected:

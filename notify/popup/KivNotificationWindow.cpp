@@ -208,12 +208,12 @@ void KivNotificationWindow::setFrame(const NSRect &frame)
 std::optional<NSRect> KivNotificationWindow::screenFrame() const
 {
     const QScreen *best = nullptr;
-    int most = 0;
+    int largestArea = 0;
     for (const QScreen *screen : QGuiApplication::screens()) {
         const QRect common = screen->geometry().intersected(geometry());
-        if (const int area = common.width() * common.height(); !common.isEmpty() && area > most) {
+        if (const int area = common.width() * common.height(); !common.isEmpty() && area > largestArea) {
             best = screen;
-            most = area;
+            largestArea = area;
         }
     }
     if (!best) {

@@ -6,7 +6,7 @@ class KivNotificationWindow;
 class NotificationWindowDelegate
 {
 public:
-    /// The pop-up is closing, whatever caused it. It is deleted by itself in a later iteration of the event loop.
+    /// The pop-up is closing, for whatever reason. It deletes itself in a later event loop iteration.
     virtual void windowWillClose(KivNotificationWindow &window) = 0;
 
     /// It lies elsewhere now, or the screens have changed under it.

@@ -9,9 +9,9 @@ class QLabel;
 class QPushButton;
 class QWidget;
 
-/// The parts of a pop-up beside its text: made as children of `parent`, and placed at `frame` in its coordinates,
-/// whenever that is another one. A text that is too long for its frame ends in an ellipsis, and is read out whole. Main
-/// thread only.
+/// The parts of a pop-up beside its text. They are made as children of `parent`, and placed at `frame` in its
+/// coordinates whenever the layout has changed. A text that is too long for its frame ends in an ellipsis; assistive
+/// technology reads it whole. Main thread only.
 
 /// Takes no focus: a pop-up never has the keyboard.
 [[nodiscard]] QPushButton *newPopUpButton(const QString &text, QWidget *parent);

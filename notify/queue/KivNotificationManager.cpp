@@ -202,7 +202,7 @@ void KivNotificationManager::importNotificationsFromFile()
             continue; // Of another version of the agent, or of nobody's.
         } catch (const std::out_of_range &) {
             qCDebug(queueLog, "a message of the cache is left out: it has a version that cannot be compared");
-            continue; // It has a version that cannot be compared.
+            continue;
         }
     }
 }

@@ -24,9 +24,9 @@ class KivNotificationProperties;
 /// decides when the next one may appear, and shows one at a time in a pop-up at the top-right corner of the main
 /// screen.
 ///
-/// What is wanted, and what may be shown now, the properties decide. Main thread only; the locks make sure that nothing
-/// which runs on the way opens a second pop-up or changes the queue half-way. The queue's lock is always taken before
-/// m_rwLock.
+/// The properties decide which messages are wanted, and which may be shown now. Main thread only; the locks are against
+/// a nested event loop, which must neither open a second pop-up nor change the queue half-way. The queue's lock is
+/// always locked before m_rwLock.
 class KivNotificationManager final : public QObject, public NotificationSink, private NotificationWindowDelegate
 {
 public:
@@ -48,7 +48,7 @@ public:
     /// Starts the check timer, anew if it runs. The first tick comes after one whole interval.
     void startCheckTimer();
 
-    /// A tick of the check timer right now, and besides the regular ones. None while there is no timer.
+    /// Does what a tick of the check timer does, now; the timer goes on. Nothing happens while there is no timer.
     void forceNotification();
 
     /// Opens a pop-up for the next message that may be shown, unless one is open.
@@ -71,11 +71,11 @@ public:
     /// A queue of a thousand records, or of 15 MB in the file, is full: the oldest of the least urgent ones are
     /// dropped.
     ///
-    /// All but the queueing waits for the end of the delivery, of which a record without one is all by itself. First
-    /// the queue is saved and then the id, so that an agent that is killed in between is sent the messages again. As
-    /// long as the queue cannot be written, the id is not either. Last comes the record that is shown at once. It is
-    /// not saved before that: did it bring the agent down, it would do so again whenever the agent starts. When it has
-    /// come alone, it is not saved after that either, until another comes, its pop-up closes or the agent ends.
+    /// Everything but the queueing happens at the end of the delivery; a record outside one is a delivery by itself.
+    /// The queue is saved first and then the id, so that an agent that is killed in between receives the messages
+    /// again. As long as the queue cannot be written, the id is not written either. The record that is shown at once
+    /// comes last. It is not saved before it is shown: if showing it crashed the agent, it would do so again at every
+    /// start. When it came alone, it is saved only when another record comes, its pop-up closes or the agent ends.
     void enqueueNotification(const std::shared_ptr<KivNotification> &record) override;
 
     /// Queues `record`, which is never null, as NotificationQueue::add does.
@@ -86,15 +86,16 @@ public:
     /// kept in memory.
     bool showNotificationInstantly(const std::shared_ptr<KivNotification> &record);
 
-    /// Accepts what the cache file holds. An entry that is no record, or that no relevance can be told of, is skipped.
+    /// Accepts what the cache file holds. An entry is skipped that is no record, or whose relevance cannot be
+    /// determined.
     void importNotificationsFromFile();
 
     /// Saves the queue to the cache file; within a delivery, at its end.
     /// When that fails, the file stays as it was until the next time or the end of the next delivery.
     void exportNotificationsToFile();
 
-    /// At the agent's end: saves the queue, but for instant messages, when a record of it, or what has become of one,
-    /// could not be saved before. Else the file stays as it is.
+    /// At the agent's end: saves the queue without its instant messages when something of it could not be saved before.
+    /// Else the file stays as it is.
     void saveUnsavedRecords();
 
     /// Closes the pop-up and opens another one for its message where it belongs. (The name is spelt so on purpose.)

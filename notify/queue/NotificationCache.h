@@ -7,8 +7,8 @@
 /// The file that keeps the queued messages from one run of the agent to the next: a property list, an array of the
 /// records' dictionary form, under ~/Library/Caches/com.tamborel.kivune. Only the user may read or write it.
 ///
-/// It is always replaced as a whole, so that the agent may be killed at any moment: what is read afterwards is what was
-/// written last or just before. Not thread-safe.
+/// It is always replaced as a whole. When the agent is killed at any moment, the file has the content that was being
+/// written or the one before. Not thread-safe.
 class NotificationCache final
 {
 public:

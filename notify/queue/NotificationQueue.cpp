@@ -37,8 +37,8 @@ void NotificationQueue::add(std::shared_ptr<KivNotification> record)
 void NotificationQueue::dropBeyond(std::size_t records, qsizetype bytes)
 {
     while (!m_records.empty() && (m_records.size() > records || m_allBytes > bytes)) {
-        const auto isLeastUrgent = [least = m_records.back()->messagePriority()](const auto &queued) {
-            return queued->messagePriority() == least;
+        const auto isLeastUrgent = [lowest = m_records.back()->messagePriority()](const auto &queued) {
+            return queued->messagePriority() == lowest;
         };
         const auto oldest = std::ranges::find_if(m_records, isLeastUrgent);
         forgetBytesOf(**oldest);

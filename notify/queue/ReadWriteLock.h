@@ -2,11 +2,11 @@
 
 #include <pthread.h>
 
-/// A POSIX read-write lock. Taking it can fail, and whoever asks must look.
+/// A POSIX read-write lock. Locking can fail, and callers must check that.
 class ReadWriteLock final
 {
 public:
-    /// Holds the lock, if it was taken, until destruction.
+    /// Holds the lock, if it could be locked, until destruction.
     class Hold final
     {
     public:

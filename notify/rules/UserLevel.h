@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// What is asked of the system's user database. Names are bytes, as the system keeps them.
+/// The questions to the system's user database. Names are bytes, as the system keeps them.
 struct UserDatabase {
     /// The login name of the process's real user; nothing when the database does not know it.
     std::function<std::optional<std::string>()> loginName;

@@ -280,7 +280,7 @@ private:
         });
         const auto cells = HtmlTable::cellsOfGrid(table, [this](const GumboNode &cell) { return hasContent(cell); });
         const bool isKept = m_keepsTables && around.tables < maxTableDepth && cells &&
-                            m_cells + *cells <= HtmlTable::kMaxCells && takeRoom(table, around);
+                            m_cells + *cells <= HtmlTable::maxCells && takeRoom(table, around);
         if (isKept && writeGrid(table, style, around)) {
             m_cells += *cells;
         } else if (!hasGround(style, around) || !writeBox(table, style, around)) {

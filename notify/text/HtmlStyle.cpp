@@ -72,8 +72,8 @@ int cssSize(const QString &text, int size)
 QString harmlessFamily(QString text)
 {
     static const QRegularExpression harmful(QStringLiteral("[^A-Za-z0-9 ,-]"));
-    constexpr qsizetype longest = 80;
-    return text.remove(harmful).left(longest).simplified();
+    constexpr qsizetype maxLength = 80;
+    return text.remove(harmful).left(maxLength).simplified();
 }
 
 QString knownAlignment(const QString &text)

@@ -50,19 +50,19 @@ void forEachRow(const GumboNode &table, const std::function<void(const GumboNode
     });
 }
 
-int number(const GumboNode &element, const char *attribute, int least, int most)
+int number(const GumboNode &element, const char *attribute, int min, int max)
 {
-    return std::clamp(HtmlNode::attribute(element, attribute).trimmed().toInt(), least, most);
+    return std::clamp(HtmlNode::attribute(element, attribute).trimmed().toInt(), min, max);
 }
 
 int columns(const GumboNode &cell)
 {
-    return number(cell, "colspan", 1, kMaxCells);
+    return number(cell, "colspan", 1, maxCells);
 }
 
 int rows(const GumboNode &cell)
 {
-    return number(cell, "rowspan", 1, kMaxCells);
+    return number(cell, "rowspan", 1, maxCells);
 }
 
 QString gridAttributes(const GumboNode &table, bool hasBorder, bool isWide)
@@ -112,7 +112,7 @@ std::optional<int> cellsOfGrid(const GumboNode &table, const std::function<bool(
         });
         widest = std::max(widest, filled > 1 ? width : 0);
     });
-    return widest > 1 && widest <= kMaxColumns && cells <= kMaxCells ? std::optional(cells) : std::nullopt;
+    return widest > 1 && widest <= maxColumns && cells <= maxCells ? std::optional(cells) : std::nullopt;
 }
 
 bool hasBorderedCells(const GumboNode &table)

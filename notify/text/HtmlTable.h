@@ -14,8 +14,8 @@ namespace HtmlTable
 void forEachRow(const GumboNode &table, const std::function<void(const GumboNode &row)> &visit);
 void forEachCell(const GumboNode &row, const std::function<void(const GumboNode &cell)> &visit);
 
-/// A number in an attribute, as near as it may be.
-[[nodiscard]] int number(const GumboNode &element, const char *attribute, int least, int most);
+/// A number in an attribute, brought between `min` and `max`.
+[[nodiscard]] int number(const GumboNode &element, const char *attribute, int min, int max);
 
 /// How wide and how high a cell is: in columns and rows, as near as that may be.
 [[nodiscard]] int columns(const GumboNode &cell);
@@ -38,8 +38,8 @@ void forEachCell(const GumboNode &row, const std::function<void(const GumboNode 
 [[nodiscard]] qsizetype weight(const GumboNode &element);
 
 /// More columns than that no table in a pop-up has.
-inline constexpr int kMaxColumns = 12;
+inline constexpr int maxColumns = 12;
 /// A cell that spans others counts as all of them.
-inline constexpr int kMaxCells = 150;
+inline constexpr int maxCells = 150;
 
 } // namespace HtmlTable

@@ -8,7 +8,6 @@ constexpr int maxScriptRuns = 5000; ///< As many as 30 kB of Japanese have.
 constexpr int maxUsualWord = 100;
 constexpr int maxWordInTable = 30;
 constexpr int maxScriptRunsInWord = 50;
-constexpr int maxMarks = 32; ///< Of combining marks, one upon the other.
 
 constexpr char16_t wordBreak = u'\u200b';
 

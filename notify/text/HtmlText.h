@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/text/CombiningMarks.h"
 #include "platform/text/ScriptRuns.h"
 
 #include <QString>

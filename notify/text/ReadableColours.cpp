@@ -25,16 +25,16 @@ double contrast(const QColor &one, const QColor &other)
 
 bool isReadable(const QColor &text, const QColor &background)
 {
-    constexpr double least = 2;
-    return contrast(text, background) >= least;
+    constexpr double minContrast = 2;
+    return contrast(text, background) >= minContrast;
 }
 
 bool isSeenToDiffer(const QColor &one, const QColor &other)
 {
-    constexpr int least = 48;
+    constexpr int maxUnseenDifference = 48;
     return std::abs(one.red() - other.red()) + std::abs(one.green() - other.green()) +
                std::abs(one.blue() - other.blue()) >
-           least;
+           maxUnseenDifference;
 }
 
 QColor readableOn(const QColor &background)

@@ -20,9 +20,6 @@ namespace PropertyListXmlReader
 namespace
 {
 
-/// Property lists have one, the version.
-constexpr int maxAttributes = 64;
-
 /// The characters of `bytes`; a null string when they are wrongly encoded.
 QString decoded(const QByteArray &bytes)
 {
@@ -257,7 +254,8 @@ QVariant Reader::dictionary()
 QVariant read(const QByteArray &bytes)
 {
     const QString text = decoded(bytes);
-    const bool isPlain = hasOnlyPlainDocumentType(text) && lengthBeforeCrowdedTag(text, maxAttributes) == text.size();
+    const bool isPlain =
+        hasOnlyPlainDocumentType(text) && lengthBeforeCrowdedTag(text, maxXmlAttributes) == text.size();
     return isPlain ? Reader(text).document() : QVariant();
 }
 

@@ -48,14 +48,14 @@ std::int64_t longLongValue(const QString &text)
     QStringView rest = withoutLeadingSpace(text);
     const Sign sign = takeSign(rest);
     constexpr std::uint64_t max = std::numeric_limits<std::int64_t>::max();
-    const std::uint64_t limit = sign == Sign::Minus ? max + 1 : max;
+    const std::uint64_t maxMagnitude = sign == Sign::Minus ? max + 1 : max;
     std::uint64_t magnitude = 0;
     for (const QChar c : rest) {
         if (c < u'0' || c > u'9') {
             break;
         }
         const unsigned digit = c.unicode() - u'0';
-        magnitude = magnitude > (limit - digit) / 10 ? limit : magnitude * 10 + digit;
+        magnitude = magnitude > (maxMagnitude - digit) / 10 ? maxMagnitude : magnitude * 10 + digit;
     }
     return static_cast<std::int64_t>(sign == Sign::Minus ? 0 - magnitude : magnitude);
 }

@@ -7,7 +7,7 @@
 #include "platform/linux/workarounds/LateMouseEvents.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
 #include "platform/linux/workarounds/MenuMouse.h"
-#include "platform/linux/workarounds/PictureCache.h"
+#include "platform/linux/workarounds/PixmapCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
 #include "platform/linux/workarounds/SuddenExit.h"
@@ -70,7 +70,7 @@ void GraphicalSession::settle()
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();
     MenuMouse::follow();
-    keepQtFromCachingPictures();
+    keepQtFromCachingPixmaps();
 }
 
 void GraphicalSession::run()

@@ -2,7 +2,6 @@
 
 QString withoutPiledUpMarks(const QString &text)
 {
-    constexpr int maxMarks = 32;
     QString result;
     result.reserve(text.size());
     int marks = 0;

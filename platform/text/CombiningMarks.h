@@ -2,7 +2,10 @@
 
 #include <QString>
 
-/// The text without every combining mark, or joiner or other character that only forms what is around it, that follows
-/// 32 of these at once. No writing piles up as many, and laying out a hundred thousand of them, which take no room,
-/// takes Qt seconds. Reentrant.
+/// So many combining marks, joiners and other characters that only form what is around them may follow one another. No
+/// writing piles up as many.
+inline constexpr int maxMarks = 32;
+
+/// The text without the marks that follow `maxMarks` others at once. To lay out a hundred thousand of them, which need
+/// no room, takes Qt seconds. Reentrant.
 [[nodiscard]] QString withoutPiledUpMarks(const QString &text);

@@ -21,8 +21,8 @@ How to reach it is described at https://www.kivune.example/help/folders."""),
 
 FOR_EVERYBODY = {
     "messageLevel": "any", "messageRepeat": "1", "productCode": "any", "licenseType": "any", "minVersion": "any",
-    "maxVersion": "any", "buildDate": "any", "systemCode": "any", "minSysVer": "any", "maxSysVer": "any", "minDate": "any",
-    "maxDate": "any", "contentEncoding": "base64", "contentWidth": "auto", "contentHeight": "auto",
+    "maxVersion": "any", "buildDate": "any", "systemCode": "any", "minSysVer": "any", "maxSysVer": "any",
+    "minDate": "any", "maxDate": "any", "contentEncoding": "base64", "contentWidth": "auto", "contentHeight": "auto",
 }
 
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-/// Building, sending and comparing on the link with the service. Failures are logged to the system log, one line each,
-/// and told by the result. Main thread only.
+/// Builds, sends and compares events of the link with the service. Each failure is one line in the system log, and the
+/// result says so. Main thread only.
 
 /// Builds an event of the link in *event: from one process to another, with its command and its sender set; the caller
 /// adds the other parameters and disposes of it. False, without a log line, when a pointer is null or `command` is 0.

@@ -1,8 +1,8 @@
 #include "menu/DisplaySwitch.h"
 
+#include "tests/support/MainDisplaySize.h"
 #include "tests/support/TestXServer.h"
 
-#include <Carbon/Carbon.h>
 #include <QFile>
 #include <QSize>
 #include <QTemporaryDir>
@@ -13,12 +13,6 @@
 
 namespace
 {
-
-QSize displaySize()
-{
-    const CGRect bounds = CGDisplayBounds(CGMainDisplayID());
-    return {static_cast<int>(bounds.size.width), static_cast<int>(bounds.size.height)};
-}
 
 /// Against a real X server, with tools that are shell scripts: each writes down its arguments first.
 class DisplaySwitch : public testing::Test
@@ -61,7 +55,7 @@ TEST_F(DisplaySwitch, RunsTheToolWithTheSizeAndJudgesByTheDisplay)
     const char *switching = newTool("xrandr -s 1024x768");
     EXPECT_TRUE(set_dmod(1024, 768, switching));
     EXPECT_EQ(takeCalls(), tool + " dspcmd set -w 1024 -h 768 -c\n");
-    EXPECT_EQ(displaySize(), QSize(1024, 768));
+    EXPECT_EQ(mainDisplaySize(), QSize(1024, 768));
 }
 
 TEST_F(DisplaySwitch, CountsAToolThatFailsButSwitchedTheSizeAsSuccess)
@@ -85,7 +79,7 @@ TEST_F(DisplaySwitch, CountsAToolThatSwitchedToAnotherSizeAsFailure)
 TEST_F(DisplaySwitch, CountsAMissingToolAsFailureAndLeavesTheDisplayAlone)
 {
     EXPECT_FALSE(set_dmod(1024, 768, "/nonexistent/kivservice"));
-    EXPECT_EQ(displaySize(), QSize(1280, 800));
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800));
 }
 
 TEST_F(DisplaySwitch, WritesTheSizeAsSignedDecimals)

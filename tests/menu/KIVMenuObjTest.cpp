@@ -9,6 +9,7 @@
 #include "tests/menu/ModeList.h"
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/FakeInput.h"
+#include "tests/support/MainDisplaySize.h"
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Carbon.h>
@@ -184,12 +185,6 @@ std::optional<AlertTexts> alertFrom(const std::function<void()> &action, const s
     look.start(1ms);
     action();
     return texts;
-}
-
-QSize sizeOfDisplay()
-{
-    const CGRect bounds = CGDisplayBounds(CGMainDisplayID());
-    return {static_cast<int>(bounds.size.width), static_cast<int>(bounds.size.height)};
 }
 
 std::string outline(const QMenu &menu, const std::string &indent = {})
@@ -433,7 +428,7 @@ TEST_F(KIVMenuObjTest, ListsNothingWhileTheResolutionEntryIsDisabled)
     EXPECT_EQ(outline(*item(32809)->menu()), "Not available -1\n");
     QAction *stale = menu.addSubItem(item(32809), QStringLiteral("800 x 600"), {}, 0, false, true, false);
     EXPECT_FALSE(alertFrom([&] { menu.onMenuAction(stale); }));
-    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800)) << "a list that is gone was used";
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800)) << "a list that is gone was used";
 }
 
 TEST_F(KIVMenuObjTest, ShowsThePlaceholderForADisplayThatTellsNoModesButNothingForOneWithNoUsableMode)
@@ -476,7 +471,7 @@ TEST_F(KIVMenuObjTest, IgnoresASizeWhoseIndexIsOutOfRange)
         QAction *stale = menu.addSubItem(item(32809), QStringLiteral("stale"), {}, index, false, true, false);
         EXPECT_FALSE(alertFrom([&] { menu.onMenuAction(stale); })) << index;
     }
-    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800));
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800));
 }
 
 TEST_F(KIVMenuObjTest, IgnoresAnEntryThatWentBeforeItsTurnCame)
@@ -501,7 +496,7 @@ TEST_F(KIVMenuObjTest, SaysThatASwitchHasFailedAndDisablesTheItemMeanwhile)
     EXPECT_EQ(alert->buttons, QStringList{QStringLiteral("Ok")});
     EXPECT_TRUE(menu.statusItem()->isEnabled());
     EXPECT_TRUE(procedureCalls.empty());
-    EXPECT_EQ(sizeOfDisplay(), QSize(1280, 800));
+    EXPECT_EQ(mainDisplaySize(), QSize(1280, 800));
 }
 
 TEST_F(KIVMenuObjTest, SaysNothingForTheSizeThatTheDisplayHas)

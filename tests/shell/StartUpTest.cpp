@@ -159,7 +159,7 @@ TEST_F(StartUp, GoesStepByStep)
     EXPECT_EQ(steps, expected);
 }
 
-TEST_F(StartUp, TakesTheEventsOfTheLinkAndNoOthersUntilTheEnd)
+TEST_F(StartUp, ReceivesTheEventsOfTheLinkAndNoOthersUntilTheEnd)
 {
     EXPECT_EQ(FakeAppleEventManager::calls,
               (std::vector<std::string>{"AEInstallEventHandler kvmc kvme", "AERemoveEventHandler kvmc kvme"}));

@@ -26,9 +26,9 @@ bool PrivateXServer::startPart(const QString &part, const QStringList &arguments
     stop();
     const bool started = m_server.start(QStringLiteral(KIV_PRIVATE_DESKTOP), QStringList{part, m_folder} + arguments);
     // Without the event loop: the server may be wanted before there is an application object.
-    QDeadlineTimer limit(std::chrono::seconds(10));
+    QDeadlineTimer deadline(std::chrono::seconds(10));
     while (started && !m_server.output().contains('\n')) {
-        if (!m_server.process().waitForReadyRead(static_cast<int>(limit.remainingTime()))) {
+        if (!m_server.process().waitForReadyRead(static_cast<int>(deadline.remainingTime()))) {
             break;
         }
     }

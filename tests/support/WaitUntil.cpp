@@ -3,7 +3,7 @@
 #include <QEventLoop>
 #include <QTimer>
 
-bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds limit)
+bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds timeout)
 {
     if (condition()) {
         return true;
@@ -18,7 +18,7 @@ bool waitUntil(const std::function<bool()> &condition, std::chrono::milliseconds
         }
     });
     look.start(std::chrono::milliseconds(5));
-    QTimer::singleShot(limit, &loop, &QEventLoop::quit);
+    QTimer::singleShot(timeout, &loop, &QEventLoop::quit);
     loop.exec();
     return held || condition();
 }

@@ -9,7 +9,7 @@ watch, to stop and to start again. A part needs those above it:
 
     server [ARGUMENT...]    a remote-desktop X server on a free display, whose number it prints once it takes clients;
                             viewers connect to the socket FOLDER/rfb. Arguments of the server's own win over those here
-    server-with-rates       in its place, one without viewers that lists a size at several refresh rates, as a screen does
+    server-with-rates       in its place, one without viewers that lists sizes at several refresh rates, as a screen does
     bus                     a message bus at the socket FOLDER/bus; prints a line once it listens
     window-manager
     panel [left]            the panel of resources/demo, with its tray at the right end or at the left

@@ -27,7 +27,7 @@ check_scripts() {
 }
 
 check_includes() {
-    tests/include_directions .
+    python3 -B tools/kiv/include_directions.py .
 }
 
 check_sizes() {
@@ -43,7 +43,8 @@ check_documents() {
     local status=0 file
     while IFS= read -r -d '' file; do
         case $file in
-        *.metainfo.xml) appstreamcli validate --no-net --explain "$file" || status=1 ;;
+        *.metainfo.xml) appstreamcli validate --no-net --explain "$file" ||
+            { echo "$file is no metainfo"; status=1; } ;;
         *.xml | *.svg) xmllint --noout --nonet "$file" || status=1 ;;
         *.plist | *.plist.in) python3 -c 'import plistlib, sys; plistlib.load(open(sys.argv[1], "rb"))' "$file" ||
             { echo "$file is no property list"; status=1; } ;;
@@ -66,7 +67,7 @@ check_mutants() {
 check_tidy() {
     # shellcheck disable=SC2154 # ./kiv has them.
     install_missing "${packages_build[@]}" "${packages_run[@]}" clang-tidy
-    cmake --preset check --log-level=WARNING >/dev/null
+    cmake --preset check --log-level=WARNING >/dev/null || return
     ninja -C build/check -t targets all | sed -n 's/^\([A-Za-z0-9_]*_autogen\): phony$/\1/p' |
         xargs ninja -C build/check --quiet
     git ls-files '*.cpp' | grep --extended-regexp '^(fetch|menu|notify|platform|shell|tests|tools)/' |

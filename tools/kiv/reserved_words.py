@@ -44,7 +44,8 @@ def strewn_names(root):
     listed = subprocess.run(['git', 'ls-files', '*.h', '*.cpp', '*.mm'], cwd=root, capture_output=True, text=True,
                             check=True).stdout
     for name in listed.splitlines():
-        if not (root / name).is_file() or not name.startswith(('shell/', 'menu/', 'notify/', 'platform/')) or name.endswith('/ProductTexts.h'):
+        is_product = name.startswith(('shell/', 'menu/', 'notify/', 'platform/'))
+        if not is_product or name.endswith('/ProductTexts.h') or not (root / name).is_file():
             continue
         for number, line in enumerate((root / name).read_text(encoding='utf-8').splitlines(), 1):
             code = re.sub(r'(^|\s)//.*', '', line)

@@ -1,12 +1,10 @@
 #include "tools/kivservice/AttachedService.h"
 
 #include "menu/MenuEntries.h"
+#include "platform/FourCharCode.h"
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventLink.h"
 
-#include <QtEndian>
-
-#include <cstring>
 #include <optional>
 
 namespace
@@ -14,14 +12,6 @@ namespace
 void putUInt32(AppleEvent &event, AEKeyword keyword, std::uint32_t value)
 {
     AEPutParamPtr(&event, keyword, typeUInt32, &value, sizeof value);
-}
-
-QByteArray fourCharacters(std::uint32_t code)
-{
-    const std::uint32_t bigEndian = qToBigEndian(code);
-    QByteArray text(sizeof bigEndian, '\0');
-    std::memcpy(text.data(), &bigEndian, sizeof bigEndian);
-    return text;
 }
 
 /// The command that a menu action asks for; nothing for any other event.
@@ -35,7 +25,7 @@ std::optional<std::uint32_t> actionOf(const AppleEvent &event, std::uint32_t com
 
 QByteArray describe(std::uint32_t command, std::optional<std::uint32_t> action)
 {
-    QByteArray line = fourCharacters(command);
+    QByteArray line = fourCharText(command);
     if (action) {
         line += ' ' + QByteArray::number(*action) + ' ' + menuEntryTitle(*action).toUtf8();
     }

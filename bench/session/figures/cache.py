@@ -72,8 +72,8 @@ def measure(place):
               for count, (took, _) in medians.items()]
     writes = [Figure(f"Written at a start with {count:,} cached messages", "kB", "", {programs.OURS: written - without})
               for count, (_, written) in medians.items()]
-    least, most = COUNTS[0], COUNTS[-1]
-    writes[-1].require(f"{most // least} x that of {least}", most // least * (medians[least][1] - without))
+    few, many = COUNTS[0], COUNTS[-1]
+    writes[-1].require(f"{many // few} x that of {few}", many // few * (medians[few][1] - without))
     starts[0].how = (f"All that the process writes in its first {SETTLE} s counts as written, less what it writes "
                      f"without a cache, which goes to the server and the bus. The item docks while the agent reads the "
                      f"messages: the times differ by chance. Medians of {RUNS} runs.")

@@ -11,14 +11,14 @@ _RATIO = re.compile(r"^(\w+) +(\w+) +([\d.]+) +([\d.]+) +([\d.]+)(?: +([\d.]+))?
 _SUBMENU = re.compile(r"^resolutionSubmenu/(\d+) +([\d.]+) ms", re.M)
 
 _RATIOS = {"bench_base64": "Base64", "bench_feed": "Feed of 10,000 messages"}
-_MODES_LIMIT = 5  # ms for 600 modes
+_MAX_MODES_TIME = 5  # ms for 600 modes
 
 _MESSAGE = re.compile(r"^(\w+) +[\d.]+ ms +([\d.]+) ms", re.M)
-_MESSAGE_LIMIT = 100  # ms of processor time
+_MAX_MESSAGE_TIME = 100  # ms of processor time
 
 
 def ratios_in(output):
-    """(ours, other, median, limit or None) for each line of the table at the end of a program's output."""
+    """(ours, other, median, largest good median or None) for each line of the table at the end of a program's output."""
     found = []
     for line in output.partition("compared with")[2].splitlines():
         if match := _RATIO.match(line):
@@ -38,13 +38,13 @@ def measure(place):
 
     figures = []
     for program, title in _RATIOS.items():
-        for ours, other, median, limit in rows_of(program, ratios_in):
+        for ours, other, median, max_median in rows_of(program, ratios_in):
             figure = Figure(f"{title}: {ours} to {other}", "times the time", "", {"kivmenua": median}, digits=2)
-            figures.append(figure.require("limit", limit) if limit else figure)
+            figures.append(figure.require("limit", max_median) if max_median else figure)
     for count, time in rows_of("bench_resolutions", _SUBMENU.findall):
         figure = Figure(f"Submenu of {count} resolutions", "ms", "", {"kivmenua": float(time)}, digits=2)
-        figures.append(figure.require("limit", _MODES_LIMIT) if count == "600" else figure)
+        figures.append(figure.require("limit", _MAX_MODES_TIME) if count == "600" else figure)
     name, slowest = max(rows_of("bench_messages", _MESSAGE.findall), key=lambda row: float(row[1]))
     figures.append(Figure(f"Text of the slowest of the sample messages ({name}), to its picture", "ms", "",
-                          {"kivmenua": float(slowest)}, digits=2).require("limit", _MESSAGE_LIMIT))
+                          {"kivmenua": float(slowest)}, digits=2).require("limit", _MAX_MESSAGE_TIME))
     return figures

@@ -10,8 +10,8 @@
 
 enum class BusState {
     Answers,
-    Absent,  ///< Nobody takes the connection.
-    Unusable ///< The connection is taken, or waits to be, but Hello is not answered, or refused.
+    Absent,  ///< Nothing accepts the connection.
+    Unusable ///< The connection is accepted, or waits for that, but Hello is refused or gets no answer.
 };
 
 struct ProbedBus {
@@ -19,8 +19,8 @@ struct ProbedBus {
     QString address; ///< The one entry of the address that answers; empty when none does.
 };
 
-/// Joins each bus of an address, as a client does, until one answers to Hello, and leaves it again: `timeout` in all. A
-/// bus at the other end of anything but a local socket, or one that wants to know more than this process's user, is
-/// taken to answer.
+/// Connects to each bus of an address, as a client does, until one answers Hello, and disconnects again; `timeout` is
+/// for all of them together. A bus that is not behind a local socket counts as one that answers, and so does one that
+/// asks for more than this process's user to let it in.
 [[nodiscard]] ProbedBus probeBus(const QString &address,
                                  std::chrono::milliseconds timeout = std::chrono::milliseconds(500));

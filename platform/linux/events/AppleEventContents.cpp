@@ -3,11 +3,11 @@
 OSErr AppleEventContents::setParameter(AEKeyword keyword, DescType type, const void *data, Size size)
 {
     const Parameter *replaced = parameter(keyword);
-    const Size others = m_size - (replaced ? replaced->bytes.size() + kParameterCost : 0);
-    if (size > kMaxBytes - kParameterCost - others) {
+    const Size others = m_size - (replaced ? replaced->bytes.size() + parameterCost : 0);
+    if (size > maxBytes - parameterCost - others) {
         return memFullErr;
     }
-    m_size = others + kParameterCost + size;
+    m_size = others + parameterCost + size;
     m_parameters.insert_or_assign(keyword, Parameter{type, QByteArray(static_cast<const char *>(data), size)});
     return noErr;
 }

@@ -16,10 +16,10 @@ public:
         QByteArray bytes;
     };
 
-    /// The content of one event in bytes, each parameter counted with what it costs on the way. A bus refuses messages
-    /// of more than 128 MiB, and cuts off who sends one.
-    static constexpr Size kMaxBytes = Size{32} * 1024 * 1024;
-    static constexpr Size kParameterCost = 64;
+    /// The content of one event in bytes, for each parameter `parameterCost` more than its own. A bus disconnects who
+    /// sends a message of more than 128 MiB.
+    static constexpr Size maxBytes = Size{32} * 1024 * 1024;
+    static constexpr Size parameterCost = 64;
 
     AppleEventContents(AEEventClass eventClass, AEEventID eventID)
         : m_eventClass(eventClass)
@@ -30,7 +30,7 @@ public:
     [[nodiscard]] AEEventClass eventClass() const { return m_eventClass; }
     [[nodiscard]] AEEventID eventID() const { return m_eventID; }
 
-    /// Sets or replaces. memFullErr, and nothing changed, beyond kMaxBytes; `data` is not read then.
+    /// Sets or replaces. memFullErr, and nothing changed, beyond maxBytes; `data` is not read then.
     [[nodiscard]] OSErr setParameter(AEKeyword keyword, DescType type, const void *data, Size size);
     /// Null when there is none; valid until the next change.
     [[nodiscard]] const Parameter *parameter(AEKeyword keyword) const;

@@ -111,7 +111,7 @@ OSErr AECreateDesc(DescType type, const void *data, Size size, AEDesc *result)
     if (!isReadable(data, size)) {
         return paramErr;
     }
-    if (size > AppleEventContents::kMaxBytes) {
+    if (size > AppleEventContents::maxBytes) {
         return memFullErr;
     }
     return setDesc(result, type, QByteArray(static_cast<const char *>(data), size));

@@ -67,7 +67,7 @@ AppleEventTransport::AppleEventTransport(SessionBus &bus, Handler handler, std::
     : m_bus(bus)
     , m_handler(std::move(handler))
     , m_peers(bus)
-    , m_incoming(WorkInTurns::kShareOfATurn, maxWaiting)
+    , m_incoming(WorkInTurns::defaultShareOfATurn, maxWaiting)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::registerOnBus);
     // Another bus counts its unique names from the start again.
@@ -236,7 +236,7 @@ void AppleEventTransport::answerOther(const QDBusMessage &message, const QDBusCo
     if (!isCall(message, QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"))) {
         refuse(message, connection, QDBusError::UnknownMethod, QStringLiteral("No such method"));
     } else if (message.isReplyRequired()) {
-        connection.send(message.createReply(QString::fromUtf8(kAppleEventsContract)));
+        connection.send(message.createReply(QString::fromUtf8(appleEventsContract)));
     }
 }
 

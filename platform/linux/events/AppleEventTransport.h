@@ -18,20 +18,20 @@ class AppleEventTransport final : public QDBusVirtualObject
     Q_OBJECT
 
 public:
-    /// Handles an event that has come, its sender set, and says how that went. What it throws does not get further: it
-    /// is logged, and the event has failed (errAEEventFailed).
+    /// Handles a received event, whose sender is set, and returns the status. An exception is logged, and the status is
+    /// errAEEventFailed.
     using Handler = std::function<OSErr(AppleEventContents event)>;
 
     /// `bus` must outlive this object. When `maxWaiting` messages of one sender wait to be handled, events or not, more
     /// of them are refused: with the error LimitsExceeded, or without a word when the sender wants no reply.
-    AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting = WorkInTurns::kMaxWaiting);
+    AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting = WorkInTurns::defaultMaxWaiting);
     ~AppleEventTransport() override;
 
     /// Receives events from now on: serves the object and owns the bus name, again whenever the bus comes back.
     void startReceiving();
     void stopReceiving();
 
-    /// Sends without waiting. paramErr for an event that cannot travel (no target, or a zero byte in a code);
+    /// Sends without waiting. paramErr for an event that cannot be a message (no target, or a zero byte in a code);
     /// procNotFound, and nothing sent, when the target is no running process or receives no events; connectionInvalid
     /// without a bus that answers. Returns once the bus has the event: one that is sent just before the program ends is
     /// not lost.

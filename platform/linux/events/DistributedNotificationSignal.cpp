@@ -49,6 +49,6 @@ void DistributedNotificationSignal::onPosted()
 void DistributedNotificationSignal::tell()
 {
     // From here on what is posted is news again, also while the callback runs.
-    m_pause.start(kPause);
+    m_pause.start(pauseAfterACall);
     m_callback();
 }

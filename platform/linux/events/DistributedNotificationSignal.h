@@ -17,7 +17,7 @@ class DistributedNotificationSignal final : public QObject, public DistributedNo
 public:
     /// Who posts without end must not keep the agent from its user: what is posted so soon after a call makes one more
     /// call in all, at the end of that time.
-    static constexpr std::chrono::milliseconds kPause{20};
+    static constexpr std::chrono::milliseconds pauseAfterACall{20};
 
     /// `bus` must outlive this object.
     DistributedNotificationSignal(SessionBus &bus, QString name, std::function<void()> callback);

@@ -8,10 +8,10 @@
 
 class SessionBus;
 
-/// The processes behind the unique names of a bus. The bus is asked once for each name, which is then remembered until
-/// it goes: one bus never gives the same unique name twice, so what is remembered is always right.
+/// The processes behind the unique names of a bus. The bus is asked once for each name, and the answer is kept until
+/// the name is unowned. A bus never gives out the same unique name twice, so what is kept is always right.
 ///
-/// Only the names asked about are watched; to watch all would wake this process for every program that starts or ends.
+/// Only the names asked about are watched: to watch all would wake this process for every program that starts or ends.
 /// Main thread only.
 class PeerProcesses final : public QObject
 {

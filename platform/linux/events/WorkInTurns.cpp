@@ -75,5 +75,5 @@ WorkInTurns::Work WorkInTurns::takeNext()
 
 WorkInTurns::Order &WorkInTurns::orderOfWhoHas(std::size_t waiting)
 {
-    return waiting > kMaxInOrder ? m_flooding : m_next;
+    return waiting > maxInOrder ? m_flooding : m_next;
 }

@@ -12,9 +12,9 @@
 #include <map>
 #include <optional>
 
-/// Carries out work for other programs: at once while there is little of it, and spread over iterations of the event
-/// loop (its turns, here) when there is much. Qt hands over all messages that have come since it last looked in one go,
-/// which in a flood of them takes seconds, and the user's clicks would wait as long. Main thread only.
+/// Carries out work for other programs: at once while there is little of it, and spread over several event loop
+/// iterations ("turns" here) when there is much. Qt delivers all messages that wait in one iteration. In a flood of
+/// messages that lasts for seconds, and the user's clicks would wait as long. Main thread only.
 class WorkInTurns final : public QObject
 {
     Q_OBJECT
@@ -22,18 +22,19 @@ class WorkInTurns final : public QObject
 public:
     using Work = std::function<void()>;
 
-    /// What comes next waits once this much of a turn is used up.
-    static constexpr std::chrono::milliseconds kShareOfATurn{5};
-    /// A client for whom more pieces than that wait floods, and the others need not wait for it: several times the
-    /// longest burst that one has reason for.
-    static constexpr std::size_t kMaxInOrder = 1000;
-    /// More pieces than that do not wait for one client, so that a flood does not take all memory.
-    static constexpr std::size_t kMaxWaiting = 100'000;
+    /// Once work has used up this much of a turn, the rest waits for the next one.
+    static constexpr std::chrono::milliseconds defaultShareOfATurn{5};
+    /// A client for whom more pieces of work wait than this comes behind all others. It is several times as much as a
+    /// client sends that does not flood.
+    static constexpr std::size_t maxInOrder = 1000;
+    /// For one client no more pieces wait than this, so that a flood does not use up the memory.
+    static constexpr std::size_t defaultMaxWaiting = 100'000;
 
-    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = kShareOfATurn, std::size_t maxWaiting = kMaxWaiting);
+    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = defaultShareOfATurn,
+                         std::size_t maxWaiting = defaultMaxWaiting);
 
     /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work is carried out
-    /// in the order in which it came, whoever it is for; only that of a client for whom more than kMaxInOrder pieces
+    /// in the order in which it came, whoever it is for; only that of a client for whom more than maxInOrder pieces
     /// wait comes behind all other until they have become fewer. Work for one client keeps its order in any case.
     /// `work` may run an event loop of its own, in which what waits goes on, and must not throw. False, and `work` is
     /// dropped, when the most that may wait for this client waits already.

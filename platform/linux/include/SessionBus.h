@@ -12,8 +12,8 @@
 /// The program's one connection to the session bus, kept alive.
 ///
 /// Its address is sessionBusAddress(); no bus is ever started. Qt's shared QDBusConnection::sessionBus() is not used:
-/// once its bus has died it stays dead, and it may start stray buses. A lost or missing bus is tried again every 5 s,
-/// and one that takes connections but does not answer within 500 ms counts as missing. Main thread only.
+/// once its bus has died it stays dead, and it may start stray buses. A lost or missing bus is tried again every 5 s; a
+/// bus that accepts connections but does not answer within 500 ms counts as missing. Main thread only.
 class SessionBus final : public QObject
 {
     Q_OBJECT
@@ -30,8 +30,8 @@ public:
     /// The present connection; one that is not connected when there is no bus. Ask again after each connected().
     [[nodiscard]] QDBusConnection connection() const;
 
-    /// One more connection to the same bus, for what others shall see come and go by itself; one that is not connected
-    /// when there is no bus. Whoever asks for it ends it, by QDBusConnection::disconnectFromBus.
+    /// One more connection to the same bus, for an object whose end others notice by the end of its connection; one
+    /// that is not connected when there is no bus. The caller ends it, by QDBusConnection::disconnectFromBus.
     [[nodiscard]] QDBusConnection connectOnceMore() const;
 
     /// The process behind a bus name, unique or well-known; 0 for an unowned name, none when there is no bus or it does
@@ -42,11 +42,11 @@ public:
     [[nodiscard]] QString ownerOf(const QString &busName) const;
     /// All names on the bus; none when there is no bus or it does not answer. Blocks for at most 500 ms.
     [[nodiscard]] QStringList names() const;
-    /// Takes a bus name for this connection; while another has it, which is worth a warning, this one stands in line
-    /// for it and has it when the other goes. False when the bus refuses. Blocks for at most 500 ms: a bus that does
-    /// not answer by then gets to the request before all that is asked of it later.
+    /// Requests a bus name for this connection. While another connection owns it, which is worth a warning, this one
+    /// waits in the bus's queue for the name. False when the bus refuses. Blocks for at most 500 ms; a bus that has not
+    /// answered by then still handles this request before all later ones.
     [[nodiscard]] bool requestName(const QString &busName) const;
-    /// Gives a bus name back, in the same way.
+    /// Releases a bus name, in the same way.
     void releaseName(const QString &busName) const;
 
 Q_SIGNALS:

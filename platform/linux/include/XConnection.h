@@ -4,6 +4,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <memory>
 
@@ -28,5 +29,14 @@ namespace XConnection
 [[nodiscard]] xcb_window_t selectionOwner(const QByteArray &selection);
 /// "_NET_SYSTEM_TRAY_S" and the screen's number: the selection whose owner is the tray.
 [[nodiscard]] QByteArray traySelection();
+
+/// Set in the type of an event that a client has sent, which the server passes on.
+inline constexpr std::uint8_t sentBit = 0x80;
+
+/// The type of an event, whoever it comes from.
+[[nodiscard]] inline int eventType(const xcb_generic_event_t &event)
+{
+    return event.response_type & ~sentBit;
+}
 
 } // namespace XConnection

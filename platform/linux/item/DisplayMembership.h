@@ -4,10 +4,10 @@
 
 #include <sys/types.h>
 
-/// Which processes belong to which display. A user may have several at once, and all of them share one bus where the
-/// user's services do.
+/// Which processes belong to which display. A user may have several displays at once, and they share one bus where the
+/// bus belongs to the user and not to the session.
 
-/// The display of a process, by two variables of its environment; empty what is not set.
+/// The display of a process, by two variables of its environment; a variable that is not set is empty.
 struct DisplayNames {
     QByteArray display;        ///< DISPLAY
     QByteArray waylandDisplay; ///< WAYLAND_DISPLAY
@@ -16,9 +16,10 @@ struct DisplayNames {
 /// From an environment as it stands in /proc: assignments with a zero after each.
 [[nodiscard]] DisplayNames displayNames(const QByteArray &environment);
 
-/// Whether the two name one display. The X display decides if both name one; it counts without its screen, and "unix"
-/// is no other host. Programs that are started in a Wayland session and put on another X display, as a remote-desktop
-/// server's are, go on naming the Wayland display they came from.
+/// Whether both name the same display. The X displays are compared if both name one, without the screen's number, and
+/// with "unix" for the local host; else the Wayland displays. The X display goes first because programs that are
+/// started in a Wayland session for another X display, as those of a remote-desktop server are, still name the Wayland
+/// display they came from.
 [[nodiscard]] bool isSameDisplay(const DisplayNames &one, const DisplayNames &other);
 
 /// Whether a process belongs to the display of this program: it is a client of this X server, or its environment names

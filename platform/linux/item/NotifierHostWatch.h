@@ -10,9 +10,10 @@
 class QDBusPendingCallWatcher;
 class QDBusServiceWatcher;
 
-/// Watches whether StatusNotifierItems are shown on this display: whether the session bus has a watcher, which has a
-/// host, and one of the two belongs to this display. Two sessions of a user share a bus, and the panel of the one is no
-/// place for the item of the other. Learns of every change from the bus, and asks nobody in between. Main thread only.
+/// Watches whether StatusNotifierItems are shown on this display. They are when the session bus has a watcher, the
+/// watcher has a host, and one of the two belongs to this display: two sessions of a user may share a bus, and the item
+/// must not appear in the panel of the other session. Hears of every change from the bus, and never polls. Main thread
+/// only.
 class NotifierHostWatch final : public QObject
 {
     Q_OBJECT
@@ -24,12 +25,12 @@ public:
 
     /// The unique name of that watcher; empty when there is none.
     [[nodiscard]] const QString &watcher() const noexcept { return m_watcher; }
-    /// Whether a watcher has been found and not yet said if it has a host. Its answer is told by changed().
+    /// Whether a watcher has been found that has not said yet whether it has a host. changed() follows its answer.
     [[nodiscard]] bool isAsking() const noexcept { return m_question != nullptr; }
 
 Q_SIGNALS:
-    /// The watcher is another than before, also when one owner has followed another directly, or one has answered and
-    /// it stays as it was. From the event loop.
+    /// The watcher has changed, from one owner to the next included; or it has answered, whatever the answer. From the
+    /// event loop.
     void changed();
 
 private Q_SLOTS:

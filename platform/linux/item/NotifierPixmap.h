@@ -7,8 +7,8 @@
 #include <QList>
 #include <QString>
 
-/// A picture as StatusNotifierItem hosts take it, (iiay) on the bus: rows from the top, four bytes a pixel, alpha, red,
-/// green, blue, colours not multiplied by alpha.
+/// A picture as StatusNotifierItem hosts expect it, (iiay) on the bus: rows from the top, four bytes a pixel, alpha,
+/// red, green, blue, colours not multiplied by alpha.
 struct NotifierPixmap {
     int width = 0;
     int height = 0;

@@ -65,7 +65,7 @@ public:
     std::unique_ptr<TrayIconWindow> window; ///< In the forms Tray and Strip.
 
 private:
-    void take(StatusItemForm form);
+    void setForm(StatusItemForm form);
     void setWindow(std::unique_ptr<TrayIconWindow> made);
     void handleUndocked();
     void watchScreen(QScreen *screen);
@@ -120,11 +120,11 @@ void StatusItem::Private::update(Settling settling)
         (form == StatusItemForm::Notifier && m_watcher != m_notifiers.watcher())) {
         qCDebug(itemLog, "the item is %s: there is %s tray and %s StatusNotifierItem host", description(form),
                 hosts.tray ? "a" : "no", hosts.notifier ? "a" : "no");
-        take(form);
+        setForm(form);
     }
 }
 
-void StatusItem::Private::take(StatusItemForm form)
+void StatusItem::Private::setForm(StatusItemForm form)
 {
     // The old form goes first: the item is never seen twice.
     window.reset();
@@ -168,7 +168,7 @@ void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
 void StatusItem::Private::handleUndocked()
 {
     qCDebug(itemLog, "the tray has put the item out: it is asked again");
-    take(StatusItemForm::None);
+    setForm(StatusItemForm::None);
     m_settling.start();
 }
 
@@ -186,7 +186,7 @@ void StatusItem::Private::placeStrip()
     if (window && !screen.mainScreen.isEmpty()) {
         window->moveTo(stripPlace(screen));
     } else {
-        take(StatusItemForm::Strip);
+        setForm(StatusItemForm::Strip);
     }
 }
 

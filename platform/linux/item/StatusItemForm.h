@@ -3,8 +3,8 @@
 /// Where a status item is drawn. One at a time.
 enum class StatusItemForm {
     None,     ///< Nowhere: not yet placed, or its host has just gone and may come back.
-    Tray,     ///< In the X tray, whose protocol tells the item its place and its clicks.
-    Notifier, ///< With a StatusNotifierItem host on the bus, which tells it neither.
+    Tray,     ///< In the X tray: a window of the item's own, so that its place and its clicks are known.
+    Notifier, ///< By a StatusNotifierItem host on the bus, which says that it was pressed but not where it is.
     Strip     ///< By itself in the screen's corner.
 };
 
@@ -17,10 +17,11 @@ struct StatusItemHosts {
 /// Whether the hosts have had the time to settle since the last change.
 enum class Settling { Underway, Over };
 
-/// The form that the hosts call for in the long run: the tray also where both are there.
+/// The form that suits the hosts once they have settled. A tray is preferred to a notifier host.
 [[nodiscard]] StatusItemForm wantedForm(StatusItemHosts hosts);
 
-/// The form to take now, from the `present` one (None for a new item). A tray is taken at once, everything else after
-/// settling: a panel that rebuilds itself is back within a moment and must not make the strip flicker, and one that
-/// speaks both protocols may announce the bus name first. Meanwhile the present form stays if its host does.
+/// The form that follows the `present` one (None for a new item) now. The tray follows at once, every other form only
+/// when the hosts have settled: a panel that rebuilds itself is back within a moment and must not make the strip
+/// flicker, and a panel that speaks both protocols may announce its bus name first. Until then the present form stays,
+/// as long as its host is there.
 [[nodiscard]] StatusItemForm pickForm(StatusItemHosts hosts, StatusItemForm present, Settling settling);

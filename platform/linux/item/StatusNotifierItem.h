@@ -9,8 +9,8 @@
 
 #include <optional>
 
-/// The status item as its StatusNotifierItem host sees it: what it may read, call and hear of, by the contract
-/// resources/dbus/org.kde.StatusNotifierItem.xml. Whose it is, NotifierRegistration says. Main thread only.
+/// The status item as a StatusNotifierItem host sees it: the properties, methods and signals of the contract
+/// resources/dbus/org.kde.StatusNotifierItem.xml. NotifierRegistration makes it known to the host. Main thread only.
 class StatusNotifierItem final : public QObject
 {
     Q_OBJECT
@@ -34,12 +34,12 @@ class StatusNotifierItem final : public QObject
 public:
     StatusNotifierItem();
 
-    /// Tells the host what has become another, and nothing when nothing has.
+    /// Tells the host what has changed, if anything has.
     void setLook(const StatusItemLook &look);
 
     [[nodiscard]] QString category() const { return QStringLiteral("SystemServices"); }
     [[nodiscard]] QString id() const { return QStringLiteral("kivmenua"); }
-    /// Hosts name the item by it in their lists: never empty when there is a tool tip.
+    /// What hosts call the item in their lists. Not empty when there is a tool tip.
     [[nodiscard]] QString title() const;
     /// "Passive" without an image, for which hosts would draw one of their own.
     [[nodiscard]] QString status() const;

@@ -47,7 +47,7 @@ void TrayHostWatch::watchSelection()
 bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
     const auto *event = static_cast<const xcb_generic_event_t *>(message);
-    if ((event->response_type & 0x7f) == m_selectionNotify) {
+    if (XConnection::eventType(*event) == m_selectionNotify) {
         const auto *notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event);
         if (notify->window == m_window) {
             setTray(notify->owner);

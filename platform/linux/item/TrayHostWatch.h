@@ -7,8 +7,8 @@
 
 #include <cstdint>
 
-/// Watches the tray that the X display has: the owner of the tray selection. It learns of every change from the server,
-/// and asks nobody in between. Main thread only.
+/// Watches the tray of the X display: the owner of the tray selection. Hears of every change from the X server, and
+/// never polls. Main thread only.
 class TrayHostWatch final : public QObject, private QAbstractNativeEventFilter
 {
     Q_OBJECT
@@ -21,7 +21,7 @@ public:
     [[nodiscard]] xcb_window_t tray() const noexcept { return m_tray; }
 
 Q_SIGNALS:
-    /// It is another than before, also when one owner has followed another directly. From the event loop.
+    /// The tray has changed, from one owner to the next included. From the event loop.
     void changed();
 
 private:

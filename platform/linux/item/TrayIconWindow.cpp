@@ -179,7 +179,7 @@ bool TrayIconWindow::nativeEventFilter(const QByteArray &, void *message, qintpt
 
 void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
 {
-    switch (event->response_type & 0x7f) {
+    switch (XConnection::eventType(*event)) {
     case XCB_EXPOSE: {
         const auto *expose = reinterpret_cast<const xcb_expose_event_t *>(event);
         if (expose->window == m_window && expose->count == 0) {

@@ -12,7 +12,7 @@
 #include <optional>
 
 /// The X window that is a status item: docked in a tray by the freedesktop.org System Tray protocol, or standing alone
-/// on the screen. One window is for one tray: it ends with it, since the next may want another visual.
+/// on the screen. A docked window ends with its tray: the next tray may ask for another visual.
 ///
 /// It is a plain window on Qt's connection and no QWidget: a tray names the visual, and a window without transparency
 /// has to mix its icon with the panel's background itself. Needs X; main thread only.
@@ -21,8 +21,8 @@ class TrayIconWindow final : public QObject, private QAbstractNativeEventFilter
     Q_OBJECT
 
 public:
-    /// A window that asks the owner of the tray selection to take it in. `side` is its size, in device pixels, until
-    /// the tray decides. Null when the tray's visual cannot be painted.
+    /// A window that asks the owner of the tray selection to embed it. `side` is its size, in device pixels, until the
+    /// tray decides. Null when the tray's visual cannot be painted.
     [[nodiscard]] static std::unique_ptr<TrayIconWindow> dockedIn(xcb_window_t tray, int side);
     /// A window that stands alone at `place` (device pixels of the root window), above the others.
     [[nodiscard]] static std::unique_ptr<TrayIconWindow> standingAt(const QRect &place);
@@ -41,10 +41,10 @@ public:
     [[nodiscard]] std::optional<QRect> place() const;
 
 Q_SIGNALS:
-    /// The primary or the right button went down on it. From the event loop. A press that only closed an open menu is
-    /// not told.
+    /// The primary or the right button went down on it. From the event loop. Not for a press that only closes an open
+    /// menu.
     void pressed();
-    /// The tray has put the window out, or has taken it along at its end. From the event loop.
+    /// The tray no longer embeds the window, or has ended, and the window with it. From the event loop.
     void undocked();
 
 private:

@@ -15,8 +15,8 @@ namespace TrayProtocol
 /// that cannot be painted.
 [[nodiscard]] std::optional<XVisual> visualOf(xcb_window_t tray);
 
-/// Asks the tray to take `window` in and show it, no smaller than `size` (device pixels). The answer is that the window
-/// is given another parent, if the tray does so.
+/// Asks the tray to embed `window` and show it, no smaller than `size` (device pixels). A tray that does so gives the
+/// window another parent; there is no other answer.
 void requestDock(xcb_window_t tray, xcb_window_t window, QSize size);
 
 } // namespace TrayProtocol

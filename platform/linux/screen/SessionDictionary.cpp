@@ -11,9 +11,9 @@
 #include <QDeadlineTimer>
 #include <QVariantMap>
 
-#include <algorithm>
 #include <array>
 #include <chrono>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -138,20 +138,11 @@ std::optional<LogindSession> logindSession()
                          properties.value(QStringLiteral("State")).toString()};
 }
 
-/// Whether the X server is itself a server for remote viewers.
-bool isRemoteDisplay()
+bool hasExtension(xcb_connection_t *connection, std::string_view name)
 {
-    xcb_connection_t *connection = XConnection::get();
-    if (!connection) {
-        return false;
-    }
-    // TigerVNC 1.12 has its extension under the first of these names, 1.15 and 1.16 have it under the second.
-    constexpr std::array<std::string_view, 2> names{"VNC-EXTENSION", "TIGERVNC"};
-    return std::any_of(names.cbegin(), names.cend(), [connection](std::string_view name) {
-        const auto cookie = xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data());
-        const XcbReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
-        return reply && reply->present;
-    });
+    const auto cookie = xcb_query_extension(connection, static_cast<std::uint16_t>(name.size()), name.data());
+    const XcbReply<xcb_query_extension_reply_t> reply(xcb_query_extension_reply(connection, cookie, nullptr));
+    return reply && reply->present;
 }
 
 std::optional<SessionState> currentState()
@@ -159,7 +150,11 @@ std::optional<SessionState> currentState()
     if (const std::optional<LogindSession> session = logindSession()) {
         return sessionState(*session);
     }
-    return isRemoteDisplay() ? std::optional(SessionState{.isLoginDone = true, .isOnConsole = false}) : std::nullopt;
+    xcb_connection_t *connection = XConnection::get();
+    if (connection && isServerForViewers(std::bind_front(hasExtension, connection))) {
+        return SessionState{.isLoginDone = true, .isOnConsole = false};
+    }
+    return std::nullopt;
 }
 
 CFBooleanRef booleanOf(bool value)
@@ -175,6 +170,12 @@ SessionState sessionState(const LogindSession &session)
     // for remote viewers is not remote to logind.
     return {.isLoginDone = session.state == QStringLiteral("active") || session.state == QStringLiteral("online"),
             .isOnConsole = !session.seat.isEmpty() && session.isActive};
+}
+
+bool isServerForViewers(const std::function<bool(std::string_view)> &hasExtension)
+{
+    // TigerVNC 1.12 has its extension under the first of these names, 1.15 and 1.16 have it under the second.
+    return hasExtension("VNC-EXTENSION") || hasExtension("TIGERVNC");
 }
 
 CFDictionaryRef CGSessionCopyCurrentDictionary()

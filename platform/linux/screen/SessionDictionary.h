@@ -2,6 +2,9 @@
 
 #include <QString>
 
+#include <functional>
+#include <string_view>
+
 /// What logind knows of a session, in its own words.
 struct LogindSession {
     QString seat;  ///< "seat0"; empty for a session without screen and keyboard of its own, such as a remote one.
@@ -16,3 +19,6 @@ struct SessionState {
 };
 
 [[nodiscard]] SessionState sessionState(const LogindSession &session);
+
+/// Whether an X server is itself a server for remote viewers, by the extensions that it has.
+[[nodiscard]] bool isServerForViewers(const std::function<bool(std::string_view)> &hasExtension);

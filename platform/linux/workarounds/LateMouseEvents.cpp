@@ -49,8 +49,7 @@ bool LateMouseEvents::nativeEventFilter(const QByteArray &, void *message, qintp
 std::optional<xcb_window_t> LateMouseEvents::windowOf(const xcb_generic_event_t *event) const
 {
     // Presses and moves are laid out alike, in the core protocol and in the extension.
-    constexpr std::uint8_t sentBit = 0x80;
-    switch (event->response_type & ~sentBit) {
+    switch (XConnection::eventType(*event)) {
     case XCB_BUTTON_PRESS:
     case XCB_MOTION_NOTIFY:
         return reinterpret_cast<const xcb_button_press_event_t *>(event)->event;

@@ -91,9 +91,9 @@ void RootProperties::catchUp()
 
 bool RootProperties::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
-    constexpr std::uint8_t sentBit = 0x80;
     const auto *event = static_cast<const xcb_property_notify_event_t *>(message);
-    if (event->response_type == (XCB_PROPERTY_NOTIFY | sentBit) && event->atom == XConnection::atom(workArea)) {
+    const bool isSent = event->response_type == (XCB_PROPERTY_NOTIFY | XConnection::sentBit);
+    if (isSent && event->atom == XConnection::atom(workArea)) {
         // The last of the two; and after Qt, which sees it only when the filters have let it pass.
         QMetaObject::invokeMethod(this, &RootProperties::proceed, Qt::QueuedConnection);
     }

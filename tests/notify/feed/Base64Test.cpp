@@ -176,7 +176,7 @@ TEST(Base64, TakesANegativeLengthForAnEmptyInputOrNoRoom)
 TEST(Base64, AgreesWithASlowDecoderOnRandomInput)
 {
     std::mt19937 random(20110520);
-    const auto below = [&random](int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random); };
+    const auto below = [&random](int end) { return std::uniform_int_distribution<int>(0, end - 1)(random); };
     for (int round = 0; round < 10'000; ++round) {
         // From clean to noise only, from empty to longer than a few lines.
         const int noise = below(4) == 0 ? 0 : below(101);

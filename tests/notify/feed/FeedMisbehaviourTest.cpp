@@ -39,17 +39,20 @@ public:
     Pulse()
     {
         m_timer.setTimerType(Qt::PreciseTimer);
-        m_timer.callOnTimeout([this] { m_longest = std::max(m_longest, m_since.restart()); });
+        m_timer.callOnTimeout([this] { m_standstill = std::max(m_standstill, m_since.restart()); });
         m_timer.start(5);
         m_since.start();
     }
 
-    [[nodiscard]] qint64 longest() const { return m_longest; } ///< The longest it has stood still, in milliseconds.
+    [[nodiscard]] qint64 standstill() const
+    {
+        return m_standstill;
+    } ///< The longest it has stood still, in milliseconds.
 
 private:
     QTimer m_timer;
     QElapsedTimer m_since;
-    qint64 m_longest = 0;
+    qint64 m_standstill = 0;
 };
 
 /// The most memory that this process has ever had at once, in KiB.
@@ -146,11 +149,11 @@ TEST_F(FeedMisbehaviour, NeitherCrashesNorHoldsUpNorFillsTheAgent)
     const Pulse pulse;
     for (int number = 0; number < cases; ++number) {
         ASSERT_TRUE(ask()) << "seed " << seed << ", " << lastCase().toStdString();
-        ASSERT_LT(pulse.longest(), 2000) << "seed " << seed << ", " << lastCase().toStdString();
+        ASSERT_LT(pulse.standstill(), 2000) << "seed " << seed << ", " << lastCase().toStdString();
     }
     std::printf("%d cases from seed %u: the event loop stood still for %lld ms at most, peak memory %ld KiB, of "
                 "fetching %ld KiB\n",
-                cases, seed, static_cast<long long>(pulse.longest()), peakMemory(), peakMemoryOfChildren());
+                cases, seed, static_cast<long long>(pulse.standstill()), peakMemory(), peakMemoryOfChildren());
     EXPECT_GT(casesServed(), cases * 9 / 10) << "it was not tried on much";
     sink.count = 0;
     askFor(QStringLiteral("/well"));

@@ -108,7 +108,7 @@ private:
 
 constexpr char trustedCertificate[] = "KIV_TRUSTED_CERTIFICATE"; ///< Read by fetch_of_the_test.
 constexpr char applicationProxy[] = "KIV_APPLICATION_PROXY";     ///< As well.
-constexpr char maxDuration[] = "KIV_MOST_FOR_ALL";               ///< As well: milliseconds.
+constexpr char maxDuration[] = "KIV_MAX_DURATION";               ///< As well: milliseconds.
 
 class KivNotificationReceiverTest : public testing::Test
 {
@@ -474,7 +474,7 @@ TEST_F(KivNotificationReceiverTest, WaitsForASlowAnswerThatGoesOn)
 
 TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatTricklesInForEver)
 {
-    const Variable most(maxDuration, QStringLiteral("500"));
+    const Variable duration(maxDuration, QStringLiteral("500"));
     serve({{.body = feedWith("1").repeated(100), .pieces = 1, .pause = 10}}, {.timeout = 60s});
     receive();
     EXPECT_EQ(receiver->connection(), nullptr);
@@ -584,12 +584,12 @@ TEST_F(KivNotificationReceiverTest, KeepsTheBytesWhenAnExceptionLeavesTheParse)
 
 TEST_F(KivNotificationReceiverTest, TakesSixteenMebibytesAndCancelsOneByteMore)
 {
-    constexpr qsizetype most = 16 * 1024 * 1024;
+    constexpr qsizetype maxBytes = 16 * 1024 * 1024;
     const auto sized = [](const QByteArray &id, qsizetype size) {
         const QByteArray document = feedWith(id);
         return answerWith(document + QByteArray(size - document.size(), ' '));
     };
-    serve({sized("1", most), sized("2", most + 1), answerWith(feedWith("3"))});
+    serve({sized("1", maxBytes), sized("2", maxBytes + 1), answerWith(feedWith("3"))});
     receive();
     EXPECT_EQ(sink.ids, (Ids{"1"}));
     receive();

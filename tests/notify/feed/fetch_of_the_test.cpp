@@ -18,8 +18,8 @@ int main(int argc, char **argv)
         QNetworkProxy::setApplicationProxy(
             {QNetworkProxy::HttpProxy, QStringLiteral("127.0.0.1"), static_cast<quint16>(port)});
     }
-    if (const int most = qEnvironmentVariableIntValue("KIV_MOST_FOR_ALL"); most != 0) {
-        fetchFeed(QCoreApplication::arguments(), std::chrono::milliseconds(most));
+    if (const int maxDuration = qEnvironmentVariableIntValue("KIV_MAX_DURATION"); maxDuration != 0) {
+        fetchFeed(QCoreApplication::arguments(), std::chrono::milliseconds(maxDuration));
     }
     fetchFeed(QCoreApplication::arguments());
 }

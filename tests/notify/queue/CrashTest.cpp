@@ -119,13 +119,13 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
         ChildProcess subject;
         ASSERT_TRUE(subject.start(QStringLiteral(KIV_CRASH_SUBJECT),
                                   {home.path(), QString::number(random()), QString::number(highestSaid)}));
-        auto longest = std::chrono::microseconds(80'000);
+        auto maxLife = std::chrono::microseconds(80'000);
         if (random() % 4 != 0) { // The others die at some moment of their start.
             const auto steps = static_cast<qsizetype>(random() % 4);
             ASSERT_TRUE(waitUntil([&] { return subject.output().count('\n') > steps; }));
-            longest /= 8;
+            maxLife /= 8;
         }
-        const auto end = std::chrono::steady_clock::now() + longest * (random() % 1000) / 1000;
+        const auto end = std::chrono::steady_clock::now() + maxLife * (random() % 1000) / 1000;
         ASSERT_TRUE(waitUntil([&] { return std::chrono::steady_clock::now() >= end; }));
         subject.kill();
 

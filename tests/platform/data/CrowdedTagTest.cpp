@@ -7,7 +7,7 @@
 namespace
 {
 
-constexpr int most = 2;
+constexpr int maxOfATag = 2;
 
 TEST(CrowdedTag, LetsADocumentWithoutOneThrough)
 {
@@ -15,7 +15,7 @@ TEST(CrowdedTag, LetsADocumentWithoutOneThrough)
                                  "<a>= = = =</a>", "<a b='= = =' c=\"= > = > =\"/>", "<a b='\"= = =\"'/>",
                                  "<?a b='1' c='2' d='3'?>", "< a=b=c=d", "</a b=c=d=e>", "<!-- a=b=c=d -->"}) {
         const QString text = QString::fromUtf8(document);
-        EXPECT_EQ(lengthBeforeCrowdedTag(text, most), text.size()) << document;
+        EXPECT_EQ(lengthBeforeCrowdedTag(text, maxOfATag), text.size()) << document;
     }
 }
 
@@ -31,7 +31,7 @@ TEST(CrowdedTag, EndsBeforeTheFirst)
     };
     for (const auto &[before, rest] : documents) {
         const QString text = QString::fromUtf8(before) + QString::fromUtf8(rest);
-        EXPECT_EQ(lengthBeforeCrowdedTag(text, most), QString::fromUtf8(before).size()) << before << rest;
+        EXPECT_EQ(lengthBeforeCrowdedTag(text, maxOfATag), QString::fromUtf8(before).size()) << before << rest;
     }
 }
 

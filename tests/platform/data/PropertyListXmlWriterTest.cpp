@@ -167,10 +167,10 @@ TEST(PropertyListXmlWriter, WritesNothingThatCouldNotBeReadAgain)
 
 TEST(PropertyListXmlWriter, WritesSixteenMebibytesAndNotOneMore)
 {
-    constexpr qsizetype limit = 16 * 1024 * 1024;
+    constexpr qsizetype maxBytes = 16 * 1024 * 1024;
     const qsizetype frame = write(QStringLiteral("")).size();
-    EXPECT_EQ(write(QString(limit - frame, u'x')).size(), limit);
-    EXPECT_EQ(write(QString(limit - frame + 1, u'x')), QByteArray());
+    EXPECT_EQ(write(QString(maxBytes - frame, u'x')).size(), maxBytes);
+    EXPECT_EQ(write(QString(maxBytes - frame + 1, u'x')), QByteArray());
     EXPECT_EQ(write(QVariantList(100, QByteArray(1'000'000, 'x'))), QByteArray());
 }
 

@@ -11,10 +11,10 @@
 namespace
 {
 
-constexpr std::int32_t intMin = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t intMax = std::numeric_limits<std::int32_t>::max();
-constexpr std::int64_t longMin = std::numeric_limits<std::int64_t>::min();
-constexpr std::int64_t longMax = std::numeric_limits<std::int64_t>::max();
+constexpr std::int32_t minInt = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t maxInt = std::numeric_limits<std::int32_t>::max();
+constexpr std::int64_t minLong = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t maxLong = std::numeric_limits<std::int64_t>::max();
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 struct Integer {
@@ -49,13 +49,13 @@ constexpr Integer integers[] = {
     {u"\u0664\u0662", 0},
     {u"4\u0662", 4},
     {u"\uFF14", 0},
-    {u"9223372036854775807", longMax},
-    {u"9223372036854775808", longMax},
-    {u"-9223372036854775808", longMin},
-    {u"-9223372036854775809", longMin},
-    {u"18446744073709551616", longMax},
-    {u"18446744073709551617", longMax},
-    {u"-99999999999999999999999999999999999999", longMin},
+    {u"9223372036854775807", maxLong},
+    {u"9223372036854775808", maxLong},
+    {u"-9223372036854775808", minLong},
+    {u"-9223372036854775809", minLong},
+    {u"18446744073709551616", maxLong},
+    {u"18446744073709551617", maxLong},
+    {u"-99999999999999999999999999999999999999", minLong},
     {u"000000000000000000000000000000000000005", 5},
 };
 
@@ -122,18 +122,18 @@ TEST(LongLongValue, ReadsTheDigitsAtTheFrontAndSaturates)
 TEST(IntValue, ReadsTheDigitsAtTheFrontAndSaturatesAtThirtyTwoBits)
 {
     for (const auto &[text, value] : integers) {
-        const std::int64_t expected = value > intMax ? intMax : value < intMin ? intMin : value;
+        const std::int64_t expected = value > maxInt ? maxInt : value < minInt ? minInt : value;
         EXPECT_EQ(StringValues::intValue(QString::fromUtf16(text)), expected) << QString::fromUtf16(text).toStdString();
     }
-    EXPECT_EQ(StringValues::intValue(QStringLiteral("2147483647")), intMax);
-    EXPECT_EQ(StringValues::intValue(QStringLiteral("2147483648")), intMax);
-    EXPECT_EQ(StringValues::intValue(QStringLiteral("-2147483648")), intMin);
-    EXPECT_EQ(StringValues::intValue(QStringLiteral("-2147483649")), intMin);
+    EXPECT_EQ(StringValues::intValue(QStringLiteral("2147483647")), maxInt);
+    EXPECT_EQ(StringValues::intValue(QStringLiteral("2147483648")), maxInt);
+    EXPECT_EQ(StringValues::intValue(QStringLiteral("-2147483648")), minInt);
+    EXPECT_EQ(StringValues::intValue(QStringLiteral("-2147483649")), minInt);
 }
 
 TEST(IntValue, TakesAMillionDigits)
 {
-    EXPECT_EQ(StringValues::intValue(QString(1'000'000, u'9')), intMax);
+    EXPECT_EQ(StringValues::intValue(QString(1'000'000, u'9')), maxInt);
     EXPECT_EQ(StringValues::intValue(QString(1'000'000, u'0') + u'7'), 7);
 }
 
@@ -197,19 +197,19 @@ TEST(PropertyListValue, ConvertsFromEveryType)
         {-3, -3, -3, true},
         {3U, 3, 3, true},
         {qlonglong(0), 0, 0, false},
-        {qlonglong(5'000'000'000), intMax, 5e9F, true},
-        {qlonglong(-5'000'000'000), intMin, -5e9F, true},
-        {qlonglong(0x100000000), intMax, 4294967296.0F, true},
-        {std::numeric_limits<qulonglong>::max(), intMax, 18446744073709551616.0F, true},
+        {qlonglong(5'000'000'000), maxInt, 5e9F, true},
+        {qlonglong(-5'000'000'000), minInt, -5e9F, true},
+        {qlonglong(0x100000000), maxInt, 4294967296.0F, true},
+        {std::numeric_limits<qulonglong>::max(), maxInt, 18446744073709551616.0F, true},
         {2.9, 2, 2.9F, true},
         {-2.9, -2, -2.9F, true},
         {0.5, 0, 0.5F, true},
         {-0.0, 0, 0, false},
         {2.5F, 2, 2.5F, true},
-        {1e300, intMax, infinity, true},
-        {-1e300, intMin, -infinity, true},
-        {std::numeric_limits<double>::infinity(), intMax, infinity, true},
-        {-std::numeric_limits<double>::infinity(), intMin, -infinity, true},
+        {1e300, maxInt, infinity, true},
+        {-1e300, minInt, -infinity, true},
+        {std::numeric_limits<double>::infinity(), maxInt, infinity, true},
+        {-std::numeric_limits<double>::infinity(), minInt, -infinity, true},
         {QDateTime::currentDateTimeUtc(), 0, 0, false},
         {QByteArray("5"), 0, 0, false},
         {QVariantList{5}, 0, 0, false},

@@ -25,9 +25,9 @@ TEST(CombiningMarks, KeepsTextsAsTheyAre)
 TEST(CombiningMarks, DropsThoseBehindThirtyTwoInARow)
 {
     for (const QString &mark : {acute, stem, joiner, tag}) {
-        const QString most = u'a' + mark.repeated(32);
-        EXPECT_EQ(withoutPiledUpMarks(most + mark), most);
-        EXPECT_EQ(withoutPiledUpMarks(most + mark.repeated(1000) + most + mark + u'b'), most + most + u'b');
+        const QString allowed = u'a' + mark.repeated(32);
+        EXPECT_EQ(withoutPiledUpMarks(allowed + mark), allowed);
+        EXPECT_EQ(withoutPiledUpMarks(allowed + mark.repeated(1000) + allowed + mark + u'b'), allowed + allowed + u'b');
     }
     EXPECT_EQ(withoutPiledUpMarks(acute.repeated(20) + stem.repeated(20)), acute.repeated(20) + stem.repeated(12));
 }

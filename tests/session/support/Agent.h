@@ -67,7 +67,7 @@ public:
     /// The processor time that its main thread has used so far.
     [[nodiscard]] std::chrono::nanoseconds processorTime() const;
 
-    /// True while the agent takes events on the desktop's bus.
+    /// True while the agent receives events on the desktop's bus.
     [[nodiscard]] bool isLinked() const;
 
 private:

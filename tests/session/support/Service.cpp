@@ -11,7 +11,7 @@ Service::Service(Desktop &desktop)
 
 bool Service::attach(const Agent &agent)
 {
-    EXPECT_TRUE(waitUntil([&] { return agent.isLinked(); })) << "the agent takes no events";
+    EXPECT_TRUE(waitUntil([&] { return agent.isLinked(); })) << "the agent receives no events";
     m_process.environment = environment;
     const QString pid = QString::number(agent.pid());
     const bool attached = m_process.start(QStringLiteral(KIV_BUILD_DIR "/bin/kivservice"),

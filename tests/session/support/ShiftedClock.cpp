@@ -72,16 +72,16 @@ std::int64_t now(clockid_t clock)
     return realTime(clock) + (isShifted(clock) ? shift() : 0);
 }
 
-int wait(pollfd *files, nfds_t count, const timespec *limit, const sigset_t *signals)
+int wait(pollfd *files, nfds_t count, const timespec *timeout, const sigset_t *signals)
 {
     constexpr std::size_t kernelSignalSetSize = 8;
     const auto waitFor = [&](timespec *time) {
         return static_cast<int>(::syscall(SYS_ppoll, files, count, time, signals, kernelSignalSetSize));
     };
-    if (!limit) {
+    if (!timeout) {
         return waitFor(nullptr);
     }
-    const std::int64_t end = now(CLOCK_MONOTONIC) + toNanoseconds(*limit);
+    const std::int64_t end = now(CLOCK_MONOTONIC) + toNanoseconds(*timeout);
     while (true) {
         const std::int64_t left = end - now(CLOCK_MONOTONIC);
         timespec slice = toTimespec(left < 0 ? 0 : left < lookUpEvery ? left : lookUpEvery);
@@ -123,13 +123,13 @@ time_t time(time_t *result) noexcept
 
 int poll(pollfd *files, nfds_t count, int milliseconds)
 {
-    const timespec limit = toTimespec(milliseconds * (second / 1000));
-    return wait(files, count, milliseconds < 0 ? nullptr : &limit, nullptr);
+    const timespec timeout = toTimespec(milliseconds * (second / 1000));
+    return wait(files, count, milliseconds < 0 ? nullptr : &timeout, nullptr);
 }
 
-int ppoll(pollfd *files, nfds_t count, const timespec *limit, const sigset_t *signals)
+int ppoll(pollfd *files, nfds_t count, const timespec *timeout, const sigset_t *signals)
 {
-    return wait(files, count, limit, signals);
+    return wait(files, count, timeout, signals);
 }
 
 // What the two above become when a library is built with fortification.
@@ -138,8 +138,8 @@ int __poll_chk(pollfd *files, nfds_t count, int milliseconds, std::size_t)
     return poll(files, count, milliseconds);
 }
 
-int __ppoll_chk(pollfd *files, nfds_t count, const timespec *limit, const sigset_t *signals, std::size_t)
+int __ppoll_chk(pollfd *files, nfds_t count, const timespec *timeout, const sigset_t *signals, std::size_t)
 {
-    return ppoll(files, count, limit, signals);
+    return ppoll(files, count, timeout, signals);
 }
 }

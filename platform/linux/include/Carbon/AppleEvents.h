@@ -66,9 +66,10 @@ OSErr AEGetAttributePtr(const AppleEvent *event, AEKeyword keyword, DescType des
 /// when that is 0, not running, or receives no events; connectionInvalid without a bus; paramErr for an address that is
 /// no process ID and for codes with a zero byte, which cannot travel. *reply, if given, becomes typeNull.
 ///
-/// Every mode but kAEWaitReply returns once the bus has taken the event. With kAEWaitReply the handler's status is the
-/// result; the wait blocks, and ends with errAETimeout after the time-out (in sixtieths of a second), but no later than
-/// after a minute, kAEDefaultTimeout and kNoTimeOut included. Either may take 0.5 s more when the bus itself is slow.
+/// Every mode but kAEWaitReply returns once the bus has the event. With kAEWaitReply the handler's status is the
+/// result. The wait for it blocks, and ends with errAETimeout after the time-out (in sixtieths of a second), or after a
+/// minute if that is less; kAEDefaultTimeout and kNoTimeOut are a minute. Either may last 0.5 s longer when the bus is
+/// slow.
 OSErr AESend(const AppleEvent *event, AppleEvent *reply, AESendMode mode, AESendPriority priority,
              SInt32 timeOutInTicks, AEIdleUPP idle, AEFilterUPP filter);
 
@@ -79,6 +80,6 @@ OSErr AESend(const AppleEvent *event, AppleEvent *reply, AESendMode mode, AESend
 /// errAEEventFailed. There is one table of handlers: whether it is a system handler does not matter.
 OSErr AEInstallEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler, SRefCon refcon,
                             Boolean isSystemHandler);
-/// errAEHandlerNotFound when that handler is not the installed one. With the last handler goes the bus name.
+/// errAEHandlerNotFound when that handler is not the installed one. Gives the bus name back with the last handler.
 OSErr AERemoveEventHandler(AEEventClass eventClass, AEEventID eventID, AEEventHandlerUPP handler,
                            Boolean isSystemHandler);

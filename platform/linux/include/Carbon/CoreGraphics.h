@@ -31,7 +31,7 @@ struct CGRect {
 inline constexpr CGDirectDisplayID kCGNullDirectDisplay = 0;
 
 /// The RandR output that counts as the main display (platform/linux/include/MainDisplay.h); kCGNullDirectDisplay when
-/// there is none. The calls below know the main display only: of any other they say what they say of none.
+/// there is none. The calls below know the main display only: any other counts as none.
 CGDirectDisplayID CGMainDisplayID();
 
 /// The part of the screen that the display shows, in pixels, as the X server has it now; empty without a display.

@@ -18,7 +18,7 @@ enum : UInt32 { kProcessDictionaryIncludeAllInformationMask = 0xFFFFFFFF };
 
 struct ProcessInfoRec {
     UInt32 processInfoLength;   ///< The caller's: sizeof(ProcessInfoRec).
-    unsigned char *processName; ///< Apple's place for a name; not filled here.
+    unsigned char *processName; ///< Apple's record has it: a buffer for the name. Ignored here.
     ProcessSerialNumber processNumber;
     UInt32 processType;      ///< 'APPL' for the tray host, 0 for all else.
     OSType processSignature; ///< 'dock' for the tray host, 0 for all else.
@@ -42,7 +42,8 @@ CFDictionaryRef ProcessInformationCopyDictionary(const ProcessSerialNumber *psn,
 /// procNotFound, with *pid untouched, when the serial number names no running process.
 OSStatus GetProcessPID(const ProcessSerialNumber *psn, pid_t *pid);
 
-/// procNotFound, with *result untouched, when either is {0, 0}: no process is not the same as no process.
+/// procNotFound, with *result untouched, when either is {0, 0}, which names no process: not even two of them are the
+/// same process.
 OSErr SameProcess(const ProcessSerialNumber *a, const ProcessSerialNumber *b, Boolean *result);
 
 /// Ends this process at once, with status 0 and without any teardown.

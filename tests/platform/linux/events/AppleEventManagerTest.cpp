@@ -22,7 +22,7 @@ namespace
 
 constexpr AEEventClass testClass = fourCharCode("test");
 constexpr AEEventID numberedId = fourCharCode("numb");
-constexpr AEKeyword kKey = fourCharCode("data");
+constexpr AEKeyword dataKey = fourCharCode("data");
 
 /// An event for a process, given up with its scope.
 struct Event {
@@ -104,14 +104,14 @@ TEST(AEPutParamPtr, RefusesWhatIsNotThere)
     AppleEvent none{typeNull, nullptr};
     AEDesc plain;
     ASSERT_EQ(AECreateDesc(typeSInt32, "data", 4, &plain), noErr);
-    EXPECT_EQ(AEPutParamPtr(nullptr, kKey, typeSInt32, "data", 4), paramErr);
-    EXPECT_EQ(AEPutParamPtr(&none, kKey, typeSInt32, "data", 4), paramErr);
-    EXPECT_EQ(AEPutParamPtr(&plain, kKey, typeSInt32, "data", 4), paramErr) << "no event";
-    EXPECT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, nullptr, 4), paramErr);
-    EXPECT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, nullptr, std::numeric_limits<Size>::max()), paramErr);
-    EXPECT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, "data", -1), paramErr);
-    EXPECT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, "data", std::numeric_limits<Size>::max()), memFullErr);
-    EXPECT_EQ(AEGetParamPtr(&made.event, kKey, typeSInt32, nullptr, nullptr, 0, nullptr), errAEDescNotFound);
+    EXPECT_EQ(AEPutParamPtr(nullptr, dataKey, typeSInt32, "data", 4), paramErr);
+    EXPECT_EQ(AEPutParamPtr(&none, dataKey, typeSInt32, "data", 4), paramErr);
+    EXPECT_EQ(AEPutParamPtr(&plain, dataKey, typeSInt32, "data", 4), paramErr) << "no event";
+    EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, nullptr, 4), paramErr);
+    EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, nullptr, std::numeric_limits<Size>::max()), paramErr);
+    EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, "data", -1), paramErr);
+    EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, "data", std::numeric_limits<Size>::max()), memFullErr);
+    EXPECT_EQ(AEGetParamPtr(&made.event, dataKey, typeSInt32, nullptr, nullptr, 0, nullptr), errAEDescNotFound);
     AEDisposeDesc(&plain);
 }
 
@@ -120,22 +120,22 @@ TEST(AEPutParamPtr, HoldsNoMoreThanTheBusCanCarry)
     Event made;
     const std::vector<char> large(20 * 1024 * 1024);
     const auto size = static_cast<Size>(large.size());
-    EXPECT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, large.data(), size), noErr);
+    EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, large.data(), size), noErr);
     EXPECT_EQ(AEPutParamPtr(&made.event, fourCharCode("more"), typeSInt32, large.data(), size), memFullErr);
-    EXPECT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, large.data(), size), noErr) << "replaces, so it fits";
-    EXPECT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, "data", 4), noErr);
+    EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, large.data(), size), noErr) << "replaces, so it fits";
+    EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, "data", 4), noErr);
     EXPECT_EQ(AEPutParamPtr(&made.event, fourCharCode("more"), typeSInt32, large.data(), size), noErr);
 }
 
 TEST(AEPutParamPtr, ReplacesTypeAndContent)
 {
     Event made;
-    ASSERT_EQ(AEPutParamPtr(&made.event, kKey, typeSInt32, "data", 4), noErr);
-    ASSERT_EQ(AEPutParamPtr(&made.event, kKey, fourCharCode("ptxt"), "no", 2), noErr);
+    ASSERT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, "data", 4), noErr);
+    ASSERT_EQ(AEPutParamPtr(&made.event, dataKey, fourCharCode("ptxt"), "no", 2), noErr);
     DescType type = 0;
     Size size = -1;
     std::array<char, 4> data{'-', '-', '-', '-'};
-    EXPECT_EQ(AEGetParamPtr(&made.event, kKey, fourCharCode("ptxt"), &type, data.data(), 4, &size), noErr);
+    EXPECT_EQ(AEGetParamPtr(&made.event, dataKey, fourCharCode("ptxt"), &type, data.data(), 4, &size), noErr);
     EXPECT_EQ(type, fourCharCode("ptxt"));
     EXPECT_EQ(size, 2);
     EXPECT_EQ(std::string(data.data(), 4), "no--");
@@ -144,41 +144,41 @@ TEST(AEPutParamPtr, ReplacesTypeAndContent)
 TEST(AEGetParamPtr, CopiesAtMostWhatIsAskedFor)
 {
     Event made;
-    ASSERT_EQ(AEPutParamPtr(&made.event, kKey, typeUInt32, "12345678", 8), noErr);
+    ASSERT_EQ(AEPutParamPtr(&made.event, dataKey, typeUInt32, "12345678", 8), noErr);
     struct Case {
-        Size maximum;
+        Size maximumSize;
         const char *expected;
     };
     for (const Case &c : {Case{0, "----------"}, Case{1, "1---------"}, Case{7, "1234567---"}, Case{8, "12345678--"},
                           Case{9, "12345678--"}, Case{std::numeric_limits<Size>::max(), "12345678--"}}) {
         char data[] = "----------";
         Size size = -1;
-        EXPECT_EQ(AEGetParamPtr(&made.event, kKey, typeUInt32, nullptr, data, c.maximum, &size), noErr);
-        EXPECT_STREQ(data, c.expected) << c.maximum;
+        EXPECT_EQ(AEGetParamPtr(&made.event, dataKey, typeUInt32, nullptr, data, c.maximumSize, &size), noErr);
+        EXPECT_STREQ(data, c.expected) << c.maximumSize;
         EXPECT_EQ(size, 8) << "its full size";
     }
     Size size = -1;
-    EXPECT_EQ(AEGetParamPtr(&made.event, kKey, typeUInt32, nullptr, nullptr, 0, &size), noErr);
+    EXPECT_EQ(AEGetParamPtr(&made.event, dataKey, typeUInt32, nullptr, nullptr, 0, &size), noErr);
     EXPECT_EQ(size, 8);
 }
 
 TEST(AEGetParamPtr, SaysWhyThereIsNothing)
 {
     Event made;
-    ASSERT_EQ(AEPutParamPtr(&made.event, kKey, typeUInt32, "1234", 4), noErr);
+    ASSERT_EQ(AEPutParamPtr(&made.event, dataKey, typeUInt32, "1234", 4), noErr);
     const AppleEvent none{typeNull, nullptr};
     char data[] = "----";
     DescType type = 0;
     Size size = -1;
-    const auto get = [&](const AppleEvent *event, AEKeyword keyword, DescType wanted, void *to, Size maximum) {
-        return AEGetParamPtr(event, keyword, wanted, &type, to, maximum, &size);
+    const auto get = [&](const AppleEvent *event, AEKeyword keyword, DescType wanted, void *to, Size maximumSize) {
+        return AEGetParamPtr(event, keyword, wanted, &type, to, maximumSize, &size);
     };
-    EXPECT_EQ(get(nullptr, kKey, typeUInt32, data, 4), paramErr);
-    EXPECT_EQ(get(&none, kKey, typeUInt32, data, 4), paramErr);
-    EXPECT_EQ(get(&made.event, kKey, typeUInt32, nullptr, 4), paramErr);
-    EXPECT_EQ(get(&made.event, kKey, typeUInt32, data, -1), paramErr);
+    EXPECT_EQ(get(nullptr, dataKey, typeUInt32, data, 4), paramErr);
+    EXPECT_EQ(get(&none, dataKey, typeUInt32, data, 4), paramErr);
+    EXPECT_EQ(get(&made.event, dataKey, typeUInt32, nullptr, 4), paramErr);
+    EXPECT_EQ(get(&made.event, dataKey, typeUInt32, data, -1), paramErr);
     EXPECT_EQ(get(&made.event, fourCharCode("none"), typeUInt32, data, 4), errAEDescNotFound);
-    EXPECT_EQ(get(&made.event, kKey, typeSInt32, data, 4), errAECoercionFail);
+    EXPECT_EQ(get(&made.event, dataKey, typeSInt32, data, 4), errAECoercionFail);
     EXPECT_STREQ(data, "----");
     EXPECT_EQ(type, 0u);
     EXPECT_EQ(size, -1);
@@ -188,11 +188,11 @@ TEST(AEGetAttributePtr, HasNoSenderInAnEventMadeHere)
 {
     Event made;
     SInt32 pid = 42;
-    const auto get = [&](const AppleEvent *event, AEKeyword keyword, void *to, Size maximum) {
-        return AEGetAttributePtr(event, keyword, typeSInt32, nullptr, to, maximum, nullptr);
+    const auto get = [&](const AppleEvent *event, AEKeyword keyword, void *to, Size maximumSize) {
+        return AEGetAttributePtr(event, keyword, typeSInt32, nullptr, to, maximumSize, nullptr);
     };
     EXPECT_EQ(get(&made.event, keySenderPIDAttr, &pid, 4), errAEDescNotFound);
-    EXPECT_EQ(get(&made.event, kKey, &pid, 4), errAEDescNotFound);
+    EXPECT_EQ(get(&made.event, dataKey, &pid, 4), errAEDescNotFound);
     EXPECT_EQ(get(nullptr, keySenderPIDAttr, &pid, 4), paramErr);
     EXPECT_EQ(get(&made.event, keySenderPIDAttr, nullptr, 4), paramErr);
     EXPECT_EQ(get(&made.event, keySenderPIDAttr, &pid, -4), paramErr);
@@ -234,7 +234,7 @@ OSErr receivedSize(const AppleEvent *event, AppleEvent *reply, SRefCon refcon)
     EXPECT_EQ(event->descriptorType, typeAppleEvent);
     EXPECT_EQ(reply->descriptorType, typeNull);
     Size size = -1;
-    AEGetParamPtr(event, kKey, typeUInt32, nullptr, nullptr, 0, &size);
+    AEGetParamPtr(event, dataKey, typeUInt32, nullptr, nullptr, 0, &size);
     static_cast<std::vector<Size> *>(refcon)->push_back(size);
     return 11;
 }
@@ -252,7 +252,7 @@ OSErr selfRemoving(const AppleEvent *, AppleEvent *, SRefCon)
 
 OSErr slow(const AppleEvent *, AppleEvent *, SRefCon)
 {
-    const QDeadlineTimer end(2 * WorkInTurns::kShareOfATurn, Qt::PreciseTimer);
+    const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
     while (!end.hasExpired()) {
     }
     return 14;
@@ -306,16 +306,16 @@ TEST_F(AppleEventManager, RemovesAHandlerWithinASecondWhenTheBusIsStuck)
     EXPECT_FALSE(isNameOwned());
 }
 
-TEST_F(AppleEventManager, TakesEventsWhileAHandlerIsInstalled)
+TEST_F(AppleEventManager, ReceivesEventsWhileAHandlerIsInstalled)
 {
     std::vector<Size> sizes;
     EXPECT_EQ(Event(self).send(), procNotFound);
     ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, receivedSize, &sizes, false), noErr);
-    ASSERT_EQ(AEInstallEventHandler(testClass, kKey, otherHandler, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, dataKey, otherHandler, nullptr, false), noErr);
     EXPECT_TRUE(isNameOwned());
 
     Event made(self);
-    ASSERT_EQ(AEPutParamPtr(&made.event, kKey, typeUInt32, "123", 3), noErr);
+    ASSERT_EQ(AEPutParamPtr(&made.event, dataKey, typeUInt32, "123", 3), noErr);
     EXPECT_EQ(made.send(), noErr);
     EXPECT_TRUE(waitUntil([&] { return sizes == std::vector<Size>{3}; }));
     EXPECT_EQ(made.send(kAEWaitReply), 11);
@@ -325,7 +325,7 @@ TEST_F(AppleEventManager, TakesEventsWhileAHandlerIsInstalled)
     EXPECT_EQ(made.send(kAEWaitReply), errAEEventNotHandled) << "the other ID does not take it";
     EXPECT_EQ(sizes.size(), 2u);
     EXPECT_TRUE(isNameOwned());
-    EXPECT_EQ(AERemoveEventHandler(testClass, kKey, otherHandler, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, dataKey, otherHandler, false), noErr);
     EXPECT_FALSE(isNameOwned());
     EXPECT_EQ(made.send(), procNotFound);
 }

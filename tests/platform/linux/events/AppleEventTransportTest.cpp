@@ -29,8 +29,8 @@ namespace
 
 using namespace std::chrono_literals;
 
-constexpr AEEventClass kClass = fourCharCode("test");
-constexpr AEEventID kID = fourCharCode("numb");
+constexpr AEEventClass numberClass = fourCharCode("test");
+constexpr AEEventID numberID = fourCharCode("numb");
 
 QString ownBusName()
 {
@@ -111,8 +111,8 @@ TEST_F(Transport, ReadsAHandMadeEvent)
 
     ASSERT_EQ(events.size(), 1u);
     const AppleEventContents &event = events.front();
-    EXPECT_EQ(event.eventClass(), kClass);
-    EXPECT_EQ(event.eventID(), kID);
+    EXPECT_EQ(event.eventClass(), numberClass);
+    EXPECT_EQ(event.eventID(), numberID);
     EXPECT_EQ(event.parameters().size(), 4u);
     EXPECT_EQ(valueOf<UInt32>(event, fourCharCode("numb")), 0x01020304u);
     EXPECT_EQ(event.parameter(fourCharCode("numb"))->type, typeUInt32);
@@ -123,7 +123,7 @@ TEST_F(Transport, ReadsAHandMadeEvent)
     EXPECT_EQ(event.sender, std::optional<SInt32>(QCoreApplication::applicationPid()));
 }
 
-TEST_F(Transport, TakesACallThatNamesNoInterface)
+TEST_F(Transport, ReceivesACallThatNamesNoInterface)
 {
     transport.startReceiving();
     QDBusMessage message = QDBusMessage::createMethodCall(
@@ -167,7 +167,7 @@ TEST_F(Transport, RefusesWhatIsNoEvent)
         EXPECT_EQ(QDBusError(call(message)).type(), QDBusError::InvalidArgs) << qPrintable(message.signature());
         ASSERT_TRUE(peer.connection().send(message));
     }
-    // All of the silent ones have been taken once this is answered.
+    // All of the silent ones have been received once this is answered.
     EXPECT_EQ(call(rawEvent(ownBusName(), four, four)).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(events.size(), 1u);
 }
@@ -366,14 +366,14 @@ TEST_F(Transport, StartsAndStopsReceivingWithinASecondOnABusThatIsStuck)
 TEST_F(Transport, SendsNothingOnABusThatIsStuck)
 {
     transport.startReceiving();
-    AppleEventContents event(kClass, kID);
+    AppleEventContents event(numberClass, numberID);
     event.target = static_cast<SInt32>(QCoreApplication::applicationPid());
     daemon.suspend();
     EXPECT_EQ(transport.send(event), connectionInvalid);
     daemon.resume();
 }
 
-TEST_F(Transport, TakesTwentyThousandEventsInOrder)
+TEST_F(Transport, HandlesTwentyThousandEventsInOrder)
 {
     transport.startReceiving();
     constexpr int count = 20'000;
@@ -393,7 +393,7 @@ TEST_F(Transport, RefusesEventsOfASenderThatHasTooManyWaiting)
     AppleEventTransport narrow(
         ownBus,
         [&handled](const AppleEventContents &) {
-            const QDeadlineTimer end(2 * WorkInTurns::kShareOfATurn, Qt::PreciseTimer);
+            const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
             while (!end.hasExpired()) {
             }
             ++handled;
@@ -426,7 +426,7 @@ TEST_F(Transport, AnswersOtherCallsInTurnsToo)
     AppleEventTransport narrow(
         ownBus,
         [](const AppleEventContents &) {
-            const QDeadlineTimer end(2 * WorkInTurns::kShareOfATurn, Qt::PreciseTimer);
+            const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
             while (!end.hasExpired()) {
             }
             return noErr;
@@ -454,7 +454,7 @@ TEST_F(Transport, AnswersOtherCallsInTurnsToo)
     EXPECT_EQ(QDBusError(refusedToOther.reply()).type(), QDBusError::LimitsExceeded);
 }
 
-TEST_F(Transport, TakesAnEventWithinMilliseconds)
+TEST_F(Transport, HandlesAnEventWithinMilliseconds)
 {
     transport.startReceiving();
     constexpr std::size_t count = 500;
@@ -476,7 +476,7 @@ TEST_F(Transport, TakesAnEventWithinMilliseconds)
     EXPECT_LT(median, 50'000'000);
 }
 
-/// Takes calls of Send on a connection of its own and keeps them as they came.
+/// Receives calls of Send on a connection of its own and keeps them as they came.
 class RawReceiver final : public QDBusVirtualObject
 {
 public:
@@ -502,7 +502,7 @@ private:
 
 AppleEventContents numberedEvent(qint64 target)
 {
-    AppleEventContents event(kClass, kID);
+    AppleEventContents event(numberClass, numberID);
     event.target = static_cast<SInt32>(target);
     const SInt32 number = 7;
     EXPECT_EQ(event.setParameter(fourCharCode("numb"), typeSInt32, &number, sizeof number), noErr);
@@ -536,7 +536,7 @@ TEST(AppleEventMessage, StartsNoService)
     EXPECT_FALSE(message->autoStartService());
 }
 
-TEST_F(Transport, SendsNothingToWhoTakesNoEvents)
+TEST_F(Transport, SendsNothingToWhoReceivesNoEvents)
 {
     // Everything that is on the bus for these names would come here.
     ChildProcess other;
@@ -559,7 +559,7 @@ TEST_F(Transport, SendsNothingToWhoTakesNoEvents)
     EXPECT_EQ(impostor.messages.front().arguments().at(0), QVariant(QStringLiteral("last")));
 }
 
-TEST_F(Transport, FindsATakerAgainThatHasChangedItsConnection)
+TEST_F(Transport, FindsATargetAgainThatHasChangedItsConnection)
 {
     const qint64 self = QCoreApplication::applicationPid();
     BusPeer first(daemon);
@@ -580,7 +580,7 @@ TEST_F(Transport, FindsATakerAgainThatHasChangedItsConnection)
     EXPECT_TRUE(waitUntil([&] { return !receiver.messages.empty() && !third.messages.empty(); }));
 }
 
-TEST_F(Transport, SaysInTimeThatTheBusIsStuckAlsoForAKnownTaker)
+TEST_F(Transport, SaysInTimeThatTheBusIsStuckAlsoForAKnownTarget)
 {
     const qint64 self = QCoreApplication::applicationPid();
     const RawReceiver receiver(peer.connection(), ownBusName());
@@ -594,15 +594,15 @@ TEST_F(Transport, SaysInTimeThatTheBusIsStuckAlsoForAKnownTaker)
     EXPECT_EQ(transport.send(numberedEvent(self)), noErr);
 }
 
-TEST_F(Transport, DoesNotTakeSomebodyOnANewBusForTheLastTaker)
+TEST_F(Transport, DoesNotMistakeSomebodyOnANewBusForTheLastTarget)
 {
     const qint64 self = QCoreApplication::applicationPid();
-    auto taker = std::make_unique<BusPeer>(daemon);
-    auto receiver = std::make_unique<RawReceiver>(taker->connection(), ownBusName());
+    auto target = std::make_unique<BusPeer>(daemon);
+    auto receiver = std::make_unique<RawReceiver>(target->connection(), ownBusName());
     ASSERT_EQ(transport.send(numberedEvent(self)), noErr);
-    const QString takersName = taker->name();
+    const QString targetsName = target->name();
     receiver.reset();
-    taker.reset();
+    target.reset();
     daemon.stop();
     ASSERT_TRUE(waitUntil([&] { return !bus.isConnected(); }));
     ASSERT_TRUE(daemon.start());
@@ -613,10 +613,10 @@ TEST_F(Transport, DoesNotTakeSomebodyOnANewBusForTheLastTaker)
     do {
         others.push_back(std::make_unique<BusPeer>(daemon));
         ASSERT_LT(others.size(), 100u);
-    } while (others.back()->name() != takersName);
+    } while (others.back()->name() != targetsName);
     const RawReceiver stranger(others.back()->connection(), QStringLiteral("com.example.Stranger"));
     EXPECT_EQ(transport.send(numberedEvent(self)), procNotFound);
-    ASSERT_TRUE(bus.connection().send(rawEvent(takersName, QStringLiteral("last"), QStringLiteral("last"))));
+    ASSERT_TRUE(bus.connection().send(rawEvent(targetsName, QStringLiteral("last"), QStringLiteral("last"))));
     ASSERT_TRUE(waitUntil([&] { return !stranger.messages.empty(); }));
     EXPECT_EQ(stranger.messages.front().arguments().at(0), QVariant(QStringLiteral("last")));
 }
@@ -624,8 +624,8 @@ TEST_F(Transport, DoesNotTakeSomebodyOnANewBusForTheLastTaker)
 TEST_F(Transport, RefusesAnEventThatCannotTravel)
 {
     const qint64 self = QCoreApplication::applicationPid();
-    EXPECT_EQ(transport.send(AppleEventContents(kClass, kID)), paramErr) << "no target";
-    AppleEventContents event(0, kID);
+    EXPECT_EQ(transport.send(AppleEventContents(numberClass, numberID)), paramErr) << "no target";
+    AppleEventContents event(0, numberID);
     event.target = static_cast<SInt32>(self);
     EXPECT_EQ(transport.send(event), paramErr);
     event = numberedEvent(self);

@@ -68,7 +68,7 @@ TEST_F(DistributedNotificationSignalTest, HearsTheFirstOfManyAtOnceAndTheOthersT
     }
     ASSERT_TRUE(peer.connection().send(QDBusMessage::createSignal(QStringLiteral("/"), ours, end)));
     ASSERT_TRUE(waitUntil([&] { return heardOfTheEnd > 0; }));
-    EXPECT_LE(heard, 1 + duration.elapsed() / DistributedNotificationSignal::kPause.count());
+    EXPECT_LE(heard, 1 + duration.elapsed() / DistributedNotificationSignal::pauseAfterACall.count());
 }
 
 TEST_F(DistributedNotificationSignalTest, HearsWhatIsPostedWhileItTells)

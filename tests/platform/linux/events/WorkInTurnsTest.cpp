@@ -22,7 +22,7 @@ void takeLong()
 {
     QElapsedTimer timer;
     timer.start();
-    while (timer.elapsed() < WorkInTurns::kShareOfATurn.count() + 1) {
+    while (timer.elapsed() < WorkInTurns::defaultShareOfATurn.count() + 1) {
     }
 }
 
@@ -84,27 +84,27 @@ TEST_F(WorkInTurnsTest, KeepsTheOrderOfAClient)
 TEST_F(WorkInTurnsTest, KeepsTheOrderInWhichItCameWhoeverItIsFor)
 {
     carryOut(one, noteAfterLong('a'));
-    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder - 1; ++i) {
+    for (std::size_t i = 0; i < WorkInTurns::maxInOrder - 1; ++i) {
         carryOut(one, note('.'));
     }
     carryOut(other, note('b'));
     carryOut(one, note('c'));
     carryOut(other, note('d'));
-    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 2; }));
-    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMaxInOrder - 1, '.') + "bcd");
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::maxInOrder + 2; }));
+    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::maxInOrder - 1, '.') + "bcd");
 }
 
 TEST_F(WorkInTurnsTest, ComesBehindThatOfOthersForAClientForWhomTooMuchWaits)
 {
     carryOut(one, noteAfterLong('a'));
-    for (std::size_t i = 0; i <= WorkInTurns::kMaxInOrder; ++i) {
+    for (std::size_t i = 0; i <= WorkInTurns::maxInOrder; ++i) {
         carryOut(one, note('.'));
     }
     carryOut(other, note('b'));
     carryOut(QStringLiteral("third"), note('c'));
     carryOut(other, note('d'));
-    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 1 + 3; }));
-    EXPECT_EQ(done, "abcd" + std::string(WorkInTurns::kMaxInOrder + 1, '.'));
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::maxInOrder + 1 + 3; }));
+    EXPECT_EQ(done, "abcd" + std::string(WorkInTurns::maxInOrder + 1, '.'));
 }
 
 TEST_F(WorkInTurnsTest, TakesItsPlaceAgainOnceLessOfItWaits)
@@ -112,16 +112,16 @@ TEST_F(WorkInTurnsTest, TakesItsPlaceAgainOnceLessOfItWaits)
     carryOut(one, noteAfterLong('a'));
     // When this is carried out, just as much waits as may be in order.
     carryOut(one, [this] { carryOut(other, note('b')); });
-    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder; ++i) {
+    for (std::size_t i = 0; i < WorkInTurns::maxInOrder; ++i) {
         carryOut(one, note('.'));
     }
-    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::kMaxInOrder + 1; }));
-    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::kMaxInOrder, '.') + 'b');
+    ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::maxInOrder + 1; }));
+    EXPECT_EQ(done, 'a' + std::string(WorkInTurns::maxInOrder, '.') + 'b');
 }
 
 TEST_F(WorkInTurnsTest, IsRefusedOnlyToWhoHasTheMostThatMayWait)
 {
-    WorkInTurns small(WorkInTurns::kShareOfATurn, 2);
+    WorkInTurns small(WorkInTurns::defaultShareOfATurn, 2);
     for (const char what : {'a', 'b', 'c'}) {
         EXPECT_TRUE(small.carryOut(one, noteAfterLong(what)));
     }

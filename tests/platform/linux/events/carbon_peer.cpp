@@ -15,8 +15,8 @@
 namespace
 {
 
-constexpr AEEventClass kClass = fourCharCode("test");
-constexpr AEEventID kID = fourCharCode("numb");
+constexpr AEEventClass numberClass = fourCharCode("test");
+constexpr AEEventID numberID = fourCharCode("numb");
 
 OSErr onNumber(const AppleEvent *event, AppleEvent *, SRefCon)
 {
@@ -31,7 +31,7 @@ OSErr onNumber(const AppleEvent *event, AppleEvent *, SRefCon)
 
 int receive()
 {
-    if (AEInstallEventHandler(kClass, kID, onNumber, nullptr, false) != noErr) {
+    if (AEInstallEventHandler(numberClass, numberID, onNumber, nullptr, false) != noErr) {
         return 1;
     }
     std::puts("ready");
@@ -47,7 +47,7 @@ int receive()
     AppleEvent event;
     const SInt32 number = 41;
     AECreateDesc(typeKernelProcessID, &pid, sizeof pid, &target);
-    AECreateAppleEvent(kClass, kID, &target, kAutoGenerateReturnID, kAnyTransactionID, &event);
+    AECreateAppleEvent(numberClass, numberID, &target, kAutoGenerateReturnID, kAnyTransactionID, &event);
     AEPutParamPtr(&event, fourCharCode("numb"), typeSInt32, &number, sizeof number);
     const OSErr status = AESend(&event, nullptr, kAENoReply, kAENormalPriority, kNoTimeOut, nullptr, nullptr);
     if (status != noErr) {

@@ -56,7 +56,7 @@ void FakeTray::serve()
 {
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
-        if ((event->response_type & 0x7f) != XCB_CLIENT_MESSAGE ||
+        if (XConnection::eventType(*event) != XCB_CLIENT_MESSAGE ||
             message->type != XConnection::atom("_NET_SYSTEM_TRAY_OPCODE") || message->data.data32[1] != 0) {
             continue;
         }

@@ -18,7 +18,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
+#include <string_view>
+#include <vector>
 
 namespace
 {
@@ -161,6 +164,27 @@ TEST(SessionState, FollowsSeatActivityAndState)
             sessionState({QString::fromLatin1(c.seat), c.isActive, QString::fromLatin1(c.state)});
         EXPECT_EQ(state.isLoginDone, c.isLoginDone) << c.seat << ' ' << c.state;
         EXPECT_EQ(state.isOnConsole, c.isOnConsole) << c.seat << ' ' << c.state;
+    }
+}
+
+TEST(ServerForViewers, HasAnExtensionOfOneOfTwoNames)
+{
+    struct Case {
+        const char *server;
+        std::vector<std::string_view> extensions;
+        bool isForViewers;
+    };
+    // As xdpyinfo lists them.
+    for (const Case &c : {
+             Case{"TigerVNC 1.12", {"RANDR", "VNC-EXTENSION", "XTEST"}, true},
+             Case{"TigerVNC 1.15 and 1.16", {"RANDR", "TIGERVNC", "XTEST"}, true},
+             Case{"Xorg", {"RANDR", "XFree86-DGA", "XTEST"}, false},
+             Case{"none", {}, false},
+         }) {
+        const auto hasExtension = [&c](std::string_view name) {
+            return std::ranges::find(c.extensions, name) != c.extensions.end();
+        };
+        EXPECT_EQ(isServerForViewers(hasExtension), c.isForViewers) << c.server;
     }
 }
 

@@ -55,8 +55,7 @@ public:
 private:
     bool nativeEventFilter(const QByteArray &, void *message, qintptr *) override
     {
-        constexpr std::uint8_t sentBit = 0x80;
-        const int type = static_cast<const xcb_generic_event_t *>(message)->response_type & ~sentBit;
+        const int type = XConnection::eventType(*static_cast<const xcb_generic_event_t *>(message));
         ofTheExtension += type == XCB_GE_GENERIC ? 1 : 0;
         ofTheCore += type == XCB_BUTTON_PRESS || type == XCB_MOTION_NOTIFY ? 1 : 0;
         return false;

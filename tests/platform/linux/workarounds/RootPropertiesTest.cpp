@@ -83,7 +83,7 @@ public:
             const auto *notify = reinterpret_cast<const xcb_property_notify_event_t *>(event);
             changes += notify->window == XConnection::screen()->root ? 1 : 0;
         }
-        if ((event->response_type & 0x7f) == XCB_CLIENT_MESSAGE) {
+        if (XConnection::eventType(*event) == XCB_CLIENT_MESSAGE) {
             marks += reinterpret_cast<const xcb_client_message_event_t *>(event)->type == mark ? 1 : 0;
         }
         return false;

@@ -77,9 +77,9 @@ public:
     {
         return waitUntil([this] { return m_process.output().contains("up\n"); });
     }
-    [[nodiscard]] bool endsWithin(std::chrono::milliseconds limit)
+    [[nodiscard]] bool endsWithin(std::chrono::milliseconds timeout)
     {
-        return waitUntil([this] { return !m_process.isRunning(); }, limit);
+        return waitUntil([this] { return !m_process.isRunning(); }, timeout);
     }
 
 private:
@@ -149,7 +149,7 @@ TEST_F(WorkaroundNeed, FreedMemory)
     tell("FreedMemory", residentMemory() > before - qint64(pieces * size) / 2);
 }
 
-TEST_F(WorkaroundNeed, PictureCache)
+TEST_F(WorkaroundNeed, PixmapCache)
 {
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer has an allocator of its own";
@@ -164,7 +164,7 @@ TEST_F(WorkaroundNeed, PictureCache)
     QPixmapCache::clear();
     const std::size_t after = heapInUse();
     constexpr std::size_t ofFewPictures = 20'000;
-    tell("PictureCache", before > after + ofFewPictures);
+    tell("PixmapCache", before > after + ofFewPictures);
 }
 
 TEST_F(WorkaroundNeed, MenuMouse)

@@ -7,7 +7,7 @@ import tempfile
 import unittest
 from xml.sax.saxutils import escape
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+SOURCE = pathlib.Path(__file__).resolve().parents[3]
 
 
 def program(name, output="", status="run", inside=""):
@@ -68,7 +68,8 @@ class TestSummary(unittest.TestCase):
                          ["0 passed, 0 failed, 3 skipped (2: no disk of its own; 1: no reason given)"])
 
     def test_a_workaround_whose_time_is_over_is_named(self):
-        self.assertEqual(self.summary(program("A", "[ RUN      ] S.One\nworkaround One: no longer needed with Qt 6.11.0\n"
+        self.assertEqual(self.summary(program("A", "[ RUN      ] S.One\n"
+                                                   "workaround One: no longer needed with Qt 6.11.0\n"
                                                    "[       OK ] S.One (1 ms)\n[ RUN      ] S.Two\n"
                                                    "workaround Two: still needed with Qt 6.11.0\n"
                                                    "[       OK ] S.Two (1 ms)\n")),

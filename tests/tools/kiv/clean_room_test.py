@@ -11,7 +11,7 @@ import subprocess
 import tempfile
 import unittest
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+SOURCE = pathlib.Path(__file__).resolve().parents[3]
 
 MMDEBSTRAP = """#!/bin/bash
 # mmdebstrap OPTION... SUITE FOLDER MIRROR

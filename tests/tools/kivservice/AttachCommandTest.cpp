@@ -22,7 +22,7 @@ OSErr recordCommand(const AppleEvent *event, AppleEvent *, SRefCon)
     return noErr;
 }
 
-/// The program itself. This process takes events as an agent does, and is one for whoever names its process ID.
+/// The program itself. This process receives events as an agent does, and is one for whoever names its process ID.
 class AttachCommand : public testing::Test
 {
 protected:

@@ -1,6 +1,6 @@
 #include "tools/kivservice/DisplaySwitcher.h"
 
-#include "platform/linux/include/MainDisplay.h"
+#include "tests/support/MainDisplaySize.h"
 #include "tools/kivservice/ModeTiming.h"
 
 #include <Carbon/Carbon.h>
@@ -9,11 +9,6 @@
 
 namespace
 {
-
-QSize mainDisplaySize()
-{
-    return mainDisplay()->bounds.size();
-}
 
 int modesOfSize(int width, int height)
 {

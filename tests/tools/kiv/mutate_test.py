@@ -7,7 +7,7 @@ import sys
 import tempfile
 import unittest
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+SOURCE = pathlib.Path(__file__).resolve().parents[3]
 
 TREE = {
     ".gitignore": "/build/",

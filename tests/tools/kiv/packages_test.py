@@ -7,7 +7,7 @@ import subprocess
 import tempfile
 import unittest
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+SOURCE = pathlib.Path(__file__).resolve().parents[3]
 
 DPKG_QUERY = """#!/bin/sh
 echo dpkg-query >>"$CALLS"

@@ -10,7 +10,7 @@ import sys
 import tempfile
 import unittest
 
-SOURCE = pathlib.Path(__file__).resolve().parents[2]
+SOURCE = pathlib.Path(__file__).resolve().parents[3]
 HEADER = "tools/kivservice/ServiceLine.h"
 
 

@@ -1,49 +1,47 @@
 #!/usr/bin/env python3
-"""include_directions SOURCE_DIR: the folders use one another one way only.
+"""include_directions.py ROOT: the folders use one another one way only.
 
 Prints each include that points elsewhere, and ends with status 1 when there is one. Includes of ours are written with
-their path from SOURCE_DIR.
+their path from ROOT.
 """
 import re
 import sys
 from pathlib import Path
 
-# Which rooms the files of a room may include from, beside their own. A room is the longest entry here that a file's
-# folder begins with; "platform" alone stands for the headers that lie in platform/ itself.
+# Which rooms the files of a room may include from, beside their own. A file's room is the entry here with which its
+# folder begins, the longest if there are several; "platform" alone stands for the headers in platform/ itself.
 PLATFORM = ['platform', 'platform/files', 'platform/data', 'platform/text', 'platform/images', 'platform/alert']
 RECORD = ['notify', 'notify/record']
 RULES = RECORD + ['notify/rules']
 TEXT = RECORD + ['notify/text']
 POPUP = RULES + TEXT + ['notify/popup']
-NOTIFY = POPUP + ['notify/feed', 'notify/queue']
+QUEUE = RULES + ['notify/popup', 'notify/queue']
+NOTIFY = TEXT + QUEUE + ['notify/feed']
 LINUX = ['platform', 'platform/linux/include']
 ALLOWED = {
     'fetch': [],
     'platform/files': [],
     'platform/data': ['platform/files'],
-    'platform/images': ['platform', 'platform/data'],
-    'platform/text': ['platform', 'platform/data'],
+    'platform/images': [],
+    'platform/text': [],
     'platform': ['platform/data'],
-    'platform/alert': ['platform', 'platform/data', 'platform/images', 'platform/text'],
-    'platform/macos': PLATFORM,
+    'platform/alert': ['platform'],
+    'platform/macos': ['platform', 'platform/images'],
     'platform/linux/include': ['platform'],
     'platform/linux/bus': LINUX + ['platform/linux/workarounds'],
-    'platform/linux/corefoundation': LINUX + ['platform/data'],
+    'platform/linux/corefoundation': LINUX,
     'platform/linux/screen': LINUX,
     'platform/linux/processes': LINUX,
     'platform/linux/events': LINUX + ['platform/linux/processes'],
     'platform/linux/workarounds': LINUX,
-    'platform/linux/item': PLATFORM + LINUX + [
-        'platform/linux/bus', 'platform/linux/processes', 'platform/linux/screen', 'platform/linux/workarounds'],
-    'platform/linux': PLATFORM + LINUX + [
-        'platform/linux/bus', 'platform/linux/events', 'platform/linux/item', 'platform/linux/processes',
-        'platform/linux/screen', 'platform/linux/workarounds'],
+    'platform/linux/item': LINUX + ['platform/images', 'platform/linux/screen', 'platform/linux/workarounds'],
+    'platform/linux': LINUX + ['platform/linux/bus', 'platform/linux/workarounds'],
     'menu': PLATFORM,
     'notify/record': ['notify', 'platform/data', 'platform/text'],
     'notify/text': PLATFORM + TEXT,
     'notify/rules': PLATFORM + RULES,
     'notify/popup': PLATFORM + POPUP,
-    'notify/queue': PLATFORM + POPUP,
+    'notify/queue': PLATFORM + QUEUE,
     'notify/feed': PLATFORM + RULES + TEXT,
     'notify': [],
     'shell': PLATFORM + NOTIFY + ['menu'],
@@ -78,18 +76,22 @@ def complaint(file, included):
     return None if target == room or target in ALLOWED[room] else f'is above {room}, or beside it'
 
 
-def main(root):
-    status = 0
+def includes(root):
+    """(file, number of the line, what is included) for each include of ours."""
     for path in sorted(path for folder in HOUSE for path in (root / folder).rglob('*')):
         if path.suffix not in ('.h', '.cpp', '.mm'):
             continue
-        file = path.relative_to(root).as_posix()
         for number, line in enumerate(path.read_text(encoding='utf-8').splitlines(), 1):
-            match = INCLUDE.match(line)
-            wrong = match and complaint(file, match[1] or match[2])
-            if wrong:
-                print(f'{file}:{number}: {match[1] or match[2]} {wrong}')
-                status = 1
+            if match := INCLUDE.match(line):
+                yield path.relative_to(root).as_posix(), number, match[1] or match[2]
+
+
+def main(root):
+    status = 0
+    for file, number, included in includes(root):
+        if wrong := complaint(file, included):
+            print(f'{file}:{number}: {included} {wrong}')
+            status = 1
     return status
 
 

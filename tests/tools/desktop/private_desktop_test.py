@@ -139,7 +139,8 @@ class PrivateDesktopTest(unittest.TestCase):
         build = pathlib.Path(self.path("build"))
         files = {"bin/kivmenua": b"as built", "tests/kivmenua": b"of a test", "bin/kivfetch": b"fetch",
                  "share/kivmenua/statuson.tiff": b"picture",
-                 "share/kivmenua/Info.plist": plistlib.dumps({"KIVSupportMessages": "http://far/", "KIVBuildDate": "1"})}
+                 "share/kivmenua/Info.plist": plistlib.dumps({"KIVSupportMessages": "http://far/",
+                                                              "KIVBuildDate": "1"})}
         for name, content in files.items():
             (build / name).parent.mkdir(parents=True, exist_ok=True)
             (build / name).write_bytes(content)

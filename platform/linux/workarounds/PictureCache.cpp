@@ -1,8 +1,0 @@
-#include "platform/linux/workarounds/PictureCache.h"
-
-#include <QPixmapCache>
-
-void keepQtFromCachingPictures()
-{
-    QPixmapCache::setCacheLimit(0);
-}

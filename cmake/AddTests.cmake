@@ -20,12 +20,14 @@ function(kiv_add_test_program name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
 endfunction()
 
+file(STRINGS ${CMAKE_SOURCE_DIR}/tests/environment KIV_TEST_ENVIRONMENT REGEX "^[A-Z_]+=")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tests/environment)
+
 # kiv_add_tests(<program> FILES <file>... [DEFINITIONS <name=value>...] [DEPENDS <target>...]
 #               [PREFIX <prefix>] [LABEL <label>] [TIMEOUT <seconds>])
 #
 # Adds files to the program. Each that ends in Test.cpp is a test of ctest's under its own name, after the prefix if
-# there is one, started in a fixed environment: no display, no bus but the private one that a test starts itself.
-# DEFINITIONS and DEPENDS are the program's: what its tests are told, and what must have been built before they run.
+# there is one, started in the environment of tests/environment. DEFINITIONS and DEPENDS are the program's: what its tests are told, and what must have been built before they run.
 function(kiv_add_tests program)
   cmake_parse_arguments(T "" "PREFIX;LABEL;TIMEOUT" "FILES;DEFINITIONS;DEPENDS" ${ARGN})
   if(NOT T_TIMEOUT)
@@ -40,9 +42,7 @@ function(kiv_add_tests program)
   if(T_DEPENDS)
     add_dependencies(${program} ${T_DEPENDS})
   endif()
-  set(environment LC_ALL=C.UTF-8 TZ=UTC QT_QPA_PLATFORM=offscreen DISPLAY=
-    DBUS_SESSION_BUS_ADDRESS=disabled: DBUS_SYSTEM_BUS_ADDRESS=unix:path=/nonexistent XDG_RUNTIME_DIR=
-    ASAN_OPTIONS=detect_leaks=1
+  set(environment ${KIV_TEST_ENVIRONMENT} ASAN_OPTIONS=detect_leaks=1
     LSAN_OPTIONS=suppressions=${CMAKE_SOURCE_DIR}/tests/support/leaks.supp:print_suppressions=0)
   list(FILTER T_FILES INCLUDE REGEX "Test\\.cpp$")
   foreach(file IN LISTS T_FILES)

@@ -39,8 +39,8 @@ QNetworkRequest plainRequest(const QUrl &address)
     return request;
 }
 
-/// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect (seen in
-/// 6.4), after which a silent server would hold the request for ever.
+/// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect: see
+/// platform/linux/workarounds/RedirectTimeout.h.
 void abortOnceSilentFor(QNetworkReply *connection, std::chrono::milliseconds timeout)
 {
     auto *const silence = new QTimer(connection);

@@ -149,6 +149,8 @@ void KIVMenuObj::fillResolutions(QAction &resolution, CFArrayRef modes, QSize cu
     }
     m_dmods.reset();
     if (!modes || CFArrayGetCount(modes) == 0) {
+        qCDebug(itemLog, "no display sizes to choose from: %s",
+                resolution.isEnabled() ? "the display tells none" : "the service has not made the item active");
         addSubItem(&resolution, menuEntryTitle(kMenuCmdNone), {}, kMenuCmdNone, false, false, false);
         return;
     }
@@ -164,6 +166,7 @@ void KIVMenuObj::fillResolutions(QAction &resolution, CFArrayRef modes, QSize cu
 void KIVMenuObj::switchResolution(std::int32_t index)
 {
     if (!m_dmods || index < 0 || static_cast<std::size_t>(index) >= m_dmods->size()) {
+        qCDebug(itemLog, "there is no display size %d any more", index);
         return;
     }
     const KIVDspRes &size = (*m_dmods)[static_cast<std::size_t>(index)];
@@ -317,6 +320,7 @@ std::optional<NSRect> KIVMenuObj::getFrame() const
 void KIVMenuObj::saveTrayX()
 {
     if (!m_surroundings.isHidden()) {
+        qCDebug(itemLog, "the item's place is not remembered: the session is at the console, or not known");
         return;
     }
     // The frame as it is reported: getFrame() would answer with what has been remembered before.
@@ -324,6 +328,7 @@ void KIVMenuObj::saveTrayX()
     const std::optional<NSRect> screen = MainScreen::frame();
     if (frame && screen) {
         m_trayX = trayDistance(*frame, screen->size);
+        qCDebug(itemLog, "the item's place is remembered: %g from the right", static_cast<double>(m_trayX));
     }
 }
 

@@ -9,6 +9,9 @@ namespace ProductTexts
 /// The title of a pop-up whose message has none; only assistive technology and lists of windows show it.
 inline constexpr char16_t popUpTitle[] = u"Kivune";
 
+/// The image in the bundle, an .icns, of a pop-up whose message is of no other type.
+inline constexpr QLatin1String popUpIcon("kivmenua");
+
 /// The feed's words for the two products.
 inline constexpr QLatin1String feedWordForProduct("kivune");
 inline constexpr QLatin1String feedWordForTerminalServer("kivunets");

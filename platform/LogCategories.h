@@ -8,7 +8,7 @@
 ///
 /// A text from outside is streamed as a QString, and so comes in quotes and with its control characters escaped.
 
-Q_DECLARE_LOGGING_CATEGORY(agentLog) ///< kiv.agent: start, end, and what nobody caught.
+Q_DECLARE_LOGGING_CATEGORY(agentLog) ///< kiv.agent: start, end, chosen entries, panels, and what nobody caught.
 Q_DECLARE_LOGGING_CATEGORY(itemLog)  ///< kiv.item: the status item, its form and its menu.
 Q_DECLARE_LOGGING_CATEGORY(linkLog)  ///< kiv.link: the session bus and the events to and from the service.
 Q_DECLARE_LOGGING_CATEGORY(feedLog)  ///< kiv.feed: requests to the feed and what came of them.

@@ -11,6 +11,17 @@ namespace ProductTexts
 /// The title of panels.
 inline constexpr char16_t panelTitle[] = u"Kivune";
 
+/// What the status item is called where nobody sees it: the class of its window, and its Id with a StatusNotifierItem
+/// host. Panels keep by it what the user has chosen for the item.
+inline constexpr QLatin1String itemName("kivmenua");
+
+/// The folder of the images and of Info.plist, from that of the programs; on Linux. resources/CMakeLists.txt has it
+/// too.
+inline constexpr QLatin1String bundleFolder("../share/kivmenua");
+
+/// The X selection, with the screen's number after it, by which one agent keeps another out of the same display.
+inline constexpr char lockSelection[] = "_KIVMENUA_S";
+
 /// Where on the session bus a process receives events: the bus name, to which its process ID is added, and the object.
 inline constexpr QLatin1String eventBusName("com.tamborel.kivune.p");
 inline constexpr QLatin1String eventObjectPath("/com/tamborel/kivune/AppleEvents");

@@ -21,6 +21,7 @@ bool Application::event(QEvent *event)
     if (event->type() == QEvent::Quit) {
         // Qt would close all windows first: to close a pop-up is to be done with its message, and one of the service's
         // that is closed so comes up again at once, for ever.
+        qCDebug(agentLog, "the session asks it to end");
         exit();
         return true;
     }

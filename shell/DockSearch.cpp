@@ -53,6 +53,7 @@ void __wait_dock(SleepFunction sleep)
         qCDebug(itemLog, "attempt %d of %d: no panel runs", attempt, attempts);
         sleep(pauseAfterAttempt);
     }
+    qCDebug(itemLog, "goes on without a panel");
 }
 
 bool __find_dock()

@@ -1,6 +1,7 @@
 #include "shell/MenuProcedure.h"
 
 #include "menu/MenuCommands.h"
+#include "menu/MenuEntries.h"
 #include "platform/Bundle.h"
 #include "platform/LogCategories.h"
 #include "platform/Workspace.h"
@@ -30,7 +31,7 @@ void forward(std::uint32_t code)
 
 void openPreferences()
 {
-    Workspace::openFile(QStringLiteral("/Library/PreferencePanes/kivserverp.prefPane"));
+    Workspace::openFile(ProductTexts::preferencesPane);
 }
 
 void openSupportPage()
@@ -76,6 +77,7 @@ void disconnectIfConfirmed()
 
 void __menu_proc(KIVMenuObj *, std::uint32_t code)
 {
+    qCDebug(agentLog) << "chosen:" << menuEntryTitle(code) << code;
     switch (code) {
     case kMenuCmdServerPrefs:
         openPreferences();

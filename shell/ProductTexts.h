@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QLatin1String>
+
 /// The names of the product in this library: see platform/ProductTexts.h. The first are for where the bundle's
 /// information dictionary says nothing else.
 namespace ProductTexts
@@ -10,6 +12,12 @@ inline constexpr char16_t version[] = u"Undefined";
 inline constexpr char16_t copyright[] = u"Copyright (c) 2026 The Kivune contributors";
 inline constexpr char16_t homePage[] = u"https://www.kivune.example/";
 inline constexpr char16_t supportPage[] = u"https://www.kivune.example/support/";
+
+/// The program's file name, as shell/CMakeLists.txt has it.
+inline constexpr char programName[] = "kivmenua";
+
+/// The server's pane of the system preferences.
+inline constexpr QLatin1String preferencesPane("/Library/PreferencePanes/kivserverp.prefPane");
 
 /// A line for each role; names that follow the first one stand below it.
 inline constexpr char16_t credits[] = u"\nProgramming:\t\tThe Kivune contributors"

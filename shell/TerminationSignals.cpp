@@ -1,6 +1,7 @@
 #include "shell/TerminationSignals.h"
 
 #include "platform/GraphicalSession.h"
+#include "platform/LogCategories.h"
 
 #include <QCoreApplication>
 
@@ -55,6 +56,7 @@ TerminationSignals::TerminationSignals()
         char bytes[16];
         while (::read(m_pipe[0], bytes, sizeof bytes) > 0) {
         }
+        qCDebug(agentLog, "a signal asks it to end");
         QCoreApplication::exit();
     });
     wakeUp = m_pipe[1];

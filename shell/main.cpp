@@ -9,6 +9,7 @@
 #include "shell/DockSearch.h"
 #include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
+#include "shell/ProductTexts.h"
 #include "shell/TerminationSignals.h"
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventHandler.h"
@@ -47,7 +48,7 @@ int main(int, char **argv)
 {
     LogOutput::useStandardError();
     if (const QString obstacle = GraphicalSession::prepare(); !obstacle.isEmpty()) {
-        std::fprintf(stderr, "kivmenua: %s\n", qPrintable(obstacle));
+        std::fprintf(stderr, "%s: %s\n", ProductTexts::programName, qPrintable(obstacle));
         return EXIT_FAILURE;
     }
     int argumentCount = 1; // The program's name: arguments are ignored, Qt's own too.

@@ -80,6 +80,7 @@ void FeedConnection::readResponse()
     const QByteArray line = m_process->readLine().chopped(1);
     const qsizetype blank = line.indexOf(' ');
     if (blank < 0) {
+        qCDebug(feedLog, "what was run is not kivfetch: its first line has no status");
         cancel();
         finish(End::Failed); // Whatever that is, it is not kivfetch.
         return;

@@ -136,6 +136,7 @@ std::optional<FeedParser::Outcome> FeedParser::readNext(Reading &reading)
         return Outcome::EndOfDocument;
     case QXmlStreamReader::DTD:
         if (reading.hasRoot) { // Qt takes one behind it, too.
+            qCDebug(feedLog, "the document is malformed: its type stands behind its beginning");
             return Outcome::Malformed;
         }
         break;

@@ -1,5 +1,6 @@
 #include "notify/popup/MessageTypeIcon.h"
 
+#include "notify/ProductTexts.h"
 #include "notify/record/KivNotification.h"
 #include "platform/Bundle.h"
 #include "platform/images/IcnsReader.h"
@@ -22,7 +23,7 @@ QString iconName(std::int32_t messageType)
     case kTypeWarning:
         return QStringLiteral("warning");
     default:
-        return QStringLiteral("kivmenua");
+        return ProductTexts::popUpIcon;
     }
 }
 

@@ -43,6 +43,12 @@ NSRect mainScreen()
     return MainScreen::frame().value_or(NSRect());
 }
 
+void tellWhyNothingIsShown(const ReadWriteLock::Hold &hold)
+{
+    qCDebug(queueLog, hold ? "nothing new is shown while a pop-up is there"
+                           : "nothing is shown: the lock is held, or cannot be taken");
+}
+
 } // namespace
 
 KivNotificationManager::KivNotificationManager(KivNotificationProperties &properties, const QString &homeFolder,
@@ -96,7 +102,7 @@ void KivNotificationManager::showNextNotification()
 {
     const ReadWriteLock::Hold hold = m_rwLock.lockForWriting();
     if (!hold || m_notificationWindow) {
-        qCDebug(queueLog, "nothing new is shown while a pop-up is there");
+        tellWhyNothingIsShown(hold);
         return;
     }
     if (const std::shared_ptr<KivNotification> record = retrieveNextNotification()) {
@@ -115,6 +121,7 @@ std::shared_ptr<KivNotification> KivNotificationManager::retrieveNextNotificatio
 void KivNotificationManager::displayNotification(const std::shared_ptr<KivNotification> &record)
 {
     if (m_notificationWindow) {
+        qCDebug(queueLog) << "message" << record->messageId() << "is not shown while a pop-up is there";
         return;
     }
     const MainScreen::Held screen;                            // It is built for it, placed in it and shown on it.
@@ -150,7 +157,9 @@ void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotifi
     record->setWasDisplayed(false);
     queueAdd(record);
     m_notifications.dropBeyond(maxRecords, maxQueueBytes);
-    qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
+    if (queueLog().isDebugEnabled() && std::ranges::count(m_notifications.records(), record) > 0) {
+        qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
+    }
     if (m_notifications.records().size() != 1 || m_notificationWindow) {
         exportNotificationsToFile();
     } else if (m_showNextTimer) { // Else it is only read back.
@@ -279,7 +288,9 @@ void KivNotificationManager::showFirstRecord(const std::shared_ptr<KivNotificati
 {
     try {
         const ReadWriteLock::Hold hold = m_rwLock.lockForWriting();
-        if (hold && m_properties.shouldShowNotification(*record)) {
+        if (!hold) {
+            tellWhyNothingIsShown(hold);
+        } else if (m_properties.shouldShowNotification(*record)) {
             displayNotification(record);
         }
     } catch (const std::exception &problem) {
@@ -349,5 +360,7 @@ void KivNotificationManager::recreateNotificaionWindow()
     if (const ReadWriteLock::Hold hold = m_rwLock.lockForWriting()) {
         m_notificationWindow = nullptr;
         displayNotification(record);
+    } else {
+        tellWhyNothingIsShown(hold);
     }
 }

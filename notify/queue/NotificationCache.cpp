@@ -79,6 +79,7 @@ QVariantList NotificationCache::read()
     const std::optional<QByteArray> content = contentOf(m_path);
     const QVariant value = content ? PropertyList::read(*content) : QVariant();
     if (!isArray(value)) {
+        qCDebug(queueLog) << "no messages from before:" << m_path << (content ? "holds no list" : "cannot be read");
         return {};
     }
     m_digest = digestOf(*content);

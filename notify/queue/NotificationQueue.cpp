@@ -1,6 +1,7 @@
 #include "notify/queue/NotificationQueue.h"
 
 #include "notify/record/KivNotification.h"
+#include "platform/LogCategories.h"
 #include "platform/data/PropertyList.h"
 
 #include <algorithm>
@@ -23,6 +24,7 @@ auto equals(const KivNotification &record)
 void NotificationQueue::add(std::shared_ptr<KivNotification> record)
 {
     if (contains(*record)) {
+        qCDebug(queueLog) << "message" << record->messageId() << "waits already";
         return;
     }
     const auto isLess = [&record](const std::shared_ptr<KivNotification> &queued) {
@@ -41,6 +43,7 @@ void NotificationQueue::dropBeyond(std::size_t records, qsizetype bytes)
             return queued->messagePriority() == lowest;
         };
         const auto oldest = std::ranges::find_if(m_records, isLeastUrgent);
+        qCDebug(queueLog) << "message" << (*oldest)->messageId() << "is dropped: the queue is full";
         forgetBytesOf(**oldest);
         m_records.erase(oldest);
     }

@@ -1,5 +1,6 @@
 #include "platform/alert/AlertPanel.h"
 
+#include "platform/LogCategories.h"
 #include "platform/ProductTexts.h"
 #include "platform/WindowStacking.h"
 #include "platform/alert/AlertIcon.h"
@@ -30,6 +31,21 @@ QLabel *newLabel(const QString &text, QWidget *parent)
     label->setTextFormat(Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     return label;
+}
+
+const char *description(AlertPanel::Response response)
+{
+    switch (response) {
+    case AlertPanel::Default:
+        return "the default button";
+    case AlertPanel::Alternate:
+        return "the alternate button";
+    case AlertPanel::Other:
+        return "the other button";
+    case AlertPanel::NoResponse:
+        return "not at all";
+    }
+    return "";
 }
 
 /// One label where there are no columns, else a grid of them.
@@ -123,6 +139,7 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
 
 AlertPanel::Response AlertPanel::runModal()
 {
+    qCDebug(agentLog) << "asks:" << accessibleName();
     setModal(true);
     show();
     raise();
@@ -131,6 +148,7 @@ AlertPanel::Response AlertPanel::runModal()
     connect(this, &QDialog::finished, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::DialogExec);
     hide();
+    qCDebug(agentLog, "answered: %s", description(m_response));
     return m_response;
 }
 

@@ -11,6 +11,7 @@
 #include "platform/linux/workarounds/PixmapCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
+#include "platform/linux/workarounds/SilentBus.h"
 #include "platform/linux/workarounds/SuddenExit.h"
 
 #include <QApplication>
@@ -19,7 +20,6 @@
 
 #include <atomic>
 #include <csignal>
-#include <cstdlib>
 
 namespace
 {
@@ -95,7 +95,5 @@ bool GraphicalSession::isEnding() noexcept
 void GraphicalSession::run()
 {
     const SuddenExit whenTheServerDies;
-    if (QApplication::exec() != EXIT_SUCCESS) {
-        std::exit(EXIT_FAILURE); // When the server has died, Qt 6.11 leaves the loop where Qt 6.8 ends the process.
-    }
+    SuddenExit::afterLoop(QApplication::exec());
 }

@@ -69,12 +69,14 @@ try {
         return errAEEventFailed;
     }
     // Flags first: they stay in force when the list that came with them turns out unreadable.
-    if (const auto flags = readUInt32(event, kMenuParamFlags)) {
+    const auto flags = readUInt32(event, kMenuParamFlags);
+    if (flags) {
         qCDebug(linkLog, "flags %u", *flags);
         __menu->setFlags(*flags);
     }
     const auto count = readUInt32(event, kMenuParamActionCount);
     if (!count) {
+        qCDebug(linkLog, flags ? "the commands stay as they are: no count of them" : "neither flags nor commands");
         return noErr;
     }
     if (*count == 0) {
@@ -101,6 +103,7 @@ try {
     }
     const std::uint32_t length = readUInt32(event, kMenuParamHintSize).value_or(0);
     if (length == 0) {
+        qCDebug(linkLog, "a hint without a length is not shown");
         return noErr;
     }
     const auto text = readHintText(event, length);

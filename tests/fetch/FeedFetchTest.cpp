@@ -82,6 +82,20 @@ TEST_F(FeedFetch, EndsWithItsAskerThoughANameIsStillLookedUp)
     EXPECT_EQ(fetch.exitCode(), 1);
 }
 
+TEST_F(FeedFetch, WritesWhatQtHasToSayToStandardErrorUnderItsName)
+{
+    ASSERT_TRUE(server.start({{.body = "<a/>"}}));
+    fetch.process().setProcessChannelMode(QProcess::SeparateChannels);
+    fetch.environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("*=true"));
+    ask(server.address(QStringLiteral("/feed")));
+    waitForItsEnd();
+    const QList<QByteArray> lines = fetch.process().readAllStandardError().trimmed().split('\n');
+    for (const QByteArray &line : lines) {
+        EXPECT_TRUE(line.startsWith("kivfetch: ")) << line.constData();
+    }
+    EXPECT_EQ(fetch.output(), "200 text/xml\n<a/>");
+}
+
 TEST_F(FeedFetch, TakesAnAddressAndATimeOutOnly)
 {
     const QString address = QStringLiteral("http://127.0.0.1:9/");

@@ -9,6 +9,7 @@
 #include "tests/menu/ModeList.h"
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/FakeInput.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/MainDisplaySize.h"
 #include "tests/support/WaitUntil.h"
 
@@ -22,6 +23,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -442,6 +444,22 @@ TEST_F(KIVMenuObjTest, ShowsThePlaceholderForADisplayThatTellsNoModesButNothingF
     EXPECT_EQ(outline(*resolution.menu()), "");
 }
 
+TEST_F(KIVMenuObjTest, SaysWhyThereIsNoSizeToChoose)
+{
+    LogLines log;
+    menu.updResolutions();
+    EXPECT_THAT(log.take(), testing::Contains("kiv.item: no display sizes to choose from: the service has not made "
+                                              "the item active"));
+    QAction &resolution = *item(32809);
+    resolution.setEnabled(true);
+    menu.fillResolutions(resolution, nullptr, {1280, 800});
+    EXPECT_THAT(log.take(), testing::Contains("kiv.item: no display sizes to choose from: the display tells none"));
+    fill({{800, 600}});
+    QAction *stale = menu.addSubItem(&resolution, QStringLiteral("stale"), {}, 7, false, true, false);
+    menu.onMenuAction(stale);
+    EXPECT_THAT(log.take(), testing::Contains("kiv.item: there is no display size 7 any more"));
+}
+
 TEST_F(KIVMenuObjTest, ChecksTheCurrentSizeIfItIsListed)
 {
     const std::vector<QSize> sizes{{1024, 768}, {1440, 900}, {1440, 1080}, {900, 1440}};
@@ -558,6 +576,20 @@ TEST(MenuSurroundings, LetTheItemSettleForTenSecondsInTheSessionAsItIs)
 TEST(MenuSurroundings, HoldTheItemInItsPlaceOnADisplayForRemoteViewers)
 {
     EXPECT_TRUE(is_hidden()) << "the display is one, and no other session is known";
+}
+
+TEST_F(KIVMenuObjTest, SaysWhetherItRemembersTheItemsPlace)
+{
+    menu.setFlags(2);
+    ASSERT_TRUE(waitUntil([&] { return menu.trayX() != 0; }));
+    LogLines log;
+    menu.saveTrayX();
+    EXPECT_THAT(log.take(), testing::ElementsAre("kiv.item: the item's place is remembered: " +
+                                                 std::to_string(static_cast<int>(menu.trayX())) + " from the right"));
+    sessionIsHidden = false;
+    menu.saveTrayX();
+    EXPECT_THAT(log.take(), testing::ElementsAre("kiv.item: the item's place is not remembered: the session is at the "
+                                                 "console, or not known"));
 }
 
 TEST_F(KIVMenuObjTest, RemembersNothingOnTheConsole)

@@ -1,12 +1,14 @@
 #include "shell/Application.h"
 
 #include "shell/TerminationSignals.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QEvent>
 #include <QTimer>
 #include <QWidget>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -38,6 +40,19 @@ TEST(TerminationSignals, EndTheEventLoop)
         QTimer::singleShot(std::chrono::seconds(10), qApp, [] { QCoreApplication::exit(1); });
         EXPECT_EQ(Application::exec(), 0) << "signal " << signal;
     }
+}
+
+TEST(Application, SaysWhoAsksItToEnd)
+{
+    LogLines log;
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::postEvent(qApp, new QEvent(QEvent::Quit)); });
+    EXPECT_EQ(Application::exec(), 0);
+    EXPECT_THAT(log.take(), testing::Contains("kiv.agent: the session asks it to end"));
+
+    const TerminationSignals endTheLoop;
+    QTimer::singleShot(0, qApp, [] { ::raise(SIGTERM); });
+    EXPECT_EQ(Application::exec(), 0);
+    EXPECT_THAT(log.take(), testing::Contains("kiv.agent: a signal asks it to end"));
 }
 
 TEST(TerminationSignals, ThatComeAfterTheFirstDisturbNothing)

@@ -1,7 +1,9 @@
 #include "shell/DockSearch.h"
 
 #include "tests/shell/FakeProcessManager.h"
+#include "tests/support/LogLines.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace
@@ -101,6 +103,19 @@ TEST_F(DockSearch, SleepsASecondAfterEachOfThirtyFailedAttemptsAndThenGivesUp)
     fakePasses = 0;
     __wait_dock(recordSleep);
     EXPECT_EQ(fakePasses, 30);
+}
+
+TEST_F(DockSearch, SaysWhetherAPanelRunsAtEachAttempt)
+{
+    LogLines log;
+    __wait_dock(recordSleep);
+    const std::vector<std::string> lines = log.take();
+    EXPECT_EQ(lines.size(), 31U);
+    EXPECT_EQ(lines.front(), "kiv.item: attempt 1 of 30: no panel runs");
+    EXPECT_EQ(lines.back(), "kiv.item: goes on without a panel");
+    fakeProcesses = {realDock};
+    __wait_dock(recordSleep);
+    EXPECT_EQ(log.take(), std::vector<std::string>{"kiv.item: attempt 1: a panel runs"});
 }
 
 TEST_F(DockSearch, EndsTheWaitAsSoonAsTheDockAppears)

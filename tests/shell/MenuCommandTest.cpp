@@ -5,8 +5,10 @@
 #include "tests/shell/FakeAlertRunner.h"
 #include "tests/shell/FakeWorkspace.h"
 #include "tests/shell/link/FakeAppleEventManager.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/SystemLog.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -166,6 +168,23 @@ TEST_F(MenuCommandTest, ForwardsEveryOtherCodeAsItIsAndLeavesNothingBehind)
     }
     EXPECT_TRUE(alerts.empty());
     EXPECT_TRUE(openedByWorkspace.isEmpty());
+}
+
+TEST_F(MenuCommandTest, SaysWhichEntryWasChosen)
+{
+    using testing::Contains;
+    LogLines log;
+    const std::pair<std::uint32_t, const char *> entries[] = {
+        {32790, "kiv.agent: chosen: \"Server Preferences\" 32790"},
+        {32792, "kiv.agent: chosen: \"Disconnect the Session\" 32792"},
+        {32793, "kiv.agent: chosen: \"Minimize\" 32793"},
+        {32799, "kiv.agent: chosen: \"About Kivune Server\" 32799"},
+        {32800, "kiv.agent: chosen: \"Online Support\" 32800"},
+    };
+    for (const auto &[code, line] : entries) {
+        __menu_proc(nullptr, code);
+        EXPECT_THAT(log.take(), Contains(line));
+    }
 }
 
 TEST_F(MenuCommandTest, SendsNothingThatCouldNotBeBuilt)

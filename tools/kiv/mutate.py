@@ -28,9 +28,8 @@ NOT_OURS_TO_BREAK = ("tests/", "docs/", "bench/", "fuzz/")
 DEFINED_TEST = re.compile(r"^(?:TEST|TEST_F|TEST_P|TYPED_TEST)\((\w+),\s*(\w+)\)", re.MULTILINE)
 OUTCOME = re.compile(r"^\[ +(OK|FAILED|SKIPPED) +\] \S+.* \(\d+ ms\)$", re.MULTILINE)
 # As ctest starts a test, with nothing of the caller's session.
-ENVIRONMENT = {"LC_ALL": "C.UTF-8", "TZ": "UTC", "DISPLAY": "", "DBUS_SESSION_BUS_ADDRESS": "disabled:",
-               "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent", "XDG_RUNTIME_DIR": "",
-               "QT_QPA_PLATFORM": "offscreen"}
+ENVIRONMENT = dict(line.split("=", 1) for line in (pathlib.Path(__file__).parents[2] / "tests/environment").read_text(
+    encoding="utf-8").splitlines() if not line.startswith("#"))
 
 
 @dataclasses.dataclass

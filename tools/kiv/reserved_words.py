@@ -29,7 +29,7 @@ RESERVED = {
     'System could not set the selected resolution.': [],
     'Do Not Remind Me Later': ["Don't Remind Me Later"],
 }
-NAMES = re.compile(r'"(?:[^"\\\n]|\\.)*(?:kivune|tamborel)', re.IGNORECASE)
+NAMES = re.compile(r'"(?:[^"\\\n]|\\.)*(?:kivmenua|kivune|tamborel)', re.IGNORECASE)
 PRODUCT = ['shell', 'menu', 'notify', 'platform', 'resources/Info.plist.in']
 
 

@@ -2,6 +2,7 @@
 
 #include "platform/linux/include/EventBusName.h"
 #include "platform/linux/include/SessionBus.h"
+#include "shell/ProductTexts.h"
 #include "tools/kivservice/AgentSearch.h"
 #include "tools/kivservice/AttachedService.h"
 #include "tools/kivservice/VncSession.h"
@@ -43,7 +44,8 @@ Target findAgent()
     const QDBusReply<QStringList> names = SessionBus::instance().connection().interface()->registeredServiceNames();
     const std::vector<pid_t> agents = agentsAmong(names.value());
     if (agents.empty()) {
-        return {0, QStringLiteral("no agent (kivmenua) runs on this session bus")};
+        return {0,
+                QStringLiteral("no agent (%1) runs on this session bus").arg(QLatin1String(ProductTexts::programName))};
     }
     if (agents.size() > 1) {
         QStringList pids;

@@ -1,3 +1,4 @@
+#include "platform/LogOutput.h"
 #include "tools/kivservice/AttachCommand.h"
 #include "tools/kivservice/DisplayArguments.h"
 #include "tools/kivservice/DisplaySwitcher.h"
@@ -41,6 +42,7 @@ int displayCommand(const QStringList &arguments)
 
 int main(int argc, char **argv)
 {
+    LogOutput::useStandardError();
     QCoreApplication application(argc, argv);
     QStringList arguments = QCoreApplication::arguments().mid(1);
     const QString command = arguments.isEmpty() ? QString() : arguments.takeFirst();

@@ -4,6 +4,7 @@
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/workarounds/LibdbusLimit.h"
 #include "platform/linux/workarounds/LibdbusWarnings.h"
+#include "platform/linux/workarounds/SilentBus.h"
 
 #include <QDBusError>
 
@@ -138,7 +139,6 @@ QDBusMessage SessionBus::ask(const QString &member, const QVariantList &argument
 
 void SessionBus::tryToConnect()
 {
-    // Qt's way to a bus waits 25 s for one that takes connections and then says nothing: a probe goes ahead of it.
     const ProbedBus bus = probeBus(sessionBusAddress());
     if (bus.state == BusState::Answers) {
         m_connection = QDBusConnection::connectToBus(bus.address, freshConnectionName());
@@ -147,7 +147,8 @@ void SessionBus::tryToConnect()
     if (!isConnected()) {
         disconnectFromBus();
         if (!m_retry.isActive()) {
-            qCDebug(linkLog) << "no session bus at" << sessionBusAddress() << "- it is tried again";
+            const char *why = bus.state == BusState::Absent ? "no session bus at" : "no answer of the session bus at";
+            qCDebug(linkLog) << why << sessionBusAddress() << "- it is tried again";
         }
         m_retry.start();
         return;

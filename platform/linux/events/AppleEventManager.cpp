@@ -1,3 +1,5 @@
+#include "platform/FourCharCode.h"
+#include "platform/LogCategories.h"
 #include "platform/linux/events/AppleEventContents.h"
 #include "platform/linux/events/AppleEventTransport.h"
 #include "platform/linux/include/SessionBus.h"
@@ -29,6 +31,8 @@ struct Manager {
     {
         const auto it = handlers.find({event.eventClass(), event.eventID()});
         if (it == handlers.end()) {
+            qCDebug(linkLog, "refused an event %s %s: it has no handler", fourCharText(event.eventClass()).constData(),
+                    fourCharText(event.eventID()).constData());
             return errAEEventNotHandled;
         }
         // A copy, for the handler may remove itself.

@@ -56,6 +56,18 @@ bool isCall(const QDBusMessage &message, const QString &interface, const QString
     return (message.interface().isEmpty() || message.interface() == interface) && message.member() == member;
 }
 
+/// Says why an event has not gone to a process, and is the error for that.
+OSErr notSent(SInt32 pid, OSErr error, const char *why)
+{
+    qCDebug(linkLog, "nothing goes to process %d: %s", pid, why);
+    return error;
+}
+
+OSErr notSentAsTheBusIsSilent(SInt32 pid)
+{
+    return notSent(pid, connectionInvalid, "the session bus is not there, or says nothing");
+}
+
 QString ownBusName()
 {
     return eventBusName(QCoreApplication::applicationPid());
@@ -125,13 +137,11 @@ OSErr AppleEventTransport::findTarget(SInt32 pid)
     m_target.reset();
     const QString uniqueName = m_bus.ownerOf(eventBusName(pid));
     if (uniqueName.isEmpty()) {
-        qCDebug(linkLog, "process %d takes no events", pid);
-        return uniqueName.isNull() ? connectionInvalid : procNotFound;
+        return uniqueName.isNull() ? notSentAsTheBusIsSilent(pid) : notSent(pid, procNotFound, "it takes no events");
     }
     const std::optional<qint64> owner = m_bus.processOf(uniqueName);
     if (owner != pid) {
-        qCDebug(linkLog, "process %d takes no events: another has its name on the bus", pid);
-        return owner ? procNotFound : connectionInvalid;
+        return owner ? notSent(pid, procNotFound, "another has its name on the bus") : notSentAsTheBusIsSilent(pid);
     }
     m_target = Target{pid, uniqueName};
     return noErr;
@@ -156,23 +166,29 @@ OSErr AppleEventTransport::send(const AppleEventContents &event)
     const bool isKnown = m_target && m_target->pid == event.target;
     const std::optional<QDBusMessage> message = messageOf(event, isKnown ? m_target->uniqueName : QString());
     if (!message) {
-        return paramErr;
+        return notSent(event.target.value_or(0), paramErr, "this event cannot be a message");
     }
     // Who received the last event gets this one at once: a question to the bus, or to the system, would take as long as
     // the event itself.
     if (isKnown) {
         if (const OSErr error = sendToTarget(*message); error != procNotFound) {
-            return error;
+            return error == noErr ? OSErr(noErr) : notSentAsTheBusIsSilent(*event.target);
         }
     }
     if (!isRunningProcess(*event.target)) {
-        qCDebug(linkLog, "process %d does not run", *event.target);
-        return procNotFound;
+        return notSent(*event.target, procNotFound, "it does not run");
     }
     if (const OSErr error = findTarget(*event.target); error != noErr) {
         return error;
     }
-    return sendToTarget(*messageOf(event, m_target->uniqueName));
+    switch (const OSErr error = sendToTarget(*messageOf(event, m_target->uniqueName))) {
+    case noErr:
+        return noErr;
+    case procNotFound:
+        return notSent(*event.target, error, "it has just left the session bus");
+    default:
+        return notSentAsTheBusIsSilent(*event.target);
+    }
 }
 
 OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage &message) const
@@ -182,17 +198,18 @@ OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage
         m_reception == Reception::On && event.target == static_cast<SInt32>(QCoreApplication::applicationPid());
     const std::optional<QDBusMessage> call =
         messageOf(event, isToItself ? m_bus.connection().baseService() : QString());
+    const SInt32 target = event.target.value_or(0);
     if (!call) {
-        return paramErr;
+        return notSent(target, paramErr, "this event cannot be a message");
     }
-    if (!isRunningProcess(*event.target)) {
-        return procNotFound;
+    if (!isRunningProcess(target)) {
+        return notSent(target, procNotFound, "it does not run");
     }
     // The bus accepts a message to an unowned name without a word, so it is asked first; and who holds the name of a
     // process that it is not gets nothing.
-    const std::optional<qint64> owner = m_bus.processOf(eventBusName(*event.target));
-    if (owner != *event.target) {
-        return owner ? procNotFound : connectionInvalid;
+    const std::optional<qint64> owner = m_bus.processOf(eventBusName(target));
+    if (owner != target) {
+        return owner ? notSent(target, procNotFound, "it takes no events") : notSentAsTheBusIsSilent(target);
     }
     message = *call;
     return noErr;

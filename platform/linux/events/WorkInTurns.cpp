@@ -1,5 +1,7 @@
 #include "platform/linux/events/WorkInTurns.h"
 
+#include "platform/LogCategories.h"
+
 #include <utility>
 
 WorkInTurns::WorkInTurns(std::chrono::milliseconds shareOfATurn, std::size_t maxWaiting)
@@ -27,6 +29,9 @@ bool WorkInTurns::carryOut(const QString &client, Work work)
     const std::size_t waiting = entry == m_waiting.end() ? 0 : entry->second.size();
     if (waiting >= m_maxWaiting) {
         return false;
+    }
+    if (waiting == maxInOrder) {
+        qCDebug(linkLog) << "more than" << maxInOrder << "events of" << client << "wait: the others come first";
     }
     std::deque<Piece> &pieces = m_waiting[client];
     pieces.push_back({m_pieces++, std::move(work)});

@@ -52,6 +52,7 @@ void NotifierHostWatch::follow(const QString &owner)
     hearOfHosts(true);
     m_question.reset();
     if (m_owner.isEmpty()) {
+        qCDebug(itemLog, "there is no StatusNotifierItem watcher");
         m_watcher.clear();
         QMetaObject::invokeMethod(this, &NotifierHostWatch::changed, Qt::QueuedConnection);
     } else {
@@ -94,9 +95,10 @@ void NotifierHostWatch::takeAnswer()
     const bool hasHost = answer.isValid() && answer.value().variant().toBool();
     const bool counts = hasHost && isForThisDisplay();
     qCDebug(itemLog, "the StatusNotifierItem watcher %s",
-            counts    ? "has a host on this display"
-            : hasHost ? "has hosts on other displays only"
-                      : "has no host");
+            counts             ? "has a host on this display"
+            : hasHost          ? "has hosts on other displays only"
+            : answer.isValid() ? "has no host"
+                               : "does not say whether it has a host");
     m_watcher = counts ? m_owner : QString();
     Q_EMIT changed();
 }

@@ -1,14 +1,33 @@
 #include "platform/linux/item/NotifierRegistration.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/item/NotifierWatcher.h"
 
+#include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 
 namespace
 {
 /// The one that hosts take where they are told a name only.
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
+
+/// Whether the watcher has gone, or the bus: then there is another host to look for, and nothing has been refused.
+bool hasGone(QDBusError::ErrorType error)
+{
+    switch (error) {
+    case QDBusError::ServiceUnknown:
+    case QDBusError::NoReply:
+    case QDBusError::Timeout:
+    case QDBusError::TimedOut:
+    case QDBusError::Disconnected:
+        return true;
+    default:
+        return false;
+    }
+}
 } // namespace
 
 NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString &watcher, QObject &item)
@@ -19,11 +38,25 @@ NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString 
                                                           QStringLiteral("RegisterStatusNotifierItem"));
     message.setAutoStartService(false);
     message.setArguments({m_connection.baseService()});
-    m_connection.send(message);
+    m_answer = std::make_unique<QDBusPendingCallWatcher>(m_connection.asyncCall(message));
+    QObject::connect(m_answer.get(), &QDBusPendingCallWatcher::finished, m_answer.get(), [this] { hearAnswer(); });
+}
+
+void NotifierRegistration::hearAnswer()
+{
+    const QDBusError error = QDBusPendingReply<>(*m_answer).error();
+    if (!error.isValid()) {
+        qCDebug(itemLog, "the StatusNotifierItem watcher has taken the item");
+    } else if (hasGone(error.type())) {
+        qCDebug(itemLog) << "the StatusNotifierItem watcher has not answered for the item:" << error.name();
+    } else {
+        qCWarning(itemLog) << "the StatusNotifierItem watcher refuses the item:" << error.name() << error.message();
+    }
 }
 
 NotifierRegistration::~NotifierRegistration()
 {
+    m_answer.reset();
     m_connection.unregisterObject(itemPath);
     const QString name = m_connection.name();
     m_connection = QDBusConnection(QString());

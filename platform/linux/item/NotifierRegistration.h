@@ -3,11 +3,14 @@
 #include <QDBusConnection>
 #include <QObject>
 
+#include <memory>
+
+class QDBusPendingCallWatcher;
 class SessionBus;
 
 /// An item's presence with one StatusNotifierItem host, for as long as this lives: a bus connection of its own, which
 /// serves the item, and which the watcher has been told of. Watchers take an item off when its connection ends, and not
-/// all of them for anything else. Main thread only.
+/// all of them for anything else. A watcher that refuses the item is worth a warning. Main thread only.
 class NotifierRegistration final
 {
 public:
@@ -18,5 +21,8 @@ public:
     NotifierRegistration &operator=(const NotifierRegistration &) = delete;
 
 private:
+    void hearAnswer();
+
     QDBusConnection m_connection;
+    std::unique_ptr<QDBusPendingCallWatcher> m_answer;
 };

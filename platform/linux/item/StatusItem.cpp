@@ -149,6 +149,8 @@ void StatusItem::Private::setForm(StatusItemForm form)
     case StatusItemForm::Strip:
         if (const ScreenCoordinates screen = screenCoordinates(); !screen.mainScreen.isEmpty()) {
             setWindow(TrayIconWindow::standingAt(stripPlace(screen)));
+        } else {
+            qCDebug(itemLog, "no item: there is no screen to stand on");
         }
         break;
     }
@@ -184,7 +186,9 @@ void StatusItem::Private::placeStrip()
     }
     const ScreenCoordinates screen = screenCoordinates();
     if (window && !screen.mainScreen.isEmpty()) {
-        window->moveTo(stripPlace(screen));
+        const QRect place = stripPlace(screen);
+        qCDebug(itemLog, "the screen has changed: the item goes to (%d, %d)", place.x(), place.y());
+        window->moveTo(place);
     } else {
         setForm(StatusItemForm::Strip);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ProductTexts.h"
 #include "platform/linux/item/NotifierPixmap.h"
 #include "platform/linux/item/StatusItemLook.h"
 
@@ -38,7 +39,7 @@ public:
     void setLook(const StatusItemLook &look);
 
     [[nodiscard]] QString category() const { return QStringLiteral("SystemServices"); }
-    [[nodiscard]] QString id() const { return QStringLiteral("kivmenua"); }
+    [[nodiscard]] QString id() const { return ProductTexts::itemName; }
     /// What hosts call the item in their lists. Not empty when there is a tool tip.
     [[nodiscard]] QString title() const;
     /// "Passive" without an image, for which hosts would draw one of their own.

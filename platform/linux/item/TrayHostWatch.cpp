@@ -1,5 +1,6 @@
 #include "platform/linux/item/TrayHostWatch.h"
 
+#include "platform/LogCategories.h"
 #include "platform/linux/include/XConnection.h"
 
 #include <QCoreApplication>
@@ -59,6 +60,11 @@ bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr
 void TrayHostWatch::setTray(xcb_window_t owner)
 {
     if (m_tray != owner) {
+        if (owner == XCB_NONE) {
+            qCDebug(itemLog, "the tray of window 0x%x has gone", m_tray);
+        } else {
+            qCDebug(itemLog, "there is a new tray, of window 0x%x", owner);
+        }
         m_tray = owner;
         // Not from inside Qt's event filters, of which the listener adds and removes some.
         QMetaObject::invokeMethod(this, &TrayHostWatch::changed, Qt::QueuedConnection);

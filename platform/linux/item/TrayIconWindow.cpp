@@ -1,6 +1,7 @@
 #include "platform/linux/item/TrayIconWindow.h"
 
 #include "platform/LogCategories.h"
+#include "platform/ProductTexts.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/workarounds/RootProperties.h"
@@ -21,7 +22,7 @@ namespace
 
 /// Alone, the icon may lie on any picture; on a plate of its own it can be told from it.
 constexpr QRgb plateColour = 0xffececec;
-const QByteArray className = QByteArrayLiteral("kivmenua");
+const QByteArray className(ProductTexts::itemName.data(), ProductTexts::itemName.size());
 
 /// The tray's windows may be gone before a request about them arrives; that is no error worth Qt's log.
 void ignoreError(xcb_void_cookie_t cookie)
@@ -280,6 +281,7 @@ void TrayIconWindow::handlePress(xcb_button_t button)
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
         // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {
+            qCDebug(itemLog, "pressed: closes the menu that is open");
             closePopups();
         } else if (button != XCB_BUTTON_INDEX_2) {
             Q_EMIT pressed();

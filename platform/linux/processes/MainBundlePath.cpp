@@ -1,5 +1,7 @@
 #include "platform/MainBundlePath.h"
 
+#include "platform/ProductTexts.h"
+
 #include <QCoreApplication>
 #include <QDir>
 
@@ -7,6 +9,6 @@ MainBundlePath mainBundlePath()
 {
     // Qt takes the folder from /proc/self/exe, so a link to the program still finds the program's bundle.
     const QString programs = QCoreApplication::applicationDirPath();
-    const QString resources = QDir::cleanPath(programs + QStringLiteral("/../share/kivmenua"));
+    const QString resources = QDir::cleanPath(programs + u'/' + ProductTexts::bundleFolder);
     return {resources, resources + QStringLiteral("/Info.plist"), programs};
 }

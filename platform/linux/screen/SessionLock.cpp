@@ -1,5 +1,6 @@
 #include "platform/SessionLock.h"
 
+#include "platform/ProductTexts.h"
 #include "platform/linux/include/XConnection.h"
 
 /// The lock is the X selection _KIVMENUA_S<screen>: one for each display, whoever's sessions share a bus or a home
@@ -29,7 +30,7 @@ bool SessionLock::tryAcquire()
     if (!connection) {
         return true;
     }
-    const QByteArray selection = "_KIVMENUA_S" + QByteArray::number(XConnection::screenNumber());
+    const QByteArray selection = ProductTexts::lockSelection + QByteArray::number(XConnection::screenNumber());
     const xcb_atom_t atom = XConnection::atom(selection);
 
     // Two copies that start at once must not both find the selection free.

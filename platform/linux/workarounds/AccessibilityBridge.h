@@ -13,5 +13,6 @@ enum class BusUse { Possible, Hopeless };
 ///   Without an address libdbus runs dbus-launch, and a bus that never answers holds up the loop for minutes.
 /// Of: Qt 6.4 to 6.11, QSpiAccessibleBridge, and libdbus, all versions. No report found.
 /// Left out: a bus that nobody ends in each session without one, and an agent without a menu beside a bus that hangs.
-/// Still needed? WorkaroundNeed.AccessibilityBridge tells.
+/// Still needed? WorkaroundNeed.AccessibilityBridge tells of the first, AccessibilityBridgeBesideABusThatHangs of the
+///   second.
 void keepQtFromLaunchingOrAwaitingABus(const QString &address, BusUse use);

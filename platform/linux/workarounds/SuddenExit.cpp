@@ -1,5 +1,7 @@
 #include "platform/linux/workarounds/SuddenExit.h"
 
+#include "platform/LogCategories.h"
+
 #include <cstdlib>
 
 namespace
@@ -23,4 +25,12 @@ SuddenExit::SuddenExit()
 SuddenExit::~SuddenExit()
 {
     isSudden = false;
+}
+
+void SuddenExit::afterLoop(int status)
+{
+    if (status != EXIT_SUCCESS) {
+        qCDebug(agentLog, "the X server has gone");
+        std::exit(EXIT_FAILURE);
+    }
 }

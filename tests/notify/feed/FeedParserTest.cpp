@@ -4,10 +4,12 @@
 #include "notify/record/KivNotification.h"
 #include "notify/record/UndefinedKeyException.h"
 #include "platform/data/UtcTime.h"
+#include "tests/support/LogLines.h"
 
 #include <QElapsedTimer>
 #include <QStringEncoder>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -297,6 +299,18 @@ TEST(FeedParser, RefusesADocumentTypeThatMayDeclareSomething)
                   Outcome::Malformed)
             << type.constData();
         EXPECT_TRUE(feed.records.empty());
+    }
+}
+
+TEST(FeedParser, SaysOfEachDocumentThatItRefusesWhy)
+{
+    LogLines log;
+    for (const QByteArray &document :
+         {QByteArray("text"), QByteArray("<a>"), QByteArray("<a/><!DOCTYPE a>"), QByteArray("<!DOCTYPE a []><a/>"),
+          QByteArray("<?xml version='1.0' encoding='UTF-8'?><a/>\xFF"), QByteArray("<a>").repeated(1000)}) {
+        EXPECT_EQ(Feed().parser.parse(document), Outcome::Malformed) << document.constData();
+        EXPECT_THAT(log.take(), testing::ElementsAre(testing::StartsWith("kiv.feed: the document is ")))
+            << document.constData();
     }
 }
 

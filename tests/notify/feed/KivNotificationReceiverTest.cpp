@@ -7,6 +7,7 @@
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
 #include "tests/support/FeedServer.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QApplication>
@@ -18,6 +19,7 @@
 #include <QTimer>
 #include <QUrl>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -721,7 +723,9 @@ TEST_F(KivNotificationReceiverTest, FailsQuietlyWhenAnotherProgramAnswers)
 {
     serve({answerWith(feedWith("1"))});
     putInPlaceOfFetch("echo nonsense; echo '" + feedWith("1") + "'; exec sleep 60");
+    LogLines log;
     receive();
+    EXPECT_THAT(log.take(), testing::Contains("kiv.feed: what was run is not kivfetch: its first line has no status"));
     EXPECT_EQ(receiver->connection(), nullptr);
     EXPECT_EQ(sink.ids, Ids());
 }

@@ -12,6 +12,7 @@
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileChanges.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QApplication>
@@ -24,6 +25,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <future>
@@ -501,6 +503,26 @@ TEST_F(KivNotificationManagerTest, NeverKeepsMoreThanAThousandRecords)
     EXPECT_EQ(storedId(), "1002");
 }
 
+TEST_F(KivNotificationManagerTest, DoesNotSayOfARecordThatItWaitsWhenItWasDropped)
+{
+    setPreferences(0, 0);
+    start();
+    for (int i = 1; i <= 1000; ++i) {
+        manager->queueAdd(record(QByteArray::number(i).constData(), 2));
+    }
+    LogLines log;
+    const NotificationSink::Delivery delivery(*manager);
+    manager->enqueueNotification(record("urgent", 2));
+    std::vector<std::string> lines = log.take();
+    EXPECT_THAT(lines, testing::Contains("kiv.queue: message \"1\" is dropped: the queue is full"));
+    EXPECT_THAT(lines, testing::Contains("kiv.queue: message \"urgent\" waits among 1000"));
+
+    manager->enqueueNotification(record("dropped", 1));
+    lines = log.take();
+    EXPECT_THAT(lines, testing::Contains("kiv.queue: message \"dropped\" is dropped: the queue is full"));
+    EXPECT_THAT(lines, testing::Each(testing::Not(testing::HasSubstr("waits"))));
+}
+
 TEST_F(KivNotificationManagerTest, SavesAQueueOfLongTextsAsFarAsTheFileHasRoom)
 {
     setPreferences(0, 0);
@@ -938,6 +960,31 @@ TEST_F(KivNotificationManagerTest, OpensNoSecondPopUpWhileItIsOpeningOne)
     EXPECT_GT(forced, 0);
     EXPECT_EQ(shown(), "1");
     EXPECT_EQ(popUps(), 1);
+}
+
+TEST_F(KivNotificationManagerTest, DoesNotTakeALockThatIsHeldForAPopUp)
+{
+    const std::string locked = "kiv.queue: nothing is shown: the lock is held, or cannot be taken";
+    const std::string occupied = "kiv.queue: nothing new is shown while a pop-up is there";
+    start();
+    manager->queueAdd(record("1"));
+    LogLines log;
+    bool wasForced = false;
+    onClock = [&] {
+        if (!std::exchange(wasForced, true)) {
+            manager->forceNotification();
+        }
+    };
+    manager->showNextNotification();
+    std::vector<std::string> lines = log.take();
+    EXPECT_THAT(lines, testing::Contains(locked));
+    EXPECT_THAT(lines, testing::Not(testing::Contains(occupied)));
+
+    ASSERT_EQ(shown(), "1");
+    manager->forceNotification();
+    lines = log.take();
+    EXPECT_THAT(lines, testing::Contains(occupied));
+    EXPECT_THAT(lines, testing::Not(testing::Contains(locked)));
 }
 
 TEST_F(KivNotificationManagerTest, DoesNotMakeAPopUpAnewWhileTheLockIsHeld)

@@ -2,6 +2,7 @@
 
 #include "platform/data/PropertyList.h"
 #include "tests/support/FullDisk.h"
+#include "tests/support/LogLines.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -9,6 +10,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -134,6 +136,16 @@ TEST_F(NotificationCacheTest, IsEmptyWhenTheFileHoldsNoArray)
         put(content);
         EXPECT_EQ(cache.read(), QVariantList()) << content.toStdString();
     }
+}
+
+TEST_F(NotificationCacheTest, SaysWhyThereAreNoMessagesFromBefore)
+{
+    LogLines log;
+    EXPECT_TRUE(cache.read().isEmpty());
+    EXPECT_THAT(log.take(), testing::ElementsAre(testing::EndsWith("notifications.plist\" cannot be read")));
+    put("<plist><dict/></plist>");
+    EXPECT_TRUE(cache.read().isEmpty());
+    EXPECT_THAT(log.take(), testing::ElementsAre(testing::EndsWith("notifications.plist\" holds no list")));
 }
 
 TEST_F(NotificationCacheTest, KeepsAFileThatItCannotMakeSenseOfUnderASecondNameOnce)

@@ -1,7 +1,9 @@
 #include "notify/queue/NotificationQueue.h"
 
 #include "notify/record/KivNotification.h"
+#include "tests/support/LogLines.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -124,6 +126,17 @@ TEST(NotificationQueue, DropsTheOldestOfTheLeastUrgentWhenItIsFull)
     EXPECT_EQ(idsOf(queue), (Ids{"", "a", "b", "d"}));
     queue.dropBeyond(1, 1'000'000);
     EXPECT_EQ(idsOf(queue), Ids{""});
+}
+
+TEST(NotificationQueue, SaysWhatItDropsAndWhatItHasAlready)
+{
+    NotificationQueue queue = queueWith({record("a", 1), record("b", 0), record("c", 0)});
+    LogLines log;
+    queue.add(record("a", 2));
+    queue.dropBeyond(1, 1'000'000);
+    EXPECT_THAT(log.take(), testing::ElementsAre("kiv.queue: message \"a\" waits already",
+                                                 "kiv.queue: message \"b\" is dropped: the queue is full",
+                                                 "kiv.queue: message \"c\" is dropped: the queue is full"));
 }
 
 TEST(NotificationQueue, DropsRecordsUntilTheOthersHaveRoomInAFile)

@@ -1,5 +1,6 @@
 #include "platform/alert/AlertPanel.h"
 
+#include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QApplication>
@@ -8,6 +9,7 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace
@@ -77,6 +79,24 @@ TEST(AlertPanel, AnswersNothingWhenTheApplicationEnds)
                        [&] { response = respond(threeButtons, [](AlertPanel &) { QCoreApplication::quit(); }); });
     QApplication::exec();
     EXPECT_EQ(response, -2);
+}
+
+TEST(AlertPanel, SaysWhatItAsksAndWhatTheAnswerWas)
+{
+    using testing::ElementsAre;
+    const std::string asks = "kiv.agent: asks: \"Title\"";
+    LogLines log;
+    const auto linesAfter = [&log](const std::function<void(AlertPanel &)> &react) {
+        static_cast<void>(respond(threeButtons, react));
+        return log.take();
+    };
+    EXPECT_THAT(linesAfter([](AlertPanel &p) { button(p, QStringLiteral("Close"))->click(); }),
+                ElementsAre(asks, "kiv.agent: answered: the default button"));
+    EXPECT_THAT(linesAfter([](AlertPanel &p) { button(p, QStringLiteral("Home..."))->click(); }),
+                ElementsAre(asks, "kiv.agent: answered: the alternate button"));
+    EXPECT_THAT(linesAfter([](AlertPanel &p) { button(p, QStringLiteral("Credits"))->click(); }),
+                ElementsAre(asks, "kiv.agent: answered: the other button"));
+    EXPECT_THAT(linesAfter([](AlertPanel &p) { p.close(); }), ElementsAre(asks, "kiv.agent: answered: not at all"));
 }
 
 TEST(AlertPanel, HasOnlyTheButtonsThatAreNamed)

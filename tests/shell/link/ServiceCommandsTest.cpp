@@ -5,9 +5,11 @@
 #include "notify/record/KivNotification.h"
 #include "shell/ProcessState.h"
 #include "tests/shell/link/EventBuilder.h"
+#include "tests/support/LogLines.h"
 
 #include <QTemporaryDir>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -128,6 +130,27 @@ TEST_F(SetOptions, ChangesNothingWithoutParameters)
     EXPECT_TRUE(isEnabled(kMenuCmdDisconnect));
 }
 
+TEST_F(SetOptions, SaysWhatAnEventChangesAndWhatItDoesNot)
+{
+    using testing::Contains;
+    LogLines log;
+    const auto linesFor = [&log](const AppleEvent *event) {
+        static_cast<void>(__cmd_setopt(event));
+        return log.take();
+    };
+    EXPECT_THAT(linesFor(EventBuilder().event()), Contains("kiv.link: neither flags nor commands"));
+    EXPECT_THAT(linesFor(EventBuilder().actions({kMenuCmdDisconnect}).event()),
+                Contains("kiv.link: neither flags nor commands"));
+    const std::vector<std::string> flagsOnly = linesFor(EventBuilder().flags(0).event());
+    EXPECT_THAT(flagsOnly, Contains("kiv.link: flags 0"));
+    EXPECT_THAT(flagsOnly, Contains("kiv.link: the commands stay as they are: no count of them"));
+    EXPECT_THAT(linesFor(EventBuilder().count(0).event()), Contains("kiv.link: no command is allowed"));
+    EXPECT_THAT(linesFor(EventBuilder().count(7).event()),
+                Contains("kiv.link: 7 commands are announced, and there is no list of them"));
+    EXPECT_THAT(linesFor(EventBuilder().count(1).actions({kMenuCmdDisconnect}).event()),
+                Contains("kiv.link: commands allowed: QList(32792)"));
+}
+
 TEST_F(SetOptions, IgnoresAListWithoutItsCount)
 {
     EventBuilder builder;
@@ -239,6 +262,18 @@ TEST_F(DoHint, ShowsNothingWithoutALengthOrWithALengthOfZero)
                                .event()),
               0);
     EXPECT_FALSE(shown());
+}
+
+TEST_F(DoHint, SaysWhyNothingIsShown)
+{
+    LogLines log;
+    EventBuilder withoutLength;
+    EXPECT_EQ(__cmd_dohint(withoutLength.put(kMenuParamHintText, typeMenuHintText, "text", 4).event()), 0);
+    EXPECT_THAT(log.take(), testing::Contains("kiv.link: a hint without a length is not shown"));
+    const std::uint32_t length = 4;
+    EventBuilder withoutText;
+    EXPECT_EQ(__cmd_dohint(withoutText.put(kMenuParamHintSize, typeUInt32, &length, sizeof length).event()), -10000);
+    EXPECT_THAT(log.take(), testing::Contains("kiv.link: a hint is announced, and there is no text"));
 }
 
 TEST_F(DoHint, FailsWhenTheTextIsMissingOrOfAnotherType)

@@ -26,11 +26,14 @@ class ReservedWords(unittest.TestCase):
         with Tree({"menu/A.cpp": '#include "menu/Kivune.h"\n// The "Kivune" of old.\nint a;\n'
                                  'auto t = u"The Kivune menu";',
                    "notify/queue/B.cpp": 'auto folder = "com.tamborel.other"; // of "Kivune"',
-                   "menu/ProductTexts.h": 'auto t = u"Kivune";', "tests/C.cpp": 'auto t = u"Kivune";'}) as root:
+                   "platform/D.cpp": 'auto id = "kivmenua";', "menu/ProductTexts.h": 'auto t = u"Kivune";',
+                   "tests/C.cpp": 'auto t = u"Kivune";'}) as root:
             result = run("reserved_words.py", root)
-        strewn = [line for line in result.stdout.splitlines() if line.startswith(("menu/", "notify/", "tests/"))]
+        folders = ("menu/", "notify/", "platform/", "tests/")
+        strewn = [line for line in result.stdout.splitlines() if line.startswith(folders)]
         self.assertEqual(strewn, ['menu/A.cpp:4: auto t = u"The Kivune menu";',
-                                  'notify/queue/B.cpp:1: auto folder = "com.tamborel.other"; // of "Kivune"'])
+                                  'notify/queue/B.cpp:1: auto folder = "com.tamborel.other"; // of "Kivune"',
+                                  'platform/D.cpp:1: auto id = "kivmenua";'])
 
 
 if __name__ == "__main__":

@@ -4,6 +4,7 @@
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Carbon.h>
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -95,6 +96,17 @@ TEST_F(AttachCommand, FailsForAProcessThatIsNoAgent)
     start("attach --pid 1");
     EXPECT_EQ(status(), 1);
     EXPECT_EQ(lastLine(), "kivservice: process 1 is no agent of this session bus");
+}
+
+TEST_F(AttachCommand, LeavesThePlaceOfAClosedStandardErrorToNobody)
+{
+    ASSERT_TRUE(
+        service.start(QStringLiteral("/bin/sh"),
+                      {QStringLiteral("-c"), QStringLiteral("exec \"$0\" \"$@\" 2>&-"), QStringLiteral(KIV_SERVICE),
+                       QStringLiteral("attach"), QStringLiteral("--pid"), QString::number(::getpid())}));
+    ASSERT_TRUE(waitUntil([this] { return service.output().contains("attached"); })) << service.output().data();
+    EXPECT_EQ(QFile::symLinkTarget(QStringLiteral("/proc/%1/fd/2").arg(service.pid())), QStringLiteral("/dev/null"))
+        << "its lines would go there";
 }
 
 TEST_F(AttachCommand, RefusesWrongUsage)

@@ -1,6 +1,7 @@
 #include "platform/linux/events/WorkInTurns.h"
 #include "platform/linux/include/SessionBus.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/WaitUntil.h"
 
@@ -9,6 +10,7 @@
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -328,6 +330,15 @@ TEST_F(AppleEventManager, ReceivesEventsWhileAHandlerIsInstalled)
     EXPECT_EQ(AERemoveEventHandler(testClass, dataKey, otherHandler, false), noErr);
     EXPECT_FALSE(isNameOwned());
     EXPECT_EQ(made.send(), procNotFound);
+}
+
+TEST_F(AppleEventManager, SaysWhichEventHasNoHandler)
+{
+    ASSERT_EQ(AEInstallEventHandler(testClass, kKey, otherHandler, nullptr, false), noErr);
+    LogLines log;
+    EXPECT_EQ(Event(self).send(kAEWaitReply), errAEEventNotHandled);
+    EXPECT_THAT(log.take(), testing::Contains("kiv.link: refused an event test numb: it has no handler"));
+    EXPECT_EQ(AERemoveEventHandler(testClass, kKey, otherHandler, false), noErr);
 }
 
 TEST_F(AppleEventManager, ReplacesAHandler)

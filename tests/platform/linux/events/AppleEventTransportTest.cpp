@@ -5,6 +5,7 @@
 #include "tests/platform/linux/events/RawEvent.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/WaitUntil.h"
@@ -18,6 +19,7 @@
 #include <QFile>
 #include <QXmlStreamReader>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -632,6 +634,43 @@ TEST_F(Transport, RefusesAnEventThatCannotTravel)
     EXPECT_EQ(event.setParameter(0x61006161, typeSInt32, nullptr, 0), noErr);
     EXPECT_EQ(transport.send(event), paramErr);
     EXPECT_EQ(transport.sendAndWait(event, 1s), paramErr);
+}
+
+TEST_F(Transport, SaysWhyNothingGoesToAProcess)
+{
+    using testing::ElementsAre;
+    const auto self = static_cast<SInt32>(QCoreApplication::applicationPid());
+    const std::string toThis = "kiv.link: nothing goes to process " + std::to_string(self) + ": ";
+    ChildProcess other;
+    ASSERT_TRUE(other.start(QStringLiteral("sleep"), {QStringLiteral("100")}));
+    const RawReceiver impostor(peer.connection(), QStringLiteral("com.tamborel.kivune.p%1").arg(other.pid()));
+    LogLines log;
+    const auto linesOf = [&](const AppleEventContents &event) {
+        EXPECT_NE(transport.send(event), noErr);
+        std::vector<std::string> lines = log.take();
+        EXPECT_NE(transport.sendAndWait(event, 1s), noErr);
+        const std::vector<std::string> waiting = log.take();
+        lines.insert(lines.end(), waiting.begin(), waiting.end());
+        return lines;
+    };
+    const std::string none = "kiv.link: nothing goes to process 0: it does not run";
+    EXPECT_THAT(linesOf(numberedEvent(0)), ElementsAre(none, none));
+    const std::string noMessage = "kiv.link: nothing goes to process 0: this event cannot be a message";
+    EXPECT_THAT(linesOf(AppleEventContents(kClass, kID)), ElementsAre(noMessage, noMessage));
+    EXPECT_THAT(linesOf(numberedEvent(self)),
+                ElementsAre(toThis + "it takes no events", toThis + "it takes no events"));
+    const std::string toOther = "kiv.link: nothing goes to process " + std::to_string(other.pid()) + ": ";
+    EXPECT_THAT(linesOf(numberedEvent(other.pid())),
+                ElementsAre(toOther + "another has its name on the bus", toOther + "it takes no events"));
+    {
+        BusPeer first(daemon);
+        const RawReceiver receiver(first.connection(), ownBusName());
+        ASSERT_EQ(transport.send(numberedEvent(self)), noErr);
+        daemon.suspend();
+        const std::string silent = toThis + "the session bus is not there, or says nothing";
+        EXPECT_THAT(linesOf(numberedEvent(self)), ElementsAre(silent, silent));
+        daemon.resume();
+    }
 }
 
 TEST_F(Transport, NeedsABusToSend)

@@ -1,10 +1,12 @@
 #include "platform/linux/events/WorkInTurns.h"
 
+#include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -105,6 +107,20 @@ TEST_F(WorkInTurnsTest, ComesBehindThatOfOthersForAClientForWhomTooMuchWaits)
     carryOut(other, note('d'));
     ASSERT_TRUE(waitUntil([this] { return done.size() == 1 + WorkInTurns::maxInOrder + 1 + 3; }));
     EXPECT_EQ(done, "abcd" + std::string(WorkInTurns::maxInOrder + 1, '.'));
+}
+
+TEST_F(WorkInTurnsTest, SaysOnceThatTooMuchWaitsForAClient)
+{
+    LogLines log;
+    carryOut(one, noteAfterLong('a'));
+    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder; ++i) {
+        carryOut(one, note('.'));
+    }
+    EXPECT_THAT(log.take(), testing::IsEmpty());
+    carryOut(one, note('.'));
+    carryOut(one, note('.'));
+    EXPECT_THAT(log.take(),
+                testing::ElementsAre("kiv.link: more than 1000 events of \"one\" wait: the others come first"));
 }
 
 TEST_F(WorkInTurnsTest, TakesItsPlaceAgainOnceLessOfItWaits)

@@ -23,6 +23,9 @@ public:
 
     void setHost(Host host) { m_object.setHostRegistered(host == Host::Registered); }
 
+    /// Answers every item with an error from now on.
+    void refuseItems() { m_object.refuseItems(); }
+
     /// The bus names of the items that have registered and are still there.
     [[nodiscard]] QStringList items() const;
     /// Tells the first item that it was chosen: "Activate" or "ContextMenu". False when it has not answered within a

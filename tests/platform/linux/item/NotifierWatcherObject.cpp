@@ -12,6 +12,10 @@ void NotifierWatcherObject::setHostRegistered(bool isRegistered)
 
 void NotifierWatcherObject::RegisterStatusNotifierItem(const QString &service)
 {
+    if (m_refusesItems) {
+        sendErrorReply(QDBusError::AccessDenied, QStringLiteral("No room"));
+        return;
+    }
     m_items.append(service);
     Q_EMIT StatusNotifierItemRegistered(service);
 }

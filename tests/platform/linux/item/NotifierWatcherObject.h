@@ -1,10 +1,11 @@
 #pragma once
 
+#include <QDBusContext>
 #include <QObject>
 #include <QStringList>
 
 /// The object of org.kde.StatusNotifierWatcher, as panels have it.
-class NotifierWatcherObject final : public QObject
+class NotifierWatcherObject final : public QObject, protected QDBusContext
 {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
@@ -14,6 +15,7 @@ public:
     [[nodiscard]] bool isHostRegistered() const { return m_isHostRegistered; }
     /// Tells on the bus whether there is a host; there is one at first.
     void setHostRegistered(bool isRegistered);
+    void refuseItems() { m_refusesItems = true; }
     /// What each item has registered as.
     [[nodiscard]] QStringList items() const { return m_items; }
 
@@ -28,4 +30,5 @@ Q_SIGNALS:
 private:
     QStringList m_items;
     bool m_isHostRegistered = true;
+    bool m_refusesItems = false;
 };

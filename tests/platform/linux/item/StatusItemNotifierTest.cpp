@@ -4,6 +4,7 @@
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"
@@ -14,6 +15,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -104,6 +106,41 @@ TEST_F(StatusItemNotifierTest, TellsAPressAfterTheHostHasHadItsAnswer)
     EXPECT_TRUE(host.choose(activate));
     EXPECT_TRUE(waitUntil([&] { return presses > 1; }));
     EXPECT_EQ(presses, 2);
+}
+
+TEST_F(StatusItemNotifierTest, WarnsOfAWatcherThatRefusesIt)
+{
+    FakeNotifierHost host(bus->address());
+    host.refuseItems();
+    LogLines log;
+    StatusItem item;
+    item.setImage(redIcon());
+    std::vector<std::string> warnings;
+    EXPECT_TRUE(waitUntil([&] {
+        const std::vector<std::string> more = log.takeWarnings();
+        warnings.insert(warnings.end(), more.begin(), more.end());
+        return !warnings.empty();
+    }));
+    EXPECT_THAT(warnings, testing::ElementsAre("kiv.item: the StatusNotifierItem watcher refuses the item: "
+                                               "\"org.freedesktop.DBus.Error.AccessDenied\" \"No room\""));
+}
+
+TEST_F(StatusItemNotifierTest, SaysThatItsWatcherHasTakenItAndLaterThatThereIsNone)
+{
+    std::optional<FakeNotifierHost> host(std::in_place, bus->address());
+    LogLines log;
+    StatusItem item;
+    item.setImage(redIcon());
+    std::vector<std::string> lines;
+    const auto hasSaid = [&](const char *line) {
+        const std::vector<std::string> more = log.take();
+        lines.insert(lines.end(), more.begin(), more.end());
+        return std::find(lines.begin(), lines.end(), line) != lines.end();
+    };
+    EXPECT_TRUE(waitUntil([&] { return hasSaid("kiv.item: the StatusNotifierItem watcher has taken the item"); }));
+    host.reset();
+    EXPECT_TRUE(waitUntil([&] { return hasSaid("kiv.item: there is no StatusNotifierItem watcher"); }));
+    EXPECT_THAT(log.takeWarnings(), testing::IsEmpty()) << "to go is not to refuse";
 }
 
 TEST_F(StatusItemNotifierTest, IsPressedAtThePlaceThatTheHostTells)

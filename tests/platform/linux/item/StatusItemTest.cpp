@@ -2,9 +2,11 @@
 
 #include "platform/MainScreen.h"
 #include "platform/linux/include/XConnection.h"
+#include "tests/platform/linux/PrivatePanel.h"
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QGuiApplication>
@@ -14,10 +16,12 @@
 #include <QScreen>
 #include <QToolTip>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace
@@ -135,24 +139,19 @@ protected:
 
     void startPanel()
     {
-        // The panel waits some seconds for a window manager, which it knows by this; none is wanted here.
-        const std::uint32_t one = 1;
-        xcb_change_property(XConnection::get(), XCB_PROP_MODE_REPLACE, XConnection::screen()->root,
-                            XConnection::atom("_NET_NUMBER_OF_DESKTOPS"), XCB_ATOM_CARDINAL, 32, 1, &one);
-        xcb_flush(XConnection::get());
-        ASSERT_TRUE(panel.start(QStringLiteral("tint2"), {QStringLiteral("-c"), QStringLiteral(KIV_TINT2_CONFIG)}));
+        ASSERT_TRUE(panel.start());
         ASSERT_TRUE(waitUntil([] { return XConnection::selectionOwner(XConnection::traySelection()) != XCB_NONE; }));
     }
 
     void stopPanel()
     {
-        panel.kill();
+        panel.stop();
         ASSERT_TRUE(waitUntil([] { return XConnection::selectionOwner(XConnection::traySelection()) == XCB_NONE; }));
     }
 
     void TearDown() override { stopPanel(); }
 
-    ChildProcess panel;
+    PrivatePanel panel;
 };
 
 class DockedStatusItemTest : public StatusItemTest
@@ -209,7 +208,9 @@ TEST_F(DockedStatusItemTest, IsFadedAndDeafWhileDisabled)
     PressCounter presses(item);
     item.setEnabled(false);
     const auto colour = [this] { return screenColour(qtPlace(item).center()); };
-    EXPECT_TRUE(waitUntil([&] { return colour().green() > 50 && colour().red() > 200; }));
+    const int behind = screenColour({500, 16}).red();
+    EXPECT_TRUE(waitUntil([&] { return colour().red() > behind + 30 && colour().red() < 225; }))
+        << "neither red nor what lies behind it";
     FakeInput::click(qtPlace(item).center());
     settleEvents();
     EXPECT_EQ(presses.count, 0);
@@ -397,6 +398,27 @@ TEST_F(StatusItemTest, StaysInTheCornerWhenTheScreenChangesItsSize)
     EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
     ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
     EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+}
+
+TEST_F(StatusItemTest, SaysWhereItGoesAndWhichTrayThereIs)
+{
+    using testing::Contains;
+    using testing::MatchesRegex;
+    StatusItem item;
+    LogLines log;
+    ChildProcess tool;
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1024x768")}));
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
+    EXPECT_THAT(log.take(), Contains("kiv.item: the screen has changed: the item goes to (1002, 0)"));
+    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+
+    std::optional<FakeTray> tray(std::in_place, QPoint(100, 50));
+    ASSERT_TRUE(waitUntil([&] { return tray->serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    EXPECT_THAT(log.take(), Contains(MatchesRegex("kiv.item: there is a new tray, of window 0x[0-9a-f]+")));
+    tray.reset();
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+    EXPECT_THAT(log.take(), Contains(MatchesRegex("kiv.item: the tray of window 0x[0-9a-f]+ has gone")));
 }
 
 TEST_F(StatusItemTest, MovesIntoATrayThatComesLater)

@@ -1,7 +1,6 @@
 #include "platform/linux/processes/TrayHost.h"
 
-#include "platform/linux/include/XConnection.h"
-#include "tests/support/ChildProcess.h"
+#include "tests/platform/linux/PrivatePanel.h"
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Processes.h>
@@ -12,16 +11,6 @@
 
 namespace
 {
-
-[[nodiscard]] bool startPanel(ChildProcess &panel)
-{
-    // The panel waits some seconds for a window manager, which it knows by this; none is wanted here.
-    const std::uint32_t one = 1;
-    xcb_change_property(XConnection::get(), XCB_PROP_MODE_REPLACE, XConnection::screen()->root,
-                        XConnection::atom("_NET_NUMBER_OF_DESKTOPS"), XCB_ATOM_CARDINAL, 32, 1, &one);
-    xcb_flush(XConnection::get());
-    return panel.start(QStringLiteral("tint2"), {QStringLiteral("-c"), QStringLiteral(KIV_TINT2_CONFIG)});
-}
 
 bool isDock(qint64 pid)
 {
@@ -35,24 +24,24 @@ bool isDock(qint64 pid)
 TEST(TrayHost, IsThePanelThatOwnsTheTraySelection)
 {
     EXPECT_EQ(trayHost(), 0);
-    ChildProcess panel;
-    ASSERT_TRUE(startPanel(panel));
+    PrivatePanel panel;
+    ASSERT_TRUE(panel.start());
     EXPECT_TRUE(waitUntil([&] { return trayHost() == panel.pid(); }));
     EXPECT_TRUE(isDock(panel.pid()));
     EXPECT_FALSE(isDock(QCoreApplication::applicationPid()));
 
-    panel.kill();
+    panel.stop();
     EXPECT_TRUE(waitUntil([] { return trayHost() == 0; }));
 
-    ChildProcess next;
-    ASSERT_TRUE(startPanel(next));
+    PrivatePanel next;
+    ASSERT_TRUE(next.start());
     EXPECT_TRUE(waitUntil([&] { return isDock(next.pid()); }));
 }
 
 TEST(TrayHost, IsFoundInOnePassOverAllProcesses)
 {
-    ChildProcess panel;
-    ASSERT_TRUE(startPanel(panel));
+    PrivatePanel panel;
+    ASSERT_TRUE(panel.start());
     ASSERT_TRUE(waitUntil([&] { return isDock(panel.pid()); }));
     QElapsedTimer time;
     time.start();

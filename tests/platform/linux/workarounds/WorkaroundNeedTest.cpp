@@ -5,8 +5,10 @@
 #include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FeedServer.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"
+#include "tests/support/SilentSocket.h"
 #include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"
 
@@ -14,12 +16,18 @@
 #include <QDBusVirtualObject>
 #include <QFile>
 #include <QImage>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QNetworkRequest>
 #include <QPixmapCache>
 #include <QTemporaryDir>
+#include <QTextBrowser>
 #include <QWindow>
 
 #include <gtest/gtest.h>
 
+#include <X11/Xlib.h>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -149,6 +157,27 @@ TEST_F(WorkaroundNeed, FreedMemory)
     tell("FreedMemory", residentMemory() > before - qint64(pieces * size) / 2);
 }
 
+TEST_F(WorkaroundNeed, FreedMemoryOfXlib)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer has an allocator of its own";
+#endif
+    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    ASSERT_TRUE(x11);
+    constexpr int windows = 100;
+    for (int i = 0; i < windows; ++i) {
+        QTextBrowser window;
+        window.setWindowTitle(QStringLiteral("Window"));
+        window.show();
+        ASSERT_TRUE(waitUntil([&] { return window.windowHandle()->isExposed(); }));
+    }
+    const std::size_t before = heapInUse();
+    XSync(x11->display(), False);
+    const std::size_t after = heapInUse();
+    constexpr std::size_t ofFewWindows = 20 * 100;
+    tell("FreedMemoryOfXlib", before > after + ofFewWindows);
+}
+
 TEST_F(WorkaroundNeed, PixmapCache)
 {
 #ifdef __SANITIZE_ADDRESS__
@@ -261,6 +290,41 @@ TEST_F(WorkaroundNeed, AccessibilityBridge)
     tell("AccessibilityBridge", waitUntil([&] { return QFile::exists(record); }, 3s));
 }
 
+TEST_F(WorkaroundNeed, AccessibilityBridgeBesideABusThatHangs)
+{
+    const QTemporaryDir folder;
+    const SilentSocket bus(folder.filePath(QStringLiteral("bus")));
+    Subject subject;
+    subject.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromLocal8Bit(bus.address()));
+    ASSERT_TRUE(subject.start({QStringLiteral("run")}));
+    const bool goesOn = waitUntil([&] { return subject.process().output().contains("goes on\n"); }, 3s);
+    tell("AccessibilityBridgeBesideABusThatHangs", !goesOn);
+}
+
+TEST_F(WorkaroundNeed, SilentBus)
+{
+    const QTemporaryDir folder;
+    const SilentSocket bus(folder.filePath(QStringLiteral("bus")));
+    Subject subject;
+    ASSERT_TRUE(subject.start({QStringLiteral("connect"), QString::fromLocal8Bit(bus.address())}));
+    tell("SilentBus", !subject.endsWithin(3s));
+}
+
+TEST_F(WorkaroundNeed, RedirectTimeout)
+{
+    FeedServer server;
+    ASSERT_TRUE(
+        server.start({{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}, .body = ""},
+                      {.gated = true}}));
+    QNetworkAccessManager network;
+    network.setProxy(QNetworkProxy::NoProxy);
+    QNetworkRequest request(server.address(QStringLiteral("/feed")));
+    request.setTransferTimeout(500);
+    const std::unique_ptr<QNetworkReply> reply(network.get(request));
+    ASSERT_TRUE(waitUntil([&] { return server.requests().size() == 2; }));
+    tell("RedirectTimeout", !waitUntil([&] { return reply->isFinished(); }, 3s));
+}
+
 TEST_F(WorkaroundNeed, SessionManagerDeath)
 {
     SessionManager manager;
@@ -286,4 +350,17 @@ TEST_F(WorkaroundNeed, SuddenExit)
     ASSERT_TRUE(subject.isUp());
     server.stop();
     tell("SuddenExit", !subject.endsWithin(3s));
+}
+
+TEST_F(WorkaroundNeed, LoopThatIsLeft)
+{
+    PrivateXServer server;
+    ASSERT_TRUE(server.start());
+    Subject subject;
+    subject.environment().insert(QStringLiteral("DISPLAY"), server.display());
+    subject.environment().insert(QStringLiteral("XAUTHORITY"), server.authority());
+    ASSERT_TRUE(subject.start({QStringLiteral("run")}));
+    ASSERT_TRUE(subject.isUp());
+    server.stop();
+    tell("LoopThatIsLeft", waitUntil([&] { return subject.process().output().contains("left\n"); }, 3s));
 }

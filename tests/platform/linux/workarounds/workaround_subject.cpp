@@ -14,7 +14,8 @@
 
 // A program of Qt's without our cures, to which a test does what one of them is for:
 //   connect ADDRESS   asks a bus for a connection
-//   run [ADDRESS]     says "up" once its event loop runs; with an object on a bus until its end
+//   run [ADDRESS]     says "up" once its event loop runs, "goes on" when it still does a moment later, and "left" after
+//                     it; with an object on a bus until its end
 //   image FILE        shows a text with that image, and names the files of that kind that Qt looks for
 
 namespace
@@ -77,11 +78,15 @@ int run(const QString &bus)
         guest.connection.emplace(QDBusConnection::connectToBus(bus, QStringLiteral("bus")));
         guest.connection->registerObject(QStringLiteral("/"), &guest.object, QDBusConnection::ExportAdaptors);
     }
-    QTimer::singleShot(0, [] {
-        std::puts("up");
+    const auto say = [](const char *line) {
+        std::puts(line);
         std::fflush(stdout);
-    });
-    return QApplication::exec();
+    };
+    QTimer::singleShot(0, [say] { say("up"); });
+    QTimer::singleShot(300, [say] { say("goes on"); });
+    const int status = QApplication::exec();
+    say("left");
+    return status;
 }
 
 int show(const QString &image)

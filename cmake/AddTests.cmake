@@ -27,7 +27,8 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${CMAKE_SOURCE_DI
 #               [PREFIX <prefix>] [LABEL <label>] [TIMEOUT <seconds>])
 #
 # Adds files to the program. Each that ends in Test.cpp is a test of ctest's under its own name, after the prefix if
-# there is one, started in the environment of tests/environment. DEFINITIONS and DEPENDS are the program's: what its tests are told, and what must have been built before they run.
+# there is one, started in the environment of tests/environment. DEFINITIONS and DEPENDS are the program's: what its
+# tests are told, and what must have been built before they run.
 function(kiv_add_tests program)
   cmake_parse_arguments(T "" "PREFIX;LABEL;TIMEOUT" "FILES;DEFINITIONS;DEPENDS" ${ARGN})
   if(NOT T_TIMEOUT)

@@ -7,6 +7,7 @@
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
 #include "platform/LogCategories.h"
+#include "platform/data/CrowdedTag.h"
 #include "platform/data/StringValues.h"
 
 #include <QXmlStreamReader>
@@ -19,7 +20,6 @@
 namespace
 {
 
-constexpr int maxAttributes = 64;
 constexpr int maxLevels = 100;
 constexpr int maxMessages = 1000;
 
@@ -83,7 +83,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &document)
 
 void FeedParser::begin(const QByteArray &document)
 {
-    const FeedDocument decoded = feedDocument(document, maxAttributes);
+    const FeedDocument decoded = feedDocument(document, maxXmlAttributes);
     m_reading = std::make_unique<Reading>();
     m_reading->isWhole = decoded.isWhole;
     m_reading->reader.setNamespaceProcessing(false);

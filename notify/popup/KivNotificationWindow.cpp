@@ -5,6 +5,7 @@
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
 #include "notify/popup/PopUpParts.h"
+#include "notify/text/OpenableLink.h"
 #include "platform/Compositor.h"
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
@@ -320,10 +321,7 @@ void KivNotificationWindow::clickedOnLink(const QUrl &link)
 {
     m_notification->setMessageRepeat(0);
     QTimer::singleShot(linkCloseDelay, Qt::PreciseTimer, this, &KivNotificationWindow::close);
-    // Others could name programs or files of the user's.
-    static const QStringList opened = {QStringLiteral("http"), QStringLiteral("https"), QStringLiteral("ftp"),
-                                       QStringLiteral("mailto")};
-    if (opened.contains(link.scheme())) {
+    if (isOpenableLink(link)) {
         Workspace::openUrl(link.toString(QUrl::FullyEncoded));
     } else {
         qCDebug(popUpLog) << "a link is not opened:" << link.toString(QUrl::FullyEncoded);

@@ -1,12 +1,12 @@
 #include "notify/popup/KivTextView.h"
 
+#include "notify/record/MessageText.h"
 #include "notify/text/CleanHtml.h"
 #include "notify/text/LinkScan.h"
 #include "platform/text/CombiningMarks.h"
 #include "platform/text/ScriptRuns.h"
 #include "platform/text/SystemFont.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QContextMenuEvent>
 #include <QImage>
 #include <QTextCursor>
@@ -18,8 +18,7 @@
 namespace
 {
 
-/// What is shown of a plain text: bytes in UTF-8, lines, and pieces of one script.
-constexpr qsizetype maxBytes = 65'536;
+/// What is shown of a plain text beside maxTextBytes: lines, and pieces of one script.
 constexpr int maxLines = 8000;
 constexpr int maxScriptRuns = 8000;
 /// Lines end between words. To look for such a place in a longer word than that, for each line anew, takes long.
@@ -73,7 +72,7 @@ ShownText shortened(const QString &text)
         bytes += character < 0x80 ? 1 : (character < 0x800 ? 2 : (isPair ? 4 : 3));
         lines += character == U'\n' ? 1 : 0;
         runs.add(character);
-        if (bytes > maxBytes || lines > maxLines || runs.count() > maxScriptRuns) {
+        if (bytes > maxTextBytes || lines > maxLines || runs.count() > maxScriptRuns) {
             break;
         }
         const bool endsWord = QChar::isSpace(character);
@@ -107,17 +106,26 @@ KivTextView::KivTextView(QWidget *parent)
 
 void KivTextView::setMessage(const QString &text, int width)
 {
-    setTextWidth(width);
-    // Not trimmed: a blank in front is how an author has markup shown as it is.
-    if (text.startsWith(u'<')) {
-        setHtmlMessage(text);
-    } else {
+    setDocumentWidth(width);
+    m_html = isHtml(text) ? text : QString();
+    if (m_html.isNull()) {
         setPlainMessage(text);
+    } else {
+        setHtmlMessage(width);
     }
-    setTextWidth(width);
+    setDocumentWidth(width);
 }
 
 void KivTextView::setTextWidth(int width)
+{
+    if (m_html.isNull() || document()->textWidth() == width) {
+        setDocumentWidth(width);
+    } else {
+        setMessage(m_html, width); // Tables fit or do not fit by that width.
+    }
+}
+
+void KivTextView::setDocumentWidth(int width)
 {
     // Qt lays it out anew even at the width that it has.
     if (document()->textWidth() != width) {
@@ -176,13 +184,13 @@ void KivTextView::setPlainMessage(const QString &text)
     cursor.endEditBlock();
 }
 
-void KivTextView::setHtmlMessage(const QString &text)
+void KivTextView::setHtmlMessage(int width)
 {
     const HtmlGround ground{palette().color(QPalette::Text), palette().color(QPalette::Window)};
-    const qreal width = document()->textWidth();
-    setHtml(cleanHtml(text, ground, HtmlTables::Kept));
-    if (document()->documentLayout()->documentSize().width() > width) {
-        setHtml(cleanHtml(text, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.
+    setHtml(cleanHtml(m_html, ground, HtmlTables::Kept));
+    setDocumentWidth(width); // Qt has laid it out at the width of the view, which may still have another.
+    if (document()->size().width() > width) {
+        setHtml(cleanHtml(m_html, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.
     }
 }
 

@@ -12,12 +12,14 @@ class KivTextView final : public QTextBrowser
 public:
     explicit KivTextView(QWidget *parent);
 
-    /// Shows the text at `width` points: as HTML when it begins with "<", else plain with links to the addresses in it.
-    /// HTML is written anew before (notify/text/CleanHtml.h): its source is never shown. Of a plain text no more than
-    /// 64 kB are shown, in 8,000 lines and 8,000 changes of script, and no more than 200 links are made.
+    /// Shows the text at `width` points: HTML as such (notify/record/MessageText.h), else plain with links to the
+    /// addresses in it. HTML is written anew before (notify/text/CleanHtml.h): its source is never shown. Of a plain
+    /// text no more than maxTextBytes are shown, in 8,000 lines and 8,000 changes of script, which is what Qt lays out
+    /// in a moment, and then an ellipsis; no more than 200 links are made.
     void setMessage(const QString &text, int width);
 
-    /// Lays it out anew at that width.
+    /// Lays it out anew at that width; a table of HTML that is too wide for it is dissolved, and one that no longer is
+    /// comes back.
     void setTextWidth(int width);
 
     /// The height of all the text at that width, in points.
@@ -32,6 +34,9 @@ protected:
 private:
     void setSelectedRange();
     void setPlainMessage(const QString &text);
-    void setHtmlMessage(const QString &text);
+    void setHtmlMessage(int width);
+    void setDocumentWidth(int width);
     [[nodiscard]] QColor linkColour() const;
+
+    QString m_html; ///< As it came; null for a plain text.
 };

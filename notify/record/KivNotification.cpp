@@ -1,6 +1,7 @@
 #include "notify/record/KivNotification.h"
 
 #include "notify/record/FeedVocabulary.h"
+#include "notify/record/MessageText.h"
 #include "notify/record/UndefinedKeyException.h"
 #include "platform/data/StringValues.h"
 #include "platform/data/UtcTime.h"
@@ -20,30 +21,6 @@ namespace
 /// By messageType.
 constexpr std::array titles = {QLatin1String("New update"), QLatin1String("Information"), QLatin1String("Read news"),
                                QLatin1String("Warning")};
-
-/// Of a text, as UTF-8: more than anybody reads in a pop-up, and so little that a thousand of them can be kept.
-constexpr qsizetype maxTextBytes = qsizetype{64} * 1024;
-
-/// The first characters of a text that take no more than `maxBytes` bytes of UTF-8.
-QString firstOf(const QString &text, qsizetype maxBytes)
-{
-    constexpr qsizetype maxBytesOfAUnit = 3; // A pair of surrogates takes four.
-    if (text.size() <= maxBytes / maxBytesOfAUnit) {
-        return text;
-    }
-    qsizetype bytes = 0;
-    qsizetype end = 0;
-    while (end < text.size()) {
-        const char16_t unit = text[end].unicode();
-        const bool isPair = QChar::isHighSurrogate(unit) && end + 1 < text.size();
-        bytes += isPair ? 4 : unit < 0x80 ? 1 : unit < 0x800 ? 2 : maxBytesOfAUnit;
-        if (bytes > maxBytes) {
-            return text.first(end);
-        }
-        end += isPair ? 2 : 1;
-    }
-    return text;
-}
 
 bool isLength(const QString &key)
 {
@@ -219,7 +196,7 @@ void KivNotification::setMessageType(std::int32_t messageType)
 
 void KivNotification::setMessageText(const QString &messageText)
 {
-    m_messageText = firstOf(messageText, maxTextBytes);
+    m_messageText = shortenedText(messageText, isHtml(messageText) ? maxHtmlBytes : maxTextBytes);
     if (m_contentHeight == 0 && !m_messageText.isEmpty()) {
         m_contentHeight = getTextHeight(m_messageText);
     }

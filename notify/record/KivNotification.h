@@ -144,7 +144,7 @@ public:
 
     /// Plain text, or HTML when it begins with "<".
     [[nodiscard]] const QString &messageText() const noexcept { return m_messageText; }
-    /// Keeps the first 64 kB of the text, and measures them when there are any and the height is 0.
+    /// Keeps what may be shown of it (notify/record/MessageText.h); measures that, if any, when the height is 0.
     void setMessageText(const QString &messageText);
 
     /// Whether it has been on screen since the agent took it in.

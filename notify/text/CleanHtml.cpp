@@ -7,6 +7,7 @@
 #include "notify/text/HtmlText.h"
 #include "notify/text/HtmlThinning.h"
 #include "notify/text/HtmlTree.h"
+#include "notify/text/OpenableLink.h"
 #include "notify/text/ReadableColours.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ public:
         HtmlSurroundings around;
         around.text = ground.text;
         around.background = ground.background;
-        writeChildren(body, around);
+        writeChildren(body, around.within(htmlStyle(body, around.size)));
     }
 
     [[nodiscard]] const QString &html() const { return m_out.html(); }
@@ -46,16 +47,20 @@ private:
         HtmlNode::forEachChild(element, [&](const GumboNode &child) { writeNode(child, around); });
     }
 
-    void writeNode(const GumboNode &node, const HtmlSurroundings &around)
+    void writeNode(const GumboNode &node, const HtmlSurroundings &outside)
     {
+        if (m_out.isCut()) {
+            return; // Else empty paragraphs would come behind the ellipsis.
+        }
         if (!HtmlNode::isElement(node)) {
-            writeText(HtmlNode::text(node), around);
+            writeText(HtmlNode::text(node), outside);
             return;
         }
-        const HtmlStyle style = htmlStyle(node, around.size);
+        const HtmlStyle style = htmlStyle(node, outside.size);
         if (style.isHidden) {
             return;
         }
+        const HtmlSurroundings around = outside.within(style);
         switch (node.v.element.tag) {
         case GUMBO_TAG_BR:
             m_out.writeLineBreak();
@@ -84,6 +89,9 @@ private:
 
     void writeText(const QString &text, const HtmlSurroundings &around)
     {
+        if (around.isSizeless) {
+            return;
+        }
         m_out.writeText(text, around.isPreformatted ? HtmlText::Blanks::Kept : HtmlText::Blanks::Folded,
                         around.tables > 0 ? HtmlText::Words::InTable : HtmlText::Words::Usual);
     }
@@ -142,7 +150,7 @@ private:
     void writeLink(const GumboNode &node, const HtmlStyle &style, const HtmlSurroundings &around)
     {
         const QString address = HtmlNode::attribute(node, "href").trimmed();
-        if (address.isEmpty() || around.isLink) {
+        if (around.isLink || !isOpenableLink(QUrl(address))) {
             writeSpan(node, style, around);
             return;
         }
@@ -245,7 +253,7 @@ private:
         within.lists += isOpen ? 1 : 0;
         HtmlNode::forEachChild(node, [&](const GumboNode &child) {
             const bool isEntry = HtmlNode::isElement(child) && child.v.element.tag == GUMBO_TAG_LI;
-            if (isOpen && isEntry && hasContent(child) && open(QStringLiteral("li"))) {
+            if (isOpen && isEntry && !m_out.isCut() && hasContent(child) && open(QStringLiteral("li"))) {
                 writeChildren(child, within);
                 closeBlock(QStringLiteral("li"));
             } else {
@@ -309,8 +317,8 @@ private:
             HtmlTable::forEachCell(row, [&](const GumboNode &cell) {
                 HtmlStyle style = htmlStyle(cell, around.size);
                 style.background = style.background.isValid() ? style.background : ground;
-                if (!style.isHidden) {
-                    writeBlock(cell, style, around);
+                if (!style.isHidden && !m_out.isCut()) {
+                    writeBlock(cell, style, around.within(style));
                 }
             });
         });
@@ -335,7 +343,7 @@ private:
         }
         ++within.tables;
         HtmlTable::forEachRow(table, [&](const GumboNode &row) {
-            if (hasContent(row)) {
+            if (!m_out.isCut() && hasContent(row)) {
                 writeRow(row, within);
             }
         });
@@ -359,7 +367,7 @@ private:
                            u'>');
             m_out.endWord();
             if (!style.isHidden) {
-                writeChildren(cell, within);
+                writeChildren(cell, within.within(style));
             }
             m_out.writeTag(QStringLiteral("</td>"));
             m_out.endWord();

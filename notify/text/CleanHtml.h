@@ -17,10 +17,11 @@ enum class HtmlTables {
 /// HTML from outside, written anew for Qt: tidy, and only with what it shows within a moment and without a look at
 /// anything else. The source is read as the standard has it, so that it can be as untidy as HTML is. Kept are text,
 /// line breaks and paragraphs, headings, emphasis, fonts, colours that can be read on `ground`, lists, quotations,
-/// links and tables that are more than a frame around the text; an image becomes its alternative text. Everything else
-/// falls away, and its text stays, unless it is hidden.
+/// links that can be opened and tables that are more than a frame around the text; an image becomes its alternative
+/// text. Everything else falls away, and its text stays, unless it is hidden.
 ///
-/// At most 64 kB of text come out, 2,000 elements, 60 of them within one another, tables 4 deep and lists 4, 150 cells
-/// with all that they span, 6 families of fonts, 2,500 lines and 5,000 changes of script; in words without an end there
-/// are places where they may be broken. Takes time in proportion to the text. Reentrant.
+/// Of the text no more than maxTextBytes (notify/record/MessageText.h) and 5,000 changes of script come out, and then
+/// an ellipsis; at most 2,000 elements, 60 of them within one another, tables 4 deep and lists 4, 150 cells with all
+/// that they span, 6 families of fonts and 2,500 lines. In words without an end there are places where they may be
+/// broken. Takes time in proportion to the text. Reentrant.
 [[nodiscard]] QString cleanHtml(const QString &html, const HtmlGround &ground, HtmlTables tables);

@@ -69,6 +69,13 @@ int cssSize(const QString &text, int size)
     return bounded(unit == u"%" ? number * size / 100 : number);
 }
 
+/// "0", "0px", "0.0em".
+bool isZero(const QString &value)
+{
+    const auto isOtherDigit = [](QChar c) { return c >= u'1' && c <= u'9'; };
+    return value.startsWith(u'0') && std::ranges::none_of(value, isOtherDigit);
+}
+
 QString harmlessFamily(QString text)
 {
     static const QRegularExpression harmful(QStringLiteral("[^A-Za-z0-9 ,-]"));
@@ -116,8 +123,8 @@ void apply(const QString &property, const QString &value, int size, HtmlStyle &s
         const QColor colour = value.contains(u"rgb") ? QColor(Qt::gray) : colourAmong(value);
         style.border = isNone ? QColor() : (colour.isValid() ? colour : QColor(Qt::gray));
     } else if (property == u"font-size") {
-        style.size = cssSize(value, size);
-        style.isHidden = style.isHidden || value == u"0" || value == u"0px";
+        style.isSizeless = isZero(value);
+        style.size = style.isSizeless ? 0 : cssSize(value, size);
     } else if (property == u"font-family") {
         style.family = harmlessFamily(value);
     } else if (property == u"font-weight") {
@@ -135,6 +142,8 @@ void apply(const QString &property, const QString &value, int size, HtmlStyle &s
         style.widthPercent = percent(value);
     } else if (property == u"display" || property == u"visibility" || property == u"mso-hide") {
         style.isHidden = style.isHidden || value == u"none" || value == u"hidden" || value == u"all";
+    } else if (property == u"opacity" || property == u"max-height") {
+        style.isHidden = style.isHidden || isZero(value);
     }
 }
 

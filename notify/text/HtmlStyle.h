@@ -22,6 +22,10 @@ struct HtmlStyle final {
     QString direction;    ///< "ltr", "rtl"; empty for none.
     int widthPercent = 0; ///< 1 to 100; 0 for none, and for one in pixels.
     bool isHidden = false;
+    bool isSizeless = false; ///< Nothing in it is seen but elements with a size of their own.
+
+    /// The same of what is within it, when it is itself in something with or without size.
+    [[nodiscard]] bool isSizelessWithin(bool isOutside) const { return isSizeless || (isOutside && size == 0); }
 };
 
 /// That of an element within text of `size` pixels. Reentrant.

@@ -16,6 +16,15 @@ struct HtmlSurroundings final {
     int quotes = 0;
     bool isPreformatted = false;
     bool isLink = false;
+    bool isSizeless = false; ///< Its text is not seen.
+
+    /// The same in an element of that style, as far as it is seen there.
+    [[nodiscard]] HtmlSurroundings within(const HtmlStyle &style) const
+    {
+        HtmlSurroundings inside = *this;
+        inside.isSizeless = style.isSizelessWithin(isSizeless);
+        return inside;
+    }
 };
 
 /// Writes what an element asks for as attributes of tidy HTML. Reentrant.

@@ -1,5 +1,7 @@
 #include "notify/text/HtmlText.h"
 
+#include "notify/record/MessageText.h"
+
 namespace
 {
 
@@ -28,6 +30,11 @@ char32_t characterAt(const QString &text, qsizetype i)
 {
     const bool isPair = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
     return isPair ? QChar::surrogateToUcs4(text[i], text[i + 1]) : text[i].unicode();
+}
+
+int bytesOf(char32_t c)
+{
+    return c < 0x80 ? 1 : c < 0x800 ? 2 : QChar::requiresSurrogates(c) ? 4 : 3;
 }
 
 qsizetype charactersOf(char32_t c)
@@ -66,6 +73,9 @@ QString HtmlText::attributeValue(const QString &text)
 
 void HtmlText::writeLineBreak()
 {
+    if (m_isCut) {
+        return;
+    }
     const bool isThereRoom = m_lines < maxLines;
     m_lines += isThereRoom ? 1 : 0;
     m_html += isThereRoom ? QStringLiteral("<br/>") : QStringLiteral(" ");
@@ -82,8 +92,12 @@ void HtmlText::endWord()
 void HtmlText::writeBlank(char32_t c, Blanks blanks)
 {
     endWord();
+    const bool isNothing = blanks == Blanks::Folded && m_html.endsWith(u' ');
+    if (isNothing || !takeBytes(1)) {
+        return;
+    }
     if (blanks == Blanks::Folded) {
-        m_html += m_html.endsWith(u' ') ? QString() : QStringLiteral(" ");
+        m_html += u' ';
     } else if (c == U'\n') {
         writeLineBreak();
     } else {
@@ -95,15 +109,14 @@ void HtmlText::writeCharacter(char32_t c, int maxWord)
 {
     const bool isMark = QChar::isMark(c) || QChar::category(c) == QChar::Other_Format;
     m_marks = isMark ? m_marks + 1 : 0;
-    if (m_marks > maxMarks || m_isCut) {
+    if (m_marks > maxMarks || !takeBytes(bytesOf(c))) {
         return;
     }
     if (m_scriptRuns.add(c)) {
         ++m_scriptRunsInWord;
     }
     if (m_scriptRuns.count() > maxScriptRuns) {
-        m_isCut = true;
-        m_html += QChar(u'\u2026');
+        cut();
         return;
     }
     if (!isMark && (++m_word > maxWord || m_scriptRunsInWord > maxScriptRunsInWord)) {
@@ -127,4 +140,22 @@ void HtmlText::writeCharacter(char32_t c, int maxWord)
     default:
         m_html += QStringView(QChar::fromUcs4(c));
     }
+}
+
+bool HtmlText::takeBytes(int bytes)
+{
+    if (m_isCut) {
+        return false;
+    }
+    m_bytes += bytes;
+    if (m_bytes > maxTextBytes) {
+        cut();
+    }
+    return !m_isCut;
+}
+
+void HtmlText::cut()
+{
+    m_isCut = true;
+    m_html += QChar(u'\u2026');
 }

@@ -27,13 +27,19 @@ public:
     [[nodiscard]] static QString attributeValue(const QString &text);
 
     [[nodiscard]] const QString &html() const { return m_html; }
+    /// Whether it has ended with an ellipsis: no text is written any more.
+    [[nodiscard]] bool isCut() const { return m_isCut; }
 
 private:
     void writeBlank(char32_t c, Blanks blanks);
     void writeCharacter(char32_t c, int maxWord);
+    /// False when that would be too much text; it is cut then.
+    [[nodiscard]] bool takeBytes(int bytes);
+    void cut();
 
     QString m_html;
     ScriptRuns m_scriptRuns;
+    qsizetype m_bytes = 0; ///< Of text.
     int m_lines = 0;
     int m_word = 0; ///< Characters since the last place where a line can be broken.
     int m_scriptRunsInWord = 0;

@@ -1,5 +1,6 @@
 #include "notify/text/HtmlThinning.h"
 
+#include "notify/record/MessageText.h"
 #include "notify/text/HtmlTokens.h"
 
 #include <QHash>
@@ -12,7 +13,6 @@
 namespace
 {
 
-constexpr qsizetype maxHtmlBytes = 65'536;
 constexpr int maxTags = 3000;
 constexpr int maxDepth = 150;
 constexpr int maxOpenFormats = 24;
@@ -57,7 +57,9 @@ const QHash<QString, Element> &elements()
         }
         result.insert(QStringLiteral("menu"), {"ul", Kind::Block});
         result.insert(QStringLiteral("dir"), {"ul", Kind::Block});
-        result.insert(QStringLiteral("listing"), {"pre", Kind::Block});
+        for (const char *name : {"listing", "xmp", "plaintext"}) {
+            result.insert(QString::fromLatin1(name), {"pre", Kind::Block});
+        }
         result.insert(QStringLiteral("image"), {"img", Kind::Void});
         return result;
     }();
@@ -92,8 +94,8 @@ public:
     {
         while (std::optional<HtmlToken> token = m_tokens.next()) {
             const bool isText = token->kind == HtmlToken::Kind::Text;
-            if (!append(isText ? textOf(token->text) : tagOf(*token))) {
-                m_result += isText ? beginningOf(token->text, maxHtmlBytes - m_result.size()) : QByteArray();
+            if (!append(isText ? textOf(*token, token->text) : tagOf(*token))) {
+                m_result += isText ? beginningOf(*token, maxHtmlBytes - m_result.size()) : QByteArray();
                 m_result += "\xe2\x80\xa6";
                 break;
             }
@@ -111,13 +113,22 @@ private:
         return true;
     }
 
-    static QByteArray textOf(QStringView text) { return text.toUtf8().replace('<', "&lt;"); }
-
-    /// As much of a text as takes no more bytes than that.
-    static QByteArray beginningOf(QStringView text, qsizetype bytes)
+    /// A piece of the token's text, for a reader that takes nothing raw.
+    static QByteArray textOf(const HtmlToken &token, QStringView piece)
     {
+        QByteArray text = piece.toUtf8();
+        if (token.isRaw) {
+            text.replace('&', "&amp;");
+        }
+        return text.replace('<', "&lt;");
+    }
+
+    /// As much of its text as takes no more bytes than that.
+    static QByteArray beginningOf(const HtmlToken &token, qsizetype bytes)
+    {
+        const QStringView text = token.text;
         qsizetype length = std::min(text.size(), bytes);
-        while (textOf(text.first(length)).size() > bytes) {
+        while (textOf(token, text.first(length)).size() > bytes) {
             length = length * 3 / 4;
         }
         // Half a reference to a character would be read as a text or as another one.
@@ -126,7 +137,7 @@ private:
         if (reference >= length - maxReference && reference >= 0 && text.first(length).indexOf(u';', reference) < 0) {
             length = reference;
         }
-        return textOf(text.first(length));
+        return textOf(token, text.first(length));
     }
 
     QByteArray tagOf(const HtmlToken &token)

@@ -8,6 +8,6 @@
 /// milliseconds. (It opens anew what was left open, within each paragraph that follows: that takes the square of the
 /// length.) All other tags fall away, and their texts stay.
 ///
-/// At most 64 kB come out, and 3,000 tags, 150 of them within one another; where a text is cut, an ellipsis stands.
+/// At most 256 kB come out, and 3,000 tags, 150 of them within one another; where a text is cut, an ellipsis stands.
 /// Takes time in proportion to the text. Reentrant.
 [[nodiscard]] QByteArray thinnedHtml(const QString &html);

@@ -23,7 +23,13 @@ bool hasUnreadText(QStringView name)
 /// The same with a text that is shown.
 bool hasRawText(QStringView name)
 {
-    return name == u"xmp";
+    return isOneOf(name, {u"xmp", u"plaintext"});
+}
+
+/// Of which not even that is a tag.
+bool hasNoEnd(QStringView name)
+{
+    return name == u"plaintext";
 }
 
 bool isLetter(QChar c)
@@ -49,7 +55,8 @@ std::optional<HtmlToken> HtmlTokens::next()
         if (const QString element = std::exchange(m_raw, QString()); !element.isEmpty()) {
             const QStringView text = readRaw(element);
             if (hasRawText(element) && !text.isEmpty()) {
-                return HtmlToken{.kind = HtmlToken::Kind::Text, .text = text, .name = {}, .attributes = {}};
+                return HtmlToken{
+                    .kind = HtmlToken::Kind::Text, .text = text, .isRaw = true, .name = {}, .attributes = {}};
             }
             continue;
         }
@@ -67,8 +74,11 @@ std::optional<HtmlToken> HtmlTokens::next()
         do {
             ++m_at;
         } while (m_at < m_html.size() && !(m_html[m_at] == u'<' && isAtTag()));
-        return HtmlToken{
-            .kind = HtmlToken::Kind::Text, .text = m_html.sliced(start, m_at - start), .name = {}, .attributes = {}};
+        return HtmlToken{.kind = HtmlToken::Kind::Text,
+                         .text = m_html.sliced(start, m_at - start),
+                         .isRaw = false,
+                         .name = {},
+                         .attributes = {}};
     }
     return std::nullopt;
 }
@@ -193,7 +203,7 @@ QStringView HtmlTokens::readRaw(const QString &element)
     const qsizetype start = m_at;
     const QString end = QStringLiteral("</") + element;
     for (qsizetype from = start;;) {
-        const qsizetype found = m_html.indexOf(end, from, Qt::CaseInsensitive);
+        const qsizetype found = hasNoEnd(element) ? -1 : m_html.indexOf(end, from, Qt::CaseInsensitive);
         if (found < 0) {
             m_at = m_html.size();
             return m_html.sliced(start);

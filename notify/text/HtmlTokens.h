@@ -17,8 +17,9 @@ struct HtmlToken final {
     };
 
     Kind kind = Kind::Text;
-    QStringView text; ///< Of a text: as it was written.
-    QString name;     ///< Of a tag, in small letters.
+    QStringView text;   ///< Of a text: as it was written.
+    bool isRaw = false; ///< Of a text: there are no references to characters in it.
+    QString name;       ///< Of a tag, in small letters.
     QList<Attribute> attributes;
 };
 
@@ -43,7 +44,7 @@ private:
     [[nodiscard]] std::optional<HtmlToken> tag();
     [[nodiscard]] bool readAttribute(HtmlToken &token);
     [[nodiscard]] QStringView readValue();
-    /// Up to the end tag of the element, before which nothing is a tag.
+    /// Up to the end tag of the element, before which nothing is a tag, if it has one.
     [[nodiscard]] QStringView readRaw(const QString &element);
 
     QStringView m_html;

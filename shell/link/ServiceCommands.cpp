@@ -2,6 +2,7 @@
 
 #include "notify/queue/KivNotificationManager.h"
 #include "notify/record/KivNotification.h"
+#include "notify/record/MessageText.h"
 #include "platform/LogCategories.h"
 #include "platform/data/StringValues.h"
 #include "shell/ProcessState.h"
@@ -113,8 +114,9 @@ try {
     }
     qCDebug(linkLog) << "hint of" << text->size() << "bytes";
     const auto record = std::make_shared<KivNotification>();
+    // No more than can be read, even of HTML: a hundred hints may wait.
     // The height last: setting the text has set the height that it needs.
-    record->setMessageText(StringValues::fromUtf8(*text));
+    record->setMessageText(shortenedText(StringValues::fromUtf8(*text), maxTextBytes));
     record->setContentWidth(370);
     record->setContentHeight(55);
     return KivNotificationManager::sharedInstance().showNotificationInstantly(record) ? noErr : errAEEventFailed;

@@ -12,8 +12,7 @@ CFTypeRef newValue(const QJsonValue &value)
         return value.toBool() ? kCFBooleanTrue : kCFBooleanFalse;
     }
     if (value.isString()) {
-        return CFStringCreateWithCString(kCFAllocatorDefault, value.toString().toUtf8().constData(),
-                                         kCFStringEncodingUTF8);
+        return __CFStringMakeConstantString(value.toString().toUtf8().constData());
     }
     const std::int32_t number = value.toInt();
     return CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt32Type, &number);
@@ -24,8 +23,7 @@ CFTypeRef newMode(const QJsonObject &mode)
     std::vector<const void *> keys;
     std::vector<const void *> values;
     for (auto it = mode.begin(); it != mode.end(); ++it) {
-        keys.push_back(
-            CFStringCreateWithCString(kCFAllocatorDefault, it.key().toUtf8().constData(), kCFStringEncodingUTF8));
+        keys.push_back(__CFStringMakeConstantString(it.key().toUtf8().constData()));
         values.push_back(newValue(it.value()));
     }
     const CFDictionaryRef dictionary =

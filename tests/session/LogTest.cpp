@@ -72,7 +72,7 @@ TEST_F(Log, TellsEachDecisionWhenAsked)
         QStringLiteral("kiv\\.item: the tray has taken the item in"),
         QStringLiteral("kiv\\.item: opens the menu at \\(\\d+, \\d+\\), pressed at .*; the item's place is known"),
         QStringLiteral("kiv\\.link: on the session bus at \".*\" as \":1\\.\\d+\""),
-        QStringLiteral("kiv\\.link: takes events as \"com\\.tamborel\\.kivune\\.p%1\"").arg(agent->pid()),
+        QStringLiteral("kiv\\.link: receives events as \"com\\.tamborel\\.kivune\\.p%1\"").arg(agent->pid()),
         QStringLiteral("kiv\\.link: process \\d+ owns this agent now; before it was process 0"),
         QStringLiteral("kiv\\.link: refused meso of process %1: process \\d+ owns this agent").arg(::getpid()),
         QStringLiteral("kiv\\.link: commands allowed: QList\\(32793\\)"),

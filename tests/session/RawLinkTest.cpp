@@ -1,8 +1,10 @@
 #include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/MessageCache.h"
 #include "tests/session/support/RawCommand.h"
 #include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QDBusConnectionInterface>
 #include <QFile>
 
 #include <gtest/gtest.h>
@@ -31,6 +33,14 @@ protected:
         peer.emplace(desktop.bus());
     }
 
+    static RawParameter hintSize(const QByteArray &text)
+    {
+        return {QStringLiteral("mphs"), QStringLiteral("magn"), bytesOf(static_cast<std::uint32_t>(text.size()))};
+    }
+    static RawParameter hintText(const QByteArray &text)
+    {
+        return {QStringLiteral("mpht"), QStringLiteral("ptxt"), text};
+    }
     static RawParameter count(std::uint32_t value)
     {
         return {QStringLiteral("mpan"), QStringLiteral("magn"), bytesOf(value)};
@@ -89,6 +99,38 @@ TEST_F(RawLink, ObeysTheLastOneThatClaimedIt)
     EXPECT_TRUE(itemStays());
     EXPECT_EQ(send({command("meso"), sender(self), flags(0)}), 0);
     EXPECT_TRUE(itemGoes());
+}
+
+TEST_F(RawLink, HandlesAHundredCommandsOfItsOwnerBeforeAnotherProcessTakesOver)
+{
+    EXPECT_EQ(claim(self), 0);
+    ::kill(static_cast<pid_t>(agent->pid()), SIGSTOP); // So that all of it waits at once.
+    std::vector<std::string> waiting;
+    for (int i = 0; i < 100; ++i) {
+        const QByteArray text = QByteArray::number(i);
+        ASSERT_TRUE(peer->connection().send(
+            event(agent->pid(), {command("medh"), sender(self), hintSize(text), hintText(text)})));
+        if (i > 0) { // The first is shown.
+            waiting.push_back(text.toStdString());
+        }
+    }
+    static_cast<void>(peer->connection().interface()->isServiceRegistered(agentName(agent->pid()))); // They are sent.
+    Service service(desktop);
+    const bool attached = service.attach(*agent);
+    ::kill(static_cast<pid_t>(agent->pid()), SIGCONT);
+    ASSERT_TRUE(attached);
+
+    service.send("flags 0");
+    EXPECT_TRUE(itemGoes()) << "the new owner is obeyed";
+    const QList<XWindow> popUps = agent->freeWindows();
+    ASSERT_EQ(popUps.size(), 1);
+    // What waits goes to the file as the one before it is closed.
+    const QRect popUp = popUps.first().geometry;
+    desktop.input().click({popUp.center().x(), popUp.bottom() - 25});
+    const MessageCache cache(desktop.environment().value(QStringLiteral("HOME")));
+    EXPECT_TRUE(waitUntil([&] { return cache.texts() == waiting; })) << cache.texts().size();
+    EXPECT_EQ(send({command("meso"), sender(self), flags(2)}), 0);
+    EXPECT_FALSE(agent->dockedItem()) << "and the old one no more";
 }
 
 TEST_F(RawLink, IgnoresAnEventThatNamesAnotherRunningProcessAsItsSender)

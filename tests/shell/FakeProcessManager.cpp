@@ -62,11 +62,7 @@ CFDictionaryRef ProcessInformationCopyDictionary(const ProcessSerialNumber *psn,
         return CFDictionaryCreate(kCFAllocatorDefault, nullptr, nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
                                   &kCFTypeDictionaryValueCallBacks);
     }
-    const CFStringRef identifier =
-        CFStringCreateWithCString(kCFAllocatorDefault, process->identifier->c_str(), kCFStringEncodingUTF8);
-    const void *value = identifier;
-    const CFDictionaryRef dictionary = CFDictionaryCreate(
-        kCFAllocatorDefault, &key, &value, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
-    CFRelease(identifier);
-    return dictionary;
+    const void *value = __CFStringMakeConstantString(process->identifier->c_str());
+    return CFDictionaryCreate(kCFAllocatorDefault, &key, &value, 1, &kCFTypeDictionaryKeyCallBacks,
+                              &kCFTypeDictionaryValueCallBacks);
 }

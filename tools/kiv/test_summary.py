@@ -3,7 +3,8 @@
 test_summary.py FILE [AGAIN]        says how many tests passed, failed and were skipped. AGAIN, which need not be there,
                                     is about the programs that failed in FILE, which have been run once more.
                                     Before that it names those of our cures for others' bugs that the tests found to be
-                                    of no use any more.
+                                    of no use any more. It fails when one has failed of which ctest knows nothing: a
+                                    program that ended with status 0 before its last test.
 test_summary.py --few-failures FILE succeeds when so few programs failed that to run them once more is worth the time.
 """
 
@@ -16,6 +17,8 @@ import xml.etree.ElementTree
 OUTCOME = re.compile(r"\[ +(OK|FAILED|SKIPPED) +\] (\S+?)(?:, where .*)? \(\d+ ms\)$")
 GONE = re.compile(r"workaround (\w+): no longer needed (with .*)$")
 REASON = re.compile(r": Skipped$")
+FIRST = re.compile(r"\[=+\] Running \d+ tests? ", re.MULTILINE)
+LAST = re.compile(r"\[=+\] \d+ tests? .* ran\.", re.MULTILINE)
 FEW = 3
 
 
@@ -25,17 +28,21 @@ class Summary:
         self.passed_again = []  # names of those that failed at first
         self.failed = []  # names
         self.reasons = collections.Counter()  # of skipped tests
+        self.broken_off = []  # names of programs
         self.gone = {}  # what workarounds are no longer needed with, by their names
 
     def add_program(self, case):
         name = case.get("name")
         status = case.get("status")
         skipped = case.find("skipped")
-        seen = self.add_lines(case.findtext("system-out") or "")
+        output = case.findtext("system-out") or ""
+        seen = self.add_lines(output)
         if status == "disabled":
             self.reasons["disabled"] += 1
         elif status == "notrun" and skipped is not None and skipped.get("message", "").startswith("SKIP_"):
             self.reasons[f"{name} says so"] += 1
+        elif status == "run" and FIRST.search(output) and not LAST.search(output):
+            self.broken_off.append(name)
         elif status == "run" and not seen:
             self.passed += 1
         elif status != "run" and "FAILED" not in seen:
@@ -70,6 +77,7 @@ class Summary:
     def add_second_run(self, again):
         """Takes up what became of the programs that had failed. A test counts as passed in either run."""
         self.gone |= again.gone
+        self.broken_off += again.broken_off
         if not set(again.failed) <= set(self.failed):
             self.failed = list(dict.fromkeys(self.failed + again.failed))
             return
@@ -78,7 +86,7 @@ class Summary:
         self.passed += len(self.passed_again)
 
     def line(self):
-        text = f"{self.passed} passed, {len(self.failed)} failed"
+        text = f"{self.passed} passed, {len(self.failed) + len(self.broken_off)} failed"
         if self.reasons:
             text += f", {self.reasons.total()} skipped ("
             text += "; ".join(f"{count}: {reason}" for reason, count in self.reasons.most_common()) + ")"
@@ -107,10 +115,12 @@ def main():
     print()
     for name in summary.failed:
         print(f"failed: {name}")
+    for name in summary.broken_off:
+        print(f"ended before its last test, with status 0: {name}")
     for workaround, version in summary.gone.items():
         print(f"workaround no longer needed: {workaround} {version}")
     print(summary.line())
-    return True
+    return not summary.broken_off
 
 
 if __name__ == "__main__":

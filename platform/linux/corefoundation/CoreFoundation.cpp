@@ -1,5 +1,4 @@
 #include <Carbon/CoreFoundation.h>
-#include <QStringDecoder>
 
 #include <atomic>
 #include <cstring>
@@ -76,8 +75,8 @@ bool isKind(CFTypeRef object, Kind kind)
 } // namespace
 
 struct __CFString final : Object {
-    explicit __CFString(std::string value, Lifetime lifetime = Lifetime::Counted)
-        : Object(Kind::String, lifetime)
+    explicit __CFString(std::string value)
+        : Object(Kind::String, Lifetime::Constant)
         , text(std::move(value))
     {
     }
@@ -168,16 +167,6 @@ CFTypeID CFBooleanGetTypeID()
     return static_cast<CFTypeID>(Kind::Boolean);
 }
 
-CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char *text, CFStringEncoding encoding)
-{
-    if (!text || encoding != kCFStringEncodingUTF8) {
-        return nullptr;
-    }
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    static_cast<void>(QString(decoder(QByteArrayView(text))));
-    return decoder.hasError() ? nullptr : std::make_unique<__CFString>(text).release();
-}
-
 Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex capacity, CFStringEncoding encoding)
 {
     if (!isKind(string, Kind::String) || !buffer || encoding != kCFStringEncodingUTF8 ||
@@ -198,7 +187,7 @@ CFStringRef __CFStringMakeConstantString(const char *text)
     if (it != constants.end()) {
         return it->second.get();
     }
-    return constants.emplace(text, std::make_unique<const __CFString>(text, Lifetime::Constant)).first->second.get();
+    return constants.emplace(text, std::make_unique<const __CFString>(text)).first->second.get();
 }
 
 CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void *value)

@@ -115,9 +115,9 @@ void AppleEventTransport::registerOnBus()
     QDBusConnection connection = m_bus.connection();
     // The object first: who sees the name may call at once.
     if (!connection.registerVirtualObject(eventObjectPath(), this) || !m_bus.requestName(ownBusName())) {
-        qCWarning(linkLog, "cannot take events on the session bus: the service is not heard");
+        qCWarning(linkLog, "cannot receive events on the session bus: the service is not heard");
     } else {
-        qCDebug(linkLog) << "takes events as" << ownBusName();
+        qCDebug(linkLog) << "receives events as" << ownBusName();
     }
 }
 
@@ -130,18 +130,30 @@ void AppleEventTransport::unregisterFromBus()
     connection.unregisterObject(eventObjectPath());
 }
 
-OSErr AppleEventTransport::findTarget(SInt32 pid)
+OSErr AppleEventTransport::findReceiver(SInt32 pid, QString &uniqueName) const
 {
+    if (!isRunningProcess(pid)) {
+        return notSent(pid, procNotFound, "it does not run");
+    }
     // The bus accepts a message to an unowned name without a word, so it is asked first; and who holds the name of a
     // process that it is not gets nothing.
-    m_target.reset();
-    const QString uniqueName = m_bus.ownerOf(eventBusName(pid));
+    uniqueName = m_bus.ownerOf(eventBusName(pid));
     if (uniqueName.isEmpty()) {
-        return uniqueName.isNull() ? notSentAsTheBusIsSilent(pid) : notSent(pid, procNotFound, "it takes no events");
+        return uniqueName.isNull() ? notSentAsTheBusIsSilent(pid) : notSent(pid, procNotFound, "it receives no events");
     }
     const std::optional<qint64> owner = m_bus.processOf(uniqueName);
     if (owner != pid) {
         return owner ? notSent(pid, procNotFound, "another has its name on the bus") : notSentAsTheBusIsSilent(pid);
+    }
+    return noErr;
+}
+
+OSErr AppleEventTransport::findTarget(SInt32 pid)
+{
+    m_target.reset();
+    QString uniqueName;
+    if (const OSErr error = findReceiver(pid, uniqueName); error != noErr) {
+        return error;
     }
     m_target = Target{pid, uniqueName};
     return noErr;
@@ -172,11 +184,8 @@ OSErr AppleEventTransport::send(const AppleEventContents &event)
     // the event itself.
     if (isKnown) {
         if (const OSErr error = sendToTarget(*message); error != procNotFound) {
-            return error == noErr ? OSErr(noErr) : notSentAsTheBusIsSilent(*event.target);
+            return error == noErr ? error : notSentAsTheBusIsSilent(*event.target);
         }
-    }
-    if (!isRunningProcess(*event.target)) {
-        return notSent(*event.target, procNotFound, "it does not run");
     }
     if (const OSErr error = findTarget(*event.target); error != noErr) {
         return error;
@@ -191,36 +200,17 @@ OSErr AppleEventTransport::send(const AppleEventContents &event)
     }
 }
 
-OSErr AppleEventTransport::prepare(const AppleEventContents &event, QDBusMessage &message) const
-{
-    // Qt answers a blocking call to this process itself, for which it must see the connection's own name.
-    const bool isToItself =
-        m_reception == Reception::On && event.target == static_cast<SInt32>(QCoreApplication::applicationPid());
-    const std::optional<QDBusMessage> call =
-        messageOf(event, isToItself ? m_bus.connection().baseService() : QString());
-    const SInt32 target = event.target.value_or(0);
-    if (!call) {
-        return notSent(target, paramErr, "this event cannot be a message");
-    }
-    if (!isRunningProcess(target)) {
-        return notSent(target, procNotFound, "it does not run");
-    }
-    // The bus accepts a message to an unowned name without a word, so it is asked first; and who holds the name of a
-    // process that it is not gets nothing.
-    const std::optional<qint64> owner = m_bus.processOf(eventBusName(target));
-    if (owner != target) {
-        return owner ? notSent(target, procNotFound, "it takes no events") : notSentAsTheBusIsSilent(target);
-    }
-    message = *call;
-    return noErr;
-}
-
 OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chrono::milliseconds timeout) const
 {
-    QDBusMessage message;
-    if (const OSErr error = prepare(event, message); error != noErr) {
+    if (!messageOf(event)) {
+        return notSent(event.target.value_or(0), paramErr, "this event cannot be a message");
+    }
+    QString uniqueName;
+    if (const OSErr error = findReceiver(*event.target, uniqueName); error != noErr) {
         return error;
     }
+    // To the unique name also because Qt answers a blocking call to this process itself, and knows it by that.
+    const QDBusMessage message = *messageOf(event, uniqueName);
     return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(timeout.count())));
 }
 

@@ -56,7 +56,8 @@ private:
     void unregisterFromBus();
     [[nodiscard]] OSErr findTarget(SInt32 pid);
     [[nodiscard]] OSErr sendToTarget(const QDBusMessage &message);
-    [[nodiscard]] OSErr prepare(const AppleEventContents &event, QDBusMessage &message) const;
+    /// Asks the bus for the unique name under which a process receives events.
+    [[nodiscard]] OSErr findReceiver(SInt32 pid, QString &uniqueName) const;
     void receive(const QDBusMessage &message, const QDBusConnection &connection, std::optional<qint64> sender);
     [[nodiscard]] OSErr handle(AppleEventContents event);
     /// Describes the object to who asks for that, and refuses all else.

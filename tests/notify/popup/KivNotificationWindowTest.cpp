@@ -21,10 +21,13 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QTextBrowser>
+#include <QTextDocument>
+#include <QTextFrame>
 
 #include <gtest/gtest.h>
 #include <xcb/shape.h>
 
+#include <algorithm>
 #include <limits>
 #include <unistd.h>
 
@@ -33,6 +36,11 @@ namespace
 
 constexpr std::int32_t never = -1;
 constexpr NSPoint place = {800, 500};
+
+/// Addresses of links that name files, run something, or lead nowhere.
+constexpr const char *deadLinks[] = {"file:///etc/passwd", "/etc/passwd", "javascript:alert(1)",
+                                     "data:text/html,x",   "smb://a/b",   "ssh://a",
+                                     "about:blank",        "#here",       "FILE:///etc/passwd"};
 
 /// Keeps what the window tells.
 class Owner final : public NotificationWindowDelegate
@@ -354,20 +362,79 @@ TEST_F(KivNotificationWindowTest, OpensALinkAndClosesASecondLater)
 TEST_F(KivNotificationWindowTest, OpensNoFilesAndRunsNoScripts)
 {
     const QByteArrayList before = browser().opened();
-    for (const char *link : {"file:///etc/passwd", "/etc/passwd", "javascript:alert(1)", "data:text/html,x",
-                             "smb://a/b", "ssh://a", "about:blank", "#here", "FILE:///etc/passwd"}) {
-        record->setMessageRepeat(7);
+    show();
+    for (const char *link : deadLinks) {
+        Q_EMIT messageText()->anchorClicked(QUrl(QLatin1String(link))); // Which no text has.
+    }
+    EXPECT_TRUE(waitUntil([this] { return isGone(); }));
+    EXPECT_EQ(browser().opened(), before);
+}
+
+TEST_F(KivNotificationWindowTest, TakesALinkOfHtmlThatCannotBeOpenedForText)
+{
+    const auto linkAt = [this] {
+        return messageText()->anchorAt({window->fontMetrics().horizontalAdvance(QStringLiteral("Words and http")), 7});
+    };
+    for (const char *link : deadLinks) {
         record->setMessageText(QStringLiteral("<p>Words and <a href=\"%1\">httplink</a></p>").arg(QLatin1String(link)));
         show();
-        ASSERT_FALSE(messageText()
-                         ->anchorAt({window->fontMetrics().horizontalAdvance(QStringLiteral("Words and http")), 7})
-                         .isEmpty());
+        EXPECT_EQ(linkAt(), QString()) << link;
         clickLink();
-        EXPECT_TRUE(waitUntil([this] { return record->messageRepeat() == 0; })) << link;
-        window->close();
+        click("Remind Me Later");
         EXPECT_TRUE(waitUntil([this] { return isGone(); })) << link;
+        EXPECT_EQ(record->messageRepeat(), 7U) << "the click has ended the message: " << link;
     }
-    EXPECT_EQ(browser().opened(), before);
+    record->setMessageText(QStringLiteral("<p>Words and <a href=\"https://a.example\">httplink</a></p>"));
+    show();
+    EXPECT_EQ(linkAt(), QStringLiteral("https://a.example"));
+}
+
+TEST_F(KivNotificationWindowTest, ShowsAllOfATextOfSixtyFourKilobytesAndThenAnEllipsis)
+{
+    const QString words = QStringLiteral("word ").repeated(13'107) + QLatin1Char('x');
+    ASSERT_EQ(words.size(), 65'536);
+    for (const auto &[text, shown] : {std::pair(words, words), std::pair(words + u'y', words + u'\u2026')}) {
+        record->setMessageText(text);
+        show(never, {10, 10});
+        EXPECT_EQ(messageText()->toPlainText(), shown);
+        window->close();
+        ASSERT_TRUE(waitUntil([this] { return isGone(); }));
+    }
+}
+
+TEST_F(KivNotificationWindowTest, ShowsAllTheTextOfALongNewsletter)
+{
+    const QString paragraph = QStringLiteral("<p style=\"color: #333333; font-family: Arial, Helvetica, sans-serif; "
+                                             "margin: 0 0 16px 0; padding: 0\">%1 words</p>\n");
+    QString html;
+    for (int i = 1; i <= 1200; ++i) {
+        html += paragraph.arg(i);
+    }
+    ASSERT_GT(html.size(), 128 * 1024);
+    record->setMessageText(html);
+    show(never, {10, 10});
+    const QString text = messageText()->toPlainText();
+    EXPECT_EQ(text.count(QStringLiteral(" words")), 1200);
+    EXPECT_TRUE(text.trimmed().endsWith(QStringLiteral("1200 words"))) << text.right(40).toStdString();
+}
+
+TEST_F(KivNotificationWindowTest, ShowsATableAsParagraphsOnceItsScreenHasTooLittleRoom)
+{
+    record->setContentWidth(1000);
+    record->setMessageText(QStringLiteral("<table><tr>") +
+                           QStringLiteral("<td><ul><li><ul><li><ul><li>word</ul></ul></ul>").repeated(5) +
+                           QStringLiteral("</table>"));
+    show(never, {0, 0});
+    const auto hasTable = [this] { return !messageText()->document()->rootFrame()->childFrames().isEmpty(); };
+    EXPECT_TRUE(hasTable());
+    for (const char *size : {"640x480", "1280x800"}) {
+        owner.moves = 0;
+        setScreenSize(size);
+        ASSERT_TRUE(waitUntil([this] { return owner.moves > 0; })) << size;
+        EXPECT_EQ(hasTable(), QLatin1String(size) == QLatin1String("1280x800"));
+        EXPECT_LE(messageText()->document()->size().width(), messageText()->viewport()->width()) << size;
+        EXPECT_EQ(messageText()->toPlainText().count(QStringLiteral("word")), 5);
+    }
 }
 
 TEST_F(KivNotificationWindowTest, ClosesOnceThoughALinkWasClickedBefore)
@@ -670,6 +737,17 @@ TEST_F(KivNotificationWindowTest, LetsTheRestOfALongTextBeScrolledTo)
     constexpr std::uint8_t wheelDown = 5;
     FakeInput::click(onScreen(*messageText()).center(), wheelDown);
     EXPECT_TRUE(waitUntil([bar] { return bar->value() > 0; }));
+}
+
+TEST_F(KivNotificationWindowTest, ShowsTheTitleOfItsTypeInBold)
+{
+    show();
+    const QList<QLabel *> labels = window->findChildren<QLabel *>();
+    const auto title = std::ranges::find(labels, QStringLiteral("Warning"), &QLabel::text);
+    ASSERT_NE(title, labels.end());
+    EXPECT_EQ((*title)->font().weight(), QFont::Bold);
+    EXPECT_EQ((*title)->font().pixelSize(), 12);
+    EXPECT_EQ(messageText()->font().weight(), QFont::Normal);
 }
 
 TEST_F(KivNotificationWindowTest, ShowsNoTitleWhereThereIsNone)

@@ -167,6 +167,24 @@ TEST_F(KivTextViewTest, DissolvesATableThatIsWiderThanItsText)
     EXPECT_TRUE(view.document()->rootFrame()->childFrames().size() == 1) << "a table that fits stays one";
 }
 
+TEST_F(KivTextViewTest, JudgesATableAnewAtAnotherWidth)
+{
+    // Lists are moved in, and nothing makes them narrower.
+    const QString html = QStringLiteral("<table><tr>") + QStringLiteral("<td><ul><li><ul><li>a</ul></ul>").repeated(3);
+    const auto hasTable = [this] { return view.document()->rootFrame()->childFrames().size() == 1; };
+    view.setMessage(html, width);
+    EXPECT_TRUE(hasTable());
+    view.setTextWidth(200);
+    EXPECT_FALSE(hasTable());
+    EXPECT_LE(view.document()->size().width(), 200);
+    EXPECT_EQ(view.toPlainText().count(u'a'), 3);
+    view.setTextWidth(width);
+    EXPECT_TRUE(hasTable()) << "there is room again";
+    view.setMessage(QStringLiteral("plain"), width);
+    view.setTextWidth(200);
+    EXPECT_EQ(view.toPlainText(), QStringLiteral("plain")) << "of the text before nothing is left";
+}
+
 TEST_F(KivTextViewTest, MeasuresItsText)
 {
     view.setMessage(QStringLiteral("x"), width);

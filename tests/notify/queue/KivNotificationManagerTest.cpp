@@ -29,6 +29,7 @@
 #include <gtest/gtest.h>
 
 #include <future>
+#include <limits>
 #include <optional>
 #include <sys/stat.h>
 
@@ -597,6 +598,29 @@ TEST_F(KivNotificationManagerTest, ChecksEveryQuarterOfAnHourUnlessToldOtherwise
     EXPECT_FALSE(timer->isSingleShot());
     EXPECT_EQ(timer->intervalAsDuration(), 900s);
     EXPECT_EQ(timer->timerType(), Qt::PreciseTimer) << "any other may be early";
+}
+
+TEST_F(KivNotificationManagerTest, HasATickNeverEarlyAndAtMostAHundredthLate)
+{
+    setPreferences(0, 0);
+    start();
+    // A timer that may be early keeps to whole seconds, so that it is early when begun at another moment of a second.
+    qint64 soonest = std::numeric_limits<qint64>::max();
+    qint64 latest = 0;
+    QElapsedTimer aSecond;
+    aSecond.start();
+    EXPECT_TRUE(waitUntil([&] {
+        QElapsedTimer sinceStart;
+        sinceStart.start();
+        manager->startCheckTimer();
+        const qint64 left = manager->showNextTimer()->remainingTime();
+        const qint64 due = left + sinceStart.elapsed();
+        soonest = std::min(soonest, due);
+        latest = std::max(latest, due);
+        return aSecond.elapsed() > 1100;
+    }));
+    EXPECT_GE(soonest, 60'000 - 2) << "in whole milliseconds";
+    EXPECT_LE(latest, 60'600);
 }
 
 TEST_F(KivNotificationManagerTest, ShowsTheNextMessageAtATickAndNotBefore)

@@ -485,7 +485,7 @@ TEST(KivNotification, DescribesNilAndTheDistantFuture)
     EXPECT_NE(text.find(" mesText: (null) level"), std::string::npos) << text;
 }
 
-TEST(KivNotification, KeepsTheFirst64KilobytesOfAText)
+TEST(KivNotification, KeepsTheFirst64KilobytesOfATextAndAnEllipsisForTheRest)
 {
     constexpr qsizetype most = 64 * 1024;
     struct Text {
@@ -501,6 +501,28 @@ TEST(KivNotification, KeepsTheFirst64KilobytesOfAText)
         record.setMessageText(text.character.repeated(text.kept));
         EXPECT_EQ(record.messageText().size(), text.character.size() * text.kept) << text.what;
         record.setMessageText(text.character.repeated(text.kept + 1));
-        EXPECT_EQ(record.messageText(), text.character.repeated(text.kept)) << text.what;
+        const QString shortened = text.character.repeated(text.kept) + QStringLiteral("…");
+        EXPECT_EQ(record.messageText(), shortened) << text.what;
+        record.setMessageText(record.messageText());
+        EXPECT_EQ(record.messageText(), shortened) << text.what << ", read back from the file";
     }
+}
+
+TEST(KivNotification, KeepsFourTimesAsMuchOfHtmlAndCutsNoTag)
+{
+    constexpr qsizetype most = 256 * 1024;
+    const QString tag = QStringLiteral("<p style='color: #333333; font: 16px Arial'>");
+    const QString html = tag.repeated(most / tag.size());
+    KivNotification record;
+    record.setContentHeight(1);
+    record.setMessageText(html);
+    EXPECT_EQ(record.messageText(), html);
+    record.setMessageText(html + tag);
+    EXPECT_EQ(record.messageText(), html + QStringLiteral("…"));
+    record.setMessageText(record.messageText());
+    EXPECT_EQ(record.messageText(), html + QStringLiteral("…")) << "read back from the file";
+    record.setMessageText(QLatin1Char('<') + QString(most, u'>'));
+    EXPECT_EQ(record.messageText(), QLatin1Char('<') + QString(most - 1, u'>') + QStringLiteral("…"));
+    record.setMessageText(QLatin1Char(' ') + html);
+    EXPECT_EQ(record.messageText().size(), 64 * 1024 + 1) << "with a blank in front it is plain";
 }

@@ -109,7 +109,9 @@ TEST(CleanHtml, ReadsUntidyMarkupAsBrowsersDo)
         {"<o:p>a</o:p><v:shape>b</v:shape><blink>c</blink>", "abc"},
         {"<section><article>a</article></section><footer>b</footer>", "|a|b|"},
         {"<textarea><b>b</b></textarea>a", "a"},
-        {"<xmp><b>a</b></xmp>", "&lt;b&gt;a&lt;/b&gt;"},
+        {"<xmp><b>a</b> &amp; &lt;</xmp>b", "|&lt;b&gt;a&lt;/b&gt;|&amp;amp;|&amp;lt;|b"},
+        {"a<plaintext>b &amp; <i>c</plaintext> </xmp>", "a|b|&amp;amp;|&lt;i&gt;c&lt;/plaintext&gt;|&lt;/xmp&gt;|"},
+        {"<listing>a &amp; <b>b</b></listing>", "|a|&amp;|b|"},
         {"<div style='display:none'>hidden</div><p hidden>b</p><span style=\"mso-hide:all\">c</span>a", "a"},
         {"<p>a<p", "|a|"},
         {"<p", ""},
@@ -170,10 +172,41 @@ TEST(CleanHtml, EndsWithAnEllipsisBehindSixtyFourKilobytes)
     EXPECT_GT(text.size(), 65'000);
     EXPECT_LE(text.size(), 65'600);
     EXPECT_TRUE(text.endsWith(u"\u2026</p>"_s)) << text.right(40).toStdString();
-    const QString references = cleanHtml(u"<p>"_s + times(20'000, "&amp;"), light, HtmlTables::Kept);
+    const QString accents = cleanHtml(times(32'768, "\u00e9"), light, HtmlTables::Kept);
+    EXPECT_EQ(accents.count(u'\u00e9'), 32'768);
+    EXPECT_FALSE(accents.contains(u'\u2026'));
+    const QString moreAccents = cleanHtml(times(32'769, "\u00e9"), light, HtmlTables::Kept);
+    EXPECT_EQ(moreAccents.count(u'\u00e9'), 32'768);
+    EXPECT_TRUE(moreAccents.endsWith(u"\u00e9\u2026"_s));
+}
+
+TEST(CleanHtml, CountsNoMarkupAsText)
+{
+    const QString styled = times(1400, "<p style='color:#333333;font-family:Arial,sans-serif;margin:0'>ten words</p>");
+    ASSERT_GT(styled.size(), 100'000);
+    const QString tidy = cleanHtml(styled, light, HtmlTables::Kept);
+    EXPECT_EQ(tidy.count(u"ten words"_s), 1400);
+    EXPECT_FALSE(tidy.contains(u'\u2026'));
+    EXPECT_EQ(cleanHtml(times(40'000, "&amp;"), light, HtmlTables::Kept).count(u"&amp;"_s), 40'000);
+    EXPECT_EQ(cleanHtml(times(65'000, "<"), light, HtmlTables::Kept).count(u"&lt;"_s), 65'000);
+    // What is left out as too much markup has an ellipsis, too.
+    const QString references = cleanHtml(u"<p>"_s + times(60'000, "&amp;"), light, HtmlTables::Kept);
+    EXPECT_GT(references.count(u"&amp;"_s), 52'000);
     EXPECT_TRUE(references.endsWith(u"&amp;\u2026</p>"_s)) << references.right(40).toStdString();
-    const QString brackets = cleanHtml(times(65'000, "<"), light, HtmlTables::Kept);
-    EXPECT_GT(brackets.size(), 60'000);
+}
+
+TEST(CleanHtml, WritesNothingBehindTheEllipsis)
+{
+    const QString tooMuch = times(14'000, "word ");
+    const QString rest = u"<p>b</p><br><hr><ul><li>c</ul><table><tr><td>d<td>e</table><pre>f\n g</pre>"_s;
+    EXPECT_TRUE(cleanHtml(u"<p>"_s + tooMuch + rest, light, HtmlTables::Kept).endsWith(u"\u2026</p>"_s));
+    EXPECT_TRUE(cleanHtml(times(6000, "a\u05d0 ") + rest, light, HtmlTables::Kept).endsWith(u'\u2026'));
+    const QString list = cleanHtml(u"<ul><li>"_s + tooMuch + u"<li>b<li>c"_s, light, HtmlTables::Kept);
+    EXPECT_TRUE(list.endsWith(u"\u2026</li></ul>"_s)) << list.right(60).toStdString();
+    const QString table =
+        cleanHtml(u"<table><tr><td>a<td>"_s + times(40'000, "\u00e9 ") + u"<tr><td>b<td>c"_s, light, HtmlTables::Kept);
+    EXPECT_EQ(table.count(u'b'), 0);
+    EXPECT_TRUE(table.endsWith(u"\u2026</div>"_s)) << table.right(60).toStdString();
 }
 
 TEST(CleanHtml, WritesNoMoreThanQtCanLayOut)
@@ -214,11 +247,45 @@ TEST(CleanHtml, WritesNothingThatIsLoadedOrRun)
     }
 }
 
+TEST(CleanHtml, MakesALinkOnlyOfWhatCanBeOpened)
+{
+    for (const char *address : {"http://a.example", "https://a.example/b?c#d", "HTTPS://a.example",
+                                " ftp://a.example/b ", "mailto:a@b.example", "http://192.0.2.1:8080/"}) {
+        const std::string written = clean(u"<a href=\"%1\">x</a>"_s.arg(QLatin1String(address)));
+        EXPECT_EQ(written.substr(0, 9), "<a href=\"") << address;
+    }
+    for (const char *address : {"",
+                                "#here",
+                                "b.html",
+                                "/b",
+                                "//a.example/b",
+                                "?c",
+                                "http:",
+                                "http:///b",
+                                "https:b",
+                                "mailto:",
+                                "file:///etc/passwd",
+                                "javascript:alert(1)",
+                                "data:text/html,x",
+                                "smb://a/b",
+                                "ssh://a",
+                                "about:blank",
+                                "FILE:///etc/passwd",
+                                "java&#10;script:alert(1)",
+                                "x-any:b",
+                                "1"}) {
+        EXPECT_EQ(clean(u"<p>a <a href=\"%1\"><b>x</b></a></p>"_s.arg(QLatin1String(address))),
+                  "<p>a <span style=\"font-weight:bold;\">x</span></p>")
+            << address;
+    }
+}
+
 TEST(CleanHtml, LetsNothingOutOfAnAttribute)
 {
-    EXPECT_EQ(clean("<a href='\"><img src=x>'>a</a>"),
-              "<a href=\"&quot;&gt;&lt;img src=x&gt;\" style=\"color:#0000ff;\">a</a>");
-    EXPECT_EQ(clean(u"<a href='h\f\ti\U0001f600'>a</a>"_s), "<a href=\"hi\U0001f600\" style=\"color:#0000ff;\">a</a>");
+    EXPECT_EQ(clean("<a href='http://h/\"><img src=x>'>a</a>"),
+              "<a href=\"http://h/&quot;&gt;&lt;img src=x&gt;\" style=\"color:#0000ff;\">a</a>");
+    EXPECT_EQ(clean(u"<a href='http://h/\f\ti\U0001f600'>a</a>"_s),
+              "<a href=\"http://h/i\U0001f600\" style=\"color:#0000ff;\">a</a>");
     EXPECT_EQ(clean("<font face='a\";b:c}<'>a</font>"), "<span style=\"font-family:abc;\">a</span>");
     EXPECT_EQ(clean("<p style='color:expression(1);font-family:url(x)'>a</p>"), "<p style=\"font-family:urlx;\">a</p>");
     EXPECT_EQ(clean("<td colspan='2\" onclick=\"x'>a"), "a");
@@ -229,12 +296,30 @@ TEST(CleanHtml, KeepsTextReadableOnItsGround)
     EXPECT_EQ(clean("<p style='color:#ffffff'>a</p>"), "<p>a</p>") << "white on light grey";
     EXPECT_EQ(clean(u"<p style='color:#000000'>a</p>"_s, dark), "<p>a</p>") << "black on dark grey";
     EXPECT_EQ(clean(u"<p style='color:#ffffff'>a</p>"_s, dark), "<p>a</p>") << "as it is anyway";
-    const std::string box = clean("<div style='background:#003366;color:#fff'>a <a href=b>c</a></div>");
+    const std::string box = clean("<div style='background:#003366;color:#fff'>a <a href=http://b.example>c</a></div>");
     EXPECT_NE(box.find("background-color:#003366;color:#ffffff;"), std::string::npos) << box;
     EXPECT_EQ(box.find("color:#0000ff"), std::string::npos) << box;
     const std::string paper = clean(u"<div style='background:#fff'>a</div>"_s, dark);
     EXPECT_NE(paper.find("background-color:#ffffff;color:#000000;"), std::string::npos) << paper;
     EXPECT_EQ(clean("<div style='background:#ffffff'>a</div>"), "<div>a</div>") << "nobody sees it";
+}
+
+TEST(CleanHtml, HidesTextWithoutASizeUntilAnElementHasOne)
+{
+    // So do makers of newsletters keep gaps out of their columns.
+    EXPECT_EQ(clean("<div style='font-size:0px'>gap<div style='font-size:13px'>a</div>gap</div>"),
+              "<div><div style=\"font-size:13px;\">a</div></div>");
+    EXPECT_EQ(clean("<table style='font-size:0'><tr><td style='font-size:0px;padding:0'>gap<p style='font-size:16px'>a"
+                    "<span style='font-size:0'>gap<a>gap</a></span></table>"),
+              "<div><p style=\"font-size:16px;\">a</p></div>");
+    EXPECT_EQ(clean("<table><tr><td style='font-size:0'>gap<td><span style='font-size:12px'>a</span></table>"),
+              "<div>a</div>")
+        << "a column of nothing";
+    EXPECT_EQ(clean("<p style='font-size:0'>gap<img src=a alt=b><img src=c alt=d style='font-size:13px'></p>"),
+              "<p>d</p>");
+    EXPECT_EQ(clean("<p style='font-size:0.5em'>a</p>"), "<p style=\"font-size:9px;\">a</p>");
+    EXPECT_EQ(clean("<p style='opacity:0'>a</p><p style='max-height:0px'>b</p><p style='opacity:0.5'>c</p>"),
+              "<p>c</p>");
 }
 
 TEST(CleanHtml, DissolvesTablesThatOnlyFrameTheirText)

@@ -338,8 +338,12 @@ TEST_F(DoHint, IsRefusedWhileAHundredWait)
     EXPECT_EQ(send("refused"), -10000);
 }
 
-TEST_F(DoHint, KeepsTheFirst64KilobytesOfItsText)
+TEST_F(DoHint, KeepsTheFirst64KilobytesOfItsTextAlsoOfHtml)
 {
     EXPECT_EQ(send(QByteArray(1'000'000, 'x')), 0);
-    EXPECT_EQ(shown()->messageText().size(), 64 * 1024);
+    EXPECT_EQ(shown()->messageText(), QString(64 * 1024, u'x') + QChar(u'\u2026'));
+    manager().notificationWindow()->onCloseButton();
+    EXPECT_EQ(send(QByteArray("<p>word").repeated(100'000)), 0);
+    EXPECT_LE(shown()->messageText().size(), 64 * 1024 + 1);
+    EXPECT_TRUE(shown()->messageText().endsWith(u'\u2026'));
 }

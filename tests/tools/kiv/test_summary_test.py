@@ -26,12 +26,12 @@ def results(folder, name, programs):
 
 
 class TestSummary(unittest.TestCase):
-    def summary(self, *programs, again=None):
+    def summary(self, *programs, again=None, status=0):
         with tempfile.TemporaryDirectory() as folder:
             first = results(folder, "first.xml", programs)
             second = results(folder, "second.xml", again) if again else pathlib.Path(folder) / "none.xml"
             done = test_summary(first, second)
-        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertEqual((done.returncode, done.stderr), (status, ""))
         return done.stdout.split("\n")[1:-1]
 
     def test_the_tests_in_a_program_are_counted(self):
@@ -55,6 +55,16 @@ class TestSummary(unittest.TestCase):
     def test_a_crash_after_tests_that_passed_is_a_failure(self):
         self.assertEqual(self.summary(program("A", "[       OK ] S.One (0 ms)\n[ RUN      ] S.Two\n", "fail")),
                          ["failed: A", "1 passed, 1 failed"])
+
+    def test_an_end_with_status_zero_before_the_last_test_is_a_failure_that_ctest_has_not_seen(self):
+        begun = "[==========] Running 2 tests from 1 test suite.\n[       OK ] S.One (0 ms)\n"
+        rest = "[       OK ] S.Two (0 ms)\n[==========] 2 tests from 1 test suite ran. (3 ms total)\n"
+        self.assertEqual(self.summary(program("A", begun + "[ RUN      ] S.Two\n"), program("B", begun + rest), status=1),
+                         ["ended before its last test, with status 0: A", "3 passed, 1 failed"])
+        self.assertEqual(self.summary(program("A", begun + rest)), ["2 passed, 0 failed"])
+        self.assertEqual(self.summary(program("B", "[  FAILED  ] S.Two (0 ms)\n", "fail"),
+                                      again=[program("B", begun)], status=1)[0],
+                         "ended before its last test, with status 0: B")
 
     def test_what_could_not_start_is_a_failure(self):
         self.assertEqual(self.summary(program("A", "", "notrun",

@@ -34,11 +34,10 @@ CFTypeID CFStringGetTypeID();
 CFTypeID CFNumberGetTypeID();
 CFTypeID CFBooleanGetTypeID();
 
-/// Null when `text` is null or not valid in the encoding, of which UTF-8 is the only one known.
-CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char *text, CFStringEncoding encoding);
-/// Copies the text with its terminating zero byte. False when it does not fit into `capacity` bytes.
+/// Copies the text with its terminating zero byte. False when it does not fit into `capacity` bytes, or for an encoding
+/// other than UTF-8.
 Boolean CFStringGetCString(CFStringRef string, char *buffer, CFIndex capacity, CFStringEncoding encoding);
-/// The one constant string of this text; never released.
+/// The one constant string of this text, in UTF-8; never released. Null for null.
 CFStringRef __CFStringMakeConstantString(const char *text);
 #define CFSTR(text) __CFStringMakeConstantString("" text "")
 

@@ -334,11 +334,11 @@ TEST_F(AppleEventManager, ReceivesEventsWhileAHandlerIsInstalled)
 
 TEST_F(AppleEventManager, SaysWhichEventHasNoHandler)
 {
-    ASSERT_EQ(AEInstallEventHandler(testClass, kKey, otherHandler, nullptr, false), noErr);
+    ASSERT_EQ(AEInstallEventHandler(testClass, dataKey, otherHandler, nullptr, false), noErr);
     LogLines log;
     EXPECT_EQ(Event(self).send(kAEWaitReply), errAEEventNotHandled);
     EXPECT_THAT(log.take(), testing::Contains("kiv.link: refused an event test numb: it has no handler"));
-    EXPECT_EQ(AERemoveEventHandler(testClass, kKey, otherHandler, false), noErr);
+    EXPECT_EQ(AERemoveEventHandler(testClass, dataKey, otherHandler, false), noErr);
 }
 
 TEST_F(AppleEventManager, ReplacesAHandler)

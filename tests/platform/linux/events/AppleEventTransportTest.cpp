@@ -656,12 +656,12 @@ TEST_F(Transport, SaysWhyNothingGoesToAProcess)
     const std::string none = "kiv.link: nothing goes to process 0: it does not run";
     EXPECT_THAT(linesOf(numberedEvent(0)), ElementsAre(none, none));
     const std::string noMessage = "kiv.link: nothing goes to process 0: this event cannot be a message";
-    EXPECT_THAT(linesOf(AppleEventContents(kClass, kID)), ElementsAre(noMessage, noMessage));
+    EXPECT_THAT(linesOf(AppleEventContents(numberClass, numberID)), ElementsAre(noMessage, noMessage));
     EXPECT_THAT(linesOf(numberedEvent(self)),
-                ElementsAre(toThis + "it takes no events", toThis + "it takes no events"));
+                ElementsAre(toThis + "it receives no events", toThis + "it receives no events"));
     const std::string toOther = "kiv.link: nothing goes to process " + std::to_string(other.pid()) + ": ";
     EXPECT_THAT(linesOf(numberedEvent(other.pid())),
-                ElementsAre(toOther + "another has its name on the bus", toOther + "it takes no events"));
+                ElementsAre(toOther + "another has its name on the bus", toOther + "another has its name on the bus"));
     {
         BusPeer first(daemon);
         const RawReceiver receiver(first.connection(), ownBusName());

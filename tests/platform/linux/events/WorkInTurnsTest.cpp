@@ -113,7 +113,7 @@ TEST_F(WorkInTurnsTest, SaysOnceThatTooMuchWaitsForAClient)
 {
     LogLines log;
     carryOut(one, noteAfterLong('a'));
-    for (std::size_t i = 0; i < WorkInTurns::kMaxInOrder; ++i) {
+    for (std::size_t i = 0; i < WorkInTurns::maxInOrder; ++i) {
         carryOut(one, note('.'));
     }
     EXPECT_THAT(log.take(), testing::IsEmpty());

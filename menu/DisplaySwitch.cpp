@@ -1,12 +1,18 @@
 #include "menu/DisplaySwitch.h"
 
-#include <Carbon/Carbon.h>
+#include "platform/GraphicalSession.h"
+#include "platform/LogCategories.h"
 
+#include <Carbon/Carbon.h>
+#include <QDeadlineTimer>
+
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 namespace
@@ -18,8 +24,33 @@ bool mainDisplayHasSize(std::uint32_t width, std::uint32_t height)
            static_cast<std::uint32_t>(bounds.size.height) == height;
 }
 
-/// Runs the tool and waits for it. False when it could not even be forked; a missing tool is one that did nothing.
-bool runTool(const char *tool, const char *width, const char *height)
+bool hasEnded(pid_t child)
+{
+    const pid_t ended = ::wait4(child, nullptr, WNOHANG, nullptr);
+    return ended > 0 || (ended < 0 && errno != EINTR);
+}
+
+/// False when the session ends before the tool does. The event loop, which stands still, would not learn of that; a
+/// call that blocks until the tool has ended could be missed by a signal that comes just before it.
+bool waitForTool(pid_t child, const char *tool, QDeadlineTimer patience)
+{
+    using namespace std::chrono_literals;
+    for (std::chrono::milliseconds pause = 1ms; !hasEnded(child); pause = std::min(2 * pause, 20ms)) {
+        if (GraphicalSession::isEnding()) {
+            return false;
+        }
+        if (!patience.isForever() && patience.hasExpired()) {
+            qCWarning(itemLog, "still waiting for %s, process %d, to switch the display", tool, child);
+            patience = QDeadlineTimer(QDeadlineTimer::Forever);
+        }
+        std::this_thread::sleep_for(pause);
+    }
+    return true;
+}
+
+/// Runs the tool and waits for it. False when it could not even be forked, or has not come to its end; a missing tool
+/// is one that did nothing.
+bool runTool(const char *tool, const char *width, const char *height, std::chrono::milliseconds patience)
 {
     // Nothing of this process is copied for the moment until the tool takes over: it may be one of hundreds on the
     // host. NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork)
@@ -32,13 +63,11 @@ bool runTool(const char *tool, const char *width, const char *height)
         ::execl(tool, tool, "dspcmd", "set", "-w", width, "-h", height, "-c", static_cast<char *>(nullptr));
         ::_exit(0);
     }
-    while (::wait4(child, nullptr, 0, nullptr) < 0 && errno == EINTR) {
-    }
-    return true;
+    return waitForTool(child, tool, QDeadlineTimer(patience));
 }
 } // namespace
 
-bool set_dmod(std::uint32_t width, std::uint32_t height, const char *tool)
+bool set_dmod(std::uint32_t width, std::uint32_t height, const char *tool, std::chrono::milliseconds patience)
 {
     if (mainDisplayHasSize(width, height)) {
         return true;
@@ -47,5 +76,5 @@ bool set_dmod(std::uint32_t width, std::uint32_t height, const char *tool)
     char heightText[64];
     std::snprintf(widthText, sizeof widthText - 1, "%d", static_cast<int>(width));
     std::snprintf(heightText, sizeof heightText - 1, "%d", static_cast<int>(height));
-    return runTool(tool, widthText, heightText) && mainDisplayHasSize(width, height);
+    return runTool(tool, widthText, heightText, patience) && mainDisplayHasSize(width, height);
 }

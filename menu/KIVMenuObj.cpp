@@ -9,6 +9,7 @@
 #include "menu/MenuEntries.h"
 #include "menu/ProductTexts.h"
 #include "menu/StatusItemPlacement.h"
+#include "platform/GraphicalSession.h"
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/StatusBar.h"
@@ -172,6 +173,9 @@ void KIVMenuObj::switchResolution(std::int32_t index)
     if (set_dmod(static_cast<std::uint32_t>(size.width()), static_cast<std::uint32_t>(size.height()))) {
         qCDebug(itemLog, "the display has %d x %d pixels", size.width(), size.height());
         return;
+    }
+    if (GraphicalSession::isEnding()) {
+        return; // Nobody is left who would be told.
     }
     qCWarning(itemLog, "%s has not switched the display to %d x %d pixels", serviceTool, size.width(), size.height());
     setEnabled(false);

@@ -21,8 +21,8 @@ public:
     Observer &operator=(const Observer &) = delete;
 };
 
-/// Has `callback` called from the event loop whenever any program posts `name`. What is posted while there is no bus is
-/// missed.
+/// Has `callback` called from the event loop whenever any program posts `name`, and once for all that is posted within
+/// a moment after that. What is posted while there is no bus is missed.
 [[nodiscard]] std::unique_ptr<Observer> addObserver(const QString &name, std::function<void()> callback);
 
 } // namespace DistributedNotifications

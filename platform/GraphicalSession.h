@@ -14,6 +14,13 @@ namespace GraphicalSession
 /// pixmap cache, and lets no mouse event reach a closed window. To be called once the application object is there.
 void settle();
 
+/// Says that this process is to end. Also from the handler of a signal.
+void requestEnd() noexcept;
+
+/// Whether this process is to end, because of requestEnd or because its display has gone: for whoever keeps the event
+/// loop, which would learn of it, from running.
+[[nodiscard]] bool isEnding() noexcept;
+
 /// Runs the application's event loop to its end. When the session ends before the loop does, the process ends here,
 /// with status 1.
 void run();

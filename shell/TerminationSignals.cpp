@@ -1,5 +1,6 @@
 #include "shell/TerminationSignals.h"
 
+#include "platform/GraphicalSession.h"
 #include "platform/LogCategories.h"
 
 #include <QCoreApplication>
@@ -17,6 +18,7 @@ int wakeUp = -1;
 // A signal handler may do next to nothing; a byte in a pipe wakes the event loop.
 void onSignal(int)
 {
+    GraphicalSession::requestEnd();
     const int savedError = errno;
     [[maybe_unused]] const ssize_t written = ::write(wakeUp, "", 1);
     errno = savedError;

@@ -21,7 +21,7 @@ namespace
 {
 
 constexpr int maxLevels = 100;
-constexpr int maxMessages = 10'000;
+constexpr int maxMessages = 1000;
 
 /// A word of the feed, and the code that a record keeps for it.
 struct CodeWord {
@@ -59,59 +59,96 @@ constexpr std::array codeFields{
 
 } // namespace
 
+/// How far a document has been read.
+struct FeedParser::Reading {
+    QXmlStreamReader reader;
+    bool isWhole = false;
+    bool hasRoot = false;
+    int levels = 0;
+    int messages = 0;
+};
+
 FeedParser::FeedParser(Handover handover)
     : m_handover(std::move(handover))
 {
 }
 
-FeedParser::Outcome FeedParser::parse(const QByteArray &bytes)
+FeedParser::~FeedParser() = default;
+
+FeedParser::Outcome FeedParser::parse(const QByteArray &document)
 {
-    QXmlStreamReader reader;
-    reader.setNamespaceProcessing(false);
-    const FeedDocument document = feedDocument(bytes, maxXmlAttributes);
-    reader.addData(document.text);
-    bool hasRoot = false;
-    int levels = 0;
-    int messages = 0;
-    for (;;) {
-        switch (reader.readNext()) {
-        case QXmlStreamReader::StartElement:
-            hasRoot = true;
-            messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
-            if (++levels > maxLevels || messages > maxMessages) {
-                qCDebug(feedLog, "the document is refused: too many elements or messages");
-                return Outcome::Malformed;
-            }
-            didStartElement(reader.qualifiedName());
-            break;
-        case QXmlStreamReader::Characters:
-            foundCharacters(reader.text());
-            break;
-        case QXmlStreamReader::EndElement:
-            --levels;
-            didEndElement(reader.qualifiedName());
-            break;
-        case QXmlStreamReader::EndDocument:
-            if (!document.isWhole) {
-                qCDebug(feedLog, "the document is malformed: it cannot be decoded to its end");
-                return Outcome::Malformed;
-            }
-            return Outcome::EndOfDocument;
-        case QXmlStreamReader::DTD:
-            if (hasRoot) { // Qt takes one behind it, too.
-                qCDebug(feedLog, "the document is malformed: its type stands behind its beginning");
-                return Outcome::Malformed;
-            }
-            break;
-        case QXmlStreamReader::EntityReference:
-        case QXmlStreamReader::Invalid:
-            qCDebug(feedLog) << "the document is malformed: line" << reader.lineNumber() << "column"
-                             << reader.columnNumber() << reader.errorString();
-            return Outcome::Malformed;
-        default:
-            break;
-        }
+    begin(document);
+    return *read(QDeadlineTimer(QDeadlineTimer::Forever));
+}
+
+void FeedParser::begin(const QByteArray &document)
+{
+    const FeedDocument decoded = feedDocument(document, maxXmlAttributes);
+    m_reading = std::make_unique<Reading>();
+    m_reading->isWhole = decoded.isWhole;
+    m_reading->reader.setNamespaceProcessing(false);
+    m_reading->reader.addData(decoded.text);
+}
+
+std::optional<FeedParser::Outcome> FeedParser::read(const QDeadlineTimer &share)
+{
+    // Over, unless it is put back: after an exception, too.
+    std::unique_ptr<Reading> reading = std::move(m_reading);
+    std::optional<Outcome> outcome;
+    do {
+        outcome = readNext(*reading);
+    } while (!outcome && !share.hasExpired());
+    if (!outcome) {
+        m_reading = std::move(reading);
     }
+    return outcome;
+}
+
+std::optional<FeedParser::Outcome> FeedParser::readNext(Reading &reading)
+{
+    QXmlStreamReader &reader = reading.reader;
+    switch (reader.readNext()) {
+    case QXmlStreamReader::StartElement:
+        reading.hasRoot = true;
+        reading.messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
+        if (reading.messages > maxMessages) {
+            qCDebug(feedLog, "the document has more than %d messages: the others are left out", maxMessages);
+            return Outcome::EndOfDocument;
+        }
+        if (++reading.levels > maxLevels) {
+            qCDebug(feedLog, "the document is refused: too many levels of elements");
+            return Outcome::Malformed;
+        }
+        didStartElement(reader.qualifiedName());
+        break;
+    case QXmlStreamReader::Characters:
+        foundCharacters(reader.text());
+        break;
+    case QXmlStreamReader::EndElement:
+        --reading.levels;
+        didEndElement(reader.qualifiedName());
+        break;
+    case QXmlStreamReader::EndDocument:
+        if (!reading.isWhole) {
+            qCDebug(feedLog, "the document is malformed: it cannot be decoded to its end");
+            return Outcome::Malformed;
+        }
+        return Outcome::EndOfDocument;
+    case QXmlStreamReader::DTD:
+        if (reading.hasRoot) { // Qt takes one behind it, too.
+            qCDebug(feedLog, "the document is malformed: its type stands behind its beginning");
+            return Outcome::Malformed;
+        }
+        break;
+    case QXmlStreamReader::EntityReference:
+    case QXmlStreamReader::Invalid:
+        qCDebug(feedLog) << "the document is malformed: line" << reader.lineNumber() << "column"
+                         << reader.columnNumber() << reader.errorString();
+        return Outcome::Malformed;
+    default:
+        break;
+    }
+    return std::nullopt;
 }
 
 void FeedParser::didStartElement(QStringView name)

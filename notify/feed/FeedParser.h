@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QDeadlineTimer>
 #include <QString>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class KivNotification;
 
@@ -14,7 +16,7 @@ class KivNotification;
 ///
 /// Documents are UTF-8, UTF-16, UTF-32 or ISO 8859-1. Refused as malformed are, besides what XML forbids: a document
 /// type (so that no entity is ever expanded), another declared encoding, more than 64 attributes in a tag, 100 levels
-/// of elements or 10,000 messages.
+/// of elements. What comes after a thousand messages is not read: the feed is asked for five.
 ///
 /// What a malformed document leaves open stays open when the next one is begun. Main thread only.
 class FeedParser final
@@ -24,6 +26,7 @@ public:
     using Handover = std::function<void(const std::shared_ptr<KivNotification> &)>;
 
     explicit FeedParser(Handover handover);
+    ~FeedParser();
 
     enum class Outcome {
         EndOfDocument,
@@ -34,16 +37,25 @@ public:
     /// records before it were handed over.
     [[nodiscard]] Outcome parse(const QByteArray &document);
 
+    /// The same, for who has other things to do meanwhile: begin, and then read until there is an outcome, or an
+    /// exception. Nothing when the time is up before that.
+    void begin(const QByteArray &document);
+    [[nodiscard]] std::optional<Outcome> read(const QDeadlineTimer &share);
+
     /// The record being filled; null when none is.
     [[nodiscard]] const std::shared_ptr<KivNotification> &notification() const noexcept { return m_notification; }
 
 private:
+    struct Reading;
+
+    [[nodiscard]] std::optional<Outcome> readNext(Reading &reading);
     void didStartElement(QStringView name);
     void foundCharacters(QStringView characters);
     void didEndElement(QStringView name);
     void setField(QStringView element);
 
     Handover m_handover;
+    std::unique_ptr<Reading> m_reading; ///< Of the document that is being read; null when none is.
     QString m_currentChars;
     std::shared_ptr<KivNotification> m_notification;
     bool m_readingChars = false;

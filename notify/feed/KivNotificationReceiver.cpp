@@ -2,12 +2,14 @@
 
 #include "notify/feed/FeedConnection.h"
 #include "notify/feed/FeedRequest.h"
-#include "notify/record/NotificationSink.h"
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
 #include "platform/LogCategories.h"
 
+#include <QScopeGuard>
 #include <QTimer>
+
+#include <utility>
 
 namespace
 {
@@ -85,12 +87,36 @@ void KivNotificationReceiver::receiveNextNotification()
 
 void KivNotificationReceiver::parseNotificationData()
 {
-    const NotificationSink::Delivery delivery(m_sink);
-    if (m_parser.parse(m_data) == FeedParser::Outcome::EndOfDocument) {
-        qCDebug(feedLog) << "the document of" << m_data.size() << "bytes has been read";
-        m_data.clear();
+    if (m_delivery) {
+        m_isParseDue = true;
+        return;
+    }
+    m_delivery.emplace(m_sink);
+    m_parsedBytes = m_data.size();
+    m_parser.begin(m_data);
+    parseOn();
+}
+
+void KivNotificationReceiver::parseOn()
+{
+    auto atTheEnd = qScopeGuard([this] { endParse(); });
+    const std::optional<FeedParser::Outcome> outcome = m_parser.read(QDeadlineTimer(maxShareOfATurn, Qt::PreciseTimer));
+    if (!outcome) {
+        atTheEnd.dismiss();
+        QMetaObject::invokeMethod(this, &KivNotificationReceiver::parseOn, Qt::QueuedConnection);
+    } else if (outcome == FeedParser::Outcome::EndOfDocument) {
+        qCDebug(feedLog) << "the document of" << m_parsedBytes << "bytes has been read";
+        m_data.remove(0, m_parsedBytes);
     } else {
         qCDebug(feedLog) << "the" << m_data.size() << "bytes are kept, and the next answer is added to them";
+    }
+}
+
+void KivNotificationReceiver::endParse()
+{
+    m_delivery.reset();
+    if (std::exchange(m_isParseDue, false)) {
+        QMetaObject::invokeMethod(this, &KivNotificationReceiver::parseNotificationData, Qt::QueuedConnection);
     }
 }
 
@@ -116,6 +142,7 @@ void KivNotificationReceiver::connectionDidReceiveData(FeedConnection *connectio
         qCDebug(feedLog, "the answer is refused: it is too large");
         cancel(connection);
         m_data.clear(); // Whatever came next, it could not become a document any more.
+        m_parsedBytes = 0;
     }
 }
 

@@ -2,16 +2,17 @@
 
 #include "notify/feed/FeedConnection.h"
 #include "notify/feed/FeedParser.h"
+#include "notify/record/NotificationSink.h"
 
 #include <QByteArray>
 #include <QObject>
 
 #include <chrono>
 #include <memory>
+#include <optional>
 
 class Bundle;
 class KivNotificationProperties;
-class NotificationSink;
 class QTimer;
 
 /// Seconds between two requests to the feed: a day.
@@ -53,6 +54,10 @@ public:
     /// malformed one they stay, and the next answer is appended to them. Throws what FeedParser::parse and the sink
     /// throw; the bytes then stay, too.
     ///
+    /// What takes longer than maxShareOfATurn goes on in the next iterations of the event loop, from which it then
+    /// throws: the user's clicks need not wait for a long document. Of bytes that are being parsed already, and what
+    /// has come since, the parse begins after that.
+    ///
     /// Called when an answer is complete; what it throws then leaves the event loop's callback.
     void parseNotificationData();
 
@@ -63,7 +68,12 @@ public:
     /// of its own.
     [[nodiscard]] const FeedConnection *connection() const noexcept { return m_connection; }
 
+    /// The longest time, but for the one message that it ends in, that a document is read at once.
+    static constexpr std::chrono::milliseconds maxShareOfATurn{10};
+
 private:
+    void parseOn();
+    void endParse();
     void connectionDidReceiveResponse(FeedConnection *connection, int status, const QByteArray &contentType);
     void connectionDidReceiveData(FeedConnection *connection, const QByteArray &bytes);
     void connectionDidEnd(FeedConnection *connection, FeedConnection::End end);
@@ -79,4 +89,7 @@ private:
     bool m_isCancelled = false; ///< Whether m_connection is, and only held until the next one begins or ends.
     QByteArray m_data;
     FeedParser m_parser;
+    std::optional<NotificationSink::Delivery> m_delivery; ///< While the first m_parsedBytes of m_data are parsed.
+    qsizetype m_parsedBytes = 0;
+    bool m_isParseDue = false; ///< After the one that is under way.
 };

@@ -250,7 +250,8 @@ void KivNotificationManager::writeFile(const std::function<bool(const KivNotific
 
 void KivNotificationManager::saveLastMesIDIfDue()
 {
-    if (std::exchange(m_isLastMesIDDue, false)) {
+    // Not in the middle of a delivery, which the agent's end may cut off: what is still to come must be sent again.
+    if (m_deliveries == 0 && std::exchange(m_isLastMesIDDue, false)) {
         m_properties.saveLastMessID(m_properties.lastMesID());
     }
 }

@@ -1,6 +1,7 @@
 #include "platform/GraphicalSession.h"
 
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/include/XConnection.h"
 #include "platform/linux/workarounds/AccessibilityBridge.h"
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
@@ -17,7 +18,13 @@
 
 #include <xcb/xfixes.h>
 
+#include <atomic>
 #include <csignal>
+
+namespace
+{
+std::atomic<bool> isEndRequested = false;
+}
 
 QString GraphicalSession::prepare()
 {
@@ -71,6 +78,18 @@ void GraphicalSession::settle()
     LateMouseEvents::keepFromQt();
     MenuMouse::follow();
     keepQtFromCachingPixmaps();
+}
+
+void GraphicalSession::requestEnd() noexcept
+{
+    isEndRequested = true;
+}
+
+bool GraphicalSession::isEnding() noexcept
+{
+    // Qt reads from the server in a thread of its own.
+    xcb_connection_t *const connection = XConnection::get();
+    return isEndRequested || (connection && xcb_connection_has_error(connection) != 0);
 }
 
 void GraphicalSession::run()

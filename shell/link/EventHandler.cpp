@@ -2,13 +2,42 @@
 
 #include "platform/FourCharCode.h"
 #include "platform/LogCategories.h"
+#include "platform/processes/ProcessWatch.h"
 #include "shell/ProcessState.h"
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventLink.h"
 #include "shell/link/ServiceCommands.h"
 
+#include <functional>
+#include <optional>
+
 namespace
 {
+/// The owner, if it ran when it claimed this agent.
+struct Claim {
+    ProcessSerialNumber owner;
+    std::function<bool()> hasEnded;
+};
+std::optional<Claim> claim;
+
+void setOwner(const ProcessSerialNumber &sender)
+{
+    __owpsn = sender;
+    pid_t pid = 0;
+    claim = GetProcessPID(&sender, &pid) == noErr ? std::optional(Claim{sender, watchProcess(pid)}) : std::nullopt;
+}
+
+/// Whether somebody else speaks in the owner's name now that the owner has ended. Its own last words are handled after
+/// its end, and so are those of a sender that is not known.
+bool isInADeadOwnersName(const AppleEvent *event)
+{
+    SInt32 sender = 0;
+    pid_t itsSuccessor = 0;
+    return claim && kivmAESameProcess(&claim->owner, &__owpsn) && claim->hasEnded() &&
+           AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr, &sender, sizeof sender, nullptr) == noErr &&
+           (static_cast<UInt32>(sender) != __owpsn.lowLongOfPSN || GetProcessPID(&__owpsn, &itsSuccessor) == noErr);
+}
+
 /// Reads a parameter that every event has.
 OSErr read(const AppleEvent *event, AEKeyword keyword, DescType type, void *value, Size size)
 {
@@ -52,6 +81,12 @@ OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
                 processOf(sender));
         return noErr;
     }
+    if (command != kMenuEvtSetOwner && isInADeadOwnersName(event)) {
+        qCDebug(linkLog, "refused %s: process %u, which owned this agent, has ended", name.constData(),
+                processOf(sender));
+        __owpsn = {};
+        return noErr;
+    }
     qCDebug(linkLog, "%s of process %u", name.constData(), processOf(sender));
     switch (command) {
     case kMenuEvtDoHint:
@@ -59,7 +94,7 @@ OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
     case kMenuEvtSetOwner:
         qCDebug(linkLog, "process %u owns this agent now; before it was process %u", processOf(sender),
                 processOf(__owpsn));
-        __owpsn = sender;
+        setOwner(sender);
         return noErr;
     case kMenuEvtSetOptions:
         return __cmd_setopt(event);

@@ -110,6 +110,20 @@ TEST_F(DisplaySwitch, LetsTheToolDieWithWhoReadsItsOutputAsAnyProgramDoes)
     EXPECT_EQ(signals & (1ULL << (SIGPIPE - 1)), 0U);
 }
 
+TEST_F(DisplaySwitch, SaysOnceWhatItWaitsForWhenThatTakesLong)
+{
+    static QStringList warnings;
+    warnings.clear();
+    const auto before = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext &, const QString &text) { warnings.append(text); });
+    EXPECT_FALSE(set_dmod(1024, 768, newTool("exit 0")));
+    EXPECT_TRUE(warnings.isEmpty());
+    EXPECT_FALSE(set_dmod(1024, 768, newTool("sleep 0.3"), std::chrono::milliseconds(50)));
+    qInstallMessageHandler(before);
+    EXPECT_EQ(warnings.size(), 1);
+    EXPECT_TRUE(warnings.value(0).contains(QString::fromLocal8Bit(tool)));
+}
+
 TEST(ServiceTool, IsTheOneThatTheBuildNames)
 {
     EXPECT_STREQ(serviceTool, KIV_SERVICE_TOOL);

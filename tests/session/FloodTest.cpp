@@ -1,8 +1,10 @@
+#include "tests/session/support/FeedMessages.h"
 #include "tests/session/support/MessageCache.h"
 #include "tests/session/support/RawCommand.h"
 #include "tests/session/support/Session.h"
 #include "tests/session/support/SettingsProgram.h"
 #include "tests/support/BusPeer.h"
+#include "tests/support/FeedServer.h"
 #include "tests/support/ProcessMemory.h"
 #include "tests/support/WaitUntil.h"
 
@@ -37,7 +39,22 @@ QDBusMessage intrusion(qint64 agentPid, qint64 claimedSender)
     return event(agentPid, {command("meso"), sender(claimedSender), flags(0)});
 }
 
-/// Sends as fast as the bus takes it, from a thread of its own. To every thousandth, and to the last, it wants an
+/// What is no event, but comes to the agent all the same.
+QDBusMessage settingsAnnounced()
+{
+    return QDBusMessage::createSignal(QStringLiteral("/"),
+                                      QStringLiteral("com.tamborel.kivune.DistributedNotifications"),
+                                      QStringLiteral("KivMunuUpdateSettingsNotification"));
+}
+
+QDBusMessage questionForTheContract(qint64 agentPid)
+{
+    return QDBusMessage::createMethodCall(
+        RawCommand::agentName(agentPid), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
+        QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"));
+}
+
+/// Sends as fast as the bus takes it, from a thread of its own. To every thousandth call, and to the last, it wants an
 /// answer.
 class Flood final
 {
@@ -78,11 +95,14 @@ private:
         QList<QDBusPendingCall> answers;
         for (int i = 1; i <= events; ++i) {
             const QDBusMessage &event = kinds.at(i % kinds.size());
-            if (i % atOnce == 0 || i == events) {
+            const bool isMilestone = i % atOnce == 0 || i == events;
+            if (isMilestone && event.type() == QDBusMessage::MethodCallMessage) {
                 answers.append(m_peer.connection().asyncCall(event, anHour));
-                m_peer.connection().call(ping); // Qt would keep what the bus has not taken yet.
             } else {
                 m_peer.connection().send(event);
+            }
+            if (isMilestone) {
+                m_peer.connection().call(ping); // Qt would keep what the bus has not taken yet.
             }
         }
         for (QDBusPendingCall &answer : answers) {
@@ -197,4 +217,76 @@ TEST(Flood, OfEventsFromAStrangerLosesNoneOfTheOwnersAndLeavesTheMenuToTheUser)
         "more\n",
         events, static_cast<double>(took) / 1000, fates.asked, fates.handled, fates.refused, 3 * rounds + 1,
         static_cast<long long>(slowestMenu), static_cast<long long>(slowestCommand), static_cast<long long>(memory));
+}
+
+TEST(Flood, OfWhatIsNoEventLeavesTheMenuToTheUser)
+{
+    Session session;
+    SettingsProgram::write(session.desktop, 1, 4, 0);
+    ASSERT_TRUE(session.start());
+    Agent &agent = *session.agent;
+    XInput &input = session.desktop.input();
+    const QPoint item = agent.dockedItem()->geometry.center();
+    const auto answerOfTheMenu = [&] {
+        QElapsedTimer clicked;
+        clicked.start();
+        input.click(item);
+        const bool isOpen = waitUntil(
+            [&] {
+                const QList<XWindow> windows = agent.freeWindows();
+                return windows.size() == 1 && agent.isDrawn(windows.last());
+            },
+            60s);
+        const qint64 took = clicked.elapsed();
+        EXPECT_TRUE(isOpen) << "the menu does not open";
+        input.key(XK_Escape);
+        EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().isEmpty(); }, 60s)) << "the menu does not close";
+        return took;
+    };
+    for (const QDBusMessage &kind : {settingsAnnounced(), questionForTheContract(agent.pid())}) {
+        qint64 longest = 0;
+        int rounds = 0;
+        Flood flood(session.desktop.bus(), {kind}, floodEvents());
+        do {
+            ++rounds;
+            longest = std::max(longest, answerOfTheMenu());
+        } while (!flood.isOver() && !testing::Test::HasFailure());
+        EXPECT_LT(longest, 2000) << "milliseconds from the click to the menu; " << kind.member().toStdString();
+        std::printf("%d of %s: the menu answered after %lld ms at most, in %d rounds\n", floodEvents(),
+                    qPrintable(kind.member()), static_cast<long long>(longest), rounds);
+    }
+}
+
+TEST(Flood, OfMessagesInTheFeedLeavesTheMenuToTheUser)
+{
+    constexpr int messages = 10'000;
+    const QByteArray kilobyte = QByteArray("Many words that take some time to be measured. ").repeated(16);
+    QList<FeedMessage> flood;
+    for (int id = 1; id <= messages; ++id) {
+        flood.append({.id = QByteArray::number(id), .text = kilobyte});
+    }
+    FeedServer server;
+    ASSERT_TRUE(server.start({{.body = feedDocument(flood), .gated = true}}));
+    Session session;
+    Session::Setting setting;
+    setting.feed = server.address(QStringLiteral("/messages"));
+    ASSERT_TRUE(session.start(setting));
+    Agent &agent = *session.agent;
+    const BusPeer peer(session.desktop.bus());
+    server.open(0);
+
+    // A command to nobody is answered by the thread that the user's clicks wait for.
+    qint64 longest = 0;
+    QElapsedTimer sinceTheStart;
+    sinceTheStart.start();
+    do {
+        QElapsedTimer asked;
+        asked.start();
+        RawCommand::send(peer, agent.pid(), {RawCommand::command("zzzz"), RawCommand::sender(agent.pid())});
+        longest = std::max(longest, asked.elapsed());
+    } while (agent.freeWindows().isEmpty() && !sinceTheStart.hasExpired(60'000));
+    EXPECT_EQ(agent.freeWindows().size(), 1) << "the first message is not shown";
+    EXPECT_LT(longest, 2000) << "milliseconds without an answer";
+    std::printf("%d messages: shown after %lld ms, without an answer for %lld ms at most\n", messages,
+                static_cast<long long>(sinceTheStart.elapsed()), static_cast<long long>(longest));
 }

@@ -172,6 +172,34 @@ TEST_F(RawLink, IgnoresAStrangerThatHasClosedItsConnection)
     EXPECT_TRUE(itemStays());
 }
 
+TEST_F(RawLink, IgnoresAnEventInTheNameOfAnOwnerThatHasEnded)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    const qint64 owner = service.process().pid();
+    service.process().kill();
+    EXPECT_EQ(send({command("meso"), sender(owner), flags(0)}), 0);
+    EXPECT_EQ(send({command("meqi"), sender(owner)}), 0);
+    EXPECT_TRUE(itemStays());
+
+    EXPECT_EQ(claim(self), 0);
+    EXPECT_EQ(send({command("meso"), sender(self), flags(0)}), 0);
+    EXPECT_TRUE(itemGoes()) << "the place is free";
+}
+
+TEST_F(RawLink, ObeysTheLastWordsOfAnOwnerThatHasEnded)
+{
+    Service service(desktop);
+    ASSERT_TRUE(service.attach(*agent));
+    ::kill(static_cast<pid_t>(agent->pid()), SIGSTOP);
+    service.send("flags 0");
+    service.process().closeInput();
+    const bool hasEnded = waitUntil([&] { return !service.process().isRunning(); });
+    ::kill(static_cast<pid_t>(agent->pid()), SIGCONT);
+    EXPECT_TRUE(hasEnded);
+    EXPECT_TRUE(itemGoes());
+}
+
 TEST_F(RawLink, AnswersTheReadsErrorWhenCommandOrSenderIsMissing)
 {
     EXPECT_EQ(send({sender(self)}), -1701);

@@ -1,3 +1,4 @@
+#include "platform/files/FileDescriptor.h"
 #include "tests/session/support/MenuPicture.h"
 #include "tests/session/support/ScriptFile.h"
 #include "tests/session/support/Session.h"
@@ -11,6 +12,8 @@
 
 #include <X11/keysym.h>
 #include <algorithm>
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace
 {
@@ -103,7 +106,21 @@ protected:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
+    /// Chooses a size, and returns once the tool runs, which does not end by itself.
+    void hangInTheTool()
+    {
+        const QByteArray fifo = folder.filePath(QStringLiteral("fifo")).toLocal8Bit();
+        ASSERT_EQ(::mkfifo(fifo.constData(), 0600), 0);
+        m_tool.emplace(::open(fifo.constData(), O_RDWR | O_CLOEXEC));
+        setTool("exec cat '" + fifo + "'");
+        ASSERT_TRUE(choose(QSize(1024, 768)));
+        ASSERT_TRUE(waitUntil([this] { return !recordedCalls().isEmpty(); }));
+    }
+
     QTemporaryDir folder;
+
+private:
+    std::optional<FileDescriptor> m_tool; ///< What it reads from: it ends when this is closed.
 };
 
 constexpr QSize wide{1280, 800};
@@ -215,6 +232,22 @@ TEST_F(ResolutionWithToolOfTheTest, IsJudgedByTheDisplayAndNotByTheTool)
     EXPECT_EQ(recordedCalls(), call + call + call) << "a tool was started for nothing";
     EXPECT_EQ(checkedPlaces(), QList<int>{placeOf(narrow)});
     EXPECT_TRUE(session.agent->freeWindows().isEmpty()) << "a success is taken for a failure";
+}
+
+TEST_F(ResolutionWithToolOfTheTest, IsWaitedForUntilTheSessionEndsBySignal)
+{
+    ASSERT_NO_FATAL_FAILURE(hangInTheTool());
+    session.agent->process().terminate();
+    EXPECT_TRUE(waitUntil([this] { return !session.agent->process().isRunning(); }));
+    EXPECT_EQ(session.agent->process().exitCode(), EXIT_SUCCESS);
+}
+
+TEST_F(ResolutionWithToolOfTheTest, IsWaitedForUntilTheSessionsDisplayGoes)
+{
+    ASSERT_NO_FATAL_FAILURE(hangInTheTool());
+    session.desktop.stopServer();
+    EXPECT_TRUE(waitUntil([this] { return !session.agent->process().isRunning(); }));
+    EXPECT_EQ(session.agent->process().exitCode(), EXIT_FAILURE);
 }
 
 TEST_F(Resolution, StandsOnceThoughTheDisplayHasItAtSeveralRates)

@@ -50,6 +50,12 @@ void refuse(const QDBusMessage &message, const QDBusConnection &connection, QDBu
     }
 }
 
+/// A call need not name its interface.
+bool isCall(const QDBusMessage &message, const QString &interface, const QString &member)
+{
+    return (message.interface().isEmpty() || message.interface() == interface) && message.member() == member;
+}
+
 /// Says why an event has not gone to a process, and is the error for that.
 OSErr notSent(SInt32 pid, OSErr error, const char *why)
 {
@@ -210,32 +216,35 @@ OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chr
 
 QString AppleEventTransport::introspect(const QString &) const
 {
-    // Qt writes the node around it.
-    const QString contract = QString::fromUtf8(appleEventsContract);
-    const QString end = QStringLiteral("</interface>\n");
-    const qsizetype from = contract.indexOf(QStringLiteral("  <interface "));
-    return contract.mid(from, contract.indexOf(end) + end.size() - from);
+    return {}; // Qt asks only for messages that handleMessage leaves to it.
 }
 
 bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
 {
-    const bool isOurs = message.interface().isEmpty() || message.interface() == eventInterface();
-    if (!isOurs || message.member() != QStringLiteral("Send")) {
-        return false;
+    // Nothing is left to Qt, which would answer at once, however many questions have come.
+    WorkInTurns::Work work = [message, connection] { answerOther(message, connection); };
+    if (isCall(message, eventInterface(), QStringLiteral("Send"))) {
+        // Asked now, while the sender is likely to be there still.
+        work = [this, message, connection, sender = m_peers.processOf(message.service())] {
+            receive(message, connection, sender);
+        };
     }
-    // Asked now, while the sender is likely to be there still.
-    const std::optional<qint64> sender = m_peers.processOf(message.service());
     // To a blocking call to its own process, Qt wants the answer before this returns.
     if (message.service() == connection.baseService()) {
-        receive(message, connection, sender);
-        return true;
-    }
-    const bool isAccepted = m_incoming.carryOut(
-        message.service(), [this, message, connection, sender] { receive(message, connection, sender); });
-    if (!isAccepted) {
-        refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many events wait already"));
+        work();
+    } else if (!m_incoming.carryOut(message.service(), std::move(work))) {
+        refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many messages wait already"));
     }
     return true;
+}
+
+void AppleEventTransport::answerOther(const QDBusMessage &message, const QDBusConnection &connection)
+{
+    if (!isCall(message, QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"))) {
+        refuse(message, connection, QDBusError::UnknownMethod, QStringLiteral("No such method"));
+    } else if (message.isReplyRequired()) {
+        connection.send(message.createReply(QString::fromUtf8(appleEventsContract)));
+    }
 }
 
 void AppleEventTransport::receive(const QDBusMessage &message, const QDBusConnection &connection,

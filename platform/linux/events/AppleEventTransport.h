@@ -22,8 +22,8 @@ public:
     /// errAEEventFailed.
     using Handler = std::function<OSErr(AppleEventContents event)>;
 
-    /// `bus` must outlive this object. When `maxWaiting` events of one sender wait to be handled, more of them are
-    /// refused: with the error LimitsExceeded, or without a word when the sender wants no reply.
+    /// `bus` must outlive this object. When `maxWaiting` messages of one sender wait to be handled, events or not, more
+    /// of them are refused: with the error LimitsExceeded, or without a word when the sender wants no reply.
     AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting = WorkInTurns::defaultMaxWaiting);
     ~AppleEventTransport() override;
 
@@ -60,6 +60,8 @@ private:
     [[nodiscard]] OSErr findReceiver(SInt32 pid, QString &uniqueName) const;
     void receive(const QDBusMessage &message, const QDBusConnection &connection, std::optional<qint64> sender);
     [[nodiscard]] OSErr handle(AppleEventContents event);
+    /// Describes the object to who asks for that, and refuses all else.
+    static void answerOther(const QDBusMessage &message, const QDBusConnection &connection);
 
     SessionBus &m_bus;
     Handler m_handler;

@@ -17,6 +17,12 @@ DistributedNotificationSignal::DistributedNotificationSignal(SessionBus &bus, QS
     , m_callback(std::move(callback))
 {
     connect(&bus, &SessionBus::connected, this, &DistributedNotificationSignal::observe);
+    m_pause.setSingleShot(true);
+    connect(&m_pause, &QTimer::timeout, this, [this] {
+        if (std::exchange(m_isPostedAgain, false)) {
+            tell();
+        }
+    });
     observe();
 }
 
@@ -33,5 +39,16 @@ void DistributedNotificationSignal::observe()
 
 void DistributedNotificationSignal::onPosted()
 {
+    if (m_pause.isActive()) {
+        m_isPostedAgain = true;
+    } else {
+        tell();
+    }
+}
+
+void DistributedNotificationSignal::tell()
+{
+    // From here on what is posted is news again, also while the callback runs.
+    m_pause.start(pauseAfterACall);
     m_callback();
 }

@@ -16,6 +16,7 @@
 #include <QPointer>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <QUrl>
 
 #include <gmock/gmock.h>
@@ -158,6 +159,8 @@ protected:
         ASSERT_NE(receiver->connection(), nullptr);
         ASSERT_TRUE(waitUntil([this] { return !receiver->connection() || receiver->connection()->isFinished(); }));
         QCoreApplication::sendPostedEvents(&*receiver); // It may not have heard of the end yet.
+        ASSERT_TRUE(waitUntil([this] { return sink.ends == sink.deliveries; }))
+            << "a long document is not read to its end";
     }
 
     /// A self-signed certificate for 127.0.0.1 and its key, in a PEM file.
@@ -582,6 +585,35 @@ TEST_F(KivNotificationReceiverTest, KeepsTheBytesWhenAnExceptionLeavesTheParse)
         EXPECT_EQ(receiver->connection(), nullptr);
     }
     EXPECT_EQ(sink.ids, (Ids{"1", "1"})); // The first document's, twice.
+}
+
+TEST_F(KivNotificationReceiverTest, LeavesTheEventLoopItsTurnsInALongDocument)
+{
+    constexpr int messages = 1000;
+    const QByteArray content = QByteArray("Many words that take some time to be measured. ").repeated(22).toBase64();
+    QByteArray document = "<supportMessages>";
+    for (int id = 1; id <= messages; ++id) {
+        document += "<supportMessage><messageId>" + QByteArray::number(id) + "</messageId><contentData>" + content +
+                    "</contentData></supportMessage>";
+    }
+    serve({answerWith(document + "</supportMessages>"), answerWith(feedWith("last"))});
+    int turnsInBetween = 0;
+    QTimer turn;
+    turn.callOnTimeout([&] {
+        if (!sink.ids.empty() && sink.ids.size() < messages && ++turnsInBetween == 1) {
+            receiver->parseNotificationData(); // Of the same bytes: there is nothing left of them when it begins.
+        }
+    });
+    turn.start(0);
+    receiver->receiveNextNotification();
+    ASSERT_TRUE(waitUntil([this] { return sink.ids.size() == messages && sink.ends == 2; }));
+    EXPECT_GE(turnsInBetween, 3);
+    EXPECT_EQ(sink.ids.front(), "1");
+    EXPECT_EQ(sink.ids.back(), std::to_string(messages));
+    EXPECT_EQ(sink.deliveries, 2);
+    receive();
+    EXPECT_EQ(sink.ids.back(), "last");
+    EXPECT_EQ(sink.ids.size(), messages + 1U);
 }
 
 TEST_F(KivNotificationReceiverTest, TakesSixteenMebibytesAndCancelsOneByteMore)

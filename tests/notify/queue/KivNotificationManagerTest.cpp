@@ -405,6 +405,18 @@ TEST_F(KivNotificationManagerTest, TriesAgainAtTheEndWhatItCouldNotSave)
     EXPECT_EQ(idsInFile(), (Ids{"1", "2"}));
 }
 
+TEST_F(KivNotificationManagerTest, StoresNoIdAtTheEndInTheMiddleOfADelivery)
+{
+    setPreferences(0, 0);
+    start().enqueueNotification(record("1"));
+    manager->enqueueNotification(record("2"));
+    const NotificationSink::Delivery delivery(*manager);
+    manager->enqueueNotification(record("4"));
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(idsInFile(), (Ids{"1", "2", "4"}));
+    EXPECT_EQ(storedId(), "2") << "the third would not be sent again";
+}
+
 TEST_F(KivNotificationManagerTest, TakesADeliveryWithinAnotherAsAPartOfIt)
 {
     setPreferences(0, 0);

@@ -174,16 +174,16 @@ TEST_F(Transport, RefusesWhatIsNoEvent)
     EXPECT_EQ(events.size(), 1u);
 }
 
-TEST_F(Transport, LeavesOtherMembersToTheBusLibrary)
+TEST_F(Transport, RefusesOtherCalls)
 {
     transport.startReceiving();
     QDBusMessage other =
         QDBusMessage::createMethodCall(ownBusName(), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
                                        QStringLiteral("com.tamborel.kivune.AppleEvents"), QStringLiteral("Receive"));
-    EXPECT_EQ(call(other).type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(QDBusError(call(other)).type(), QDBusError::UnknownMethod);
     other = QDBusMessage::createMethodCall(ownBusName(), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
                                            QStringLiteral("com.example.Other"), QStringLiteral("Send"));
-    EXPECT_EQ(call(other).type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(QDBusError(call(other)).type(), QDBusError::UnknownMethod);
     EXPECT_TRUE(events.empty());
 }
 
@@ -214,12 +214,17 @@ QString interfaceIn(const QByteArray &document)
     return text;
 }
 
+QDBusMessage requestOfContract()
+{
+    return QDBusMessage::createMethodCall(ownBusName(), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
+                                          QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                                          QStringLiteral("Introspect"));
+}
+
 TEST_F(Transport, DescribesItselfByTheContract)
 {
     transport.startReceiving();
-    const QDBusMessage answer = call(QDBusMessage::createMethodCall(
-        ownBusName(), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
-        QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect")));
+    const QDBusMessage answer = call(requestOfContract());
     QFile contract(QStringLiteral(KIV_SOURCE_DIR "/resources/dbus/com.tamborel.kivune.AppleEvents.xml"));
     ASSERT_TRUE(contract.open(QIODevice::ReadOnly));
     const QString expected = interfaceIn(contract.readAll());
@@ -415,6 +420,40 @@ TEST_F(Transport, RefusesEventsOfASenderThatHasTooManyWaiting)
         EXPECT_EQ(call.reply().arguments().value(0), QVariant(0));
     }
     EXPECT_EQ(handled, 3);
+}
+
+TEST_F(Transport, AnswersOtherCallsInTurnsToo)
+{
+    SessionBus ownBus(10ms);
+    AppleEventTransport narrow(
+        ownBus,
+        [](const AppleEventContents &) {
+            const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
+            while (!end.hasExpired()) {
+            }
+            return noErr;
+        },
+        1);
+    narrow.startReceiving();
+    const BusPeer other(daemon);
+    const QDBusMessage noSuchMethod = QDBusMessage::createMethodCall(
+        ownBusName(), requestOfContract().path(), requestOfContract().interface(), QStringLiteral("Describe"));
+    const QDBusPendingCall event =
+        peer.connection().asyncCall(rawEvent(ownBusName(), QStringLiteral("test"), QStringLiteral("numb")));
+    const QDBusPendingCall waiting = peer.connection().asyncCall(requestOfContract());
+    const QDBusPendingCall refused = peer.connection().asyncCall(requestOfContract());
+    static_cast<void>(peer.connection().interface()->registeredServiceNames());
+    const QDBusPendingCall others = other.connection().asyncCall(noSuchMethod);
+    const QDBusPendingCall refusedToOther = other.connection().asyncCall(noSuchMethod);
+    // All have come, and none is handled yet, when these are answered.
+    static_cast<void>(other.connection().interface()->registeredServiceNames());
+    static_cast<void>(ownBus.processOf(ownBusName()));
+    ASSERT_TRUE(waitUntil([&] { return waiting.isFinished() && others.isFinished() && event.isFinished(); }));
+    ASSERT_TRUE(waitUntil([&] { return refused.isFinished() && refusedToOther.isFinished(); }));
+    EXPECT_EQ(waiting.reply().type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(QDBusError(refused.reply()).type(), QDBusError::LimitsExceeded);
+    EXPECT_EQ(QDBusError(others.reply()).type(), QDBusError::UnknownMethod);
+    EXPECT_EQ(QDBusError(refusedToOther.reply()).type(), QDBusError::LimitsExceeded);
 }
 
 TEST_F(Transport, HandlesAnEventWithinMilliseconds)

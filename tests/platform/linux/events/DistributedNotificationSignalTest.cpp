@@ -6,6 +6,7 @@
 #include "tests/support/WaitUntil.h"
 
 #include <QDBusMessage>
+#include <QElapsedTimer>
 
 #include <gtest/gtest.h>
 
@@ -47,6 +48,39 @@ TEST_F(DistributedNotificationSignalTest, HearsItsNameFromAnyPathAndWithAnyArgum
     post();
     EXPECT_TRUE(waitUntil([&] { return heard == 1; }));
     post(name, ours, QStringLiteral("/com/tamborel/anywhere"), {QStringLiteral("details"), 7});
+    EXPECT_TRUE(waitUntil([&] { return heard == 2; }));
+}
+
+TEST_F(DistributedNotificationSignalTest, HearsTheFirstOfManyAtOnceAndTheOthersTogether)
+{
+    SessionBus bus(10ms);
+    int heard = 0;
+    int heardOfTheEnd = 0;
+    const QString end = QStringLiteral("KivSomethingElse");
+    const DistributedNotificationSignal observer(bus, name, [&heard] { ++heard; });
+    const DistributedNotificationSignal observerOfTheEnd(bus, end, [&] { heardOfTheEnd = heard; });
+    const BusPeer peer(daemon);
+    constexpr int posted = 2000;
+    QElapsedTimer duration;
+    duration.start();
+    for (int i = 0; i < posted; ++i) {
+        ASSERT_TRUE(peer.connection().send(QDBusMessage::createSignal(QStringLiteral("/"), ours, name)));
+    }
+    ASSERT_TRUE(peer.connection().send(QDBusMessage::createSignal(QStringLiteral("/"), ours, end)));
+    ASSERT_TRUE(waitUntil([&] { return heardOfTheEnd > 0; }));
+    EXPECT_LE(heard, 1 + duration.elapsed() / DistributedNotificationSignal::pauseAfterACall.count());
+}
+
+TEST_F(DistributedNotificationSignalTest, HearsWhatIsPostedWhileItTells)
+{
+    SessionBus bus(10ms);
+    int heard = 0;
+    const DistributedNotificationSignal observer(bus, name, [&] {
+        if (++heard == 1) {
+            post();
+        }
+    });
+    post();
     EXPECT_TRUE(waitUntil([&] { return heard == 2; }));
 }
 

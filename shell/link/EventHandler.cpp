@@ -13,7 +13,6 @@
 
 namespace
 {
-/// The owner, if it ran when it claimed this agent.
 struct Claim {
     ProcessSerialNumber owner;
     std::function<bool()> hasEnded;
@@ -24,7 +23,8 @@ void setOwner(const ProcessSerialNumber &sender)
 {
     __owpsn = sender;
     pid_t pid = 0;
-    claim = GetProcessPID(&sender, &pid) == noErr ? std::optional(Claim{sender, watchProcess(pid)}) : std::nullopt;
+    const bool runs = GetProcessPID(&sender, &pid) == noErr; // It may have ended since it sent the claim.
+    claim = Claim{sender, runs ? watchProcess(pid) : [] { return true; }};
 }
 
 /// Whether somebody else speaks in the owner's name now that the owner has ended. Its own last words are handled after

@@ -60,7 +60,7 @@ endfunction()
 # kiv_add_python_test(<name> <file> [<argument>...]): tests of our Python and bash. They may import what lies in the
 # tree, by its path from the top.
 function(kiv_add_python_test name file)
-  add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${ARGN})
+  add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} -B ${CMAKE_CURRENT_SOURCE_DIR}/${file} ${ARGN} -v)
   set_tests_properties(${name} PROPERTIES LABELS unit ENVIRONMENT "PYTHONPATH=${CMAKE_SOURCE_DIR}")
 endfunction()
 

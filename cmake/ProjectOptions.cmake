@@ -5,7 +5,6 @@ target_compile_definitions(kiv_options INTERFACE
   QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_NO_FOREACH QT_DISABLE_DEPRECATED_BEFORE=0x060400)
 target_compile_options(kiv_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wextra-semi
-  -Werror=switch # For everybody: a switch that does not know of a new value would do what it does for the last one.
   $<$<BOOL:${KIV_WARNINGS_AS_ERRORS}>:-Werror>)
 if(CMAKE_UNITY_BUILD)
   # What one file calls a function of its own, the next may call a variable. And to GCC a type of an anonymous namespace

@@ -14,7 +14,6 @@
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventHandler.h"
 
-#include <cstdio>
 #include <cstdlib>
 
 namespace
@@ -48,7 +47,7 @@ int main(int, char **argv)
 {
     LogOutput::useStandardError();
     if (const QString obstacle = GraphicalSession::prepare(); !obstacle.isEmpty()) {
-        std::fprintf(stderr, "%s: %s\n", ProductTexts::programName, qPrintable(obstacle));
+        qCCritical(agentLog, "%s", qPrintable(obstacle));
         return EXIT_FAILURE;
     }
     int argumentCount = 1; // The program's name: arguments are ignored, Qt's own too.

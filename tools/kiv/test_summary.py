@@ -1,4 +1,5 @@
-"""Reads what ctest --output-junit wrote. A program of GoogleTest counts as the tests in it, any other program as one.
+"""Reads what ctest --output-junit wrote. A program of GoogleTest counts as the tests in it, any other program as one,
+and what it skipped beside that.
 
 test_summary.py FILE [AGAIN]        says how many tests passed, failed and were skipped. AGAIN, which need not be there,
                                     is about the programs that failed in FILE, which have been run once more.
@@ -16,6 +17,8 @@ import xml.etree.ElementTree
 
 OUTCOME = re.compile(r"\[ +(OK|FAILED|SKIPPED) +\] (\S+?)(?:, where .*)? \(\d+ ms\)$")
 GONE = re.compile(r"workaround (\w+): no longer needed (with .*)$")
+SKIPPED_BY_PYTHON = re.compile(r"\.\.\. skipped ['\"](.*)['\"]$", re.MULTILINE)
+PASSED_BY_PYTHON = re.compile(r"\.\.\. ok$", re.MULTILINE)
 REASON = re.compile(r": Skipped$")
 FIRST = re.compile(r"\[=+\] Running \d+ tests? ", re.MULTILINE)
 LAST = re.compile(r"\[=+\] \d+ tests? .* ran\.", re.MULTILINE)
@@ -44,7 +47,9 @@ class Summary:
         elif status == "run" and FIRST.search(output) and not LAST.search(output):
             self.broken_off.append(name)
         elif status == "run" and not seen:
-            self.passed += 1
+            reasons = SKIPPED_BY_PYTHON.findall(output)
+            self.reasons.update(reasons)
+            self.passed += not reasons or PASSED_BY_PYTHON.search(output) is not None
         elif status != "run" and "FAILED" not in seen:
             # It did not start, took too long, crashed, or failed after its last test.
             self.failed.append(name)

@@ -11,7 +11,7 @@ sys.path.insert(0, str(SOURCE / "tools/kiv"))
 import mutate  # noqa: E402 pylint: disable=wrong-import-position
 
 WANTED = [line for line in (SOURCE / "tests/environment").read_text(encoding="utf-8").splitlines() if line[0] != "#"]
-BUILD = sys.argv.pop()
+BUILD = sys.argv.pop(1)
 
 
 class Environment(unittest.TestCase):

@@ -42,6 +42,12 @@ class TestSummary(unittest.TestCase):
     def test_a_program_without_tests_in_it_is_one(self):
         self.assertEqual(self.summary(program("A", "all is well\n"), program("B")), ["2 passed, 0 failed"])
 
+    def test_what_python_skips_is_counted_beside_its_program_unless_that_is_all(self):
+        skipped = "test_a (__main__.A) ... skipped 'not installed: git'\n"
+        self.assertEqual(self.summary(program("A", f"{skipped}test_b (__main__.A) ... ok\n{skipped}\nOK (skipped=2)\n"),
+                                      program("B", f"{skipped}\nOK (skipped=1)\n")),
+                         ["1 passed, 0 failed, 3 skipped (3: not installed: git)"])
+
     def test_failures_are_named(self):
         self.assertEqual(self.summary(program("A", "[  FAILED  ] S.One (3 ms)\n[       OK ] S.Two (0 ms)\n"
                                                    "[  FAILED  ] S.One\n", "fail"),

@@ -89,6 +89,14 @@ void writeHead(const QNetworkReply &connection)
     write(QByteArray::number(status) + ' ' + connection.rawHeader("Content-Type").replace('\n', ' ') + '\n');
 }
 
+/// Whether less of the body has come than was promised. Qt does not always count it as an error when the server closes
+/// the connection too soon, if all that it had sent has been read before. What Qt decompresses has no length.
+bool isCut(const QNetworkReply &connection, qint64 bodyBytes)
+{
+    const QVariant length = connection.header(QNetworkRequest::ContentLengthHeader);
+    return length.isValid() && bodyBytes < length.toLongLong();
+}
+
 } // namespace
 
 void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDuration)
@@ -110,11 +118,17 @@ void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDurati
     abortOnceSilentFor(connection, *timeout);
     abortAfter(connection, maxDuration);
     QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
-    QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection] { write(connection->readAll()); });
+    qint64 bodyBytes = 0;
+    QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection, &bodyBytes] {
+        const QByteArray bytes = connection->readAll();
+        bodyBytes += bytes.size();
+        write(bytes);
+    });
     QObject::connect(
         connection, &QNetworkReply::finished, connection,
-        [connection] {
-            QCoreApplication::exit(connection->error() == QNetworkReply::NoError ? EXIT_SUCCESS : EXIT_FAILURE);
+        [connection, &bodyBytes] {
+            const bool isWhole = connection->error() == QNetworkReply::NoError && !isCut(*connection, bodyBytes);
+            QCoreApplication::exit(isWhole ? EXIT_SUCCESS : EXIT_FAILURE);
         },
         Qt::QueuedConnection); // It may have ended before the loop begins.
     const int status = QCoreApplication::exec();

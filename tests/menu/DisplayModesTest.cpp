@@ -46,7 +46,7 @@ TEST(DisplayModes, BecomeTheSizesThatTheDataFilesExpect)
         const QJsonObject data = readData(folder.filePath(file));
         const CFArrayRef modes = newModeList(data.value(QStringLiteral("modes")).toArray());
         QStringList expected;
-        for (const QJsonValue &title : data.value(QStringLiteral("expected")).toArray()) {
+        for (const QJsonValue title : data.value(QStringLiteral("expected")).toArray()) {
             expected += title.toString();
         }
         EXPECT_EQ(titles(displaySizes(modes)), expected)
@@ -65,7 +65,7 @@ TEST(DisplayModes, OfWhichThereAreHundredsKeepTheirOrder)
     }
     QStringList expected;
     for (int width = 640 + 32 * 29; width >= 640; width -= 32) {
-        for (const QJsonValue &one : modes) {
+        for (const QJsonValue one : modes) {
             const QString title =
                 QStringLiteral("%1 x %2").arg(width).arg(one.toObject().value(QStringLiteral("Height")).toInt());
             if (one.toObject().value(QStringLiteral("Width")) == width && !expected.contains(title)) {

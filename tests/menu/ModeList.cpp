@@ -40,7 +40,7 @@ CFTypeRef newMode(const QJsonObject &mode)
 CFArrayRef newModeList(const QJsonArray &modes)
 {
     std::vector<const void *> elements;
-    for (const QJsonValue &mode : modes) {
+    for (const QJsonValue mode : modes) {
         elements.push_back(mode.isNull() ? nullptr : newMode(mode.toObject()));
     }
     const CFArrayRef array = CFArrayCreate(kCFAllocatorDefault, elements.data(), static_cast<CFIndex>(elements.size()),

@@ -111,7 +111,7 @@ TEST_F(LogOutputTest, DoesNotWaitForAReaderWhoHasStopped)
 
 TEST_F(LogOutputTest, CutsWhatAPipeDoesNotTakeInOnePiece)
 {
-    qCWarning(linkLog) << QString(3 * PIPE_BUF, u'x');
+    qCWarning(linkLog) << QString(qsizetype{3} * PIPE_BUF, u'x');
     const QByteArray line = written();
     EXPECT_EQ(line.size(), PIPE_BUF);
     EXPECT_TRUE(line.endsWith("x\n"));

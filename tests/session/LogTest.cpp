@@ -55,7 +55,7 @@ protected:
     {
         const QStringList lines = QString::fromUtf8(agent->standardError()).split(u'\n');
         for (const QString &pattern : patterns) {
-            EXPECT_TRUE(lines.filter(QRegularExpression(u'^' + pattern + u'$')).size() > 0)
+            EXPECT_FALSE(lines.filter(QRegularExpression(u'^' + pattern + u'$')).isEmpty())
                 << qPrintable(pattern) << " is in none of\n"
                 << qPrintable(lines.join(u'\n'));
         }

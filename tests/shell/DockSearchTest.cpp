@@ -26,6 +26,7 @@ int dockAppearsAfterFiveSleeps(useconds_t microseconds)
     return 0;
 }
 
+// NOLINTNEXTLINE(bugprone-string-literal-with-embedded-nul): codes of zeros
 const FakeProcess shellProcess{10, "\0\0\0\0", "\0\0\0\0", std::nullopt};
 const FakeProcess realDock{50, "APPL", "dock", "com.apple.dock"};
 

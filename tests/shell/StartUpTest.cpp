@@ -86,8 +86,9 @@ void __wait_dock(SleepFunction)
     steps.push_back({"wait for the Dock"});
 }
 
-std::unique_ptr<DistributedNotifications::Observer> DistributedNotifications::addObserver(const QString &name,
-                                                                                          std::function<void()>)
+std::unique_ptr<DistributedNotifications::Observer>
+DistributedNotifications::addObserver(const QString &name,
+                                      std::function<void()>) // NOLINT(performance-unnecessary-value-param)
 {
     EXPECT_EQ(name, QStringLiteral("KivMunuUpdateSettingsNotification"));
     steps.push_back({"make the manager"});

@@ -30,7 +30,7 @@ FileChanges::~FileChanges()
 QByteArrayList FileChanges::takeNames()
 {
     QByteArrayList names;
-    alignas(inotify_event) std::array<char, 64 * 1024> buffer;
+    alignas(inotify_event) std::array<char, std::size_t{64} * 1024> buffer;
     ssize_t size = 0;
     while ((size = ::read(m_inotify, buffer.data(), buffer.size())) > 0) {
         for (ssize_t at = 0; at < size;) {

@@ -618,7 +618,7 @@ TEST_F(KivNotificationReceiverTest, LeavesTheEventLoopItsTurnsInALongDocument)
 
 TEST_F(KivNotificationReceiverTest, TakesSixteenMebibytesAndCancelsOneByteMore)
 {
-    constexpr qsizetype maxBytes = 16 * 1024 * 1024;
+    constexpr qsizetype maxBytes = qsizetype{16} * 1024 * 1024;
     const auto sized = [](const QByteArray &id, qsizetype size) {
         const QByteArray document = feedWith(id);
         return answerWith(document + QByteArray(size - document.size(), ' '));
@@ -643,7 +643,7 @@ TEST_F(KivNotificationReceiverTest, TakesACompressedAnswer)
 TEST_F(KivNotificationReceiverTest, CountsTheBytesOfACompressedAnswerAsTheyAre)
 {
     const QByteArray document = feedWith("1");
-    serve({compressed(document + QByteArray(16 * 1024 * 1024, ' ')), answerWith(feedWith("2"))});
+    serve({compressed(document + QByteArray(qsizetype{16} * 1024 * 1024, ' ')), answerWith(feedWith("2"))});
     receive();
     EXPECT_EQ(sink.ids, Ids());
     receive(); // What was kept of it is gone.
@@ -652,7 +652,7 @@ TEST_F(KivNotificationReceiverTest, CountsTheBytesOfACompressedAnswerAsTheyAre)
 
 TEST_F(KivNotificationReceiverTest, CountsTheBytesKeptOfEarlierAnswers)
 {
-    const QByteArray half = "<a>" + QByteArray(9 * 1024 * 1024, ' ');
+    const QByteArray half = "<a>" + QByteArray(qsizetype{9} * 1024 * 1024, ' ');
     serve({answerWith(half), answerWith(half), answerWith(feedWith("1"))});
     receive();
     EXPECT_EQ(receiver->connection(), nullptr);

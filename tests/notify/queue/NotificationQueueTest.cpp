@@ -114,7 +114,7 @@ TEST(NotificationQueue, RemovesAnInstantMessageAndNoOther)
     ASSERT_EQ(queue.records().size(), 1U);
     EXPECT_EQ(queue.records().at(0), first) << "a message without id has taken an instant one with it";
     queue.remove(*queue.records().at(0)); // Which nobody else keeps alive.
-    EXPECT_TRUE(queue.records().size() == 0);
+    EXPECT_TRUE(queue.records().empty());
 }
 
 TEST(NotificationQueue, DropsTheOldestOfTheLeastUrgentWhenItIsFull)

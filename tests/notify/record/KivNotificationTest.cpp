@@ -487,15 +487,15 @@ TEST(KivNotification, DescribesNilAndTheDistantFuture)
 
 TEST(KivNotification, KeepsTheFirst64KilobytesOfATextAndAnEllipsisForTheRest)
 {
-    constexpr qsizetype most = 64 * 1024;
+    constexpr qsizetype maxSize = qsizetype{64} * 1024;
     struct Text {
         const char *what;
         QString character;
         qsizetype kept; ///< Characters.
     };
     for (const Text &text :
-         {Text{"one byte each", QStringLiteral("a"), most}, Text{"two", QStringLiteral("é"), most / 2},
-          Text{"three", QStringLiteral("€"), most / 3}, Text{"four", QStringLiteral("😀"), most / 4}}) {
+         {Text{"one byte each", QStringLiteral("a"), maxSize}, Text{"two", QStringLiteral("é"), maxSize / 2},
+          Text{"three", QStringLiteral("€"), maxSize / 3}, Text{"four", QStringLiteral("😀"), maxSize / 4}}) {
         KivNotification record;
         record.setContentHeight(1); // Not to be measured.
         record.setMessageText(text.character.repeated(text.kept));
@@ -510,9 +510,9 @@ TEST(KivNotification, KeepsTheFirst64KilobytesOfATextAndAnEllipsisForTheRest)
 
 TEST(KivNotification, KeepsFourTimesAsMuchOfHtmlAndCutsNoTag)
 {
-    constexpr qsizetype most = 256 * 1024;
+    constexpr qsizetype maxSize = qsizetype{256} * 1024;
     const QString tag = QStringLiteral("<p style='color: #333333; font: 16px Arial'>");
-    const QString html = tag.repeated(most / tag.size());
+    const QString html = tag.repeated(maxSize / tag.size());
     KivNotification record;
     record.setContentHeight(1);
     record.setMessageText(html);
@@ -521,8 +521,8 @@ TEST(KivNotification, KeepsFourTimesAsMuchOfHtmlAndCutsNoTag)
     EXPECT_EQ(record.messageText(), html + QStringLiteral("…"));
     record.setMessageText(record.messageText());
     EXPECT_EQ(record.messageText(), html + QStringLiteral("…")) << "read back from the file";
-    record.setMessageText(QLatin1Char('<') + QString(most, u'>'));
-    EXPECT_EQ(record.messageText(), QLatin1Char('<') + QString(most - 1, u'>') + QStringLiteral("…"));
+    record.setMessageText(QLatin1Char('<') + QString(maxSize, u'>'));
+    EXPECT_EQ(record.messageText(), QLatin1Char('<') + QString(maxSize - 1, u'>') + QStringLiteral("…"));
     record.setMessageText(QLatin1Char(' ') + html);
     EXPECT_EQ(record.messageText().size(), 64 * 1024 + 1) << "with a blank in front it is plain";
 }

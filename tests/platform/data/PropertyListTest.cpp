@@ -19,7 +19,7 @@ using PropertyList::Writing;
 namespace
 {
 
-constexpr qsizetype maxBytes = 16 * 1024 * 1024;
+constexpr qsizetype maxBytes = qsizetype{16} * 1024 * 1024;
 
 const QVariantMap sample{
     {QStringLiteral("text"), QStringLiteral("Gr\u00FC\u00DFe \U0001F600 <&>\r\n")},

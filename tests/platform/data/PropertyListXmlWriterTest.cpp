@@ -167,7 +167,7 @@ TEST(PropertyListXmlWriter, WritesNothingThatCouldNotBeReadAgain)
 
 TEST(PropertyListXmlWriter, WritesSixteenMebibytesAndNotOneMore)
 {
-    constexpr qsizetype maxBytes = 16 * 1024 * 1024;
+    constexpr qsizetype maxBytes = qsizetype{16} * 1024 * 1024;
     const qsizetype frame = write(QStringLiteral("")).size();
     EXPECT_EQ(write(QString(maxBytes - frame, u'x')).size(), maxBytes);
     EXPECT_EQ(write(QString(maxBytes - frame + 1, u'x')), QByteArray());

@@ -87,7 +87,7 @@ xcb_keycode_t XInput::keycode(xcb_keysym_t symbol) const
     const xcb_keysym_t *symbols = xcb_get_keyboard_mapping_keysyms(reply.get());
     for (int i = 0; i < count; ++i) {
         // Only the unshifted symbol: nothing here holds a modifier down.
-        if (symbols[i * reply->keysyms_per_keycode] == symbol) {
+        if (symbols[ptrdiff_t{i} * reply->keysyms_per_keycode] == symbol) {
             return static_cast<xcb_keycode_t>(setup->min_keycode + i);
         }
     }

@@ -341,7 +341,7 @@ TEST_F(DoHint, IsRefusedWhileAHundredWait)
 TEST_F(DoHint, KeepsTheFirst64KilobytesOfItsTextAlsoOfHtml)
 {
     EXPECT_EQ(send(QByteArray(1'000'000, 'x')), 0);
-    EXPECT_EQ(shown()->messageText(), QString(64 * 1024, u'x') + QChar(u'\u2026'));
+    EXPECT_EQ(shown()->messageText(), QString(qsizetype{64} * 1024, u'x') + QChar(u'\u2026'));
     manager().notificationWindow()->onCloseButton();
     EXPECT_EQ(send(QByteArray("<p>word").repeated(100'000)), 0);
     EXPECT_LE(shown()->messageText().size(), 64 * 1024 + 1);

@@ -84,9 +84,9 @@ TEST(CFType, CountsItsReferences)
 TEST(CFType, CountsAcrossThreads)
 {
     const auto made = number(7);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&made] {
+    std::array<std::thread, 4> threads;
+    for (std::thread &thread : threads) {
+        thread = std::thread([&made] {
             for (int round = 0; round < 10'000; ++round) {
                 EXPECT_TRUE(arrayOf(made.get()));
             }

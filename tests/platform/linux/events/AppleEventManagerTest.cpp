@@ -120,7 +120,7 @@ TEST(AEPutParamPtr, RefusesWhatIsNotThere)
 TEST(AEPutParamPtr, HoldsNoMoreThanTheBusCanCarry)
 {
     Event made;
-    const std::vector<char> large(20 * 1024 * 1024);
+    const std::vector<char> large(std::size_t{20} * 1024 * 1024);
     const auto size = static_cast<Size>(large.size());
     EXPECT_EQ(AEPutParamPtr(&made.event, dataKey, typeSInt32, large.data(), size), noErr);
     EXPECT_EQ(AEPutParamPtr(&made.event, fourCharCode("more"), typeSInt32, large.data(), size), memFullErr);
@@ -254,7 +254,7 @@ OSErr selfRemoving(const AppleEvent *, AppleEvent *, SRefCon)
 
 OSErr slow(const AppleEvent *, AppleEvent *, SRefCon)
 {
-    const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
+    const QDeadlineTimer end(2 * WorkInTurns::defaultMaxShareOfATurn, Qt::PreciseTimer);
     while (!end.hasExpired()) {
     }
     return 14;

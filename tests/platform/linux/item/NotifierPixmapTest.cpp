@@ -45,8 +45,8 @@ TEST(NotifierPixmap, HasItsRowsFromTheTopWithNothingBetween)
     EXPECT_EQ(pixmap.width, 3);
     EXPECT_EQ(pixmap.height, 2);
     ASSERT_EQ(pixmap.bytes.size(), 3 * 2 * 4);
-    EXPECT_EQ(pixmap.bytes.mid(2 * 4, 4), bytes({0xff, 0xff, 0, 0}));
-    EXPECT_EQ(pixmap.bytes.mid(3 * 4, 4), bytes({0xff, 0, 0, 0xff}));
+    EXPECT_EQ(pixmap.bytes.mid(qsizetype{2} * 4, 4), bytes({0xff, 0xff, 0, 0}));
+    EXPECT_EQ(pixmap.bytes.mid(qsizetype{3} * 4, 4), bytes({0xff, 0, 0, 0xff}));
 }
 
 TEST(NotifierPixmaps, AreThereForEverySizeInWhichPanelsDrawItemsOfTheUsualScales)
@@ -68,7 +68,7 @@ TEST(NotifierPixmaps, AreFadedForADisabledItem)
     picture.fill(Qt::red);
     const auto centre = [&](IconLook look) {
         const NotifierPixmap pixmap = notifierPixmaps(QIcon(picture), look).value(1);
-        return pixmap.bytes.mid((11 * pixmap.width + 11) * 4, 4);
+        return pixmap.bytes.mid((11 * qsizetype{pixmap.width} + 11) * 4, 4);
     };
     EXPECT_EQ(centre(IconLook::Normal), bytes({0xff, 0xff, 0, 0}));
     const QByteArray faded = centre(IconLook::Faded);

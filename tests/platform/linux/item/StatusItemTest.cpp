@@ -507,9 +507,9 @@ TEST_F(StatusItemTest, HasTheTraysBackgroundAroundTheIconInAPlainTray)
     ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != stripPlace; }));
     EXPECT_TRUE(waitUntil([] { return screenColour({112, 62}).red() > 0x9e; }));
     const QColor mixed = screenColour({112, 62});
-    EXPECT_NEAR(mixed.red(), (255 + 0x40) / 2, 2);
-    EXPECT_NEAR(mixed.green(), 0x80 / 2, 2);
-    EXPECT_NEAR(mixed.blue(), 0xc0 / 2, 2);
+    EXPECT_NEAR(mixed.red(), (255 + 0x40) / 2.0, 2);
+    EXPECT_NEAR(mixed.green(), 0x80 / 2.0, 2);
+    EXPECT_NEAR(mixed.blue(), 0xc0 / 2.0, 2);
     EXPECT_EQ(screenColour({100, 50}), QColor(0x40, 0x80, 0xc0));
 }
 

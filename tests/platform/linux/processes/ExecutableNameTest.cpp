@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include <errno.h>
+#include <cerrno>
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -174,7 +174,7 @@ TEST_F(WorkaroundNeed, FreedMemoryOfXlib)
     const std::size_t before = heapInUse();
     XSync(x11->display(), False);
     const std::size_t after = heapInUse();
-    constexpr std::size_t ofFewWindows = 20 * 100;
+    constexpr std::size_t ofFewWindows = 2'000;
     tell("FreedMemoryOfXlib", before > after + ofFewWindows);
 }
 

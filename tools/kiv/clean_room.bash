@@ -22,8 +22,10 @@ clean_room() { # RELEASE --remove | RELEASE [--fresh] COMMAND...
     esac
     [[ $option == --remove || $# -gt 0 ]] || fail "clean-room wants a command; see ./kiv help"
     [[ $EUID -eq 0 ]] || fail "only root can make and enter a clean room"
-    # In a container, root may not be enough.
-    may_mount || exit "$no_clean_rooms_here"
+    if [[ $option != --remove ]] && ! may_mount; then
+        echo 'kiv: root may not mount here, as in most containers: no clean room' >&2
+        exit "$no_clean_rooms_here"
+    fi
     room=$clean_rooms/$release
     mkdir -p "$clean_rooms"
     exec {lock}>"$room.lock"
@@ -72,8 +74,8 @@ debian_mirror() {
     local mirror
     # shellcheck disable=SC2016 # apt expands it.
     mirror=$(apt-get indextargets --format '$(REPO_URI)' 'Created-By: Packages' 'Origin: Debian' 'Label: Debian' |
-        grep --max-count=1 '^http') || mirror=http://deb.debian.org/debian
-    echo "$mirror"
+        awk '/^http/ && !found { print; found = 1 }') || mirror= # It reads all: apt-get would end by a closed pipe.
+    echo "${mirror:-http://deb.debian.org/debian}"
 }
 
 use_room() { # RELEASE ROOM OPTION COMMAND...

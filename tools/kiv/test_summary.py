@@ -91,9 +91,9 @@ class Summary:
         self.passed += len(self.passed_again)
 
     def line(self):
-        text = f"{self.passed} passed, {len(self.failed) + len(self.broken_off)} failed"
+        text = f"{self.passed} passed, {len(self.failed) + len(self.broken_off)} failed, {self.reasons.total()} skipped"
         if self.reasons:
-            text += f", {self.reasons.total()} skipped ("
+            text += " ("
             text += "; ".join(f"{count}: {reason}" for reason, count in self.reasons.most_common()) + ")"
         if self.passed_again:
             text += f"; {len(self.passed_again)} passed only when tested again: " + ", ".join(self.passed_again)

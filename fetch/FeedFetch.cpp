@@ -1,6 +1,7 @@
 #include "fetch/FeedFetch.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QNetworkAccessManager>
 #include <QNetworkProxy>
 #include <QNetworkReply>
@@ -17,8 +18,11 @@
 namespace
 {
 
+/// As the agent's own lines about the feed, which the same switch asks for.
+Q_LOGGING_CATEGORY(feedLog, "kiv.feed", QtWarningMsg)
+
 /// How much of an answer Qt holds while nobody takes it.
-constexpr qint64 readBuffer = qint64{1024} * 1024;
+constexpr qint64 maxBufferedBytes = qint64{1024} * 1024;
 
 constexpr int usageError = 2;
 
@@ -97,6 +101,15 @@ bool isCut(const QNetworkReply &connection, qint64 bodyBytes)
     return length.isValid() && bodyBytes < length.toLongLong();
 }
 
+/// Why the request has failed; empty when it has not.
+QString failure(const QNetworkReply &connection, qint64 bodyBytes)
+{
+    if (connection.error() != QNetworkReply::NoError) {
+        return connection.errorString();
+    }
+    return isCut(connection, bodyBytes) ? QStringLiteral("the answer has been cut") : QString();
+}
+
 } // namespace
 
 void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDuration)
@@ -114,7 +127,7 @@ void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDurati
     QNetworkAccessManager network;
     network.setProxy(QNetworkProxy::NoProxy);
     QNetworkReply *const connection = network.get(plainRequest(address));
-    connection->setReadBufferSize(readBuffer);
+    connection->setReadBufferSize(maxBufferedBytes);
     abortOnceSilentFor(connection, *timeout);
     abortAfter(connection, maxDuration);
     QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
@@ -127,8 +140,11 @@ void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDurati
     QObject::connect(
         connection, &QNetworkReply::finished, connection,
         [connection, &bodyBytes] {
-            const bool isWhole = connection->error() == QNetworkReply::NoError && !isCut(*connection, bodyBytes);
-            QCoreApplication::exit(isWhole ? EXIT_SUCCESS : EXIT_FAILURE);
+            const QString reason = failure(*connection, bodyBytes);
+            if (!reason.isEmpty()) {
+                qCDebug(feedLog) << "no whole answer:" << reason;
+            }
+            QCoreApplication::exit(reason.isEmpty() ? EXIT_SUCCESS : EXIT_FAILURE);
         },
         Qt::QueuedConnection); // It may have ended before the loop begins.
     const int status = QCoreApplication::exec();

@@ -128,6 +128,7 @@ bool KivNotificationProperties::notificationIsRelevant(const KivNotification &re
 bool KivNotificationProperties::shouldShowNotification(const KivNotification &record) const
 {
     const ShowObstacle obstacle = obstacleToShowing(record, m_settings, m_clock());
-    qCDebug(queueLog) << "message" << record.messageId() << description(obstacle);
+    qCDebug(queueLog) << "message" << record.messageId() << "of type" << record.messageType() << "and priority"
+                      << record.messagePriority() << description(obstacle);
     return obstacle == ShowObstacle::None;
 }

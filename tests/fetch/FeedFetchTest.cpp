@@ -55,6 +55,21 @@ TEST_F(FeedFetch, TellsAnAnswerThatIsCutFromOneThatIsWhole)
     EXPECT_EQ(fetch.exitCode(), 1);
 }
 
+TEST_F(FeedFetch, SaysWhyThereIsNoWholeAnswerWhenAsked)
+{
+    for (const bool isAsked : {true, false}) {
+        ASSERT_TRUE(server.start({{.body = "<a>lost</a>", .cutAfter = 3}}));
+        fetch.process().setProcessChannelMode(QProcess::SeparateChannels);
+        fetch.environment.insert(QStringLiteral("QT_LOGGING_RULES"),
+                                 isAsked ? QStringLiteral("kiv.feed=true") : QString());
+        ask(server.address(QStringLiteral("/feed")));
+        waitForItsEnd();
+        const QByteArray said = fetch.process().readAllStandardError();
+        EXPECT_EQ(said.startsWith("kivfetch: kiv.feed: no whole answer: \""), isAsked) << said.constData();
+        EXPECT_EQ(said.isEmpty(), !isAsked) << said.constData();
+    }
+}
+
 TEST_F(FeedFetch, EndsWithItsAsker)
 {
     ASSERT_TRUE(server.start({{.gated = true}}));

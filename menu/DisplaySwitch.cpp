@@ -32,16 +32,16 @@ bool hasEnded(pid_t child)
 
 /// False when the session ends before the tool does. The event loop, which stands still, would not learn of that; a
 /// call that blocks until the tool has ended could be missed by a signal that comes just before it.
-bool waitForTool(pid_t child, const char *tool, QDeadlineTimer patience)
+bool waitForTool(pid_t child, const char *tool, QDeadlineTimer timeout)
 {
     using namespace std::chrono_literals;
     for (std::chrono::milliseconds pause = 1ms; !hasEnded(child); pause = std::min(2 * pause, 20ms)) {
         if (GraphicalSession::isEnding()) {
             return false;
         }
-        if (!patience.isForever() && patience.hasExpired()) {
+        if (!timeout.isForever() && timeout.hasExpired()) {
             qCWarning(itemLog, "still waiting for %s, process %d, to switch the display", tool, child);
-            patience = QDeadlineTimer(QDeadlineTimer::Forever);
+            timeout = QDeadlineTimer(QDeadlineTimer::Forever);
         }
         std::this_thread::sleep_for(pause);
     }
@@ -50,7 +50,7 @@ bool waitForTool(pid_t child, const char *tool, QDeadlineTimer patience)
 
 /// Runs the tool and waits for it. False when it could not even be forked, or has not come to its end; a missing tool
 /// is one that did nothing.
-bool runTool(const char *tool, const char *width, const char *height, std::chrono::milliseconds patience)
+bool runTool(const char *tool, const char *width, const char *height, std::chrono::milliseconds timeout)
 {
     // Nothing of this process is copied for the moment until the tool takes over: it may be one of hundreds on the
     // host. NOLINTNEXTLINE(clang-analyzer-security.insecureAPI.vfork)
@@ -63,11 +63,11 @@ bool runTool(const char *tool, const char *width, const char *height, std::chron
         ::execl(tool, tool, "dspcmd", "set", "-w", width, "-h", height, "-c", static_cast<char *>(nullptr));
         ::_exit(0);
     }
-    return waitForTool(child, tool, QDeadlineTimer(patience));
+    return waitForTool(child, tool, QDeadlineTimer(timeout));
 }
 } // namespace
 
-bool set_dmod(std::uint32_t width, std::uint32_t height, const char *tool, std::chrono::milliseconds patience)
+bool set_dmod(std::uint32_t width, std::uint32_t height, const char *tool, std::chrono::milliseconds timeout)
 {
     if (mainDisplayHasSize(width, height)) {
         return true;
@@ -76,5 +76,5 @@ bool set_dmod(std::uint32_t width, std::uint32_t height, const char *tool, std::
     char heightText[64];
     std::snprintf(widthText, sizeof widthText - 1, "%d", static_cast<int>(width));
     std::snprintf(heightText, sizeof heightText - 1, "%d", static_cast<int>(height));
-    return runTool(tool, widthText, heightText, patience) && mainDisplayHasSize(width, height);
+    return runTool(tool, widthText, heightText, timeout) && mainDisplayHasSize(width, height);
 }

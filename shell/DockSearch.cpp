@@ -9,7 +9,7 @@
 
 namespace
 {
-constexpr int attempts = 30;
+constexpr int maxAttempts = 30;
 constexpr useconds_t pauseAfterAttempt = 1'000'000;
 
 constexpr std::uint32_t applicationType = fourCharCode("APPL");
@@ -45,12 +45,12 @@ bool isDock(const ProcessSerialNumber &process, const ProcessInfoRec &info)
 
 void __wait_dock(SleepFunction sleep)
 {
-    for (int attempt = 1; attempt <= attempts; ++attempt) {
+    for (int attempt = 1; attempt <= maxAttempts; ++attempt) {
         if (__find_dock()) {
             qCDebug(itemLog, "attempt %d: a panel runs", attempt);
             return;
         }
-        qCDebug(itemLog, "attempt %d of %d: no panel runs", attempt, attempts);
+        qCDebug(itemLog, "attempt %d of %d: no panel runs", attempt, maxAttempts);
         sleep(pauseAfterAttempt);
     }
     qCDebug(itemLog, "goes on without a panel");

@@ -15,7 +15,7 @@ namespace
 {
 
 /// Far more than the longest declaration.
-constexpr qsizetype declarationLength = 1024;
+constexpr qsizetype maxDeclarationBytes = 1024;
 
 /// Those that Qt does not know.
 const QByteArrayList otherNamesOfLatin1 = {"ISO-LATIN-1", "L1",    "ISO-IR-100", "ISO_8859-1:1987",
@@ -28,7 +28,7 @@ std::optional<QStringConverter::Encoding> encodingOf(const QByteArray &bytes)
         return byFirstBytes;
     }
     // As text, so that the reader does not judge the encoding itself.
-    QXmlStreamReader reader(QString::fromUtf8(bytes.left(declarationLength)));
+    QXmlStreamReader reader(QString::fromUtf8(bytes.left(maxDeclarationBytes)));
     reader.readNext();
     if (reader.hasError() && reader.error() != QXmlStreamReader::PrematureEndOfDocumentError) {
         return std::nullopt;

@@ -3,6 +3,7 @@
 #include "notify/record/MessageText.h"
 #include "notify/text/CleanHtml.h"
 #include "notify/text/LinkScan.h"
+#include "notify/text/ReadableColours.h"
 #include "platform/text/CombiningMarks.h"
 #include "platform/text/ScriptRuns.h"
 #include "platform/text/SystemFont.h"
@@ -196,8 +197,5 @@ void KivTextView::setHtmlMessage(int width)
 
 QColor KivTextView::linkColour() const
 {
-    // Pure blue cannot be read on a dark ground.
-    constexpr int half = 128;
-    constexpr QColor onDark(0x6c, 0xb4, 0xff);
-    return palette().color(QPalette::Window).lightness() < half ? onDark : QColor(Qt::blue);
+    return linkColourOn(palette().color(QPalette::Window));
 }

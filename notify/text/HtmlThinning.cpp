@@ -156,10 +156,10 @@ private:
         }
         QByteArray tag = QByteArray("<") + element->name;
         for (const HtmlToken::Attribute &attribute : token.attributes) {
-            const qsizetype longest = maxLengthOf(attribute.name);
+            const qsizetype maxLength = maxLengthOf(attribute.name);
             // Half an address is another address; half of anything else is nothing much.
-            if (longest > 0 && (attribute.value.size() <= longest || longest != maxAddress)) {
-                const QByteArray value = attribute.value.first(std::min(attribute.value.size(), longest)).toUtf8();
+            if (maxLength > 0 && (attribute.value.size() <= maxLength || maxLength != maxAddress)) {
+                const QByteArray value = attribute.value.first(std::min(attribute.value.size(), maxLength)).toUtf8();
                 tag += ' ' + attribute.name.toLatin1() + "=\"" + QByteArray(value).replace('"', "&quot;") + '"';
             }
         }

@@ -17,12 +17,12 @@ namespace
 
 namespace chrono = std::chrono;
 
-constexpr chrono::sys_seconds earliest = chrono::sys_days(chrono::year(1) / 1 / 1);
-constexpr chrono::sys_seconds latest = chrono::sys_days(chrono::year(10000) / 1 / 1) - chrono::seconds(1);
+constexpr chrono::sys_seconds minTime = chrono::sys_days(chrono::year(1) / 1 / 1);
+constexpr chrono::sys_seconds maxTime = chrono::sys_days(chrono::year(10000) / 1 / 1) - chrono::seconds(1);
 
 QDateTime toDateTime(chrono::sys_seconds time)
 {
-    return QDateTime::fromSecsSinceEpoch(std::clamp(time, earliest, latest).time_since_epoch().count(), inUtc);
+    return QDateTime::fromSecsSinceEpoch(std::clamp(time, minTime, maxTime).time_since_epoch().count(), inUtc);
 }
 
 /// The number at the front of `text`, of exactly `digits` ASCII digits, which are then taken off along with the
@@ -53,8 +53,8 @@ QVariant integer(std::uint64_t number)
 
 QDateTime date(double seconds)
 {
-    const double inRange = std::clamp(std::floor(seconds), static_cast<double>(earliest.time_since_epoch().count()),
-                                      static_cast<double>(latest.time_since_epoch().count()));
+    const double inRange = std::clamp(std::floor(seconds), static_cast<double>(minTime.time_since_epoch().count()),
+                                      static_cast<double>(maxTime.time_since_epoch().count()));
     return toDateTime(chrono::sys_seconds(chrono::seconds(static_cast<std::int64_t>(inRange))));
 }
 
@@ -81,7 +81,7 @@ std::optional<QDateTime> dateFromText(QStringView text)
 QByteArray dateToText(const QDateTime &date)
 {
     const chrono::sys_time<chrono::milliseconds> exact(chrono::milliseconds(date.toMSecsSinceEpoch()));
-    const chrono::sys_seconds time = std::clamp(chrono::floor<chrono::seconds>(exact), earliest, latest);
+    const chrono::sys_seconds time = std::clamp(chrono::floor<chrono::seconds>(exact), minTime, maxTime);
     const auto midnight = chrono::floor<chrono::days>(time);
     const chrono::year_month_day day(midnight);
     const chrono::hh_mm_ss clock(time - midnight);

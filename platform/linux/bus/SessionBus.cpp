@@ -23,21 +23,26 @@ QDBusConnection noConnection()
     return QDBusConnection(QString());
 }
 
-/// Whether the bus has not said anything to a question: there is none, or it has not answered in time.
+/// Whether the bus has not said anything to a question.
 bool isUnanswered(const QDBusMessage &answer)
 {
-    switch (QDBusError(answer).type()) {
+    return answer.type() == QDBusMessage::InvalidMessage || isUnanswered(QDBusError(answer).type());
+}
+
+} // namespace
+
+bool isUnanswered(QDBusError::ErrorType error)
+{
+    switch (error) {
     case QDBusError::NoReply:
     case QDBusError::Timeout:
     case QDBusError::TimedOut:
     case QDBusError::Disconnected:
         return true;
     default:
-        return answer.type() == QDBusMessage::InvalidMessage;
+        return false;
     }
 }
-
-} // namespace
 
 SessionBus &SessionBus::instance()
 {

@@ -79,7 +79,7 @@ AppleEventTransport::AppleEventTransport(SessionBus &bus, Handler handler, std::
     : m_bus(bus)
     , m_handler(std::move(handler))
     , m_peers(bus)
-    , m_incoming(WorkInTurns::defaultShareOfATurn, maxWaiting)
+    , m_incoming(WorkInTurns::defaultMaxShareOfATurn, maxWaiting)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::registerOnBus);
     // Another bus counts its unique names from the start again.

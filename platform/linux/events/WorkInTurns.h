@@ -23,14 +23,14 @@ public:
     using Work = std::function<void()>;
 
     /// Once work has used up this much of a turn, the rest waits for the next one.
-    static constexpr std::chrono::milliseconds defaultShareOfATurn{5};
+    static constexpr std::chrono::milliseconds defaultMaxShareOfATurn{5};
     /// A client for whom more pieces of work wait than this comes behind all others. It is several times as much as a
     /// client sends that does not flood.
     static constexpr std::size_t maxInOrder = 1000;
     /// For one client no more pieces wait than this, so that a flood does not use up the memory.
     static constexpr std::size_t defaultMaxWaiting = 100'000;
 
-    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = defaultShareOfATurn,
+    explicit WorkInTurns(std::chrono::milliseconds shareOfATurn = defaultMaxShareOfATurn,
                          std::size_t maxWaiting = defaultMaxWaiting);
 
     /// Before it returns, or in a later turn when other work waits or this turn's share is used up. Work is carried out

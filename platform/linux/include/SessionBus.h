@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QObject>
 #include <QStringList>
@@ -65,3 +66,6 @@ private:
     QString m_address; ///< The present connection's.
     QTimer m_retry;
 };
+
+/// Whether an error means that nobody has answered: there is no bus any more, or no answer has come in time.
+[[nodiscard]] bool isUnanswered(QDBusError::ErrorType error);

@@ -85,10 +85,10 @@ void NotifierHostWatch::ask()
     question.setAutoStartService(false);
     question.setArguments({notifierWatcherName(), QStringLiteral("IsStatusNotifierHostRegistered")});
     m_question = std::make_unique<QDBusPendingCallWatcher>(m_bus.connection().asyncCall(question));
-    connect(m_question.get(), &QDBusPendingCallWatcher::finished, this, &NotifierHostWatch::takeAnswer);
+    connect(m_question.get(), &QDBusPendingCallWatcher::finished, this, &NotifierHostWatch::hearAnswer);
 }
 
-void NotifierHostWatch::takeAnswer()
+void NotifierHostWatch::hearAnswer()
 {
     const QDBusPendingReply<QDBusVariant> answer = *m_question;
     m_question.release()->deleteLater();

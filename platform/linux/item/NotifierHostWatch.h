@@ -41,7 +41,7 @@ private:
     void leaveBus();
     void follow(const QString &owner);
     void hearOfHosts(bool hear);
-    void takeAnswer();
+    void hearAnswer();
     [[nodiscard]] bool isForThisDisplay() const;
 
     SessionBus &m_bus;

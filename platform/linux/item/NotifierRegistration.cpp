@@ -17,16 +17,7 @@ const QString itemPath = QStringLiteral("/StatusNotifierItem");
 /// Whether the watcher has gone, or the bus: then there is another host to look for, and nothing has been refused.
 bool hasGone(QDBusError::ErrorType error)
 {
-    switch (error) {
-    case QDBusError::ServiceUnknown:
-    case QDBusError::NoReply:
-    case QDBusError::Timeout:
-    case QDBusError::TimedOut:
-    case QDBusError::Disconnected:
-        return true;
-    default:
-        return false;
-    }
+    return error == QDBusError::ServiceUnknown || isUnanswered(error);
 }
 } // namespace
 

@@ -395,7 +395,7 @@ TEST_F(Transport, RefusesEventsOfASenderThatHasTooManyWaiting)
     AppleEventTransport narrow(
         ownBus,
         [&handled](const AppleEventContents &) {
-            const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
+            const QDeadlineTimer end(2 * WorkInTurns::defaultMaxShareOfATurn, Qt::PreciseTimer);
             while (!end.hasExpired()) {
             }
             ++handled;
@@ -428,7 +428,7 @@ TEST_F(Transport, AnswersOtherCallsInTurnsToo)
     AppleEventTransport narrow(
         ownBus,
         [](const AppleEventContents &) {
-            const QDeadlineTimer end(2 * WorkInTurns::defaultShareOfATurn, Qt::PreciseTimer);
+            const QDeadlineTimer end(2 * WorkInTurns::defaultMaxShareOfATurn, Qt::PreciseTimer);
             while (!end.hasExpired()) {
             }
             return noErr;

@@ -24,7 +24,7 @@ void takeLong()
 {
     QElapsedTimer timer;
     timer.start();
-    while (timer.elapsed() < WorkInTurns::defaultShareOfATurn.count() + 1) {
+    while (timer.elapsed() < WorkInTurns::defaultMaxShareOfATurn.count() + 1) {
     }
 }
 
@@ -138,7 +138,7 @@ TEST_F(WorkInTurnsTest, TakesItsPlaceAgainOnceLessOfItWaits)
 
 TEST_F(WorkInTurnsTest, IsRefusedOnlyToWhoHasTheMostThatMayWait)
 {
-    WorkInTurns small(WorkInTurns::defaultShareOfATurn, 2);
+    WorkInTurns small(WorkInTurns::defaultMaxShareOfATurn, 2);
     for (const char what : {'a', 'b', 'c'}) {
         EXPECT_TRUE(small.carryOut(one, noteAfterLong(what)));
     }

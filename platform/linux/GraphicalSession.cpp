@@ -2,17 +2,18 @@
 
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/workarounds/AccessibilityBridge.h"
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
-#include "platform/linux/workarounds/LibdbusWarnings.h"
 #include "platform/linux/workarounds/MenuMouse.h"
 #include "platform/linux/workarounds/PixmapCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
-#include "platform/linux/workarounds/SilentBus.h"
 #include "platform/linux/workarounds/SuddenExit.h"
+#include "platform/linux/workarounds/bus/AccessibilityBridge.h"
+#include "platform/linux/workarounds/bus/LibdbusWarnings.h"
+#include "platform/linux/workarounds/bus/PortalQuestion.h"
+#include "platform/linux/workarounds/bus/SilentBus.h"
 
 #include <QApplication>
 
@@ -48,6 +49,7 @@ QString GraphicalSession::prepare()
     const QString bus = sessionBusAddress();
     keepQtFromLaunchingOrAwaitingABus(bus,
                                       probeBus(bus).state == BusState::Unusable ? BusUse::Hopeless : BusUse::Possible);
+    PortalQuestion::avoid();
     keepQtFromLookingForLargerImages();
 
     if (!needsDisplay) {
@@ -73,6 +75,7 @@ QString GraphicalSession::prepare()
 
 void GraphicalSession::settle()
 {
+    PortalQuestion::allow();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

@@ -1,4 +1,5 @@
 #include "tests/session/support/DesktopWithAgent.h"
+#include "tests/support/FakePortal.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/StallingBus.h"
 #include "tests/support/WaitUntil.h"
@@ -125,7 +126,18 @@ TEST_F(Lifetime, GoesOnWithoutABusThatStallsBeforeItsWelcome)
     agent->environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QString::fromLocal8Bit(stalling.address()));
     ASSERT_TRUE(agent->startAndDock());
     EXPECT_TRUE(agent->openMenu()) << "the loop runs";
-    EXPECT_EQ(agent->standardError(), QByteArray());
+    EXPECT_TRUE(agent->standardError().startsWith("kiv.link: no answer of the session bus at "));
+    EXPECT_EQ(agent->standardError().count('\n'), 1) << agent->standardError().constData();
+}
+
+TEST_F(Lifetime, StartsNoPortalInASessionWithoutOne)
+{
+    const FakePortal portal(desktop.bus());
+    ASSERT_TRUE(portal.isThere());
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_TRUE(waitUntil([&] { return agent->isLinked(); }));
+    EXPECT_TRUE(agent->openMenu());
+    EXPECT_FALSE(portal.isAsked()) << "a bus starts it for whoever asks";
 }
 
 TEST_F(Lifetime, SaysNothingWhenAllIsWell)

@@ -2,9 +2,9 @@
 
 #include "platform/LogCategories.h"
 #include "platform/linux/bus/SessionBusAddress.h"
-#include "platform/linux/workarounds/LibdbusLimit.h"
-#include "platform/linux/workarounds/LibdbusWarnings.h"
-#include "platform/linux/workarounds/SilentBus.h"
+#include "platform/linux/workarounds/bus/LibdbusLimit.h"
+#include "platform/linux/workarounds/bus/LibdbusWarnings.h"
+#include "platform/linux/workarounds/bus/SilentBus.h"
 
 #include <QDBusError>
 
@@ -153,7 +153,7 @@ void SessionBus::tryToConnect()
         disconnectFromBus();
         if (!m_retry.isActive()) {
             const char *why = bus.state == BusState::Absent ? "no session bus at" : "no answer of the session bus at";
-            qCDebug(linkLog) << why << sessionBusAddress() << "- it is tried again";
+            qCWarning(linkLog) << why << sessionBusAddress() << "- it is tried again";
         }
         m_retry.start();
         return;
@@ -174,7 +174,7 @@ void SessionBus::onDisconnected()
     if (isConnected() || m_retry.isActive()) {
         return;
     }
-    qCDebug(linkLog, "the session bus has gone: it is tried again");
+    qCDebug(linkLog, "the session bus has gone: it is tried again"); // As it does at the end of a session.
     disconnectFromBus();
     m_retry.start();
     Q_EMIT disconnected();

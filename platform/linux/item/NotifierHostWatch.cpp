@@ -94,7 +94,7 @@ void NotifierHostWatch::hearAnswer()
     m_question.release()->deleteLater();
     const bool hasHost = answer.isValid() && answer.value().variant().toBool();
     const bool counts = hasHost && isForThisDisplay();
-    qCDebug(itemLog, "the StatusNotifierItem watcher %s",
+    qCDebug(itemLog, "the StatusNotifierItem watcher %s %s", qPrintable(m_owner),
             counts             ? "has a host on this display"
             : hasHost          ? "has hosts on other displays only"
             : answer.isValid() ? "has no host"

@@ -1,7 +1,7 @@
 #include "platform/linux/include/SessionBus.h"
 
 #include "platform/linux/bus/SessionBusAddress.h"
-#include "platform/linux/workarounds/SilentBus.h"
+#include "platform/linux/workarounds/bus/SilentBus.h"
 #include "tests/support/BusForOne.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/PrivateBus.h"

@@ -5,6 +5,7 @@
 #include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FakePortal.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"
@@ -299,6 +300,19 @@ TEST_F(WorkaroundNeed, AccessibilityBridgeBesideABusThatHangs)
     ASSERT_TRUE(subject.start({QStringLiteral("run")}));
     const bool goesOn = waitUntil([&] { return subject.process().output().contains("goes on\n"); }, 3s);
     tell("AccessibilityBridgeBesideABusThatHangs", !goesOn);
+}
+
+TEST_F(WorkaroundNeed, PortalQuestion)
+{
+    PrivateBus bus;
+    ASSERT_TRUE(bus.start());
+    const FakePortal portal(bus);
+    ASSERT_TRUE(portal.isThere());
+    Subject subject;
+    subject.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    ASSERT_TRUE(subject.start({QStringLiteral("run")}));
+    ASSERT_TRUE(subject.isUp());
+    tell("PortalQuestion", waitUntil([&] { return portal.isAsked(); }, 3s));
 }
 
 TEST_F(WorkaroundNeed, SilentBus)

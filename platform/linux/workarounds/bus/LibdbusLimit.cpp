@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/LibdbusLimit.h"
+#include "platform/linux/workarounds/bus/LibdbusLimit.h"
 
 #include "platform/LogCategories.h"
 

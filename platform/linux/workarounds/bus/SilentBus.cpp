@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/SilentBus.h"
+#include "platform/linux/workarounds/bus/SilentBus.h"
 
 #include <QByteArray>
 #include <QDeadlineTimer>

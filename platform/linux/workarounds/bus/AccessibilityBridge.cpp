@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/AccessibilityBridge.h"
+#include "platform/linux/workarounds/bus/AccessibilityBridge.h"
 
 #include <QByteArray>
 #include <QDBusConnection>

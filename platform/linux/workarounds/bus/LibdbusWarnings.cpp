@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/LibdbusWarnings.h"
+#include "platform/linux/workarounds/bus/LibdbusWarnings.h"
 
 #include <QByteArray>
 

@@ -45,7 +45,7 @@ PROJECT = {
     "CMakeLists.txt": """
         cmake_minimum_required(VERSION 3.25)
         project(toy LANGUAGES CXX)
-        add_library(toy shell/A.cpp)
+        add_library(toy shell/A.cpp tests/A.cpp)
         """,
     "CMakePresets.json": """{"version": 4, "configurePresets": [
         {"name": "check", "generator": "Ninja", "binaryDir": "${sourceDir}/build/${presetName}",
@@ -122,8 +122,10 @@ class Check(unittest.TestCase):
 
     def test_what_clang_tidy_finds(self):
         self.needs("cmake", "ninja", "c++", "clang-tidy", "run-clang-tidy")
-        self.assertNotices("tidy", self.small_tree(PROJECT | {"shell/A.cpp": WHOLE}),
-                           {"shell/A.cpp": WHOLE.replace("nullptr", "0")}, "modernize-use-nullptr")
+        whole = PROJECT | {"shell/A.cpp": WHOLE, "tests/A.cpp": WHOLE.replace("isNothing", "isNothingToo")}
+        for name in ("shell/A.cpp", "tests/A.cpp"):
+            self.assertNotices("tidy", self.small_tree(whole), {name: whole[name].replace("nullptr", "0")},
+                               "modernize-use-nullptr")
 
     def test_an_include_against_the_arrows(self):
         self.assertNotices("includes", self.small_tree({"menu/A.cpp": '#include "platform/B.h"\n'}),

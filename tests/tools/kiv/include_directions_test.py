@@ -48,11 +48,11 @@ DRAWN = {room: others + (['platform/data', 'platform/text'] if room == 'notify/r
          for room, others in NOTIFY.items()} | PLATFORM | LINUX | OTHERS
 
 
-def check(file, include):
+def check(file, include, *others):
     with tempfile.TemporaryDirectory() as root:
-        path = Path(root, file)
-        path.parent.mkdir(parents=True)
-        path.write_text(f'#include {include}\n')
+        for path in (Path(root, name) for name in (file, *others)):
+            path.parent.mkdir(parents=True)
+            path.write_text(f'#include {include}\n' if path == Path(root, file) else '')
         return subprocess.run([sys.executable, '-B', CHECK, root], capture_output=True, text=True, check=False)
 
 
@@ -127,7 +127,10 @@ class IncludeDirections(unittest.TestCase):
                 self.assertEqual(check(file, '"platform/linux/screen/B.h"').returncode, 1)
 
     def test_an_include_without_its_path_is_named(self):
-        self.assertIn('is not written with its path', check('menu/A.cpp', '"A.h"').stdout)
+        for include in ['"A.h"', '"menu/../shell/B.h"', '"../shell/B.h"', '<../shell/B.h>', '<SessionBus.h>']:
+            with self.subTest(include=include):
+                self.assertIn('is not written with its path',
+                              check('menu/A.cpp', include, 'platform/linux/include/SessionBus.h').stdout)
 
 
 if __name__ == '__main__':

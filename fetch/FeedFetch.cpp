@@ -93,8 +93,8 @@ void writeHead(const QNetworkReply &connection)
     write(QByteArray::number(status) + ' ' + connection.rawHeader("Content-Type").replace('\n', ' ') + '\n');
 }
 
-/// Whether less of the body has come than was promised. Qt does not always count it as an error when the server closes
-/// the connection too soon, if all that it had sent has been read before. What Qt decompresses has no length.
+/// Whether less of the body has come than was promised (RFC 9112, section 8), whatever Qt makes of the connection's
+/// end: it does not always count it as an error. What Qt decompresses has no length.
 bool isCut(const QNetworkReply &connection, qint64 bodyBytes)
 {
     const QVariant length = connection.header(QNetworkRequest::ContentLengthHeader);

@@ -190,7 +190,10 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
         m_timer = new QTimer(this);
         m_timer->setSingleShot(true);
         m_timer->setTimerType(Qt::PreciseTimer); // It may be late, never early.
-        connect(m_timer, &QTimer::timeout, this, &KivNotificationWindow::onCloseButton);
+        connect(m_timer, &QTimer::timeout, this, [this] {
+            qCDebug(popUpLog, "its time is over");
+            onCloseButton();
+        });
         m_timer->start(timeout);
     }
 }

@@ -94,6 +94,7 @@ try {
     __menu->setActions(*codes);
     return noErr;
 } catch (const std::bad_alloc &) {
+    qCDebug(linkLog, "no memory for a list of commands");
     return errAEEventFailed;
 }
 
@@ -121,5 +122,6 @@ try {
     record->setContentHeight(55);
     return KivNotificationManager::sharedInstance().showNotificationInstantly(record) ? noErr : errAEEventFailed;
 } catch (const std::bad_alloc &) {
+    qCDebug(linkLog, "no memory for a hint");
     return errAEEventFailed;
 }

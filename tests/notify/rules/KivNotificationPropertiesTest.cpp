@@ -4,6 +4,7 @@
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/UtcTime.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/SystemLog.h"
 
 #include <QDir>
@@ -442,6 +443,20 @@ TEST_F(KivNotificationPropertiesTest, JudgesRecordsByItsFactsSettingsAndClock)
     now = now.addDays(1);
     record.setMaxVersion(QStringLiteral("any"));
     EXPECT_FALSE(p.notificationIsRelevant(record));
+}
+
+TEST_F(KivNotificationPropertiesTest, SaysWhichSwitchKeepsAMessageBack)
+{
+    KivNotification record;
+    record.setMessageId(QStringLiteral("7"));
+    record.setMessageType(kTypeWarning);
+    record.setMessagePriority(kPriorityHigh);
+    writePreferences(everyKey);
+    const KivNotificationProperties p = properties();
+    LogLines log;
+    EXPECT_FALSE(p.shouldShowNotification(record));
+    EXPECT_EQ(log.take(), std::vector<std::string>{
+                              "kiv.queue: message \"7\" of type 3 and priority 2 has a type that is switched off"});
 }
 
 TEST_F(KivNotificationPropertiesTest, FollowsTheSettingsThatItLoads)

@@ -2,6 +2,7 @@
 #include "notify/queue/KivNotificationManager.h"
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
+#include "platform/SystemVersion.h"
 
 #include <QDir>
 
@@ -19,8 +20,7 @@ QDateTime now()
 KivNotificationProperties &KivNotificationProperties::sharedInstance()
 {
     static KivNotificationProperties instance(Bundle::main(), QDir::homePath(),
-                                              QStringLiteral("/System/Library/CoreServices/SystemVersion.plist"),
-                                              UserDatabase::system(), now);
+                                              QString::fromLatin1(systemVersionFile), UserDatabase::system(), now);
     return instance;
 }
 

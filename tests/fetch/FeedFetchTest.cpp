@@ -38,12 +38,15 @@ TEST_F(FeedFetch, WritesTheStatusTheTypeAndTheBodyAsTheyAre)
 
 TEST_F(FeedFetch, ReportsTheAnswerBehindARedirectOnly)
 {
-    ASSERT_TRUE(server.start(
-        {{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}, .body = "moved"},
-         {.headers = {}, .body = "here"}}));
-    ask(server.address(QStringLiteral("/feed")));
-    waitForItsEnd();
-    EXPECT_EQ(fetch.output(), "200 \nhere");
+    for (const int status : {301, 302, 303, 307, 308}) {
+        FeedServer redirecting;
+        ASSERT_TRUE(redirecting.start(
+            {{.status = status, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}, .body = "moved"},
+             {.headers = {}, .body = "here"}}));
+        ask(redirecting.address(QStringLiteral("/feed")));
+        waitForItsEnd();
+        EXPECT_EQ(fetch.output(), "200 \nhere") << status;
+    }
 }
 
 TEST_F(FeedFetch, TellsAnAnswerThatIsCutFromOneThatIsWhole)
@@ -128,6 +131,9 @@ TEST_F(FeedFetch, TakesAnAddressAndATimeOutOnly)
         EXPECT_EQ(fetch.process().readAllStandardError(), "usage: kivfetch ADDRESS MILLISECONDS\n") << given;
         EXPECT_EQ(fetch.output(), QByteArray()) << given;
     }
+    ASSERT_TRUE(fetch.start(QStringLiteral(KIV_FETCH), {address, QStringLiteral("0")}));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.exitCode(), 1) << "no time at all is a time";
 }
 
 } // namespace

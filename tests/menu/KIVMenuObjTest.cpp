@@ -11,6 +11,7 @@
 #include "tests/support/FakeInput.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/MainDisplaySize.h"
+#include "tests/support/ShownSign.h"
 #include "tests/support/WaitUntil.h"
 
 #include <Carbon/Carbon.h>
@@ -507,7 +508,10 @@ TEST_F(KIVMenuObjTest, SaysThatASwitchHasFailedAndDisablesTheItemMeanwhile)
     menu.setMenuProc(recordingProcedure);
     fill({{60000, 60000}});
     const auto choose = [this] { menu.onMenuAction(item(32809)->menu()->actions().first()); };
-    const auto alert = alertFrom(choose, [this] { EXPECT_FALSE(menu.statusItem()->isEnabled()); });
+    const auto alert = alertFrom(choose, [this] {
+        EXPECT_FALSE(menu.statusItem()->isEnabled());
+        EXPECT_TRUE(showsSign(*QApplication::activeModalWidget(), AlertSign::Critical));
+    });
     ASSERT_TRUE(alert);
     EXPECT_EQ(alert->title, QStringLiteral("Operation failed"));
     EXPECT_TRUE(alert->labels.contains(QStringLiteral("System could not set the selected resolution.")));
@@ -677,6 +681,7 @@ TEST_F(KIVMenuObjTest, AttachesOneInvisibleAnchorWindowWhileTheMenuIsOpen)
         EXPECT_EQ(anchors.front()->size(), QSize(200, 200));
         EXPECT_EQ(anchors.front()->windowOpacity(), 0);
         EXPECT_TRUE(anchors.front()->testAttribute(Qt::WA_DontShowOnScreen));
+        EXPECT_TRUE(anchors.front()->isVisible()) << "as a window can be that no screen shows";
         menu.menu()->close();
     });
     EXPECT_EQ(associatedObject(*menu.menu(), "FakeWindow"), nullptr);

@@ -27,6 +27,11 @@ protected:
 
 } // namespace
 
+TEST_F(SystemVersion, IsKeptWhereTheSystemHasIt)
+{
+    EXPECT_STREQ(systemVersionFile, "/System/Library/CoreServices/SystemVersion.plist");
+}
+
 TEST_F(SystemVersion, IsTheProductVersionOfTheFile)
 {
     write(R"(<plist version="1.0"><dict>

@@ -2,6 +2,7 @@
 
 #include "menu/MenuCommands.h"
 #include "shell/ProcessState.h"
+#include "tests/support/ShownSign.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QApplication>
@@ -82,6 +83,7 @@ TEST_F(AlertRunner, TakesPercentSignsForNothingButThemselves)
 {
     QStringList labels;
     const auto read = [&](QWidget &alert) {
+        EXPECT_TRUE(showsSign(alert, AlertSign::Information));
         for (const QLabel *label : alert.findChildren<QLabel *>()) {
             labels += label->text();
         }

@@ -57,9 +57,11 @@ TEST(ScreenChange, MakesAPopUpOnAnotherScreenAnewEvenIfItLiesWhereItBelongs)
 {
     const auto right = [](PopUpSituation &situation) { situation.popUpScreen = NSRect{{1440, 0}, {1440, 900}}; };
     const auto above = [](PopUpSituation &situation) { situation.popUpScreen = NSRect{{0, 900}, {1440, 900}}; };
+    const auto below = [](PopUpSituation &situation) { situation.popUpScreen = NSRect{{0, -900}, {1440, 900}}; };
     const auto left = [](PopUpSituation &situation) { situation.popUpScreen = NSRect{{-1, 0}, {1, 900}}; };
     EXPECT_EQ(reactionWith(right), PopUpReaction::Recreate);
     EXPECT_EQ(reactionWith(above), PopUpReaction::Recreate);
+    EXPECT_EQ(reactionWith(below), PopUpReaction::Recreate);
     EXPECT_EQ(reactionWith(left), PopUpReaction::Recreate);
 }
 

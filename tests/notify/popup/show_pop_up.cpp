@@ -1,5 +1,6 @@
 // Shows a pop-up on the display at hand, to be looked at: show_pop_up [update|warning|news|notice|instant] [dark]
 #include "notify/popup/KivNotificationWindow.h"
+#include "notify/popup/PopUpPlacement.h"
 #include "platform/MainScreen.h"
 
 #include <QApplication>
@@ -62,7 +63,6 @@ int main(int argc, char **argv)
     record->setMessageText(sample->second.text);
     auto *window = new KivNotificationWindow(record);
     QObject::connect(window, &QObject::destroyed, &application, &QApplication::quit);
-    const NSSize size = window->frame().size;
-    window->showAtScreenPoint({screen->size.width - size.width - 10, screen->size.height - size.height - 30}, -1);
+    window->showAtScreenPoint(popUpOrigin(screen->size, window->frame().size), -1);
     return QApplication::exec();
 }

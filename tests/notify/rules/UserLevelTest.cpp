@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <unistd.h>
 
 namespace
 {
@@ -56,6 +57,19 @@ TEST(UserDatabase, KnowsTheLoginNameOfTheProcess)
     } else {
         EXPECT_EQ(login, expected.toStdString());
     }
+}
+
+TEST(UserDatabase, KnowsWhoLoggedInAndNotWhoseRightsTheProcessHas)
+{
+    if (::getuid() != 0) {
+        GTEST_SKIP() << "only root can act as another user";
+    }
+    constexpr uid_t somebody = 65534;
+    const std::optional<std::string> login = UserDatabase::system().loginName();
+    ASSERT_EQ(::seteuid(somebody), 0);
+    const std::optional<std::string> actingAsSomebody = UserDatabase::system().loginName();
+    ASSERT_EQ(::seteuid(0), 0);
+    EXPECT_EQ(actingAsSomebody, login);
 }
 
 TEST(UserDatabase, ListsTheMembersOfEveryGroupOfTheGroupFile)

@@ -12,12 +12,14 @@ int descriptors = 0;
 AEEventHandlerUPP handler = nullptr;
 AEEventHandlerUPP lastInstalled = nullptr;
 std::function<OSErr(const char *)> onHandler;
+std::optional<pid_t> sender;
 
 void reset()
 {
     calls.clear();
     failures.clear();
     descriptors = 0;
+    sender.reset();
     handler = lastInstalled = nullptr;
 }
 } // namespace FakeAppleEventManager
@@ -131,9 +133,14 @@ OSErr AEGetParamPtr(const AppleEvent *event, AEKeyword keyword, DescType desired
     return noErr;
 }
 
-OSErr AEGetAttributePtr(const AppleEvent *, AEKeyword, DescType, DescType *, void *, Size, Size *)
+OSErr AEGetAttributePtr(const AppleEvent *, AEKeyword keyword, DescType, DescType *, void *data, Size, Size *)
 {
-    return errAEDescNotFound;
+    if (keyword != keySenderPIDAttr || !sender) {
+        return errAEDescNotFound;
+    }
+    const SInt32 pid = *sender;
+    std::memcpy(data, &pid, sizeof pid);
+    return noErr;
 }
 
 OSErr AESend(const AppleEvent *, AppleEvent *reply, AESendMode mode, AESendPriority priority, SInt32 timeOutInTicks,

@@ -4,7 +4,9 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 /// The Apple Event Manager as it was called. Linking this takes the place of the real one: nothing is sent, each call
@@ -24,6 +26,8 @@ extern AEEventHandlerUPP lastInstalled;
 /// Called with what is going on when a handler has been installed or is about to be removed, if there is such a
 /// function.
 extern std::function<OSErr(const char *)> onHandler;
+/// The process that the system says an event comes from, if it knows.
+extern std::optional<pid_t> sender;
 
 void reset();
 

@@ -17,6 +17,9 @@ ChildProcess::~ChildProcess()
 
 bool ChildProcess::start(const QString &program, const QStringList &arguments)
 {
+    if (isRunning()) {
+        return false;
+    }
     m_output.clear();
     m_process.setProcessEnvironment(environment);
     m_process.start(program, arguments);

@@ -18,7 +18,8 @@ public:
     /// What the program gets as its environment; the test's own at first.
     QProcessEnvironment environment;
 
-    /// Starts the program; false when that fails. Its standard error goes to the test's own.
+    /// Starts the program; false when that fails, or the one before still runs. Its standard error goes to the test's
+    /// own.
     [[nodiscard]] bool start(const QString &program, const QStringList &arguments);
 
     [[nodiscard]] bool isRunning() const;

@@ -4,10 +4,10 @@
 #include "platform/linux/include/XConnection.h"
 #include "tests/platform/linux/PrivatePanel.h"
 #include "tests/platform/linux/item/FakeTray.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
+#include "tests/support/Xrandr.h"
 
 #include <QGuiApplication>
 #include <QImage>
@@ -259,11 +259,10 @@ TEST_F(DockedStatusItemTest, StandsInTheCornerWhenItsPanelStaysAway)
 
 TEST_F(DockedStatusItemTest, DocksAgainAfterTheScreenHasChangedItsSize)
 {
-    ChildProcess tool;
-    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1920x1200")}));
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1920x1200")}));
     EXPECT_TRUE(waitUntil([this] { return qtPlace(item).left() > 1800 && qtPlace(item).top() > 0; }));
     EXPECT_EQ(itemWindows().size(), 1U);
-    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
     EXPECT_TRUE(waitUntil([this] { return item.frame() && qtPlace(item).left() < 1280 && qtPlace(item).top() > 0; }));
 }
 
@@ -393,10 +392,9 @@ TEST_F(StatusItemTest, StandsInTheCornerAtOnceWhereNoTrayIs)
 TEST_F(StatusItemTest, StaysInTheCornerWhenTheScreenChangesItsSize)
 {
     StatusItem item;
-    ChildProcess tool;
-    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1024x768")}));
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")}));
     EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
-    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
     EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
 }
 
@@ -406,11 +404,10 @@ TEST_F(StatusItemTest, SaysWhereItGoesAndWhichTrayThereIs)
     using testing::MatchesRegex;
     StatusItem item;
     LogLines log;
-    ChildProcess tool;
-    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1024x768")}));
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")}));
     EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
     EXPECT_THAT(log.take(), Contains("kiv.item: the screen has changed: the item goes to (1002, 0)"));
-    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), {QStringLiteral("-s"), QStringLiteral("1280x800")}));
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
     EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
 
     std::optional<FakeTray> tray(std::in_place, QPoint(100, 50));

@@ -1,4 +1,4 @@
-#include "tests/support/ChildProcess.h"
+#include "tests/support/Xrandr.h"
 
 #include <Carbon/Carbon.h>
 #include <QRegularExpression>
@@ -6,18 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <optional>
 
 namespace
 {
-
-/// What it prints; nothing when it fails.
-std::optional<QByteArray> outputOfXrandr(const QStringList &arguments)
-{
-    ChildProcess tool;
-    const bool ends = tool.start(QStringLiteral("xrandr"), arguments) && tool.process().waitForFinished();
-    return ends && tool.exitCode() == 0 ? std::optional(tool.output()) : std::nullopt;
-}
 
 std::int32_t number(CFDictionaryRef mode, CFStringRef key)
 {
@@ -43,7 +34,7 @@ std::map<std::int32_t, std::int32_t> usableForDesktop()
 TEST(Displays, CountModesThatAreInterlacedOrScannedTwiceAsUnusable)
 {
     const QString output = QRegularExpression(QStringLiteral("^(\\S+) connected"), QRegularExpression::MultilineOption)
-                               .match(QString::fromUtf8(outputOfXrandr({}).value_or(QByteArray())))
+                               .match(QString::fromUtf8(xrandr({}).value_or(QByteArray())))
                                .captured(1);
     ASSERT_FALSE(output.isEmpty());
     const QList<QPair<QString, QString>> flags{
@@ -55,8 +46,8 @@ TEST(Displays, CountModesThatAreInterlacedOrScannedTwiceAsUnusable)
         const QString name = QStringLiteral("test-") + width;
         QStringList line{QStringLiteral("--newmode"), name, QStringLiteral("40"), width};
         line += QStringLiteral("1050 1100 1300 700 703 709 740").split(u' ');
-        ASSERT_TRUE(outputOfXrandr(line << flag));
-        ASSERT_TRUE(outputOfXrandr({QStringLiteral("--addmode"), output, name}));
+        ASSERT_TRUE(xrandr(line << flag));
+        ASSERT_TRUE(xrandr({QStringLiteral("--addmode"), output, name}));
     }
     const auto usable = usableForDesktop();
     EXPECT_EQ(usable.at(1280), 1);
@@ -64,7 +55,7 @@ TEST(Displays, CountModesThatAreInterlacedOrScannedTwiceAsUnusable)
     EXPECT_EQ(usable.at(1002), 0);
     EXPECT_EQ(usable.at(1003), 0);
     for (const auto &[width, flag] : flags) {
-        EXPECT_TRUE(outputOfXrandr({QStringLiteral("--delmode"), output, QStringLiteral("test-") + width}));
-        EXPECT_TRUE(outputOfXrandr({QStringLiteral("--rmmode"), QStringLiteral("test-") + width}));
+        EXPECT_TRUE(xrandr({QStringLiteral("--delmode"), output, QStringLiteral("test-") + width}));
+        EXPECT_TRUE(xrandr({QStringLiteral("--rmmode"), QStringLiteral("test-") + width}));
     }
 }

@@ -1,9 +1,9 @@
 #include "platform/MainScreen.h"
 
 #include "platform/linux/include/MainDisplay.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
 #include "tests/support/WaitUntil.h"
+#include "tests/support/Xrandr.h"
 
 #include <QCursor>
 
@@ -13,15 +13,6 @@
 
 namespace
 {
-
-/// Runs xrandr to its end without the event loop: nobody has told Qt of the new size then.
-void xrandr(const QStringList &arguments)
-{
-    ChildProcess tool;
-    ASSERT_TRUE(tool.start(QStringLiteral("xrandr"), arguments));
-    ASSERT_TRUE(tool.process().waitForFinished());
-    ASSERT_EQ(tool.exitCode(), 0);
-}
 
 struct PickRow {
     const char *what;
@@ -49,37 +40,37 @@ TEST(MainDisplay, IsThePrimaryOutputOrElseTheFirstThatShowsSomething)
 
 TEST(MainScreen, FollowsASwitchOfSizeAtOnce)
 {
-    xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")});
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
     EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1280, 800}}));
-    xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")});
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")}));
     EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1024, 768}}));
     EXPECT_EQ(MainScreen::toQt({10, 731}), QPoint(10, 37));
-    xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")});
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
     EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1280, 800}}));
 }
 
 TEST(MainScreen, StaysWhatItWasWhileItIsHeld)
 {
-    xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")});
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
     {
         const MainScreen::Held outer;
         {
             const MainScreen::Held inner;
         }
-        xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")});
+        ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")}));
         EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1280, 800}}));
         const MainScreen::Held later;
         EXPECT_EQ(MainScreen::toQt({10, 731}), QPoint(10, 69));
     }
     EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1024, 768}}));
-    xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")});
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
 }
 
 TEST(MainScreen, IsWhatTheDisplayShowsOfALargerRootWindow)
 {
-    xrandr({QStringLiteral("--fb"), QStringLiteral("1500x900")});
+    ASSERT_TRUE(xrandr({QStringLiteral("--fb"), QStringLiteral("1500x900")}));
     EXPECT_EQ(MainScreen::frame(), (NSRect{{0, 0}, {1280, 800}}));
-    xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")});
+    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
 }
 
 TEST(MainScreen, LocatesTheMouseFromTheBottomLeft)

@@ -1,4 +1,5 @@
 #include "fuzz/Check.h"
+#include "fuzz/NeedsApplication.h"
 #include "platform/linux/events/AppleEventMessage.h"
 
 #include <QCoreApplication>
@@ -157,10 +158,7 @@ private:
 
 Bus &bus()
 {
-    static int argc = 1;
-    static char name[] = "fuzz_event";
-    static char *argv[] = {name, nullptr};
-    static const QCoreApplication application(argc, argv);
+    needApplication<QCoreApplication>();
     static Bus only;
     return only;
 }

@@ -1,4 +1,5 @@
 #include "fuzz/Check.h"
+#include "fuzz/NeedsApplication.h"
 #include "notify/feed/FeedParser.h"
 #include "notify/record/KivNotification.h"
 #include "notify/record/UndefinedKeyException.h"
@@ -8,23 +9,9 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace
-{
-
-/// Texts are measured, which needs an application object.
-void startApplication()
-{
-    static int argc = 1;
-    static char name[] = "fuzz_feed";
-    static char *argv[] = {name, nullptr};
-    static const QGuiApplication application(argc, argv);
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    startApplication();
+    needApplication<QGuiApplication>(); // Texts are measured.
     FeedParser parser([](const std::shared_ptr<KivNotification> &record) {
         check(record != nullptr);
         check(!record->messageTypeString().isEmpty());

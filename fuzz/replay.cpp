@@ -1,5 +1,6 @@
 #include <QDirIterator>
 #include <QFile>
+#include <QGuiApplication>
 
 #include <cstddef>
 #include <cstdint>
@@ -10,6 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 /// Stands in for the fuzzer's own main: each file of the folders given is one input.
 int main(int argc, char **argv)
 {
+    const QGuiApplication application(argc, argv);
     int inputs = 0;
     for (int i = 1; i < argc; ++i) {
         QDirIterator files(QString::fromLocal8Bit(argv[i]), QDir::Files);

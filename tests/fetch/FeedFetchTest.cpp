@@ -61,11 +61,12 @@ TEST_F(FeedFetch, TellsAnAnswerThatIsCutFromOneThatIsWhole)
 TEST_F(FeedFetch, SaysWhyThereIsNoWholeAnswerWhenAsked)
 {
     for (const bool isAsked : {true, false}) {
-        ASSERT_TRUE(server.start({{.body = "<a>lost</a>", .cutAfter = 3}}));
+        FeedServer cutting;
+        ASSERT_TRUE(cutting.start({{.body = "<a>lost</a>", .cutAfter = 3}}));
         fetch.process().setProcessChannelMode(QProcess::SeparateChannels);
         fetch.environment.insert(QStringLiteral("QT_LOGGING_RULES"),
                                  isAsked ? QStringLiteral("kiv.feed=true") : QString());
-        ask(server.address(QStringLiteral("/feed")));
+        ask(cutting.address(QStringLiteral("/feed")));
         waitForItsEnd();
         const QByteArray said = fetch.process().readAllStandardError();
         EXPECT_EQ(said.startsWith("kivfetch: kiv.feed: no whole answer: \""), isAsked) << said.constData();

@@ -405,6 +405,34 @@ TEST_F(KivNotificationManagerTest, TriesAgainAtTheEndWhatItCouldNotSave)
     EXPECT_EQ(idsInFile(), (Ids{"1", "2"}));
 }
 
+TEST_F(KivNotificationManagerTest, TriesAgainAtTheEndToSaveWhatCameBehindTheMessageOnTheScreen)
+{
+    setPreferences(0, 0);
+    start().enqueueNotification(record("1"));
+    manager->enqueueNotification(record("2"));
+    const QString folder = home.filePath(QStringLiteral("Library/Caches"));
+    ASSERT_TRUE(QDir(folder).removeRecursively());
+    ASSERT_TRUE(QFile(folder).open(QIODevice::WriteOnly));
+    manager->enqueueNotification(record("3"));
+    ASSERT_TRUE(QFile::remove(folder));
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(idsInFile(), (Ids{"1", "2", "3"}));
+}
+
+TEST_F(KivNotificationManagerTest, WritesNothingAtTheEndThatOnlyTellsWhenAMessageWasShown)
+{
+    setPreferences(0, 0);
+    start().enqueueNotification(record("1"));
+    manager->enqueueNotification(record("2"));
+    window()->remindMeLaterPressed();
+    now = now.addDays(1);
+    manager->forceNotification();
+    ASSERT_TRUE(window());
+    FileChanges changes({cacheFile()});
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(changes.takeNames(), QByteArrayList());
+}
+
 TEST_F(KivNotificationManagerTest, StoresNoIdAtTheEndInTheMiddleOfADelivery)
 {
     setPreferences(0, 0);

@@ -4,8 +4,7 @@
 ///
 /// Symptom: Qt asks org.freedesktop.portal.Desktop for the version of its screenshots, which a bus answers by starting
 ///   the portal, and the portal others, where none runs yet. Without a bus, what waits for the answer is never freed.
-/// Of: Qt 6.6 to 6.11, QGenericUnixServices, later QDesktopUnixServices; the second until 6.8 at least. No report
-///   found.
+/// Of: Qt 6.8, QGenericUnixServices; neither 6.4 nor 6.11 does it. No report found.
 /// Left out: up to three programs more in each session of a desktop that has no other use for them.
 /// Still needed? WorkaroundNeed.PortalQuestion tells.
 namespace PortalQuestion

@@ -7,6 +7,28 @@
 namespace
 {
 
+/// What the item shows, whatever the panel has painted around it: the picture of an active service is blue, the other
+/// grey.
+enum class Shown { Nothing, Grey, Blue };
+
+Shown shownIn(const QImage &picture)
+{
+    auto shown = Shown::Nothing;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = 0; x < picture.width(); ++x) {
+            const QColor colour = picture.pixelColor(x, y);
+            constexpr int minDifference = 100;
+            if (colour.blue() - colour.red() > minDifference) {
+                return Shown::Blue;
+            }
+            if (colour.lightness() - picture.pixelColor(0, 0).lightness() > minDifference) {
+                shown = Shown::Grey;
+            }
+        }
+    }
+    return shown;
+}
+
 class Docking : public DesktopWithAgent
 {
 protected:
@@ -65,14 +87,14 @@ TEST_F(Docking, SurvivesTwentyRoundsOfBeingRemovedAndShownAgain)
 
 TEST_F(Docking, ChangesItsPictureWithTheServicesFlags)
 {
-    const QImage off = agent->itemPicture();
+    EXPECT_TRUE(waitUntil([&] { return shownIn(agent->itemPicture()) == Shown::Grey; }));
     Service service(desktop);
     ASSERT_TRUE(service.attach(*agent));
 
     service.send("flags 6");
-    EXPECT_TRUE(waitUntil([&] { return agent->itemPicture() != off; }));
+    EXPECT_TRUE(waitUntil([&] { return shownIn(agent->itemPicture()) == Shown::Blue; }));
     service.send("flags 2");
-    EXPECT_TRUE(waitUntil([&] { return agent->itemPicture() == off; }));
+    EXPECT_TRUE(waitUntil([&] { return shownIn(agent->itemPicture()) == Shown::Grey; }));
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
 
-#include <QtGlobal>
+#include <QByteArray>
 
 namespace
 {

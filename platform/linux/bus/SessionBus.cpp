@@ -26,7 +26,7 @@ QDBusConnection noConnection()
 /// Whether the bus has not said anything to a question.
 bool isUnanswered(const QDBusMessage &answer)
 {
-    return answer.type() == QDBusMessage::InvalidMessage || isUnanswered(QDBusError(answer).type());
+    return answer.type() == QDBusMessage::InvalidMessage || ::isUnanswered(QDBusError(answer).type());
 }
 
 } // namespace

@@ -106,8 +106,8 @@ protected:
         return ended;
     }
 
-    /// From now on it asks for that path, and has forgotten what it has received.
-    void askFor(const QString &path)
+    /// From now on it asks for that path, and has forgotten what it has received. It takes silence for so long.
+    void askFor(const QString &path, std::chrono::milliseconds timeout)
     {
         const QVariantMap info{
             {QStringLiteral("KIVSupportMessages"), QStringLiteral("http://127.0.0.1:") + m_port + path}};
@@ -119,7 +119,7 @@ protected:
         QFile::link(QStringLiteral(KIV_FETCH), m_directory.filePath(QStringLiteral("kivfetch"))); // Unless it is there.
         m_bundle.emplace(m_directory.path());
         m_properties.emplace(*m_bundle, m_directory.path(), QString(), nobody, &QDateTime::currentDateTimeUtc);
-        m_receiver.emplace(*m_properties, *m_bundle, sink, FeedTiming{.timeout = 100ms});
+        m_receiver.emplace(*m_properties, *m_bundle, sink, FeedTiming{.timeout = timeout});
     }
 
     [[nodiscard]] QByteArray lastCase() { return m_server.output().trimmed().split('\n').last(); }
@@ -145,7 +145,7 @@ TEST_F(FeedMisbehaviour, NeitherCrashesNorHoldsUpNorFillsTheAgent)
     constexpr int cases = 1000;
     RecordProperty("seed", std::to_string(seed));
     qInstallMessageHandler(countCrashes);
-    askFor(QStringLiteral("/feed"));
+    askFor(QStringLiteral("/feed"), 100ms);
     const Pulse pulse;
     for (int number = 0; number < cases; ++number) {
         ASSERT_TRUE(ask()) << "seed " << seed << ", " << lastCase().toStdString();
@@ -156,7 +156,7 @@ TEST_F(FeedMisbehaviour, NeitherCrashesNorHoldsUpNorFillsTheAgent)
                 cases, seed, static_cast<long long>(pulse.standstill()), peakMemory(), peakMemoryOfChildren());
     EXPECT_GT(casesServed(), cases * 9 / 10) << "it was not tried on much";
     sink.count = 0;
-    askFor(QStringLiteral("/well"));
+    askFor(QStringLiteral("/well"), 10s); // On a busy machine kivfetch takes its time to start.
     ASSERT_TRUE(ask());
     EXPECT_EQ(sink.count, 1);
     EXPECT_EQ(crashes, 0) << "seed " << seed;

@@ -47,10 +47,11 @@ inline QDBusMessage event(qint64 agentPid, const QList<RawParameter> &parameters
     return rawEvent(agentName(agentPid), QStringLiteral("kvmc"), QStringLiteral("kvme"), parameters);
 }
 
-/// Sends such an event and returns the handler's status, once the agent's main thread has answered.
+/// Sends such an event and returns the handler's status, once the agent's main thread has answered. It may stand behind
+/// thousands of others, and the agent may run under a sanitizer: two minutes.
 inline int send(const BusPeer &peer, qint64 agentPid, const QList<RawParameter> &parameters)
 {
-    const QDBusReply<int> reply = peer.connection().call(event(agentPid, parameters));
+    const QDBusReply<int> reply = peer.connection().call(event(agentPid, parameters), QDBus::Block, 120'000);
     EXPECT_TRUE(reply.isValid()) << qPrintable(reply.error().message());
     return reply.value();
 }

@@ -10,6 +10,8 @@ void popUpContextMenu(QMenu &menu, QMouseEvent &event, QWidget *view, StatusBar:
     QPoint corner = event.globalPosition().toPoint();
     if (edge == StatusBar::Edge::Bottom) {
         corner.ry() -= menu.sizeHint().height();
+    } else if (edge == StatusBar::Edge::Right) {
+        corner.rx() -= menu.sizeHint().width();
     }
     menu.exec(corner);
 }

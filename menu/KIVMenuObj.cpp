@@ -48,11 +48,6 @@ QSize currentSize(CGDirectDisplayID display)
     CGDisplayModeRelease(mode);
     return size;
 }
-
-NSPoint centreOf(const NSRect &rect)
-{
-    return {rect.origin.x + rect.size.width / 2, rect.origin.y + rect.size.height / 2};
-}
 } // namespace
 
 KIVMenuObj::KIVMenuObj(const Bundle &bundle, const MenuSurroundings &surroundings)
@@ -344,7 +339,7 @@ void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
     const NSSize screen = MainScreen::frame().value_or(NSRect{}).size;
     // The bar is where the item really is, wherever it is held to be.
     const std::optional<NSRect> reported = m_tray ? m_tray->frame() : std::nullopt;
-    const StatusBar bar = StatusBar::at(reported ? centreOf(*reported) : pressed);
+    const StatusBar bar = StatusBar::around(reported.value_or(NSRect{pressed, {}}));
     const MenuPlace menuPlace = place && !frame ? placeAtPress(pressed, screen, bar)
                                                 : MenuPlace{menuAnchor(frame, pressed, screen, bar), bar.edge};
     const QPoint anchorPoint = MainScreen::toQt(menuPlace.anchor);

@@ -8,6 +8,39 @@ constexpr float maxMouseDistance = 30;
 constexpr float mouseGrid = 12;
 constexpr float gapToStatusBar = 5;
 constexpr float minDisagreement = 50;
+
+using Edge = StatusBar::Edge;
+
+NSRect monitorOf(const StatusBar &bar, NSSize mainScreen)
+{
+    return bar.monitor.value_or(NSRect{{}, mainScreen});
+}
+
+float top(NSRect rect)
+{
+    return rect.origin.y + rect.size.height;
+}
+
+float right(NSRect rect)
+{
+    return rect.origin.x + rect.size.width;
+}
+
+/// How far `point` lies inside the monitor, from the edge that the bar is at.
+float depth(NSPoint point, NSRect monitor, Edge edge)
+{
+    switch (edge) {
+    case Edge::Top:
+        return top(monitor) - point.y;
+    case Edge::Bottom:
+        return point.y - monitor.origin.y;
+    case Edge::Left:
+        return point.x - monitor.origin.x;
+    case Edge::Right:
+        return right(monitor) - point.x;
+    }
+    return 0;
+}
 } // namespace
 
 float trayDistance(NSRect item, NSSize mainScreen) noexcept
@@ -26,19 +59,28 @@ NSRect heldFrame(NSRect item, float distance, NSSize mainScreen) noexcept
 
 NSPoint menuAnchor(const std::optional<NSRect> &item, NSPoint mouse, NSSize mainScreen, const StatusBar &bar) noexcept
 {
-    const bool useItem = item && std::abs(item->origin.x - mouse.x) <= maxMouseDistance;
+    const NSRect monitor = monitorOf(bar, mainScreen);
     const float distanceFromEdge = bar.thickness + gapToStatusBar;
-    return {useItem ? item->origin.x : mouse.x - std::fmod(mouse.x, mouseGrid),
-            bar.edge == StatusBar::Edge::Top ? mainScreen.height - distanceFromEdge : distanceFromEdge};
+    const bool useItem = item && std::abs(item->origin.x - mouse.x) <= maxMouseDistance;
+    const float alongTheBar = useItem ? item->origin.x : mouse.x - std::fmod(mouse.x, mouseGrid);
+    switch (bar.edge) {
+    case Edge::Top:
+        return {alongTheBar, top(monitor) - distanceFromEdge};
+    case Edge::Bottom:
+        return {alongTheBar, monitor.origin.y + distanceFromEdge};
+    case Edge::Left:
+        return {monitor.origin.x + distanceFromEdge, item ? top(*item) : mouse.y};
+    case Edge::Right:
+        return {right(monitor) - distanceFromEdge, item ? top(*item) : mouse.y};
+    }
+    return mouse;
 }
 
 MenuPlace placeAtPress(NSPoint press, NSSize mainScreen, const StatusBar &bar) noexcept
 {
-    using Edge = StatusBar::Edge;
-    const Edge nearer = press.y < mainScreen.height / 2 ? Edge::Bottom : Edge::Top;
-    const float distance = nearer == Edge::Top ? mainScreen.height - press.y : press.y;
-    if (nearer == bar.edge && distance <= bar.thickness) {
+    const NSRect monitor = monitorOf(bar, mainScreen);
+    if (depth(press, monitor, bar.edge) <= bar.thickness) {
         return {menuAnchor(std::nullopt, press, mainScreen, bar), bar.edge};
     }
-    return {press, nearer};
+    return {press, press.y < monitor.origin.y + monitor.size.height / 2 ? Edge::Bottom : Edge::Top};
 }

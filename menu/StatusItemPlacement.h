@@ -16,12 +16,13 @@
 [[nodiscard]] NSRect heldFrame(NSRect item, float distance, NSSize mainScreen) noexcept;
 
 /// Where the menu's anchor goes: its x is the item's left edge when the mouse is at most 30 points from that, else the
-/// mouse's x rounded toward zero to a multiple of 12; its y is 5 points clear of the status bar.
+/// mouse's x rounded toward zero to a multiple of 12; its y is 5 points clear of the status bar. Beside a bar at the
+/// left or right of its monitor it is x that is 5 points clear, and y is the item's top edge, or else the mouse's.
 /// `item` is nothing when the item's place is unknown.
 [[nodiscard]] NSPoint menuAnchor(const std::optional<NSRect> &item, NSPoint mouse, NSSize mainScreen,
                                  const StatusBar &bar) noexcept;
 
-/// Where the menu opens, and the edge of the screen from which it opens away.
+/// Where the menu opens, and the edge of the monitor from which it opens away.
 struct MenuPlace {
     NSPoint anchor;
     StatusBar::Edge edge = StatusBar::Edge::Top;

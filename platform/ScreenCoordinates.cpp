@@ -44,6 +44,13 @@ QPoint ScreenCoordinates::toDevice(NSPoint point) const
             static_cast<int>(std::lround(mainScreen.y() + mainScreen.height() - point.y * ratio))};
 }
 
+QRect ScreenCoordinates::toDevice(NSRect rect) const
+{
+    const QPoint topLeft = toDevice(NSPoint{rect.origin.x, rect.origin.y + rect.size.height});
+    const QPoint bottomRight = toDevice(NSPoint{rect.origin.x + rect.size.width, rect.origin.y});
+    return {topLeft, QSize(bottomRight.x() - topLeft.x(), bottomRight.y() - topLeft.y())};
+}
+
 NSRect ScreenCoordinates::fromQt(const QRect &rect) const
 {
     const double bottom = rect.y() + rect.height() - mainScreen.y();

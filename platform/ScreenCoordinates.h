@@ -22,6 +22,7 @@ struct ScreenCoordinates {
     [[nodiscard]] NSPoint fromDevice(QPoint point) const;
     [[nodiscard]] NSRect fromDevice(const QRect &rect) const;
     [[nodiscard]] QPoint toDevice(NSPoint point) const;
+    [[nodiscard]] QRect toDevice(NSRect rect) const;
     [[nodiscard]] NSRect fromQt(const QRect &rect) const;
     [[nodiscard]] QPoint toQt(NSPoint point) const;
 };

@@ -3,7 +3,7 @@
 #include "platform/macos/StatusBarThickness.h"
 
 // The system has one menu bar per screen, always at the top, all of one thickness.
-StatusBar StatusBar::at(NSPoint)
+StatusBar StatusBar::around(NSRect)
 {
     return {Edge::Top, static_cast<float>(systemStatusBarThickness())};
 }

@@ -54,6 +54,20 @@ TEST_F(ContextMenu, StandsOnThePlaceOfThePressWhereTheBarIsAtTheBottom)
     EXPECT_EQ(geometry.top() + geometry.height(), 500);
 }
 
+TEST_F(ContextMenu, HangsToTheRightOfThePlaceWhereTheBarIsAtTheLeft)
+{
+    View view;
+    EXPECT_EQ(openedAt({100, 50}, &view, StatusBar::Edge::Left).topLeft(), QPoint(100, 50));
+}
+
+TEST_F(ContextMenu, HangsToTheLeftOfThePlaceWhereTheBarIsAtTheRight)
+{
+    View view;
+    const QRect geometry = openedAt({500, 50}, &view, StatusBar::Edge::Right);
+    EXPECT_EQ(geometry.left() + geometry.width(), 500);
+    EXPECT_EQ(geometry.top(), 50);
+}
+
 TEST_F(ContextMenu, OpensWithoutAView)
 {
     EXPECT_EQ(openedAt({100, 50}, nullptr, StatusBar::Edge::Top).topLeft(), QPoint(100, 50));

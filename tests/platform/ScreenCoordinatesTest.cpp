@@ -53,7 +53,7 @@ TEST(ScreenCoordinates, CountsPointsFromTheMainScreensBottomLeftCorner)
 TEST(ScreenCoordinates, KeepsHalfPointsOfAFineScreen)
 {
     EXPECT_EQ(fine.fromDevice(QPoint(2001, 75)), (NSPoint{1000.5F, 762.5F}));
-    EXPECT_EQ(fine.toDevice({1000.5F, 762.5F}), QPoint(2001, 75));
+    EXPECT_EQ(fine.toDevice(NSPoint{1000.5F, 762.5F}), QPoint(2001, 75));
 }
 
 struct RectRow {
@@ -75,6 +75,7 @@ TEST(ScreenCoordinates, GivesARectangleItsBottomLeftCornerAsOrigin)
 {
     for (const RectRow &row : rects) {
         EXPECT_EQ(row.screen.fromDevice(row.device), row.rect);
+        EXPECT_EQ(row.screen.toDevice(row.rect), row.device);
         EXPECT_EQ(row.screen.fromQt(row.qt), row.rect);
     }
 }

@@ -79,6 +79,53 @@ TEST_F(UnmanagedMenu, OpensAtTheItemsLeftEdgeFivePointsBelowThePanel)
     expectMenuBelowItem();
 }
 
+struct PanelPlace {
+    const char *name;
+    Desktop::PanelEdge edge;
+    int gap;
+};
+
+class MenuOfAnyPanel : public Menu, public testing::WithParamInterface<PanelPlace>
+{
+};
+
+TEST_P(MenuOfAnyPanel, OpensAtTheItemFivePointsOffThePanel)
+{
+    ASSERT_TRUE(desktop.start());
+    ASSERT_TRUE(desktop.startWindowManager());
+    ASSERT_TRUE(desktop.startPanel(Desktop::TraySide::Left, GetParam().edge, GetParam().gap));
+    agent.emplace(desktop);
+    ASSERT_TRUE(agent->startAndDock());
+    const QRect panel = desktop.panelGeometry();
+    const QRect item = agent->dockedItem()->geometry;
+    const std::optional<XWindow> opened = agent->openMenu();
+    ASSERT_TRUE(opened);
+    const QRect menu = opened->geometry;
+    switch (GetParam().edge) {
+    case Desktop::PanelEdge::Top:
+        EXPECT_EQ(menu.topLeft(), QPoint(item.left(), panel.bottom() + 1 + gapBelowThePanel));
+        break;
+    case Desktop::PanelEdge::Bottom:
+        EXPECT_EQ(menu.bottomLeft(), QPoint(item.left(), panel.top() - 1 - gapBelowThePanel));
+        break;
+    case Desktop::PanelEdge::Left:
+        EXPECT_EQ(menu.topLeft(), QPoint(panel.right() + 1 + gapBelowThePanel, item.top()));
+        break;
+    case Desktop::PanelEdge::Right:
+        EXPECT_EQ(menu.topRight(), QPoint(panel.left() - 1 - gapBelowThePanel, item.top()));
+        break;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Panels, MenuOfAnyPanel,
+                         testing::Values(PanelPlace{"Top", Desktop::PanelEdge::Top, 0},
+                                         PanelPlace{"Bottom", Desktop::PanelEdge::Bottom, 0},
+                                         PanelPlace{"Left", Desktop::PanelEdge::Left, 0},
+                                         PanelPlace{"Right", Desktop::PanelEdge::Right, 0},
+                                         PanelPlace{"OffTheTop", Desktop::PanelEdge::Top, 8},
+                                         PanelPlace{"OffTheBottom", Desktop::PanelEdge::Bottom, 8}),
+                         [](const auto &place) { return place.param.name; });
+
 TEST_F(MenuAtTheScreensEdge, MovesLeftJustEnoughToStayOnTheScreen)
 {
     const QRect item = agent->dockedItem()->geometry;

@@ -12,7 +12,9 @@ watch, to stop and to start again. A part needs those above it:
     server-with-rates       in its place, one without viewers that lists sizes at several refresh rates, as a screen does
     bus                     a message bus at the socket FOLDER/bus; prints a line once it listens
     window-manager
-    panel [left]            the panel of resources/demo, with its tray at the right end or at the left
+    panel [SIDE [EDGE [GAP]]]
+                            the panel of resources/demo, with its tray at the right end or at the left, along the top
+                            edge or another, with so many pixels between
 
 Two words start nothing:
 
@@ -107,14 +109,18 @@ def window_manager(_):
     return ["openbox", "--sm-disable"]
 
 
-def panel(folder, side="right"):
+def panel(folder, side="right", edge="top", gap="0"):
     """At the left end of the panel, the open menu of an item has room to its right, and leaves pop-ups in sight."""
-    with open(PANEL, "rb") as file:
+    place = f"{edge} center horizontal" if edge in ("top", "bottom") else f"center {edge} vertical"
+    with open(PANEL, encoding="utf-8") as file:
         text = file.read()
-    if side == "left":
-        if text.count(b"\npanel_items = TFSC\n") != 1:
-            sys.exit(f"{PANEL}: the tray is not where it was")
-        text = text.replace(b"\npanel_items = TFSC\n", b"\npanel_items = SFTC\n")
+    for line, changed in (("panel_items = TFSC", "panel_items = SFTC" if side == "left" else "panel_items = TFSC"),
+                          ("panel_position = top center horizontal", f"panel_position = {place}"),
+                          ("panel_margin = 0 0", f"panel_margin = {gap} {gap}")):
+        if text.count(f"\n{line}\n") != 1:
+            sys.exit(f"{PANEL}: there is no line {line}")
+        text = text.replace(f"\n{line}\n", f"\n{changed}\n")
+    text = text.encode()
     return ["tint2", "-c", _write(os.path.join(folder, "tint2rc"), text)]
 
 

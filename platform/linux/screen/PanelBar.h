@@ -4,8 +4,9 @@
 
 #include <QRect>
 
-/// The status bar that a top-level window at `window` makes on the main screen `screen`, both in device pixels: a
-/// horizontal panel at the screen's top or bottom edge, on this screen or one beside it that ends at the same height.
-/// Any other window (a vertical panel, a window that fills the screen) gives 22 points at the top. `ratio` is the
-/// number of device pixels in a point.
-[[nodiscard]] StatusBar panelBar(const QRect &window, const QRect &screen, double ratio);
+/// The edge and the thickness of the status bar that a top-level window at `window` makes on `monitor` for a status
+/// item at `item`, all in device pixels. A window that is long and thin is a panel, at the edge beside which it lies.
+/// Any other window (one that fills the monitor, an item that stands by itself) is none: then the bar reaches from the
+/// top or bottom edge, whichever is nearer, as far as `item` does, and 22 points at least. An `item` without a size
+/// tells nothing: 22 points at the top. `ratio` is the number of device pixels in a point.
+[[nodiscard]] StatusBar panelBar(const QRect &window, const QRect &item, const QRect &monitor, double ratio);

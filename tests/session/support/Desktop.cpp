@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace
 {
 // Neither has anything to say about the agent, and the panel says a lot.
@@ -95,13 +97,18 @@ bool Desktop::stopWindowManager()
     return gone;
 }
 
-bool Desktop::startPanel(TraySide side)
+bool Desktop::startPanel(TraySide side, PanelEdge edge, int gap)
 {
     const QString end = side == TraySide::Left ? QStringLiteral("left") : QStringLiteral("right");
-    const bool ready = startPart(m_panel, {QStringLiteral("panel"), m_folder.path(), end}) &&
-                       waitUntil([this] { return m_view->selectionOwnerPid("_NET_SYSTEM_TRAY_S0") == m_panel.pid(); },
-                                 // It waits ten seconds or so for a window manager before it goes on without.
-                                 std::chrono::seconds(30));
+    const std::map<PanelEdge, QString> edges = {{PanelEdge::Top, QStringLiteral("top")},
+                                                {PanelEdge::Bottom, QStringLiteral("bottom")},
+                                                {PanelEdge::Left, QStringLiteral("left")},
+                                                {PanelEdge::Right, QStringLiteral("right")}};
+    const bool ready =
+        startPart(m_panel, {QStringLiteral("panel"), m_folder.path(), end, edges.at(edge), QString::number(gap)}) &&
+        waitUntil([this] { return m_view->selectionOwnerPid("_NET_SYSTEM_TRAY_S0") == m_panel.pid(); },
+                  // It waits ten seconds or so for a window manager before it goes on without.
+                  std::chrono::seconds(30));
     EXPECT_TRUE(ready) << "tint2 did not start";
     return ready;
 }

@@ -21,6 +21,9 @@ public:
     /// The end of the panel at which its tray lies. At the left end a menu has room to open to the right of its item.
     enum class TraySide { Left, Right };
 
+    /// Where the panel stands, and how many pixels from that edge.
+    enum class PanelEdge { Top, Bottom, Left, Right };
+
     /// What the X server is one of.
     enum class Server {
         RemoteDesktop, ///< Viewers may connect to it.
@@ -39,8 +42,8 @@ public:
     bool startWindowManager();
     /// Ends the window manager; returns once the X server has none.
     bool stopWindowManager();
-    /// Starts a panel along the top edge and returns once it takes status items.
-    bool startPanel(TraySide side = TraySide::Right);
+    /// Starts a panel along that edge and returns once it takes status items.
+    bool startPanel(TraySide side = TraySide::Right, PanelEdge edge = PanelEdge::Top, int gap = 0);
     /// Kills the panel, as a crash would.
     void stopPanel();
 

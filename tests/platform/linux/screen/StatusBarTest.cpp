@@ -19,20 +19,45 @@ public:
     }
 };
 
-TEST(StatusBar, IsThePanelUnderThePoint)
+StatusBar bar(StatusBar::Edge edge, float thickness)
 {
-    const Panel top(QRect(0, 0, 1280, 32));
-    EXPECT_EQ(StatusBar::at({1000, 790}), (StatusBar{StatusBar::Edge::Top, 32}));
-    const Panel bottom(QRect(0, 760, 1280, 40));
-    EXPECT_EQ(StatusBar::at({1000, 20}), (StatusBar{StatusBar::Edge::Bottom, 40}));
+    return {.edge = edge, .thickness = thickness};
 }
 
-TEST(StatusBar, Is22PointsAtTheTopWhereNoPanelIs)
+/// A status item's usual size.
+NSRect itemAt(NSPoint bottomLeft)
 {
-    EXPECT_EQ(StatusBar::at({1000, 790}), (StatusBar{StatusBar::Edge::Top, 22}));
+    return {bottomLeft, {22, 22}};
+}
+
+TEST(StatusBar, IsThePanelUnderTheItem)
+{
+    const Panel top(QRect(0, 0, 1280, 32));
+    EXPECT_EQ(StatusBar::around(itemAt({1000, 773})), bar(StatusBar::Edge::Top, 32));
+    const Panel bottom(QRect(0, 750, 1280, 40));
+    EXPECT_EQ(StatusBar::around(itemAt({1000, 19})), bar(StatusBar::Edge::Bottom, 50));
     const Panel left(QRect(0, 0, 48, 800));
-    EXPECT_EQ(StatusBar::at({10, 790}), (StatusBar{StatusBar::Edge::Top, 22}));
-    EXPECT_EQ(StatusBar::at({5000, 5000}), (StatusBar{StatusBar::Edge::Top, 22}));
+    EXPECT_EQ(StatusBar::around(itemAt({13, 400})), bar(StatusBar::Edge::Left, 48));
+}
+
+TEST(StatusBar, IsThePanelUnderTheMouseWhereTheItemIsNotKnown)
+{
+    const Panel left(QRect(0, 0, 48, 800));
+    EXPECT_EQ(StatusBar::around({{0, 400}, {}}), bar(StatusBar::Edge::Left, 48));
+    EXPECT_EQ(StatusBar::around({{47, 400}, {}}), bar(StatusBar::Edge::Left, 48));
+    EXPECT_EQ(StatusBar::around({{48, 400}, {}}), bar(StatusBar::Edge::Top, 22));
+}
+
+TEST(StatusBar, ReachesAsFarAsTheItemWhereNoPanelIs)
+{
+    EXPECT_EQ(StatusBar::around(itemAt({1258, 778})), bar(StatusBar::Edge::Top, 22));
+    EXPECT_EQ(StatusBar::around(itemAt({1258, 9})), bar(StatusBar::Edge::Bottom, 31));
+}
+
+TEST(StatusBar, Is22PointsAtTheTopWhereNothingIs)
+{
+    EXPECT_EQ(StatusBar::around({{1000, 790}, {}}), bar(StatusBar::Edge::Top, 22));
+    EXPECT_EQ(StatusBar::around({{5000, 5000}, {}}), bar(StatusBar::Edge::Top, 22));
 }
 
 } // namespace

@@ -17,7 +17,7 @@ TEST(WithoutAnXServer, NoCompositorRuns)
 
 TEST(WithoutAnXServer, TheStatusBarIs22PointsAtTheTop)
 {
-    EXPECT_EQ(StatusBar::at({10, 790}), (StatusBar{StatusBar::Edge::Top, 22}));
+    EXPECT_EQ(StatusBar::around({{10, 768}, {22, 22}}), (StatusBar{StatusBar::Edge::Top, 22, {}}));
 }
 
 } // namespace

@@ -19,8 +19,8 @@ QDateTime now()
 
 KivNotificationProperties &KivNotificationProperties::sharedInstance()
 {
-    static KivNotificationProperties instance(Bundle::main(), QDir::homePath(), QString::fromLatin1(systemVersionFile),
-                                              UserDatabase::system(), now);
+    static KivNotificationProperties instance(
+        Bundle::main(), QDir::homePath(), QString::fromLatin1(standardSystemVersionFile), UserDatabase::system(), now);
     return instance;
 }
 

@@ -29,7 +29,7 @@ protected:
 
 TEST_F(SystemVersion, IsKeptWhereTheSystemHasIt)
 {
-    EXPECT_STREQ(systemVersionFile, "/System/Library/CoreServices/SystemVersion.plist");
+    EXPECT_STREQ(standardSystemVersionFile, "/System/Library/CoreServices/SystemVersion.plist");
 }
 
 TEST_F(SystemVersion, IsTheProductVersionOfTheFile)

@@ -234,7 +234,7 @@ TEST_F(StatusItemNotifierTest, LeavesTheStripForAHostThatComesLaterAndReturnsWhe
 {
     StatusItem item;
     item.setImage(redIcon());
-    ASSERT_EQ(item.frame(), stripFrame);
+    ASSERT_TRUE(waitUntil([&] { return item.frame() == stripFrame; })) << "there may be a host of before still";
     {
         FakeNotifierHost host(bus->address());
         EXPECT_TRUE(waitUntil([&] { return host.items().size() == 1; }));

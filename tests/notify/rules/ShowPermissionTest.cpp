@@ -80,6 +80,8 @@ TEST(ShowPermission, KeepsTheIntervalToTheMillisecond)
     KivNotification record;
     record.setLastShowDate(present.addSecs(-3600).addMSecs(-1));
     EXPECT_TRUE(shouldShowNotification(record, repeating(1), present));
+    record.setLastShowDate(present.addSecs(-3600));
+    EXPECT_FALSE(shouldShowNotification(record, repeating(1), present));
     record.setLastShowDate(present.addSecs(-3600).addMSecs(1));
     EXPECT_FALSE(shouldShowNotification(record, repeating(1), present));
 }
@@ -87,6 +89,7 @@ TEST(ShowPermission, KeepsTheIntervalToTheMillisecond)
 TEST(ShowPermission, IsRefusedTwoHoursAfterTheLastShowingWhenThreeAreAsked)
 {
     EXPECT_FALSE(shouldShowNotification(lastShown(7200), repeating(2), present));
+    EXPECT_FALSE(shouldShowNotification(lastShown(10799), repeating(2), present));
     EXPECT_TRUE(shouldShowNotification(lastShown(10801), repeating(2), present));
 }
 

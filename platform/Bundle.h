@@ -6,8 +6,8 @@
 #include <optional>
 
 /// The application bundle: the information dictionary and the resources that are installed with the program.
-/// On Linux the folder ../share/kivmenua beside the program's own folder, on macOS the .app. A copy of those folders
-/// with another Info.plist is another bundle. Main thread only.
+/// On Linux the folders ../share/kivmenua and ../libexec/kivmenua beside the program's own folder, on macOS the .app. A
+/// copy of those folders with another Info.plist is another bundle. Main thread only.
 class Bundle final
 {
 public:
@@ -31,7 +31,7 @@ public:
     /// such file.
     [[nodiscard]] QString pathForResource(const QString &name, const QString &type) const;
 
-    /// The path of a program of the bundle's other than the running one; a null string when there is no such file.
+    /// The path of a helper program of the bundle's; a null string when there is no such file.
     [[nodiscard]] QString pathForAuxiliaryExecutable(const QString &name) const;
 
 private:

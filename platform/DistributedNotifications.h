@@ -25,4 +25,8 @@ public:
 /// a moment after that. What is posted while there is no bus is missed.
 [[nodiscard]] std::unique_ptr<Observer> addObserver(const QString &name, std::function<void()> callback);
 
+/// Posts `name` to all observers of the user's session. False when there is no bus to take it; once true, it is on its
+/// way even if this program ends at once. Blocks for at most 500 ms.
+[[nodiscard]] bool post(const QString &name);
+
 } // namespace DistributedNotifications

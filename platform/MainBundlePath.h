@@ -6,7 +6,7 @@
 struct MainBundlePath {
     QString resources;       ///< The folder with its resources.
     QString informationFile; ///< Its Info.plist.
-    QString executables;     ///< The folder with its programs.
+    QString executables;     ///< The folder with its helper programs.
 };
 
 /// Needs the application object. Main thread only.

@@ -15,9 +15,10 @@ inline constexpr char16_t panelTitle[] = u"Kivune";
 /// host. Panels keep by it what the user has chosen for the item.
 inline constexpr QLatin1String itemName("kivmenua");
 
-/// The folder of the images and of Info.plist, from that of the programs; on Linux. resources/CMakeLists.txt has it
-/// too.
+/// The folders of the images with Info.plist and of the helper programs, from that of the agent; on Linux.
+/// CMakeLists.txt has them too.
 inline constexpr QLatin1String bundleFolder("../share/kivmenua");
+inline constexpr QLatin1String helperFolder("../libexec/kivmenua");
 
 /// The X selection, with the screen's number after it, by which one agent keeps another out of the same display.
 inline constexpr char lockSelection[] = "_KIVMENUA_S";

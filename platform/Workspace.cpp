@@ -4,6 +4,7 @@
 
 #include <QDesktopServices>
 #include <QFileInfo>
+#include <QProcess>
 #include <QUrl>
 
 namespace
@@ -19,14 +20,26 @@ void open(const QUrl &url)
     }
 }
 
+void run(const QString &program)
+{
+    if (QProcess::startDetached(program, {})) {
+        qCDebug(agentLog) << "runs" << program;
+    } else {
+        qCWarning(agentLog) << "cannot run" << program;
+    }
+}
+
 } // namespace
 
 void Workspace::openFile(const QString &path)
 {
-    if (QFileInfo::exists(path)) {
-        open(QUrl::fromLocalFile(path));
-    } else {
+    const QFileInfo file(path);
+    if (!file.exists()) {
         qCWarning(agentLog) << "cannot open" << path << "which does not exist";
+    } else if (file.isFile() && file.isExecutable()) {
+        run(path);
+    } else {
+        open(QUrl::fromLocalFile(path));
     }
 }
 

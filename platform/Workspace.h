@@ -7,7 +7,7 @@
 namespace Workspace
 {
 
-/// Opens a file. One that does not exist is left alone.
+/// Opens a file, or runs it when it is a program. One that does not exist is left alone.
 void openFile(const QString &path);
 
 /// Opens an address; a text that is none is left alone.

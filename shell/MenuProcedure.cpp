@@ -7,11 +7,16 @@
 #include "platform/Workspace.h"
 #include "platform/alert/AlertPanel.h"
 #include "shell/AlertRunner.h"
+#include "shell/PreferencesPane.h"
 #include "shell/ProcessState.h"
 #include "shell/ProductInformation.h"
 #include "shell/ProductTexts.h"
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventLink.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 
 namespace
 {
@@ -31,7 +36,8 @@ void forward(std::uint32_t code)
 
 void openPreferences()
 {
-    Workspace::openFile(ProductTexts::preferencesPane);
+    const QDir ours(QCoreApplication::applicationDirPath());
+    Workspace::openFile(ours.absoluteFilePath(QFile::decodeName(preferencesPane)));
 }
 
 void openSupportPage()

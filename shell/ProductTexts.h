@@ -16,9 +16,6 @@ inline constexpr char16_t supportPage[] = u"https://www.kivune.example/support/"
 /// The program's file name, as shell/CMakeLists.txt has it.
 inline constexpr char programName[] = "kivmenua";
 
-/// The server's pane of the system preferences.
-inline constexpr QLatin1String preferencesPane("/Library/PreferencePanes/kivserverp.prefPane");
-
 /// A line for each role; names that follow the first one stand below it.
 inline constexpr char16_t credits[] = u"\nProgramming:\t\tThe Kivune contributors"
                                       u"\nImages design:\t\tThe Kivune contributors"

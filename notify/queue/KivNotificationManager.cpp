@@ -8,6 +8,7 @@
 #include "notify/rules/CheckInterval.h"
 #include "notify/rules/CloseTimeout.h"
 #include "notify/rules/KivNotificationProperties.h"
+#include "notify/rules/SettingsAnnouncement.h"
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/data/StringValues.h"
@@ -22,9 +23,6 @@ namespace
 
 /// The main screen's size when a pop-up was last placed.
 NSSize prevScreenSize;
-
-/// The name is spelt so by the settings program.
-const QString settingsChanged = QStringLiteral("KivMunuUpdateSettingsNotification");
 
 /// Of instant records that wait.
 constexpr auto maxInstantOnes = 100;

@@ -4,6 +4,7 @@
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
 #include "notify/rules/Relevance.h"
+#include "notify/rules/SettingTable.h"
 #include "notify/rules/ShowPermission.h"
 #include "platform/Bundle.h"
 #include "platform/LogCategories.h"
@@ -19,8 +20,6 @@
 
 namespace
 {
-
-const QLatin1String lastMessageIdKey("KivNotificationLastMessId");
 
 /// The dictionary in the file; nothing when it cannot be read or holds another value.
 std::optional<QVariantMap> readDictionary(const QString &path, RegularFile::Links links)

@@ -1,21 +1,23 @@
 #include "notify/rules/NotificationSettings.h"
 
+#include "notify/rules/SettingTable.h"
 #include "platform/data/StringValues.h"
 
 NotificationSettings NotificationSettings::fromDictionary(const QVariantMap &preferences)
 {
-    const auto isOn = [&](QLatin1String key) { return StringValues::boolValue(preferences.value(key)); };
-    const auto number = [&](QLatin1String key) { return StringValues::intValue(preferences.value(key)); };
-    return {
-        .shouldDisplayNews = isOn(QLatin1String("KivNotificationShowNews")),
-        .shouldDisplayNotices = isOn(QLatin1String("KivNotificationShowNotices")),
-        .shouldDisplayUpdates = isOn(QLatin1String("KivNotificationShowUpdates")),
-        .shouldDisplayWarnings = isOn(QLatin1String("KivNotificationShowWarnings")),
-        .shouldDisplayLowPriority = isOn(QLatin1String("KivNotificationShowLowPriority")),
-        .shouldDisplayMediumPriority = isOn(QLatin1String("KivNotificationShowMediumPriority")),
-        .shouldDisplayHighPriority = isOn(QLatin1String("KivNotificationShowHighPriority")),
-        .notificationRepeat = number(QLatin1String("KivNotificationRepeatTimeout")),
-        .notificationClose = number(QLatin1String("KivNotificationCloseTimeout")),
-        .notificationShow = number(QLatin1String("KivNotificationShowTimeout")),
-    };
+    NotificationSettings settings;
+    for (const SettingEntry &entry : settingTable()) {
+        const QVariant value = preferences.value(entry.key);
+        entry.setIn(settings, entry.isSwitch() ? static_cast<std::int32_t>(StringValues::boolValue(value))
+                                               : StringValues::intValue(value));
+    }
+    return settings;
+}
+
+void NotificationSettings::writeTo(QVariantMap &preferences) const
+{
+    for (const SettingEntry &entry : settingTable()) {
+        const std::int32_t value = entry.valueIn(*this);
+        preferences.insert(entry.key, entry.isSwitch() ? QVariant(value != 0) : QVariant(value));
+    }
 }

@@ -24,5 +24,8 @@ struct NotificationSettings {
     /// missing is off or 0: whoever saves settings saves them all.
     [[nodiscard]] static NotificationSettings fromDictionary(const QVariantMap &preferences);
 
+    /// Puts all of them under their keys, each as the type that it has; other keys stay.
+    void writeTo(QVariantMap &preferences) const;
+
     [[nodiscard]] bool operator==(const NotificationSettings &) const = default;
 };

@@ -41,3 +41,12 @@ DistributedNotifications::addObserver(const QString &name, std::function<void()>
 {
     return std::make_unique<CentreObserver>(name, std::move(callback));
 }
+
+bool DistributedNotifications::post(const QString &name)
+{
+    const CFStringRef cfName = name.toCFString();
+    // At once, as observers are told.
+    CFNotificationCenterPostNotification(CFNotificationCenterGetDistributedCenter(), cfName, nullptr, nullptr, true);
+    CFRelease(cfName);
+    return true;
+}

@@ -148,12 +148,12 @@ TEST_F(MainBundle, LiesBesideTheProgramsFolder)
               QStringList({QStringLiteral("1"), QStringLiteral("2.0"), path(QStringLiteral("two")) + image}));
 }
 
-TEST_F(MainBundle, HasItsOtherProgramsBesideTheRunningOne)
+TEST_F(MainBundle, HasItsHelpersInAFolderThatNobodysPathNames)
 {
     install(QStringLiteral("one"), QStringLiteral("1.0"));
     const QString probe = path(QStringLiteral("one/bin/probe"));
     EXPECT_EQ(run(probe).value(3), QString());
-    const QString another = QStringLiteral("one/bin/another");
+    const QString another = QStringLiteral("one/libexec/kivmenua/another");
     write(another, "#!/bin/sh");
     EXPECT_EQ(run(probe).value(3), path(another));
 }

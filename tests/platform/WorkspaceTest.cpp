@@ -1,9 +1,12 @@
 #include "platform/Workspace.h"
 
 #include "tests/session/support/Browser.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
 
 #include <gtest/gtest.h>
@@ -52,6 +55,46 @@ TEST_F(WorkspaceTest, OpensAFileThatIsThere)
     ASSERT_TRUE(file.open());
     Workspace::openFile(file.fileName());
     EXPECT_TRUE(opens("file://" + file.fileName().toUtf8())) << browser->opened().join('|').constData();
+}
+
+TEST_F(WorkspaceTest, RunsAProgramAndDoesNotOpenIt)
+{
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("program"));
+    const QString trace = folder.filePath(QStringLiteral("trace"));
+    QFile script(program);
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\necho \"$#\" >'" + QFile::encodeName(trace) + ".part'\nmv '" + QFile::encodeName(trace) +
+                 ".part' '" + QFile::encodeName(trace) + "'\n");
+    ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    script.close();
+    Workspace::openFile(program);
+    ASSERT_TRUE(waitUntil([&] { return QFile::exists(trace); }));
+    QFile written(trace);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(written.readAll(), "0\n") << "it gets no arguments";
+    Workspace::openUrl(QStringLiteral("http://127.0.0.1/after"));
+    EXPECT_TRUE(opens("http://127.0.0.1/after")) << browser->opened().join('|').constData();
+}
+
+TEST_F(WorkspaceTest, SaysInTheLogWhatItCouldNotOpen)
+{
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("program"));
+    QFile script(program);
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/nowhere/interpreter\n");
+    ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::ExeOwner));
+    script.close();
+    LogLines log;
+    Workspace::openFile(program);
+    Workspace::openFile(QStringLiteral("/nowhere/kivsettings"));
+    Workspace::openUrl(QStringLiteral("support.html"));
+    const std::string name = program.toStdString();
+    EXPECT_EQ(log.takeWarnings(),
+              (std::vector<std::string>{"kiv.agent: cannot run \"" + name + "\"",
+                                        "kiv.agent: cannot open \"/nowhere/kivsettings\" which does not exist",
+                                        "kiv.agent: cannot open \"support.html\" which is no address"}));
 }
 
 TEST_F(WorkspaceTest, LeavesAFileThatIsNotThereAloneAndATextThatIsNoAddress)

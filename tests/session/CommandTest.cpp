@@ -1,5 +1,8 @@
+#include "platform/linux/include/ExecutableName.h"
 #include "tests/session/support/Session.h"
 #include "tests/support/WaitUntil.h"
+
+#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -48,11 +51,22 @@ TEST_P(Command, GoesToTheServiceForEachEntryOfTheWorkspaceMenu)
     }
 }
 
-TEST_P(Command, OpensNothingForAMissingPreferencePaneAndTheSupportPageWithTheDefaultProgram)
+TEST_P(Command, OpensTheSettingsBesideTheAgentForItsPreferences)
+{
+    ASSERT_TRUE(session->choose(Session::Preferences, GetParam()));
+    qint64 program = 0;
+    EXPECT_TRUE(waitUntil([&] {
+        program = session->desktop.view().focusOwnerPid();
+        return executableName(static_cast<pid_t>(program)) == "kivsettings";
+    }));
+    EXPECT_FALSE(session->desktop.view().windowsOf(program).isEmpty());
+    session->desktop.input().key(XK_Escape);
+    EXPECT_TRUE(waitUntil([&] { return !QFile::exists(QStringLiteral("/proc/%1").arg(program)); }));
+}
+
+TEST_P(Command, OpensTheSupportPageWithTheDefaultProgram)
 {
     const QByteArrayList before = session->browser.opened();
-    ASSERT_TRUE(session->choose(Session::Preferences, GetParam()));
-    ASSERT_TRUE(session->agent->waitUntilClosed());
     ASSERT_TRUE(session->choose(Session::Support, GetParam()));
     ASSERT_TRUE(waitUntil([&] { return session->browser.opened().size() > before.size(); }));
     EXPECT_EQ(session->browser.opened(), before + QByteArrayList{supportPage});

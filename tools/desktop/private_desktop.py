@@ -144,8 +144,9 @@ def bundle(folder, build, program, values):
     import shutil  # pylint: disable=import-outside-toplevel
     os.makedirs(os.path.join(folder, "bin"))
     shutil.copy2(os.path.join(build, program), os.path.join(folder, "bin/kivmenua"))
-    shutil.copy2(os.path.join(build, "bin/kivfetch"), os.path.join(folder, "bin"))
-    shutil.copytree(os.path.join(build, "share"), os.path.join(folder, "share"))
+    shutil.copy2(os.path.join(build, "bin/kivsettings"), os.path.join(folder, "bin"))
+    for name in ("libexec", "share"):
+        shutil.copytree(os.path.join(build, name), os.path.join(folder, name))
     path = os.path.join(folder, "share/kivmenua/Info.plist")
     with open(path, "rb") as file:
         information = plistlib.load(file)

@@ -45,9 +45,10 @@ ALLOWED = {
     'notify/feed': PLATFORM + RULES + TEXT,
     'notify': [],
     'shell': PLATFORM + NOTIFY + ['menu'],
-    'tools': PLATFORM + ['platform/linux/include', 'menu', 'shell'],
+    'settings': PLATFORM + RULES,
+    'tools': PLATFORM + RULES + ['platform/linux/include', 'menu', 'settings', 'shell'],
 }
-HOUSE = ('fetch', 'platform', 'notify', 'menu', 'shell', 'tools', 'tests', 'bench', 'fuzz')
+HOUSE = ('fetch', 'platform', 'notify', 'menu', 'shell', 'settings', 'tools', 'tests', 'bench', 'fuzz')
 # Made from descriptions of D-Bus interfaces, or by moc.
 GENERATED = re.compile(r'(Adaptor\.h|\.moc)$')
 INCLUDE = re.compile(r'^\s*#\s*include\s*(?:"([^"]+)"|<([^>]+)>)')

@@ -30,7 +30,7 @@ RESERVED = {
     'Do Not Remind Me Later': ["Don't Remind Me Later"],
 }
 NAMES = re.compile(r'"(?:[^"\\\n]|\\.)*(?:kivmenua|kivune|tamborel)', re.IGNORECASE)
-PRODUCT = ['shell', 'menu', 'notify', 'platform', 'resources/Info.plist.in']
+PRODUCT = ['shell', 'menu', 'notify', 'platform', 'settings', 'resources/Info.plist.in']
 
 
 def places(root, word, folders):
@@ -44,7 +44,7 @@ def strewn_names(root):
     listed = subprocess.run(['git', 'ls-files', '*.h', '*.cpp', '*.mm'], cwd=root, capture_output=True, text=True,
                             check=True).stdout
     for name in listed.splitlines():
-        is_product = name.startswith(('shell/', 'menu/', 'notify/', 'platform/'))
+        is_product = name.startswith(('shell/', 'menu/', 'notify/', 'platform/', 'settings/'))
         if not is_product or name.endswith('/ProductTexts.h') or not (root / name).is_file():
             continue
         for number, line in enumerate((root / name).read_text(encoding='utf-8').splitlines(), 1):

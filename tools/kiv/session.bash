@@ -156,7 +156,7 @@ start_agent() {
     wait_for 60 "the agent" agent_is_linked
     mkfifo "$work/commands"
     exec 8<>"$work/commands"
-    build/dev/bin/kivservice attach --pid "$agent" <&8 > >(tee "$work/service.log") 2>&1 &
+    build/dev/sbin/kivservice attach --pid "$agent" <&8 > >(tee "$work/service.log") 2>&1 &
     part[$!]=service
     started+=($!)
     tell_service 'flags 6'
@@ -231,7 +231,7 @@ run_session() { # [--for SECONDS] [--shot FILE] [--verbose]
         *) fail "run does not know \"$1\"; see ./kiv help" ;;
         esac
     done
-    build dev kivmenua kivservice
+    build dev kivmenua kivservice kivsettings
     say "Starting"
     start_session
     if [[ -n $embedded ]]; then
@@ -288,7 +288,7 @@ watch_parts() { # [TIMER]
 make_pictures() {
     unset DISPLAY
     geometry=960x420
-    build dev kivmenua kivservice
+    build dev kivmenua kivservice kivsettings
     say "Taking pictures"
     start_session
     shoot_menu docs/images/session.png

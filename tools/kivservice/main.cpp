@@ -2,6 +2,7 @@
 #include "tools/kivservice/AttachCommand.h"
 #include "tools/kivservice/DisplayArguments.h"
 #include "tools/kivservice/DisplaySwitcher.h"
+#include "tools/kivservice/SettingsCommand.h"
 
 #include <QCoreApplication>
 
@@ -26,6 +27,10 @@ session puts its viewers out; a VNC server cannot do the rest. A second line say
   kivservice dspcmd set -w WIDTH -h HEIGHT -c
 
 Switches the current session's main display to that size in pixels.
+
+  kivservice settings [KEY [VALUE]]
+
+Prints the user's notification settings, or the one under that key, or sets it and tells the agents of the session.
 )";
 
 int displayCommand(const QStringList &arguments)
@@ -51,6 +56,9 @@ int main(int argc, char **argv)
     }
     if (command == QLatin1String("dspcmd")) {
         return displayCommand(arguments);
+    }
+    if (command == QLatin1String("settings")) {
+        return settingsCommand(arguments);
     }
     const bool askedForHelp = command == QLatin1String("--help") || command == QLatin1String("help");
     std::fputs(usage, askedForHelp ? stdout : stderr);

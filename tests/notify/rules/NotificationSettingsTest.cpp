@@ -139,3 +139,21 @@ TEST(NotificationSettings, ReadANumberFromNumbersAndText)
             << c.value.typeName() << ' ' << c.value.toString().toStdString();
     }
 }
+
+TEST(NotificationSettings, AreWrittenUnderTheKeysTheyAreReadFromAndLeaveTheOthers)
+{
+    const QString foreign = QStringLiteral("SomebodyElsesKey");
+    for (const SwitchKey &s : switches) {
+        NotificationSettings settings;
+        settings.*s.member = false;
+        settings.notificationShow = 77;
+        QVariantMap preferences{{foreign, QStringLiteral("kept")}, {QString::fromLatin1(s.key), 1}};
+        settings.writeTo(preferences);
+        EXPECT_EQ(preferences.size(), 11);
+        EXPECT_EQ(preferences.value(foreign), QStringLiteral("kept"));
+        EXPECT_EQ(preferences.value(QLatin1String(s.key)), QVariant(false)) << s.key;
+        EXPECT_EQ(preferences.value(QLatin1String(s.key)).typeId(), QMetaType::Bool) << s.key;
+        EXPECT_EQ(preferences.value(QLatin1String("KivNotificationShowTimeout")), QVariant(77));
+        EXPECT_EQ(NotificationSettings::fromDictionary(preferences), settings) << s.key;
+    }
+}

@@ -14,7 +14,7 @@ bool Service::attach(const Agent &agent)
     EXPECT_TRUE(waitUntil([&] { return agent.isLinked(); })) << "the agent receives no events";
     m_process.environment = environment;
     const QString pid = QString::number(agent.pid());
-    const bool attached = m_process.start(QStringLiteral(KIV_BUILD_DIR "/bin/kivservice"),
+    const bool attached = m_process.start(QStringLiteral(KIV_BUILD_DIR "/sbin/kivservice"),
                                           {QStringLiteral("attach"), QStringLiteral("--pid"), pid}) &&
                           waitUntil([&] { return m_process.output().startsWith("attached " + pid.toLatin1() + '\n'); });
     EXPECT_TRUE(attached) << "the service cannot claim the agent";

@@ -137,7 +137,8 @@ class PrivateDesktopTest(unittest.TestCase):
 
     def test_a_bundle_is_the_built_agent_with_other_values(self):
         build = pathlib.Path(self.path("build"))
-        files = {"bin/kivmenua": b"as built", "tests/kivmenua": b"of a test", "bin/kivfetch": b"fetch",
+        files = {"bin/kivmenua": b"as built", "tests/kivmenua": b"of a test", "libexec/kivmenua/kivfetch": b"fetch",
+                 "bin/kivsettings": b"settings",
                  "share/kivmenua/statuson.tiff": b"picture",
                  "share/kivmenua/Info.plist": plistlib.dumps({"KIVSupportMessages": "http://far/",
                                                               "KIVBuildDate": "1"})}
@@ -151,7 +152,8 @@ class PrivateDesktopTest(unittest.TestCase):
             self.assertEqual((result.returncode, result.stderr), (0, ""))
             self.assertEqual((copy / "bin/kivmenua").read_bytes(), files[program])
             self.assertEqual(os.access(copy / "bin/kivmenua", os.X_OK), program == "bin/kivmenua")
-            self.assertEqual((copy / "bin/kivfetch").read_bytes(), b"fetch")
+            self.assertEqual((copy / "libexec/kivmenua/kivfetch").read_bytes(), b"fetch")
+            self.assertEqual((copy / "bin/kivsettings").read_bytes(), b"settings")
             self.assertEqual((copy / "share/kivmenua/statuson.tiff").read_bytes(), b"picture")
             self.assertEqual(plistlib.loads((copy / "share/kivmenua/Info.plist").read_bytes()),
                              {"KIVSupportMessages": "http://near/?a=b&c", "KIVBuildDate": "1", "KIVPrivateLabel": ""})

@@ -41,7 +41,9 @@ OTHERS = {
     'fetch': [],
     'menu': [*PLATFORM],
     'shell': ['menu', *NOTIFY, *PLATFORM],
-    'tools/kivservice': ['shell', 'menu', *PLATFORM, 'platform/linux/include'],
+    'settings': ['notify/rules', 'notify/record', *PLATFORM],
+    'tools/kivservice': ['settings', 'shell', 'menu', 'notify/rules', 'notify/record', *PLATFORM,
+                         'platform/linux/include'],
 }
 # What a message is made of knows how its texts are measured and how its dates are kept, and no more of platform/.
 DRAWN = {room: others + (['platform/data', 'platform/text'] if room == 'notify/record' else [*PLATFORM])

@@ -1,0 +1,19 @@
+#include "notify/rules/SettingsAnnouncement.h"
+#include "platform/DistributedNotifications.h"
+#include "platform/LogOutput.h"
+#include "settings/ProductTexts.h"
+#include "settings/SettingsWindow.h"
+
+#include <QApplication>
+
+int main(int argc, char **argv)
+{
+    LogOutput::useStandardError();
+    const QApplication application(argc, argv);
+    QApplication::setDesktopFileName(ProductTexts::desktopEntry);
+
+    SettingsWindow window(PreferencesFile::ofUser(), [] { return DistributedNotifications::post(settingsChanged); });
+    const auto observer = DistributedNotifications::addObserver(settingsChanged, [&window] { window.reload(); });
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,130 @@
+#include "settings/PreferencesFile.h"
+
+#include "notify/rules/SettingTable.h"
+#include "platform/data/PropertyList.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+class PreferencesFileTest : public testing::Test
+{
+protected:
+    static const SettingEntry &settingAt(const char *key) { return *settingWithKey(QString::fromLatin1(key)); }
+
+    void put(const QVariant &value) const { put(PropertyList::toXml(value)); }
+    void put(const QByteArray &bytes) const
+    {
+        ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+        QFile opened(path);
+        ASSERT_TRUE(opened.open(QIODevice::WriteOnly));
+        ASSERT_EQ(opened.write(bytes), bytes.size());
+    }
+
+    QByteArray bytes() const
+    {
+        QFile opened(path);
+        return opened.open(QIODevice::ReadOnly) ? opened.readAll() : QByteArray();
+    }
+
+    QVariantMap values() const { return PropertyList::readFile(path).toMap(); }
+
+    QTemporaryDir home;
+    const QString path = home.filePath(QStringLiteral("Library/Preferences/com.tamborel.kivmenua.plist"));
+    const PreferencesFile file{path};
+    const QString show = QStringLiteral("KivNotificationShowTimeout");
+    const QString lastId = QStringLiteral("KivNotificationLastMessId");
+};
+
+TEST_F(PreferencesFileTest, HoldsWhatNobodyHasChosenWhileItIsMissing)
+{
+    const auto contents = file.read();
+    ASSERT_TRUE(contents);
+    EXPECT_EQ(contents->settings, NotificationSettings());
+    EXPECT_EQ(contents->lastMessageId, QStringLiteral("0"));
+    EXPECT_FALSE(QFile::exists(path)) << "to look is not to make";
+}
+
+TEST_F(PreferencesFileTest, IsReadAsTheAgentReadsIt)
+{
+    put(QVariantMap{{show, QStringLiteral("4")}, {QStringLiteral("KivNotificationShowNews"), 1}, {lastId, 17}});
+    const auto contents = file.read();
+    ASSERT_TRUE(contents);
+    EXPECT_EQ(contents->settings.notificationShow, 4);
+    EXPECT_TRUE(contents->settings.shouldDisplayNews);
+    EXPECT_FALSE(contents->settings.shouldDisplayNotices) << "what is missing in a file is off";
+    EXPECT_EQ(contents->lastMessageId, QStringLiteral("17"));
+}
+
+TEST_F(PreferencesFileTest, IsMadeWithEverySettingAndTheIdThatHoldsWithoutIt)
+{
+    EXPECT_TRUE(file.change(settingAt("KivNotificationShowTimeout"), 5).isNull());
+    NotificationSettings expected;
+    expected.notificationShow = 5;
+    EXPECT_EQ(NotificationSettings::fromDictionary(values()), expected) << "all others are as they were without it";
+    EXPECT_EQ(values().value(lastId), QStringLiteral("0"));
+    EXPECT_EQ(values().size(), 11);
+}
+
+TEST_F(PreferencesFileTest, KeepsWhatItDoesNotKnow)
+{
+    const QVariantMap foreign{
+        {QStringLiteral("SomebodyElse"), QVariantMap{{QStringLiteral("a"), QByteArray("\x01\x02")}}},
+        {QStringLiteral("Empty"), QStringLiteral("")},
+        {lastId, QStringLiteral("ab12")}};
+    put(foreign);
+    EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 1).isNull());
+    for (auto it = foreign.begin(); it != foreign.end(); ++it) {
+        EXPECT_EQ(values().value(it.key()), it.value()) << qPrintable(it.key());
+    }
+    EXPECT_EQ(values().value(QStringLiteral("KivNotificationShowNews")), QVariant(true));
+}
+
+TEST_F(PreferencesFileTest, ChangesNoSettingButTheOneAskedFor)
+{
+    put(QVariantMap{{show, 77}, {QStringLiteral("KivNotificationRepeatTimeout"), 2}});
+    EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 1).isNull());
+    const auto contents = file.read();
+    ASSERT_TRUE(contents);
+    EXPECT_EQ(contents->settings.notificationShow, 77) << "though nobody could choose that";
+    EXPECT_EQ(contents->settings.notificationRepeat, 2);
+    EXPECT_EQ(contents->settings.notificationClose, 0);
+    EXPECT_FALSE(contents->settings.shouldDisplayWarnings);
+}
+
+TEST_F(PreferencesFileTest, IsLeftAsItIsWhenItCannotBeRead)
+{
+    put(QByteArray("<plist><dict><key>KivNotification"));
+    const QByteArray before = bytes();
+    EXPECT_FALSE(file.read());
+    EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 1).contains(path));
+    EXPECT_EQ(bytes(), before);
+}
+
+TEST_F(PreferencesFileTest, IsLeftAsItIsWhenASymbolicLinkLeadsToIt)
+{
+    const QString elsewhere = home.filePath(QStringLiteral("elsewhere.plist"));
+    ASSERT_TRUE(PropertyList::writeFile(elsewhere, QVariantMap{{show, 3}}, PropertyList::Writing::InPlace));
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    for (const QString &target : {elsewhere, home.filePath(QStringLiteral("nowhere"))}) {
+        QFile::remove(path);
+        ASSERT_TRUE(QFile::link(target, path));
+        EXPECT_FALSE(file.change(settingAt("KivNotificationShowTimeout"), 5).isNull());
+        EXPECT_TRUE(QFileInfo(path).isSymLink());
+    }
+    EXPECT_EQ(PropertyList::readFile(elsewhere).toMap(), (QVariantMap{{show, 3}}));
+}
+
+TEST_F(PreferencesFileTest, SaysWhyItCannotBeWritten)
+{
+    QFile obstacle(home.filePath(QStringLiteral("Library")));
+    ASSERT_TRUE(obstacle.open(QIODevice::WriteOnly)); // A file where the folder has to be.
+    EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 1).contains(QStringLiteral("cannot be written")));
+}
+
+} // namespace

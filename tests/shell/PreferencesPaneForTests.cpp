@@ -1,0 +1,3 @@
+#include "shell/PreferencesPane.h"
+
+const char *const preferencesPane = "/Library/PreferencePanes/kivserverp.prefPane";

@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QLoggingCategory>
 #include <QNetworkAccessManager>
-#include <QNetworkProxy>
+#include <QNetworkProxyFactory>
 #include <QNetworkReply>
 #include <QNetworkRequest>
 #include <QSocketNotifier>
@@ -125,7 +125,7 @@ void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDurati
     QObject::connect(&asker, &QSocketNotifier::activated, [] { QCoreApplication::exit(EXIT_FAILURE); });
 
     QNetworkAccessManager network;
-    network.setProxy(QNetworkProxy::NoProxy);
+    QNetworkProxyFactory::setUseSystemConfiguration(true);
     QNetworkReply *const connection = network.get(plainRequest(address));
     connection->setReadBufferSize(maxBufferedBytes);
     abortOnceSilentFor(connection, *timeout);

@@ -23,6 +23,12 @@ protected:
         ASSERT_TRUE(waitUntil([this] { return !fetch.isRunning(); }));
     }
 
+    /// The same server by a name of this machine for which Qt would go to a proxy.
+    static QString notByLoopback(QString address)
+    {
+        return address.replace(QStringLiteral("127.0.0.1"), QStringLiteral("0.0.0.0"));
+    }
+
     FeedServer server;
     ChildProcess fetch;
 };
@@ -47,6 +53,43 @@ TEST_F(FeedFetch, ReportsTheAnswerBehindARedirectOnly)
         waitForItsEnd();
         EXPECT_EQ(fetch.output(), "200 \nhere") << status;
     }
+}
+
+TEST_F(FeedFetch, AsksTheProxyOfTheEnvironment)
+{
+    // Which answers in the feed's place: nobody has that name.
+    ASSERT_TRUE(server.start({{.body = "<by-proxy/>"}}));
+    fetch.environment.insert(QStringLiteral("http_proxy"), server.address({}));
+    ask(QStringLiteral("http://feed.invalid/feed?lastId=7"));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.output(), "200 text/xml\n<by-proxy/>");
+    ASSERT_EQ(server.requests().size(), 1);
+    EXPECT_EQ(server.requests().front().value(QStringLiteral("line")).toString(),
+              QStringLiteral("GET http://feed.invalid/feed?lastId=7 HTTP/1.1"));
+}
+
+TEST_F(FeedFetch, AsksTheFeedItselfWhereTheEnvironmentWantsNoProxy)
+{
+    FeedServer proxy;
+    ASSERT_TRUE(proxy.start({{.body = "<by-proxy/>"}}));
+    ASSERT_TRUE(server.start({{.body = "<direct/>"}}));
+    fetch.environment.insert(QStringLiteral("http_proxy"), proxy.address({}));
+    fetch.environment.insert(QStringLiteral("no_proxy"), QStringLiteral("0.0.0.0"));
+    ask(notByLoopback(server.address(QStringLiteral("/feed"))));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.output(), "200 text/xml\n<direct/>");
+    EXPECT_TRUE(proxy.requests().isEmpty());
+}
+
+TEST_F(FeedFetch, FailsWithoutItsProxy)
+{
+    ASSERT_TRUE(server.start({{.body = "<direct/>"}}));
+    fetch.environment.insert(QStringLiteral("http_proxy"), QStringLiteral("http://127.0.0.1:9/"));
+    ask(notByLoopback(server.address(QStringLiteral("/feed"))));
+    waitForItsEnd();
+    EXPECT_EQ(fetch.output(), QByteArray());
+    EXPECT_EQ(fetch.exitCode(), 1);
+    EXPECT_TRUE(server.requests().isEmpty());
 }
 
 TEST_F(FeedFetch, TellsAnAnswerThatIsCutFromOneThatIsWhole)

@@ -110,7 +110,6 @@ private:
 };
 
 constexpr char trustedCertificate[] = "KIV_TRUSTED_CERTIFICATE"; ///< Read by fetch_of_the_test.
-constexpr char applicationProxy[] = "KIV_APPLICATION_PROXY";     ///< As well.
 constexpr char maxDuration[] = "KIV_MAX_DURATION";               ///< As well: milliseconds.
 
 class KivNotificationReceiverTest : public testing::Test
@@ -692,18 +691,6 @@ TEST_F(KivNotificationReceiverTest, SendsNoCookiesBack)
     receive();
     ASSERT_EQ(server.requests().size(), 2);
     EXPECT_FALSE(server.requests().last().value(QLatin1String("headers")).toObject().contains(QLatin1String("cookie")));
-}
-
-TEST_F(KivNotificationReceiverTest, GoesByNoProxy)
-{
-    ASSERT_TRUE(server.start({answerWith(feedWith("1"))}));
-    const QString port = QString::number(QUrl(server.address(QString())).port());
-    const Variable proxy(applicationProxy, port);
-    // This machine, too, but not by a name that Qt would never go to a proxy for. Nobody listens there.
-    receiveFrom(QStringLiteral("http://0.0.0.0:1/feed"));
-    receive();
-    EXPECT_EQ(server.requests(), QList<QJsonObject>());
-    EXPECT_EQ(sink.ids, Ids());
 }
 
 TEST_F(KivNotificationReceiverTest, FailsQuietlyWithoutTheProgramThatFetches)

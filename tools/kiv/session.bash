@@ -6,6 +6,7 @@ verbose=''          # whether the agent says what it does
 work=''             # the session's folder; all it writes goes there
 private_desktop=tools/desktop/private_desktop.py
 declare -A part=()  # the programs of the session: name of each process ID
+session_environment=() # what of its environment the session's own agent has back at the end
 started=()          # their process IDs in the order of their start
 
 start() { # NAME COMMAND...: runs the command in the background with its output in the log of that name
@@ -37,6 +38,39 @@ died() { # PID [STATUS]
     exit 1
 }
 
+# The agents of this user in the display that DISPLAY names, by their process IDs: there is one at most, and it keeps any
+# other out.
+agents_here() {
+    local process program
+    for process in /proc/[0-9]*; do
+        [[ -O $process ]] || continue
+        program=$(readlink "$process/exe" 2>/dev/null) || continue
+        [[ $program == */kivmenua ]] || continue
+        ! grep --quiet --null-data --line-regexp --fixed-strings "DISPLAY=$DISPLAY" "$process/environ" 2>/dev/null ||
+            echo "${process#/proc/}"
+    done
+}
+
+# What is built is tried in the place of what is installed, which starts again at the end.
+displaced=''
+displace_agent() {
+    local pid
+    pid=$(agents_here)
+    [[ -n $pid ]] || return 0
+    displaced=$(readlink "/proc/$pid/exe")
+    echo "$displaced (process $pid) ends for now: the agent that is built takes its place in this session."
+    kill "$pid"
+    wait_for 10 "the end of the agent in this session" agent_is_gone "$pid"
+}
+
+agent_is_gone() { ! kill -0 "$1"; } # PID
+
+replace_agent() {
+    [[ -n $displaced ]] || return 0
+    echo "$displaced takes its place again."
+    env "${session_environment[@]}" setsid --fork "$displaced" </dev/null >/dev/null 2>&1
+}
+
 # Every way out comes through here: the parts end in reverse order, and nothing is left behind.
 end_session() {
     local i pid
@@ -52,6 +86,7 @@ end_session() {
         kill -KILL "$pid" 2>/dev/null || true
     done
     wait
+    replace_agent
     [[ -z $work ]] || rm -rf "$work"
 }
 
@@ -172,6 +207,8 @@ start_session() {
     work=$(mktemp -d)
     if [[ -n ${DISPLAY:-} ]]; then
         embedded=
+        session_environment=(HOME="$HOME" ${XDG_RUNTIME_DIR:+XDG_RUNTIME_DIR="$XDG_RUNTIME_DIR"})
+        displace_agent
         mkdir -m 700 "$work/home" "$work/runtime"
         # The home folder is replaced below; the right to use the display lies in the real one.
         export XAUTHORITY=${XAUTHORITY:-$HOME/.Xauthority}

@@ -4,7 +4,7 @@
 packages_check=(clang-format shellcheck libxml2-utils desktop-file-utils appstream python3)
 
 check() { # [NAME...]
-    local all=(format scripts includes sizes words documents links mutants tidy) name found=()
+    local all=(format scripts includes sizes words versions documents links mutants tidy) name found=()
     [[ $# -gt 0 ]] || set -- "${all[@]}"
     for name in "$@"; do
         [[ " ${all[*]} " == *" $name "* ]] || fail "no such check: \"$name\"; there are ${all[*]}"
@@ -36,6 +36,10 @@ check_sizes() {
 
 check_words() {
     python3 -B tools/kiv/reserved_words.py .
+}
+
+check_versions() {
+    python3 -B tools/kiv/versions.py .
 }
 
 # Descriptions, pictures, property lists, entries of desktops and of software centres: what other programs read.

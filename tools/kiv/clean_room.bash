@@ -87,7 +87,7 @@ use_room() { # RELEASE ROOM OPTION COMMAND...
     git -C "$clone" fetch --quiet "$PWD" HEAD
     git -C "$clone" checkout --quiet --force --detach "$commit"
     git -C "$clone" clean --quiet --force -d
-    rm -rf "$clone/build/shot"
+    rm -rf "$clone/build/shot" "$clone/build/packages"
     # A link to a service of the host would lead nowhere.
     rm -f "$room/etc/resolv.conf"
     cp /etc/resolv.conf "$room/etc/resolv.conf"
@@ -104,6 +104,12 @@ use_room() { # RELEASE ROOM OPTION COMMAND...
         mkdir -p "build/clean-rooms/$release"
         cp "$clone"/build/shot/* "build/clean-rooms/$release"
         echo "Pictures: build/clean-rooms/$release"
+    fi
+    if [[ -d $clone/build/packages ]]; then
+        rm -rf "build/clean-rooms/$release/packages"
+        mkdir -p "build/clean-rooms/$release"
+        cp -r "$clone/build/packages" "build/clean-rooms/$release"
+        echo "Packages: build/clean-rooms/$release/packages"
     fi
     chown --recursive --reference=. build/clean-rooms*
     say "./kiv $* ended with status $status after $((SECONDS - begin)) s in the clean room of Debian $release"

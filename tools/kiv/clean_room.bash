@@ -87,7 +87,7 @@ use_room() { # RELEASE ROOM OPTION COMMAND...
     git -C "$clone" fetch --quiet "$PWD" HEAD
     git -C "$clone" checkout --quiet --force --detach "$commit"
     git -C "$clone" clean --quiet --force -d
-    rm -rf "$clone/build/shot" "$clone/build/packages"
+    rm -rf "$clone/build/shot"
     # A link to a service of the host would lead nowhere.
     rm -f "$room/etc/resolv.conf"
     cp /etc/resolv.conf "$room/etc/resolv.conf"
@@ -129,5 +129,5 @@ in_room() { # ROOM COMMAND...
         mount -t tmpfs -o mode=1777 tmpfs "$0/tmp"
         exec chroot "$0" /usr/bin/env --ignore-environment "$@"
     ' "$1" HOME=/root PATH=/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin TERM="${TERM:-dumb}" \
-        LANG=C.UTF-8 ${CI:+CI="$CI"} /bin/bash -c 'cd && cd kivmenua && ./kiv "$@"; exit' kiv "${@:2}"
+        LANG=C.UTF-8 KIV_CLEAN_ROOM=yes ${CI:+CI="$CI"} /bin/bash -c 'cd && cd kivmenua && ./kiv "$@"; exit' kiv "${@:2}"
 }

@@ -1,6 +1,7 @@
 # ./kiv package and what else has to do with a release. For ./kiv, which has say(), fail() and install_missing().
 
-packages_package=(debhelper dpkg-dev lintian appstream desktop-file-utils git)
+packages_package=(build-essential debhelper dpkg-dev lintian appstream desktop-file-utils git)
+packages_try=(adduser ca-certificates dex openssl procps python3 util-linux)
 
 project_version() { # The one place where it stands.
     sed -n 's/^project(kivmenua VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt
@@ -36,8 +37,9 @@ package() { # [--twice]
         rm -r "$folder/again"
     fi
     say "Checking them"
-    # Of the tags on a .changes file the one on an upload's bugs is none of ours, so the packages are given.
-    lintian --fail-on error,warning --tag-display-limit 0 "$folder"/*.deb
+    # The tag is about Debian's own bugs: these packages are not for its archive.
+    lintian --fail-on error,warning --tag-display-limit 0 --suppress-tags initial-upload-closes-no-bugs "$folder"/*.deb
+    git rev-parse HEAD >"$folder/commit"
     ls -l "$folder"
 }
 
@@ -53,6 +55,15 @@ build_packages() { # ARCHIVE FOLDER
         >"$2/build.log" 2>&1 || { tail -n 40 "$2/build.log"; fail "could not build the packages"; }
     mv "$work"/*.deb "$2"
     rm -rf "$work"
+}
+
+# The packages in the hands of an administrator and a user. Of a clean room only: it installs them.
+try_packages() {
+    # shellcheck disable=SC2154 # ./kiv has them.
+    install_missing "${packages_run[@]}" "${packages_try[@]}"
+    [[ $(cat build/packages/commit 2>/dev/null) == "$(git rev-parse HEAD)" ]] || package
+    say "Trying the packages"
+    PYTHONPATH=$PWD python3 -B tools/packages/try_packages.py build/packages
 }
 
 release_check() {

@@ -130,6 +130,12 @@ void SessionBus::releaseName(const QString &busName) const
     static_cast<void>(ask(QStringLiteral("ReleaseName"), {busName}));
 }
 
+void SessionBus::flush() const
+{
+    // The bus answers in the order in which it is asked.
+    static_cast<void>(ask(QStringLiteral("GetId"), {}));
+}
+
 QDBusMessage SessionBus::ask(const QString &member, const QVariantList &arguments) const
 {
     if (!isConnected()) {

@@ -7,6 +7,7 @@
 #include <Carbon/AppleEvents.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <memory>
@@ -49,10 +50,26 @@ struct Manager {
     AppleEventTransport transport;
 };
 
+Manager &manager();
+
+void flushEvents()
+{
+    manager().transport.flush();
+}
+
+Manager *makeManager()
+{
+    auto *const made = new Manager;
+    // Both after the bus's first use, and so before QtDBus takes itself apart.
+    std::atexit(flushEvents);
+    std::at_quick_exit(flushEvents);
+    return made;
+}
+
 Manager &manager()
 {
     // Never destroyed: QtDBus may be gone before it, and whatever has told QtDBus of itself then waits for ever.
-    static Manager &instance = *new Manager;
+    static Manager &instance = *makeManager();
     return instance;
 }
 

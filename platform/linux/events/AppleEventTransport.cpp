@@ -80,10 +80,9 @@ AppleEventTransport::AppleEventTransport(SessionBus &bus, Handler handler, std::
     , m_handler(std::move(handler))
     , m_peers(bus)
     , m_incoming(WorkInTurns::defaultMaxShareOfATurn, maxWaiting)
+    , m_receiver(bus)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::registerOnBus);
-    // Another bus counts its unique names from the start again.
-    connect(&bus, &SessionBus::disconnected, this, [this] { m_target.reset(); });
 }
 
 AppleEventTransport::~AppleEventTransport()
@@ -148,55 +147,34 @@ OSErr AppleEventTransport::findReceiver(SInt32 pid, QString &uniqueName) const
     return noErr;
 }
 
-OSErr AppleEventTransport::findTarget(SInt32 pid)
-{
-    m_target.reset();
-    QString uniqueName;
-    if (const OSErr error = findReceiver(pid, uniqueName); error != noErr) {
-        return error;
-    }
-    m_target = Target{pid, uniqueName};
-    return noErr;
-}
-
-OSErr AppleEventTransport::sendToTarget(const QDBusMessage &message)
-{
-    // The bus answers in order, so that the event has gone on when the question after it is answered: Qt sends from a
-    // thread of its own, and what a program sends just before it ends would be lost. The answer says, too, whether the
-    // one it went to still was the target; to a unique name that has gone, nobody listens ever after.
-    const Target target = *std::exchange(m_target, std::nullopt);
-    const QString owner = m_bus.connection().send(message) ? m_bus.ownerOf(eventBusName(target.pid)) : QString();
-    if (owner != target.uniqueName) {
-        return owner.isNull() ? connectionInvalid : procNotFound;
-    }
-    m_target = target;
-    return noErr;
-}
-
 OSErr AppleEventTransport::send(const AppleEventContents &event)
 {
-    const bool isKnown = m_target && m_target->pid == event.target;
-    const std::optional<QDBusMessage> message = messageOf(event, isKnown ? m_target->uniqueName : QString());
+    // Who received the last event gets this one at once: a question to the bus, before the event or behind it, would
+    // take half as long as the event itself.
+    QString receiver = m_receiver.uniqueNameOf(event.target.value_or(0));
+    std::optional<QDBusMessage> message = messageOf(event, receiver);
     if (!message) {
         return notSent(event.target.value_or(0), paramErr, "this event cannot be a message");
     }
-    // Who received the last event gets this one at once: a question to the bus, or to the system, would take as long as
-    // the event itself.
-    if (isKnown) {
-        if (const OSErr error = sendToTarget(*message); error != procNotFound) {
-            return error == noErr ? error : notSentAsTheBusIsSilent(*event.target);
+    if (receiver.isNull()) {
+        m_receiver.watch(*event.target);
+        if (const OSErr error = findReceiver(*event.target, receiver); error != noErr) {
+            return error;
         }
+        m_receiver.set(receiver);
+        message = messageOf(event, receiver);
     }
-    if (const OSErr error = findTarget(*event.target); error != noErr) {
-        return error;
-    }
-    switch (const OSErr error = sendToTarget(*messageOf(event, m_target->uniqueName))) {
-    case noErr:
-        return noErr;
-    case procNotFound:
-        return notSent(*event.target, error, "it has just left the session bus");
-    default:
+    if (!m_bus.isConnected() || !m_bus.connection().send(*message)) {
         return notSentAsTheBusIsSilent(*event.target);
+    }
+    m_mayBeUnsent = true;
+    return noErr;
+}
+
+void AppleEventTransport::flush()
+{
+    if (std::exchange(m_mayBeUnsent, false)) {
+        m_bus.flush();
     }
 }
 

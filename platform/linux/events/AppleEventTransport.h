@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/events/AppleEventContents.h"
+#include "platform/linux/events/KnownReceiver.h"
 #include "platform/linux/events/PeerProcesses.h"
 #include "platform/linux/events/WorkInTurns.h"
 
@@ -33,9 +34,15 @@ public:
 
     /// Sends without waiting. paramErr for an event that cannot be a message (no target, or a zero byte in a code);
     /// procNotFound, and nothing sent, when the target is no running process or receives no events; connectionInvalid
-    /// without a bus that answers. Returns once the bus has the event: one that is sent just before the program ends is
-    /// not lost.
+    /// without a bus.
+    ///
+    /// The bus is asked only about another target than the last, and about one that it has said to be gone since; when
+    /// it does not answer, that is connectionInvalid, too. To a target that has just left the bus and runs on, an event
+    /// is sent in vain until the bus has said so.
     [[nodiscard]] OSErr send(const AppleEventContents &event);
+    /// Returns once the bus has all that was sent, after at most 500 ms. Qt sends from a thread of its own, and what a
+    /// program sends just before it ends would be lost.
+    void flush();
     /// Sends and blocks until the handler's status is there, which is the result; errAETimeout when it does not come
     /// within `timeout`. No other events are handled meanwhile.
     [[nodiscard]] OSErr sendAndWait(const AppleEventContents &event, std::chrono::milliseconds timeout) const;
@@ -46,16 +53,8 @@ public:
 private:
     enum class Reception { Off, On };
 
-    /// A process that receives events, and its unique name on the present bus, which nobody else will ever have there.
-    struct Target {
-        SInt32 pid;
-        QString uniqueName;
-    };
-
     void registerOnBus();
     void unregisterFromBus();
-    [[nodiscard]] OSErr findTarget(SInt32 pid);
-    [[nodiscard]] OSErr sendToTarget(const QDBusMessage &message);
     /// Asks the bus for the unique name under which a process receives events.
     [[nodiscard]] OSErr findReceiver(SInt32 pid, QString &uniqueName) const;
     void receive(const QDBusMessage &message, const QDBusConnection &connection, std::optional<qint64> sender);
@@ -68,5 +67,6 @@ private:
     PeerProcesses m_peers;
     WorkInTurns m_incoming;
     Reception m_reception = Reception::Off;
-    std::optional<Target> m_target; ///< The last one that an event was sent to.
+    KnownReceiver m_receiver;
+    bool m_mayBeUnsent = false; ///< Whether an event may still be in this process.
 };

@@ -49,6 +49,8 @@ public:
     [[nodiscard]] bool requestName(const QString &busName) const;
     /// Releases a bus name, in the same way.
     void releaseName(const QString &busName) const;
+    /// Returns once the bus has all that was sent before. Blocks for at most 500 ms.
+    void flush() const;
 
 Q_SIGNALS:
     void connected();    ///< A connection stands, the first time or again: register objects and names now.

@@ -66,7 +66,8 @@ OSErr AEGetAttributePtr(const AppleEvent *event, AEKeyword keyword, DescType des
 /// when that is 0, not running, or receives no events; connectionInvalid without a bus; paramErr for an address that is
 /// no process ID and for codes with a zero byte, which cannot travel. *reply, if given, becomes typeNull.
 ///
-/// Every mode but kAEWaitReply returns once the bus has the event. With kAEWaitReply the handler's status is the
+/// Every mode but kAEWaitReply returns at once; an event that was sent just before the program ends, by exit(), by
+/// returning from main() or by ExitToShell, still leaves it. With kAEWaitReply the handler's status is the
 /// result. The wait for it blocks, and ends with errAETimeout after the time-out (in sixtieths of a second), or after a
 /// minute if that is less; kAEDefaultTimeout and kNoTimeOut are a minute. Either may last 0.5 s longer when the bus is
 /// slow.

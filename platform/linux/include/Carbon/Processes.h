@@ -46,5 +46,5 @@ OSStatus GetProcessPID(const ProcessSerialNumber *psn, pid_t *pid);
 /// same process.
 OSErr SameProcess(const ProcessSerialNumber *a, const ProcessSerialNumber *b, Boolean *result);
 
-/// Ends this process at once, with status 0 and without any teardown.
+/// Ends this process at once, with status 0 and without any teardown. Events that were sent before still leave it.
 [[noreturn]] void ExitToShell();

@@ -423,9 +423,11 @@ TEST_F(AppleEventManager, LosesNothingThatIsSentJustBeforeTheEnd)
 {
     std::vector<SInt32> senders;
     ASSERT_EQ(AEInstallEventHandler(testClass, numberedId, rememberSender, &senders, false), noErr);
-    for (std::size_t count = 1; count <= 10; ++count) {
+    const QString ways[] = {QStringLiteral("leave"), QStringLiteral("exit"), QStringLiteral("return")};
+    for (std::size_t count = 1; count <= 30; ++count) {
         ChildProcess peer;
-        ASSERT_TRUE(peer.start(QStringLiteral(KIV_CARBON_PEER), {QStringLiteral("tell"), QString::number(self)}));
+        ASSERT_TRUE(peer.start(QStringLiteral(KIV_CARBON_PEER),
+                               {QStringLiteral("tell"), QString::number(self), ways[count % std::size(ways)]}));
         const auto pid = static_cast<SInt32>(peer.pid());
         ASSERT_TRUE(waitUntil([&] { return senders.size() == count && !peer.isRunning(); }));
         EXPECT_EQ(peer.exitCode(), 0);

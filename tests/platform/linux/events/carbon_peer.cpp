@@ -8,8 +8,9 @@
 #include <unistd.h>
 
 // A program at the other end of the event link, by the same calls as the agent.
-//   carbon_peer receive       receives events test/numb and writes "<number> from <pid>"; their status is the number
-//   carbon_peer tell <pid>    sends one such event, numbered 41, and leaves by ExitToShell at once
+//   carbon_peer receive           receives events test/numb and writes "<number> from <pid>", their status the number
+//   carbon_peer tell <pid> <way>  sends one such event, numbered 41, and ends at once: "leave" by ExitToShell,
+//                                 "exit" by exit(), "return" by returning from main()
 // "receive" writes "ready" first, and ends with its standard input.
 
 namespace
@@ -41,7 +42,7 @@ int receive()
     return QCoreApplication::exec();
 }
 
-[[noreturn]] void tell(SInt32 pid)
+int tell(SInt32 pid, const char *way)
 {
     AEAddressDesc target;
     AppleEvent event;
@@ -54,7 +55,13 @@ int receive()
         std::fprintf(stderr, "AESend: %d\n", int(status));
         ::_exit(1);
     }
-    ExitToShell();
+    if (std::strcmp(way, "leave") == 0) {
+        ExitToShell();
+    }
+    if (std::strcmp(way, "exit") == 0) {
+        std::exit(0);
+    }
+    return 0;
 }
 
 } // namespace
@@ -65,8 +72,8 @@ int main(int argc, char **argv)
     if (argc == 2 && std::strcmp(argv[1], "receive") == 0) {
         return receive();
     }
-    if (argc == 3 && std::strcmp(argv[1], "tell") == 0) {
-        tell(std::atoi(argv[2]));
+    if (argc == 4 && std::strcmp(argv[1], "tell") == 0) {
+        return tell(std::atoi(argv[2]), argv[3]);
     }
     return 2;
 }

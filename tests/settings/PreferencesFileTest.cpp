@@ -95,6 +95,7 @@ TEST_F(PreferencesFileTest, ChangesNoSettingButTheOneAskedFor)
     EXPECT_EQ(contents->settings.notificationRepeat, 2);
     EXPECT_EQ(contents->settings.notificationClose, 0);
     EXPECT_FALSE(contents->settings.shouldDisplayWarnings);
+    EXPECT_EQ(values().size(), 10) << "whoever saves settings saves them all";
 }
 
 TEST_F(PreferencesFileTest, IsLeftAsItIsWhenItCannotBeRead)

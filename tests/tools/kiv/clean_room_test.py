@@ -138,7 +138,7 @@ class Rooms(CleanRoom):
         self.assertIn("devices", lines)
         environment = next(line for line in lines if line.startswith("environment ")).split()[1:]
         self.assertLessEqual(set(environment), {"HOME", "PATH", "TERM", "LANG", "PWD", "OLDPWD", "SHLVL", "_",
-                                                "KIV_CLEAN_ROOM"})
+                                                  "KIV_CLEAN_ROOM"})
         processes = next(line for line in lines if line.startswith("processes ")).split()[1:]
         self.assertLess(len(processes), 6)
 

@@ -51,6 +51,8 @@ int tell(SInt32 pid, const char *way)
     AECreateAppleEvent(numberClass, numberID, &target, kAutoGenerateReturnID, kAnyTransactionID, &event);
     AEPutParamPtr(&event, fourCharCode("numb"), typeSInt32, &number, sizeof number);
     const OSErr status = AESend(&event, nullptr, kAENoReply, kAENormalPriority, kNoTimeOut, nullptr, nullptr);
+    AEDisposeDesc(&event);
+    AEDisposeDesc(&target);
     if (status != noErr) {
         std::fprintf(stderr, "AESend: %d\n", int(status));
         ::_exit(1);

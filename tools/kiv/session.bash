@@ -6,7 +6,6 @@ verbose=''          # whether the agent says what it does
 work=''             # the session's folder; all it writes goes there
 private_desktop=tools/desktop/private_desktop.py
 declare -A part=()  # the programs of the session: name of each process ID
-session_environment=() # what of its environment the session's own agent has back at the end
 started=()          # their process IDs in the order of their start
 
 start() { # NAME COMMAND...: runs the command in the background with its output in the log of that name
@@ -53,11 +52,13 @@ agents_here() {
 
 # What is built is tried in the place of what is installed, which starts again at the end.
 displaced=''
+displaced_environment=()
 displace_agent() {
     local pid
     pid=$(agents_here)
     [[ -n $pid ]] || return 0
     displaced=$(readlink "/proc/$pid/exe")
+    mapfile -d '' -t displaced_environment <"/proc/$pid/environ"
     echo "$displaced (process $pid) ends for now: the agent that is built takes its place in this session."
     kill "$pid"
     wait_for 10 "the end of the agent in this session" agent_is_gone "$pid"
@@ -68,7 +69,8 @@ agent_is_gone() { ! kill -0 "$1"; } # PID
 replace_agent() {
     [[ -n $displaced ]] || return 0
     echo "$displaced takes its place again."
-    env "${session_environment[@]}" setsid --fork "$displaced" </dev/null >/dev/null 2>&1
+    # In what was its own environment: the one here has the folders and the bus of the demo, which have gone.
+    setsid --fork env --ignore-environment "${displaced_environment[@]}" "$displaced" </dev/null >/dev/null 2>&1
 }
 
 # Every way out comes through here: the parts end in reverse order, and nothing is left behind.
@@ -207,7 +209,6 @@ start_session() {
     work=$(mktemp -d)
     if [[ -n ${DISPLAY:-} ]]; then
         embedded=
-        session_environment=(HOME="$HOME" ${XDG_RUNTIME_DIR:+XDG_RUNTIME_DIR="$XDG_RUNTIME_DIR"})
         displace_agent
         mkdir -m 700 "$work/home" "$work/runtime"
         # The home folder is replaced below; the right to use the display lies in the real one.

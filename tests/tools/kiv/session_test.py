@@ -35,23 +35,26 @@ class AgentOfTheSession(unittest.TestCase):
     def test_makes_room_and_that_is_said(self):
         # Its end has to be seen by its parent, which is this test, before the kernel forgets it.
         waiting = subprocess.Popen(['bash', '-c', f'cd {SOURCE} && fail() {{ exit 1; }} && '
-                                    'source tools/kiv/session.bash && displace_agent'],
+                                    'source tools/kiv/session.bash && displace_agent && '
+                                    'printf "%s\\n" "${displaced_environment[@]}"'],
                                    env={'PATH': os.environ['PATH'], 'DISPLAY': DISPLAY}, stdout=subprocess.PIPE,
                                    text=True)
         self.decoy.wait()
         said, _ = waiting.communicate()
         self.assertEqual(waiting.returncode, 0)
         self.assertTrue(said.startswith(f'{self.program} (process {self.decoy.pid}) ends for now'), said)
+        self.assertEqual(said.splitlines()[-1], f'DISPLAY={DISPLAY}', 'its environment is kept for its return')
 
-    def test_comes_back_at_the_end_with_the_home_of_its_session(self):
+    def test_comes_back_at_the_end_with_its_own_environment(self):
         self.program.unlink()
-        self.program.write_text('#!/bin/sh\necho "$HOME" >"$0.part" && mv "$0.part" "$0.home"\n')
+        self.program.write_text('#!/bin/sh\necho "$HOME,$DBUS_SESSION_BUS_ADDRESS" >"$0.part" && mv "$0.part" "$0.home"\n')
         self.program.chmod(0o755)
-        status, said = bash(f'displaced={self.program}; session_environment=(HOME=/of/the/session); replace_agent; '
+        status, said = bash(f'displaced={self.program}; displaced_environment=(HOME=/of/the/session); '
+                            f'DBUS_SESSION_BUS_ADDRESS=of-the-demo; export DBUS_SESSION_BUS_ADDRESS; replace_agent; '
                             f'for _ in {{1..200}}; do [[ ! -e {self.program}.home ]] || break; sleep 0.05; done; '
                             f'cat {self.program}.home')
         self.assertEqual(status, 0, said)
-        self.assertEqual(said, f'{self.program} takes its place again.\n/of/the/session\n')
+        self.assertEqual(said, f'{self.program} takes its place again.\n/of/the/session,\n')
 
     def test_nobody_makes_room_where_there_is_nobody(self):
         self.assertEqual(bash('displace_agent; replace_agent', DISPLAY + '0'), (0, ''))

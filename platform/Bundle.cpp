@@ -1,5 +1,6 @@
 #include "platform/Bundle.h"
 
+#include "platform/LogCategories.h"
 #include "platform/MainBundlePath.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
@@ -27,7 +28,11 @@ Bundle::Bundle(QString resources, const QString &informationFile, QString execut
 {
     const QVariant information = PropertyList::readFile(informationFile);
     if (information.typeId() == QMetaType::QVariantMap) {
-        m_info = information.toMap();
+        m_info = PropertyList::readFile(m_resources + QStringLiteral("/Build.plist")).toMap();
+        m_info->insert(information.toMap());
+    } else if (QFileInfo::exists(informationFile)) {
+        qCWarning(agentLog) << informationFile
+                            << "is no property list of a dictionary: there is no feed and no address";
     }
 }
 

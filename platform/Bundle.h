@@ -20,7 +20,9 @@ public:
     /// The running program's bundle. Read once, at first use.
     [[nodiscard]] static const Bundle &main();
 
-    /// The information dictionary; nothing when Info.plist is missing or malformed.
+    /// The information dictionary; nothing when Info.plist is missing or malformed. What Info.plist does not state may
+    /// stand in a Build.plist among the resources: where an administrator keeps the one over upgrades, the other
+    /// follows the program.
     [[nodiscard]] const std::optional<QVariantMap> &infoDictionary() const noexcept { return m_info; }
 
     /// The string under `key` of the information dictionary, a number as its text: a packager may write a version or a

@@ -35,10 +35,9 @@ QLabel *note(const QString &text, QWidget *parent)
     return label;
 }
 
-/// "0" is what the agent begins with.
 QString lastMessage(const QString &id)
 {
-    return id.isEmpty() || id == QLatin1String("0") ? QStringLiteral("none yet") : id;
+    return id.isEmpty() || id == PreferencesFile::noMessageYet ? QStringLiteral("none yet") : id;
 }
 
 } // namespace

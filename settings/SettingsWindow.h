@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settings/PreferencesFile.h"
+#include "notify/rules/PreferencesFile.h"
 
 #include <QDialog>
 #include <QHash>

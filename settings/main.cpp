@@ -5,6 +5,7 @@
 #include "settings/SettingsWindow.h"
 
 #include <QApplication>
+#include <QDir>
 
 int main(int argc, char **argv)
 {
@@ -12,7 +13,8 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     QApplication::setDesktopFileName(ProductTexts::desktopEntry);
 
-    SettingsWindow window(PreferencesFile::ofUser(), [] { return DistributedNotifications::post(settingsChanged); });
+    SettingsWindow window(PreferencesFile::inHome(QDir::homePath()),
+                          [] { return DistributedNotifications::post(settingsChanged); });
     const auto observer = DistributedNotifications::addObserver(settingsChanged, [&window] { window.reload(); });
     window.show();
     return QApplication::exec();

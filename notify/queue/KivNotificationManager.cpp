@@ -71,9 +71,13 @@ KivNotificationManager::~KivNotificationManager()
 void KivNotificationManager::updateNotificationPreferences()
 {
     const QString received = m_properties.lastMesID();
+    const bool hadFile = m_properties.hasPreferencesFile();
     if (m_properties.loadPrefList()) {
         if (m_isLastMesIDDue) {
             m_properties.setLastMesID(received); // The file does not have it yet.
+        } else if (!hadFile && m_properties.lastMesID() == PreferencesFile::noMessageYet) {
+            // Somebody has made a file, who cannot know what has been received: or all of it would come once more.
+            m_properties.saveLastMessID(received);
         }
         startCheckTimer();
     }

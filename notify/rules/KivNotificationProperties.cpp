@@ -9,7 +9,6 @@
 #include "platform/Bundle.h"
 #include "platform/LogCategories.h"
 #include "platform/SystemVersion.h"
-#include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
 
 #include <QFile>
@@ -20,13 +19,6 @@
 
 namespace
 {
-
-/// The dictionary in the file; nothing when it cannot be read or holds another value.
-std::optional<QVariantMap> readDictionary(const QString &path, RegularFile::Links links)
-{
-    const QVariant value = PropertyList::readFile(path, links);
-    return value.typeId() == QMetaType::QVariantMap ? std::optional(value.toMap()) : std::nullopt;
-}
 
 /// The version's digits as one number.
 std::uint32_t joinedDigits(QString version)
@@ -39,11 +31,11 @@ std::uint32_t joinedDigits(QString version)
 KivNotificationProperties::KivNotificationProperties(const Bundle &bundle, const QString &homeFolder,
                                                      const QString &systemVersionFile, UserDatabase users,
                                                      std::function<QDateTime()> clock)
-    : m_preferencesFile(QString(ProductTexts::preferencesFile).replace(0, 1, homeFolder))
+    : m_preferencesFile(PreferencesFile::inHome(homeFolder))
     , m_users(std::move(users))
     , m_clock(std::move(clock))
     , m_installation(gatheredFacts(bundle, systemVersionFile))
-    , m_lastMesID(QStringLiteral("0"))
+    , m_lastMesID(PreferencesFile::noMessageYet)
 {
     if (!loadPrefList()) {
         loadDefaultProperties();
@@ -80,15 +72,15 @@ bool KivNotificationProperties::isCurrentUserIsAdminLevelUser() const
 
 bool KivNotificationProperties::loadPrefList()
 {
-    if (!QFile::exists(m_preferencesFile)) {
-        qCDebug(queueLog) << "no settings in" << m_preferencesFile;
+    m_hasPreferencesFile = m_preferencesFile.exists();
+    if (!m_hasPreferencesFile) {
+        qCDebug(queueLog) << "no settings in" << m_preferencesFile.path();
         return false;
     }
-    const QVariantMap preferences =
-        readDictionary(m_preferencesFile, RegularFile::Links::Follow).value_or(QVariantMap());
-    m_lastMesID = StringValues::stringValue(preferences.value(lastMessageIdKey));
-    m_settings = NotificationSettings::fromDictionary(preferences);
-    qCDebug(queueLog) << "settings read from" << m_preferencesFile << "- last message received:" << m_lastMesID;
+    const std::optional<PreferencesFile::Contents> contents = m_preferencesFile.read();
+    m_lastMesID = contents ? contents->lastMessageId : QString();
+    m_settings = contents ? contents->settings : NotificationSettings::fromDictionary({});
+    qCDebug(queueLog) << "settings read from" << m_preferencesFile.path() << "- last message received:" << m_lastMesID;
     return true;
 }
 
@@ -100,17 +92,8 @@ void KivNotificationProperties::loadDefaultProperties()
 void KivNotificationProperties::saveLastMessID(const QString &messageId)
 {
     m_lastMesID = messageId;
-    if (!QFile::exists(m_preferencesFile)) {
-        return;
-    }
-    std::optional<QVariantMap> preferences = readDictionary(m_preferencesFile, RegularFile::Links::Refuse);
-    if (preferences) {
-        preferences->insert(lastMessageIdKey, messageId);
-    }
-    // In place, so that the file keeps its owner and its other names; and a file that could not be read stays as it is,
-    // as does one somewhere else that a symbolic link leads to.
-    if (!preferences || !PropertyList::writeFile(m_preferencesFile, *preferences, PropertyList::Writing::InPlace)) {
-        syslog(LOG_ERR, ProductTexts::preferencesNotWritten, QFile::encodeName(m_preferencesFile).constData());
+    if (m_preferencesFile.exists() && !m_preferencesFile.setLastMessageId(messageId)) {
+        syslog(LOG_ERR, ProductTexts::preferencesNotWritten, QFile::encodeName(m_preferencesFile.path()).constData());
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "notify/rules/Installation.h"
 #include "notify/rules/NotificationSettings.h"
+#include "notify/rules/PreferencesFile.h"
 #include "notify/rules/UserLevel.h"
 
 #include <QDateTime>
@@ -16,8 +17,8 @@ class KivNotification;
 /// What decides whether a support message concerns this installation and user and may be shown now: the facts about the
 /// installation, the user's notification settings, and the id of the last message received. Main thread only.
 ///
-/// The settings lie in ~/Library/Preferences/com.tamborel.kivmenua.plist. The server's settings program writes them;
-/// the only key written here is the last message id, and the file is never created here.
+/// The settings lie in ~/Library/Preferences/com.tamborel.kivmenua.plist. The settings programs write them; the
+/// only key written here is the last message id, and the file is never created here.
 class KivNotificationProperties final
 {
 public:
@@ -52,6 +53,9 @@ public:
     /// Whether the message may be shown now, under the user's settings.
     [[nodiscard]] bool shouldShowNotification(const KivNotification &record) const;
 
+    /// Whether there was a file when the settings were last loaded.
+    [[nodiscard]] bool hasPreferencesFile() const noexcept { return m_hasPreferencesFile; }
+
     /// "0" until a message has been received; nil when the preferences file holds none.
     [[nodiscard]] const QString &lastMesID() const noexcept { return m_lastMesID; }
 
@@ -76,7 +80,8 @@ public:
 private:
     [[nodiscard]] Installation gatheredFacts(const Bundle &bundle, const QString &systemVersionFile) const;
 
-    QString m_preferencesFile;
+    PreferencesFile m_preferencesFile;
+    bool m_hasPreferencesFile = false;
     UserDatabase m_users;
     std::function<QDateTime()> m_clock;
     Installation m_installation;

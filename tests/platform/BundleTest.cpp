@@ -2,6 +2,7 @@
 
 #include "platform/data/PropertyList.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LogLines.h"
 
 #include <QDir>
 #include <QFile>
@@ -70,6 +71,28 @@ TEST_F(BundleFolder, HasNoDictionaryWhenInfoPlistIsAnArray)
 {
     writeInfo(info, QVariantList{QStringLiteral("KIVBuildVersion")});
     EXPECT_FALSE(Bundle(path(QString())).infoDictionary().has_value());
+}
+
+TEST_F(BundleFolder, SaysThatInfoPlistIsMalformedButNotThatItIsMissing)
+{
+    LogLines lines;
+    Bundle{path(QString())};
+    EXPECT_TRUE(lines.takeWarnings().empty());
+    write(info, "<plist><dict><key>KIVBuildVersion</key></dict></plist>");
+    Bundle{path(QString())};
+    EXPECT_EQ(lines.takeWarnings().size(), 1U);
+}
+
+TEST_F(BundleFolder, TakesFromBuildPlistOnlyWhatInfoPlistDoesNotState)
+{
+    const QString version = QStringLiteral("KIVBuildVersion");
+    const QString home = QStringLiteral("KIVProductHome");
+    writeInfo(QStringLiteral("Build.plist"),
+              QVariantMap{{version, QStringLiteral("2.0")}, {home, QStringLiteral("b")}});
+    EXPECT_FALSE(Bundle(path(QString())).infoDictionary().has_value()) << "it stands for nothing alone";
+    writeInfo(info, QVariantMap{{home, QStringLiteral("a")}});
+    EXPECT_EQ(Bundle(path(QString())).infoString(version), QStringLiteral("2.0"));
+    EXPECT_EQ(Bundle(path(QString())).infoString(home), QStringLiteral("a"));
 }
 
 TEST_F(BundleFolder, TellsAnEmptyDictionaryFromNone)

@@ -1,11 +1,14 @@
 #include "tools/kivservice/SettingsCommand.h"
 
+#include "notify/rules/PreferencesFile.h"
 #include "notify/rules/SettingTable.h"
 #include "notify/rules/SettingsAnnouncement.h"
 #include "platform/DistributedNotifications.h"
-#include "settings/PreferencesFile.h"
 #include "settings/SettingTexts.h"
 
+#include <QDir>
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -17,6 +20,14 @@ int failSettings(const QString &reason, int status = EXIT_FAILURE)
 {
     std::fprintf(stderr, "kivservice: %s\n", qPrintable(reason));
     return status;
+}
+
+/// The id comes from the network, and a terminal would obey it.
+QString printable(QString text)
+{
+    std::ranges::replace_if(
+        text, [](QChar character) { return !character.isPrint(); }, u'?');
+    return text;
 }
 
 void print(const SettingEntry &setting, const NotificationSettings &settings)
@@ -37,7 +48,7 @@ int printSettings(const PreferencesFile &file, const SettingEntry *only)
         }
     }
     if (!only) {
-        std::printf("%s %s\n", lastMessageIdKey.data(), qPrintable(contents->lastMessageId));
+        std::printf("%s %s\n", lastMessageIdKey.data(), qPrintable(printable(contents->lastMessageId)));
     }
     return EXIT_SUCCESS;
 }
@@ -65,7 +76,7 @@ int change(const PreferencesFile &file, const SettingEntry &setting, const QStri
 
 int settingsCommand(const QStringList &arguments)
 {
-    const PreferencesFile file = PreferencesFile::ofUser();
+    const PreferencesFile file = PreferencesFile::inHome(QDir::homePath());
     if (arguments.isEmpty()) {
         return printSettings(file, nullptr);
     }

@@ -589,6 +589,16 @@ TEST_F(KivNotificationManagerTest, LosesNoIdOfADeliveryToNewSettings)
     EXPECT_EQ(properties->lastMesID(), QStringLiteral("0")) << "afterwards the file decides";
 }
 
+TEST_F(KivNotificationManagerTest, HandsItsIdToAFileThatIsMadeMeanwhile)
+{
+    start();
+    manager->enqueueNotification(record("5"));
+    setPreferences(0, 0);
+    manager->updateNotificationPreferences();
+    EXPECT_EQ(storedId(), "5") << "or all messages would come again";
+    EXPECT_EQ(properties->lastMesID(), QStringLiteral("5"));
+}
+
 TEST_F(KivNotificationManagerTest, SavesTheQueueAtTheNextDeliveryWhenItCouldNotBefore)
 {
     setPreferences(0, 0);

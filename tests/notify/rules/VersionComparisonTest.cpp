@@ -66,7 +66,7 @@ struct Single {
 constexpr Single singles[] = {{"3", "3"},  {"3", "3.1"}, {"3.1", "3"},  {"", "3.1"},
                               {"3.1", ""}, {"", ""},     {"3,1", "3.1"}};
 
-QString text(const char *bytes)
+QString ofBytes(const char *bytes)
 {
     return bytes ? QString::fromLatin1(bytes) : QString();
 }
@@ -76,7 +76,7 @@ QString text(const char *bytes)
 TEST(VersionComparison, GoesByTheSecondComponents)
 {
     for (const Pair &pair : pairs) {
-        EXPECT_EQ(compareToVersion(text(pair.a), text(pair.b)), pair.result)
+        EXPECT_EQ(compareToVersion(ofBytes(pair.a), ofBytes(pair.b)), pair.result)
             << (pair.a ? pair.a : "nil") << " and " << (pair.b ? pair.b : "nil");
     }
 }
@@ -92,7 +92,7 @@ TEST(VersionComparison, SortsTextByCodeUnits)
 TEST(VersionComparison, FailsForAVersionWithoutASecondComponent)
 {
     for (const Single &single : singles) {
-        EXPECT_THROW((void)compareToVersion(text(single.a), text(single.b)), std::out_of_range)
+        EXPECT_THROW((void)compareToVersion(ofBytes(single.a), ofBytes(single.b)), std::out_of_range)
             << single.a << " and " << single.b;
     }
 }

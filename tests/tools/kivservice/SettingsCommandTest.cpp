@@ -4,6 +4,7 @@
 #include "tests/support/WaitUntil.h"
 
 #include <QDBusConnection>
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -74,6 +75,16 @@ TEST_F(SettingsCommand, PrintsAllSettingsAndTheLastMessage)
     EXPECT_TRUE(all.output.contains("KivNotificationRepeatTimeout 3 After 5 hours\n")) << all.output.constData();
     EXPECT_TRUE(all.output.endsWith("KivNotificationLastMessId 0\n")) << all.output.constData();
     EXPECT_FALSE(QFile::exists(path));
+}
+
+TEST_F(SettingsCommand, PrintsNothingOfTheLastMessageThatATerminalWouldObey)
+{
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+    ASSERT_TRUE(PropertyList::writeFile(
+        path, QVariantMap{{QStringLiteral("KivNotificationLastMessId"), QStringLiteral("a\n\u009b2Jb")}},
+        PropertyList::Writing::InPlace));
+    const QByteArray output = run({}).output;
+    EXPECT_TRUE(output.endsWith("KivNotificationLastMessId a??2Jb\n")) << output.constData();
 }
 
 TEST_F(SettingsCommand, PrintsOneSetting)

@@ -1,10 +1,11 @@
-#include "settings/PreferencesFile.h"
+#include "notify/rules/PreferencesFile.h"
 
 #include "notify/ProductTexts.h"
 #include "notify/rules/SettingTable.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
 #include "platform/files/AtomicFile.h"
+#include "platform/files/FolderLock.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -13,14 +14,6 @@
 
 namespace
 {
-
-const QString noMessageYet = QStringLiteral("0");
-
-bool isThere(const QString &path)
-{
-    const QFileInfo file(path);
-    return file.exists() || file.isSymLink();
-}
 
 std::optional<QVariantMap> readDictionary(const QString &path, RegularFile::Links links)
 {
@@ -31,7 +24,7 @@ std::optional<QVariantMap> readDictionary(const QString &path, RegularFile::Link
 /// What a file begins with: as long as there is none, this is what holds.
 QVariantMap defaults()
 {
-    QVariantMap preferences{{lastMessageIdKey, noMessageYet}};
+    QVariantMap preferences{{lastMessageIdKey, QString(PreferencesFile::noMessageYet)}};
     NotificationSettings().writeTo(preferences);
     return preferences;
 }
@@ -43,15 +36,22 @@ PreferencesFile::PreferencesFile(QString path)
 {
 }
 
-PreferencesFile PreferencesFile::ofUser()
+PreferencesFile PreferencesFile::inHome(const QString &homeFolder)
 {
-    return PreferencesFile(QString(ProductTexts::preferencesFile).replace(0, 1, QDir::homePath()));
+    return PreferencesFile(QString(ProductTexts::preferencesFile).replace(0, 1, homeFolder));
+}
+
+bool PreferencesFile::exists() const
+{
+    return QFileInfo::exists(m_path);
 }
 
 std::optional<PreferencesFile::Contents> PreferencesFile::read() const
 {
+    // Written in place, it may be half there for a moment.
+    const FolderLock lock(QFileInfo(m_path).path());
     const std::optional<QVariantMap> preferences =
-        QFileInfo::exists(m_path) ? readDictionary(m_path, RegularFile::Links::Follow) : defaults();
+        exists() ? readDictionary(m_path, RegularFile::Links::Follow) : defaults();
     if (!preferences) {
         return std::nullopt;
     }
@@ -61,10 +61,12 @@ std::optional<PreferencesFile::Contents> PreferencesFile::read() const
 
 QString PreferencesFile::change(const SettingEntry &setting, std::int32_t value) const
 {
-    // Read anew each time: the agent may have written its id meanwhile. What cannot be read is somebody's all the same,
-    // and what a symbolic link leads to belongs elsewhere.
-    std::optional<QVariantMap> preferences =
-        isThere(m_path) ? readDictionary(m_path, RegularFile::Links::Refuse) : defaults();
+    const QFileInfo file(m_path);
+    QDir().mkpath(file.path());
+    const FolderLock lock(file.path());
+    // What cannot be read is somebody's all the same, and what a symbolic link leads to belongs elsewhere.
+    const bool isThere = file.exists() || file.isSymLink();
+    std::optional<QVariantMap> preferences = isThere ? readDictionary(m_path, RegularFile::Links::Refuse) : defaults();
     if (!preferences) {
         return QStringLiteral("%1 cannot be read, and is left as it is").arg(m_path);
     }
@@ -73,9 +75,19 @@ QString PreferencesFile::change(const SettingEntry &setting, std::int32_t value)
     settings.writeTo(*preferences);
     QString obstacle = QStringLiteral("too much is in it");
     const QByteArray content = PropertyList::toXml(*preferences);
-    QDir().mkpath(QFileInfo(m_path).path());
     if (content.isEmpty() || !AtomicFile::write(m_path, content, AtomicFile::Access::AsBefore, &obstacle)) {
         return QStringLiteral("%1 cannot be written: %2").arg(m_path, obstacle);
     }
     return {};
+}
+
+bool PreferencesFile::setLastMessageId(const QString &id) const
+{
+    const FolderLock lock(QFileInfo(m_path).path());
+    std::optional<QVariantMap> preferences = readDictionary(m_path, RegularFile::Links::Refuse);
+    if (!preferences) {
+        return false;
+    }
+    preferences->insert(lastMessageIdKey, id);
+    return PropertyList::writeFile(m_path, *preferences, PropertyList::Writing::InPlace);
 }

@@ -1,4 +1,4 @@
-#include "settings/PreferencesFile.h"
+#include "notify/rules/PreferencesFile.h"
 
 #include "notify/rules/SettingTable.h"
 #include "platform/data/PropertyList.h"
@@ -6,8 +6,11 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <QTimeZone>
 
 #include <gtest/gtest.h>
+
+#include <thread>
 
 namespace
 {
@@ -76,6 +79,11 @@ TEST_F(PreferencesFileTest, KeepsWhatItDoesNotKnow)
     const QVariantMap foreign{
         {QStringLiteral("SomebodyElse"), QVariantMap{{QStringLiteral("a"), QByteArray("\x01\x02")}}},
         {QStringLiteral("Empty"), QStringLiteral("")},
+        {QStringLiteral("Whole"), -7},
+        {QStringLiteral("Real"), 0.1},
+        {QStringLiteral("Switch"), false},
+        {QStringLiteral("Day"), QDateTime(QDate(2026, 2, 28), QTime(1, 2, 3), QTimeZone::utc())},
+        {QStringLiteral("List"), QVariantList{QStringLiteral("a"), QVariantList(), QVariantMap()}},
         {lastId, QStringLiteral("ab12")}};
     put(foreign);
     EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 1).isNull());
@@ -119,6 +127,42 @@ TEST_F(PreferencesFileTest, IsLeftAsItIsWhenASymbolicLinkLeadsToIt)
         EXPECT_TRUE(QFileInfo(path).isSymLink());
     }
     EXPECT_EQ(PropertyList::readFile(elsewhere).toMap(), (QVariantMap{{show, 3}}));
+}
+
+TEST_F(PreferencesFileTest, TakesAnIdAndKeepsAllElse)
+{
+    put(QVariantMap{{show, 3}, {QStringLiteral("SomebodyElse"), QByteArray("\x01")}});
+    EXPECT_TRUE(file.setLastMessageId(QStringLiteral("12")));
+    EXPECT_EQ(
+        values(),
+        (QVariantMap{{show, 3}, {QStringLiteral("SomebodyElse"), QByteArray("\x01")}, {lastId, QStringLiteral("12")}}));
+}
+
+TEST_F(PreferencesFileTest, TakesNoIdWhileItIsMissing)
+{
+    EXPECT_FALSE(file.setLastMessageId(QStringLiteral("12")));
+    EXPECT_FALSE(file.exists());
+}
+
+TEST_F(PreferencesFileTest, LosesNothingWhenTheAgentAndTheSettingsProgramWriteAtTheSameTime)
+{
+    ASSERT_TRUE(file.change(settingAt("KivNotificationShowNews"), 1).isNull());
+    constexpr int rounds = 300;
+    std::thread agent([this] {
+        for (int id = 1; id <= rounds; ++id) {
+            EXPECT_TRUE(file.setLastMessageId(QString::number(id)));
+            const auto contents = file.read();
+            ASSERT_TRUE(contents) << "only half of it was there";
+            ASSERT_EQ(contents->lastMessageId, QString::number(id));
+        }
+    });
+    for (int round = 0; round < rounds; ++round) {
+        const int value = 1 + round % 5;
+        EXPECT_EQ(file.change(settingAt("KivNotificationShowTimeout"), value), QString());
+        const auto contents = file.read();
+        EXPECT_TRUE(contents && contents->settings.notificationShow == value) << round;
+    }
+    agent.join();
 }
 
 TEST_F(PreferencesFileTest, SaysWhyItCannotBeWritten)

@@ -67,13 +67,16 @@ try_packages() {
 }
 
 release_check() {
+    # shellcheck disable=SC2154 # ./kiv has them.
+    install_missing "${packages_build[@]}" "${packages_package[@]}"
     [[ -z $(git status --porcelain) ]] || fail "what is not committed is in no release"
     ./kiv check
     CI=true ./kiv test
     package --twice
     say "Building the source archive by itself"
-    local work archive
-    work=$(mktemp -d)
+    local work=$PWD/build/release-check archive
+    rm -rf "$work"
+    mkdir -p "$work"
     archive=$(source_archive "$work")
     tar --extract --gzip --file "$archive" --directory "$work"
     (cd "$work/kivmenua-$(project_version)" && cmake --preset release --log-level=WARNING &&

@@ -40,14 +40,28 @@ died() { # PID [STATUS]
 # The agents of this user in the display that DISPLAY names, by their process IDs: there is one at most, and it keeps any
 # other out.
 agents_here() {
-    local process program
+    local process display
     for process in /proc/[0-9]*; do
-        [[ -O $process ]] || continue
-        program=$(readlink "$process/exe" 2>/dev/null) || continue
-        [[ $program == */kivmenua ]] || continue
-        ! grep --quiet --null-data --line-regexp --fixed-strings "DISPLAY=$DISPLAY" "$process/environ" 2>/dev/null ||
-            echo "${process#/proc/}"
+        [[ -O $process && $(program_of "${process#/proc/}") == */kivmenua ]] || continue
+        display=$(tr '\0' '\n' <"$process/environ" 2>/dev/null | sed -n 's/^DISPLAY=//p') || continue
+        [[ $(without_screen "$display") != "$(without_screen "$DISPLAY")" ]] || echo "${process#/proc/}"
     done
+}
+
+# The file that the process runs; an upgrade may have put another in its place.
+program_of() { # PID
+    local program
+    program=$(readlink "/proc/$1/exe" 2>/dev/null) || return 0
+    echo "${program% (deleted)}"
+}
+
+# :0 and :0.0 are one display.
+without_screen() { # DISPLAY
+    if [[ $1 =~ ^(.*:[0-9]+)\.[0-9]+$ ]]; then
+        echo "${BASH_REMATCH[1]}"
+    else
+        echo "$1"
+    fi
 }
 
 # What is built is tried in the place of what is installed, which starts again at the end.
@@ -57,7 +71,7 @@ displace_agent() {
     local pid
     pid=$(agents_here)
     [[ -n $pid ]] || return 0
-    displaced=$(readlink "/proc/$pid/exe")
+    displaced=$(program_of "$pid")
     mapfile -d '' -t displaced_environment <"/proc/$pid/environ"
     echo "$displaced (process $pid) ends for now: the agent that is built takes its place in this session."
     kill "$pid"

@@ -34,6 +34,13 @@ def of_packages(root):
     return version and day and (version[1], email.utils.parsedate_to_datetime(day[1]).date().isoformat())
 
 
+def of_manual_pages(root):
+    """The day at the head of each, by its name."""
+    for page in sorted((root / 'docs/man').glob('*.[1-9]')):
+        found = re.match(r'\.TH \S+ \d "(\S*)"', page.read_text(encoding='utf-8'))
+        yield page.name, found and found[1]
+
+
 def main(root):
     version = of_project(root)
     day = (of_changelog(root) or (None, None))[1]
@@ -42,6 +49,10 @@ def main(root):
                        ('debian/changelog', of_packages(root))):
         if told != (version, day):
             print(f'{name}: its newest version is {told}, not {(version, day)}')
+            status = 1
+    for page, told in of_manual_pages(root):
+        if told != day:
+            print(f'{page}: its day is {told}, not {day}')
             status = 1
     return status
 

@@ -32,6 +32,19 @@ class AgentOfTheSession(unittest.TestCase):
         self.assertEqual(bash('agents_here', DISPLAY + '0'), (0, ''))
         self.assertEqual(bash('agents_here', ':'), (0, ''))
 
+    def test_is_found_whichever_screen_of_the_display_is_meant(self):
+        with subprocess.Popen([self.program, '100'], env={'DISPLAY': ':987654'}) as other:
+            try:
+                self.assertEqual(bash('agents_here', ':987654.0'), (0, f'{other.pid}\n'))
+                self.assertEqual(bash('agents_here', ':98765'), (0, ''))
+            finally:
+                other.kill()
+
+    def test_is_found_after_an_upgrade_has_taken_its_file_away(self):
+        self.program.unlink()
+        self.assertEqual(bash('agents_here'), (0, f'{self.decoy.pid}\n'))
+        self.assertEqual(bash(f'program_of {self.decoy.pid}'), (0, f'{self.program}\n'))
+
     def test_makes_room_and_that_is_said(self):
         # Its end has to be seen by its parent, which is this test, before the kernel forgets it.
         waiting = subprocess.Popen(['bash', '-c', f'cd {SOURCE} && fail() {{ exit 1; }} && '

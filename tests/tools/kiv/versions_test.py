@@ -7,7 +7,8 @@ import unittest
 from pathlib import Path
 
 SOURCE = Path(__file__).resolve().parents[3]
-FILES = ('CMakeLists.txt', 'CHANGELOG.md', 'debian/changelog', 'resources/linux/com.tamborel.kivmenua.metainfo.xml')
+FILES = ('CMakeLists.txt', 'CHANGELOG.md', 'debian/changelog', 'resources/linux/com.tamborel.kivmenua.metainfo.xml',
+         'docs/man/kivmenua.1')
 
 
 def check(file=None, old='', new=''):
@@ -47,6 +48,11 @@ class Versions(unittest.TestCase):
         status, said = check(FILES[3], 'date="', 'date="1')
         self.assertEqual(status, 1)
         self.assertTrue(said.startswith('the metainfo:'), said)
+
+    def test_so_are_the_days_of_manual_pages(self):
+        status, said = check(FILES[4], '.TH KIVMENUA 1 "', '.TH KIVMENUA 1 "1')
+        self.assertEqual(status, 1)
+        self.assertTrue(said.startswith('kivmenua.1:') and said.count('\n') == 1, said)
 
     def test_what_is_not_released_yet_is_no_version(self):
         self.assertEqual(check('CHANGELOG.md', '## [', '## [Unreleased]\n\n- Something.\n\n## [')[0], 0)

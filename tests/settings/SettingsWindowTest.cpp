@@ -3,6 +3,7 @@
 #include "notify/rules/SettingTable.h"
 #include "platform/data/PropertyList.h"
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QCoreApplication>
@@ -161,13 +162,21 @@ TEST_F(SettingsWindowTest, CutsNoTextInLightAndDark)
         }
     }
     const QList<QWidget *> widgets = window().findChildren<QWidget *>();
+    int looked = 0;
     for (const QWidget *widget : widgets) {
-        if (widget->isVisible() &&
-            (qobject_cast<const QCheckBox *>(widget) || qobject_cast<const QComboBox *>(widget))) {
-            EXPECT_GE(widget->width(), widget->minimumSizeHint().width()) << qPrintable(widget->objectName());
-            EXPECT_GE(widget->height(), widget->minimumSizeHint().height()) << qPrintable(widget->objectName());
+        const auto *label = qobject_cast<const QLabel *>(widget);
+        const bool wraps = label && label->wordWrap();
+        if (!widget->isVisible() ||
+            !(label || qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QComboBox *>(widget))) {
+            continue;
         }
+        ++looked;
+        const QString name = QString::fromLatin1(widget->metaObject()->className()) + u' ' + widget->objectName();
+        EXPECT_TRUE(wraps || widget->width() >= widget->sizeHint().width()) << qPrintable(name);
+        EXPECT_GE(widget->height(), wraps ? widget->heightForWidth(widget->width()) : widget->sizeHint().height())
+            << qPrintable(name);
     }
+    EXPECT_EQ(looked, 7 + 3 + 4 + 2 + 1) << "switches, lists, their names, texts, and the button";
 }
 
 } // namespace

@@ -20,6 +20,8 @@ from tools.desktop import private_desktop
 CMAKE = sys.argv.pop(1)
 BUILD = sys.argv.pop(1)
 
+AUTOSTART_GENERATOR = "/usr/lib/systemd/user-generators/systemd-xdg-autostart-generator"
+
 
 class Feed(http.server.BaseHTTPRequestHandler):
     """Answers nothing of worth, and notes what was asked."""
@@ -96,6 +98,19 @@ class InstallationTest(unittest.TestCase):
         asked = Feed.asked.get(timeout=90)
         self.assertEqual(asked.path, "/feed")
         self.assertEqual(urllib.parse.parse_qs(asked.query)["version"], ["7.8.9"])
+
+    @unittest.skipUnless(os.path.exists(AUTOSTART_GENERATOR), "no systemd here")
+    def test_a_session_that_systemd_starts_has_the_agent_once(self):
+        self.install()
+        self.assertEqual(len(list(self.prefix.glob("etc/xdg/autostart/*.desktop"))), 1)
+        units = self.folder / "units"
+        units.mkdir()
+        subprocess.run([AUTOSTART_GENERATOR, units, units, units], check=True, env={
+            "HOME": str(self.folder), "PATH": f"{self.prefix}/bin", "XDG_CONFIG_HOME": str(units),
+            "XDG_CONFIG_DIRS": f"{self.prefix}/etc/xdg"})
+        started = [line for unit in units.glob("*.service") for line in unit.read_text().splitlines()
+                   if line.startswith("ExecStart=")]
+        self.assertEqual([line.rpartition("/")[2].rstrip("\"") for line in started], ["kivmenua"])
 
     def test_the_service_starts(self):
         self.install()

@@ -152,7 +152,8 @@ class Company:
                  ("one that is signed by itself", self._feed_with("own"), False)]
         for what, feed, is_good in table:
             done = subprocess.run([FETCHER, f"https://{HOST}:{feed.server_port}/feed", "10000"], check=False,
-                                  stdin=self._open_input(), stdout=subprocess.PIPE, env=self.proxies)
+                                  stdin=self._open_input(), stdout=subprocess.PIPE,
+                                  env=self.proxies | {"LANG": "C.UTF-8"})
             taken = done.returncode == 0 and done.stdout.startswith(b"200 text/xml\n") and len(feed.asked) == 1
             refused = done.returncode == 1 and done.stdout == b"" and not feed.asked
             print(f"   a feed with {what} is {'taken' if taken else 'refused' if refused else 'NEITHER'}", flush=True)

@@ -46,6 +46,12 @@ def apt(*arguments):
                    env=os.environ | {"DEBIAN_FRONTEND": "noninteractive"})
 
 
+def knows_package(name):
+    """Whether it is installed, or has left its configuration files."""
+    return subprocess.run(["dpkg-query", "--status", name], check=False, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.DEVNULL).returncode == 0
+
+
 def install_what_is_needed_by(packages):
     """What these packages depend on, and not one of them."""
     for package in packages:
@@ -58,7 +64,8 @@ def add_user(name):
 
 
 def remove_user(name):
-    subprocess.run(["userdel", "--remove", name], check=True, stderr=subprocess.DEVNULL)
+    """It may be that there is none."""
+    subprocess.run(["userdel", "--remove", name], check=False, stderr=subprocess.DEVNULL)
 
 
 def processes(user, name):

@@ -131,6 +131,15 @@ def name_of(package):
     return package.name.partition("_")[0]
 
 
+def take_away(packages):
+    installed = [name for name in map(name_of, packages) if machine.knows_package(name)]
+    if installed:
+        apt("purge", *installed)
+    for user in USERS:
+        machine.remove_user(user)
+    shutil.rmtree("/etc/skel/Library", ignore_errors=True)
+
+
 def remove(packages):
     apt("remove", *map(name_of, packages))
     seen("removed, the administrator's file stays", CONFIGURATION.exists())
@@ -142,6 +151,7 @@ def main(folder):
         sys.exit("try_packages.py: only in a clean room: ./kiv clean-room 12 try-packages")
     packages = sorted(path for path in folder.glob("*.deb") if "dbgsym" not in path.name)
     machine.make_work_folder()
+    take_away(packages) # What a trial that came to a bad end has left.
     machine.install_what_is_needed_by(packages)
     # Whatever else trust and users leave behind is theirs.
     with Company(WORK / "before"):
@@ -167,10 +177,7 @@ def main(folder):
         finally:
             for user in USERS:
                 machine.end_all_of(user)
-        apt("purge", *map(name_of, packages))
-        for user in USERS:
-            machine.remove_user(user)
-        shutil.rmtree("/etc/skel/Library")
+        take_away(packages)
     left = machine.files() - before
     seen("purged, nothing is left" + "".join(f"\n      {path}" for path in sorted(left)), not left)
 

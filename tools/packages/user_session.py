@@ -19,7 +19,7 @@ class UserSession:
         self._processes = []
         self._logs = pathlib.Path(tempfile.mkdtemp(prefix=f"{user}-logs-", dir=WORK))
         self._folder = self._logs.with_name(self._logs.name.replace("logs", "desktop"))
-        subprocess.run(["runuser", "-u", user, "--", "mkdir", "-m", "700", self._folder], check=True)
+        subprocess.run([*self._becoming_user(), "mkdir", "-m", "700", self._folder], check=True)
         self.environment = {"PATH": "/usr/bin:/bin", "LANG": "C.UTF-8", "XDG_CONFIG_DIRS": "/etc/xdg", **(variables or {})}
         self.display = f":{self.start(self._part('server'), wait=True)}"
         listed = self.run(*self._part("environment", self.display))
@@ -50,7 +50,11 @@ class UserSession:
 
     def _as_user(self, command):
         settings = [f"{name}={value}" for name, value in self.environment.items()]
-        return ["runuser", "-u", self.user, "--", "env", "-i", *settings, *map(str, command)]
+        return [*self._becoming_user(), "env", "-i", *settings, *map(str, command)]
+
+    def _becoming_user(self):
+        """It becomes the program itself, and so hands on whatever signal comes, unlike runuser(1)."""
+        return ["setpriv", "--reuid", self.user, "--regid", self.user, "--init-groups", "--"]
 
     def run(self, *command):
         return subprocess.run(self._as_user(command), stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
@@ -73,11 +77,19 @@ class UserSession:
 
     def attach_service(self):
         """The reference service at the other end of the agent's link, which makes the item active; returns it."""
-        service = self.start(["/usr/sbin/kivservice", "attach", "--pid", self.agent])
-        wait_for("the service is attached", lambda: f"attached {self.agent}" in service.log.read_text())
+        service = wait_for("the service is attached", self._attached)
         self.tell(service, "flags 6", "actions 32791 32792 32793 32794 32795 32796")
         wait_for("the item is in the panel", self.items)
         return service
+
+    def _attached(self):
+        """The service; nothing when the agent has no link yet, with which the service ends."""
+        service = self.start(["/usr/sbin/kivservice", "attach", "--pid", self.agent])
+        while service.poll() is None:
+            if f"attached {self.agent}" in service.log.read_text():
+                return service
+            time.sleep(0.1)
+        return None
 
     @staticmethod
     def tell(service, *lines):

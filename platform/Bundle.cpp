@@ -30,9 +30,9 @@ Bundle::Bundle(QString resources, const QString &informationFile, QString execut
     if (information.typeId() == QMetaType::QVariantMap) {
         m_info = PropertyList::readFile(m_resources + QStringLiteral("/Build.plist")).toMap();
         m_info->insert(information.toMap());
-    } else if (QFileInfo::exists(informationFile)) {
+    } else if (const QFileInfo file(informationFile); file.exists() || file.isSymLink()) {
         qCWarning(agentLog) << informationFile
-                            << "is no property list of a dictionary: there is no feed and no address";
+                            << "cannot be read, or is no property list of a dictionary: there is no message feed";
     }
 }
 

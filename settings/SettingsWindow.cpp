@@ -107,6 +107,8 @@ QWidget *SettingsWindow::choices()
         connect(box, &QComboBox::activated, this,
                 [this, &setting, box](int index) { change(setting, box->itemData(index).toInt()); });
         m_choices.insert(&setting, box);
+        box->setFocusPolicy(Qt::StrongFocus);
+        box->installEventFilter(this);
         layout->addRow(SettingTexts::title(setting), box);
     }
     layout->addRow(QStringLiteral("Last message:"), m_lastMessage);
@@ -155,4 +157,15 @@ bool SettingsWindow::event(QEvent *event)
         reload();
     }
     return QDialog::event(event);
+}
+
+bool SettingsWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    // Whoever only turns the wheel over the window wants to change nothing.
+    const auto *const list = qobject_cast<QComboBox *>(watched);
+    if (event->type() == QEvent::Wheel && list && !list->hasFocus()) {
+        event->ignore();
+        return true;
+    }
+    return QDialog::eventFilter(watched, event);
 }

@@ -27,6 +27,7 @@ public:
 
 protected:
     bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     [[nodiscard]] QWidget *switches(const QString &title, std::initializer_list<bool NotificationSettings::*> which);

@@ -51,15 +51,6 @@ std::optional<mode_t> modeOf(const QString &path)
     return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(status.st_mode) : std::nullopt;
 }
 
-/// The folder, or the one that it would be made in.
-QString nearestFolder(QString path)
-{
-    while (!QFileInfo::exists(path) && path != QFileInfo(path).path()) {
-        path = QFileInfo(path).path();
-    }
-    return path;
-}
-
 } // namespace
 
 NotificationCache::NotificationCache(const QString &homeFolder)
@@ -126,7 +117,7 @@ QString NotificationCache::obstacleToWriting(const QByteArray &content)
 /// Makes the folder when it is missing; null when it is there.
 QString NotificationCache::obstacleToFolder() const
 {
-    const OwnFolder nearest(nearestFolder(m_folder));
+    const OwnFolder nearest(OwnFolder::nearestTo(m_folder));
     if (!nearest.isOurs() || QFileInfo::exists(m_folder)) {
         return nearest.obstacle();
     }

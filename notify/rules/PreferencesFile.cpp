@@ -5,7 +5,8 @@
 #include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
 #include "platform/files/AtomicFile.h"
-#include "platform/files/FolderLock.h"
+#include "platform/files/FileLock.h"
+#include "platform/files/OwnFolder.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -49,7 +50,7 @@ bool PreferencesFile::exists() const
 std::optional<PreferencesFile::Contents> PreferencesFile::read() const
 {
     // Written in place, it may be half there for a moment.
-    const FolderLock lock(QFileInfo(m_path).path());
+    const FileLock lock(m_path, FileLock::For::Reading);
     const std::optional<QVariantMap> preferences =
         exists() ? readDictionary(m_path, RegularFile::Links::Follow) : defaults();
     if (!preferences) {
@@ -62,11 +63,17 @@ std::optional<PreferencesFile::Contents> PreferencesFile::read() const
 QString PreferencesFile::change(const SettingEntry &setting, std::int32_t value) const
 {
     const QFileInfo file(m_path);
+    const OwnFolder nearest(OwnFolder::nearestTo(file.path()));
+    if (!nearest.isOurs()) {
+        return notWritten(nearest.obstacle());
+    }
     QDir().mkpath(file.path());
-    const FolderLock lock(file.path());
-    // What cannot be read is somebody's all the same, and what a symbolic link leads to belongs elsewhere.
-    const bool isThere = file.exists() || file.isSymLink();
-    std::optional<QVariantMap> preferences = isThere ? readDictionary(m_path, RegularFile::Links::Refuse) : defaults();
+    const FileLock lock(m_path, FileLock::For::Writing);
+    // What cannot be read is somebody's all the same, and what a symbolic link leads to belongs elsewhere. An empty
+    // file is what a full disk once left.
+    const bool holdsSomething = file.isSymLink() || (file.exists() && !(file.isFile() && file.size() == 0));
+    std::optional<QVariantMap> preferences =
+        holdsSomething ? readDictionary(m_path, RegularFile::Links::Refuse) : defaults();
     if (!preferences) {
         return QStringLiteral("%1 cannot be read, and is left as it is").arg(m_path);
     }
@@ -76,14 +83,19 @@ QString PreferencesFile::change(const SettingEntry &setting, std::int32_t value)
     QString obstacle = QStringLiteral("too much is in it");
     const QByteArray content = PropertyList::toXml(*preferences);
     if (content.isEmpty() || !AtomicFile::write(m_path, content, AtomicFile::Access::AsBefore, &obstacle)) {
-        return QStringLiteral("%1 cannot be written: %2").arg(m_path, obstacle);
+        return notWritten(obstacle);
     }
     return {};
 }
 
+QString PreferencesFile::notWritten(const QString &why) const
+{
+    return QStringLiteral("%1 cannot be written: %2").arg(m_path, why);
+}
+
 bool PreferencesFile::setLastMessageId(const QString &id) const
 {
-    const FolderLock lock(QFileInfo(m_path).path());
+    const FileLock lock(m_path, FileLock::For::Writing);
     std::optional<QVariantMap> preferences = readDictionary(m_path, RegularFile::Links::Refuse);
     if (!preferences) {
         return false;

@@ -35,7 +35,8 @@ public:
     [[nodiscard]] std::optional<Contents> read() const;
 
     /// Sets one setting. The others stay as they are, and so does every key that is none of ours; a file that is
-    /// missing is made, with its folder. Returns why that could not be done, with the file as it was; nil when it was.
+    /// missing or empty is made, with its folder, in a home of this process's user. Returns why that could not be done,
+    /// with the file as it was; nil when it was.
     [[nodiscard]] QString change(const SettingEntry &setting, std::int32_t value) const;
 
     /// Stores the id in the file, which has to be there; all else stays. It is written in place, so that it keeps its
@@ -46,5 +47,7 @@ public:
     [[nodiscard]] const QString &path() const noexcept { return m_path; }
 
 private:
+    [[nodiscard]] QString notWritten(const QString &why) const;
+
     QString m_path;
 };

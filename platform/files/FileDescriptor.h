@@ -16,7 +16,11 @@ public:
         : m_number(std::exchange(other.m_number, -1))
     {
     }
-    FileDescriptor &operator=(FileDescriptor &&) = delete;
+    FileDescriptor &operator=(FileDescriptor &&other) noexcept
+    {
+        std::swap(m_number, other.m_number);
+        return *this;
+    }
 
     /// False when the file could not be opened, or has been closed.
     explicit operator bool() const noexcept { return m_number >= 0; }

@@ -1,6 +1,7 @@
 #include "platform/files/OwnFolder.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <cerrno>
 #include <cstring>
@@ -16,4 +17,12 @@ OwnFolder::OwnFolder(const QString &path)
     } else if (status.st_uid != ::geteuid()) {
         m_obstacle = QStringLiteral("the folder belongs to somebody else");
     }
+}
+
+QString OwnFolder::nearestTo(QString path)
+{
+    while (!QFileInfo::exists(path) && path != QFileInfo(path).path()) {
+        path = QFileInfo(path).path();
+    }
+    return path;
 }

@@ -12,6 +12,9 @@ class OwnFolder final
 public:
     explicit OwnFolder(const QString &path);
 
+    /// The folder itself, or the one above it in which it would be made.
+    [[nodiscard]] static QString nearestTo(QString path);
+
     /// Why nothing can be written there; null when it can, as far as its owner goes.
     [[nodiscard]] const QString &obstacle() const noexcept { return m_obstacle; }
     [[nodiscard]] bool isOurs() const noexcept { return m_obstacle.isNull(); }

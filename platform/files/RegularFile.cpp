@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -49,6 +50,17 @@ bool RegularFile::overwrite(const QString &path, const QByteArray &content)
     }
     FileDescriptor file(::openat(folder.descriptor(), QFile::encodeName(info.fileName()).constData(),
                                  O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
-    return file && sizeOf(file.number()) && ::ftruncate(file.number(), 0) == 0 && writeWhole(file.number(), content) &&
-           file.close(); // Much is only written here.
+    const std::optional<qint64> size = file ? sizeOf(file.number()) : std::nullopt;
+    if (!size) {
+        return false;
+    }
+    // What is new room comes first, and is given back when it cannot be had: so a full disk takes nothing of what is
+    // there, since all else goes where bytes already are.
+    const qsizetype present = std::min<qsizetype>(*size, content.size());
+    if (::lseek(file.number(), present, SEEK_SET) < 0 || !writeWhole(file.number(), content.sliced(present))) {
+        (void)::ftruncate(file.number(), *size);
+        return false;
+    }
+    return ::lseek(file.number(), 0, SEEK_SET) == 0 && writeWhole(file.number(), content.first(present)) &&
+           ::ftruncate(file.number(), content.size()) == 0 && file.close(); // Much is only written here.
 }

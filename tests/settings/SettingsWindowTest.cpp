@@ -12,6 +12,7 @@
 #include <QPalette>
 #include <QPushButton>
 #include <QTemporaryDir>
+#include <QWheelEvent>
 
 #include <gtest/gtest.h>
 
@@ -101,6 +102,17 @@ TEST_F(SettingsWindowTest, SavesAndAnnouncesEachChangeAtOnce)
     EXPECT_EQ(saved().notificationRepeat, kRepeatNever);
     EXPECT_EQ(told, 3);
     EXPECT_TRUE(label("remark").isHidden());
+}
+
+TEST_F(SettingsWindowTest, ChangesNothingWhenTheWheelIsTurnedOverAListThatNobodyHasChosen)
+{
+    QComboBox &show = list("KivNotificationShowTimeout");
+    const int before = show.currentIndex();
+    QWheelEvent turned(QPointF(5, 5), show.mapToGlobal(QPointF(5, 5)), {}, QPoint(0, -120), Qt::NoButton,
+                       Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&show, &turned);
+    EXPECT_EQ(show.currentIndex(), before);
+    EXPECT_EQ(told, 0);
 }
 
 TEST_F(SettingsWindowTest, TakesUpWhatOthersHaveChangedMeanwhile)

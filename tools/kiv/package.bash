@@ -12,7 +12,7 @@ project_version() { # The one place where it stands.
 source_archive() { # FOLDER
     local name
     name=kivmenua-$(project_version)
-    git archive --format tar --prefix "$name/" HEAD | gzip --no-name -9 >"$1/$name.tar.gz"
+    git -c tar.umask=0022 archive --format tar --prefix "$name/" HEAD | gzip --no-name -9 >"$1/$name.tar.gz"
     echo "$1/$name.tar.gz"
 }
 
@@ -30,7 +30,8 @@ package() { # [--twice]
     if [[ -n $twice ]]; then
         say "Building them once more"
         mkdir "$folder/again"
-        build_packages "$archive" "$folder/again"
+        # Elsewhere, as another user's machine would.
+        (umask 027 && TZ=Pacific/Kiritimati LC_ALL=C build_packages "$archive" "$folder/again")
         # What a package is made with, and when, stands in .buildinfo and .changes; the packages themselves are the same.
         (cd "$folder" && sha256sum -- *.deb) >"$folder/SHA256SUMS"
         (cd "$folder/again" && sha256sum --check --strict ../SHA256SUMS) || fail "not the same bytes twice"
@@ -45,15 +46,19 @@ package() { # [--twice]
 
 # In a folder of the same name each time, so that no path in a debugger's information tells one build from the next.
 build_packages() { # ARCHIVE FOLDER
-    local work=/tmp/kivmenua-package version
+    local work=/tmp/kivmenua-package version release
     version=$(project_version)
     rm -rf "$work"
     mkdir -m 700 "$work"
     tar --extract --gzip --file "$1" --directory "$work"
+    # Packages for several Debians must not have one name, and the later Debian's have to count as newer.
+    # shellcheck source=/dev/null
+    release=$(. /etc/os-release && echo "${VERSION_ID:-}")
+    sed -i "1s/)/${release:+~deb${release}u1})/" "$work/kivmenua-$version/debian/changelog"
     (cd "$work/kivmenua-$version" &&
         dpkg-buildpackage --build=binary --unsigned-changes --unsigned-buildinfo --jobs="$(nproc)") \
         >"$2/build.log" 2>&1 || { tail -n 40 "$2/build.log"; fail "could not build the packages"; }
-    mv "$work"/*.deb "$2"
+    mv "$work"/*.{deb,buildinfo,changes} "$2"
     rm -rf "$work"
 }
 

@@ -73,7 +73,8 @@ displace_agent() {
     [[ -n $pid ]] || return 0
     displaced=$(program_of "$pid")
     mapfile -d '' -t displaced_environment <"/proc/$pid/environ"
-    echo "$displaced (process $pid) ends for now: the agent that is built takes its place in this session."
+    echo "$displaced (process $pid) ends for now: the agent that is built takes its place in this session." \
+        "The service of the one that ends has to attach again once it is back."
     kill "$pid"
     wait_for 10 "the end of the agent in this session" agent_is_gone "$pid"
 }

@@ -41,7 +41,7 @@ int displayCommand(const QStringList &arguments)
         return 0;
     }
     std::fprintf(stderr, "kivservice: %s\n", qPrintable(failure));
-    return 1;
+    return parsed.size ? 1 : 2;
 }
 } // namespace
 

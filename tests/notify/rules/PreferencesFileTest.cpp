@@ -2,6 +2,7 @@
 
 #include "notify/rules/SettingTable.h"
 #include "platform/data/PropertyList.h"
+#include "tests/support/FullDisk.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,6 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <unistd.h>
 
 namespace
 {
@@ -136,6 +138,37 @@ TEST_F(PreferencesFileTest, TakesAnIdAndKeepsAllElse)
     EXPECT_EQ(
         values(),
         (QVariantMap{{show, 3}, {QStringLiteral("SomebodyElse"), QByteArray("\x01")}, {lastId, QStringLiteral("12")}}));
+}
+
+TEST_F(PreferencesFileTest, IsAsItWasWhenTheDiskHasNoRoomForALongerId)
+{
+    put(QVariantMap{{show, 3}, {lastId, QStringLiteral("1")}});
+    const QByteArray before = bytes();
+    {
+        const FullDisk full(static_cast<rlim_t>(before.size()) + 10);
+        EXPECT_FALSE(file.setLastMessageId(QString(100, u'7')));
+    }
+    EXPECT_EQ(bytes(), before);
+    EXPECT_TRUE(file.setLastMessageId(QStringLiteral("2")));
+    EXPECT_TRUE(file.setLastMessageId(QString(100, u'7')));
+    EXPECT_TRUE(file.setLastMessageId(QStringLiteral("3"))) << "shorter again";
+    EXPECT_EQ(values(), (QVariantMap{{show, 3}, {lastId, QStringLiteral("3")}}));
+}
+
+TEST_F(PreferencesFileTest, BeginsAnewWhenNothingIsInIt)
+{
+    put(QByteArray());
+    EXPECT_TRUE(file.change(settingAt("KivNotificationShowTimeout"), 5).isNull());
+    EXPECT_EQ(values().size(), 11);
+}
+
+TEST_F(PreferencesFileTest, IsNotMadeInAHomeOfSomebodyElse)
+{
+    if (::chown(QFile::encodeName(home.path()).constData(), 12345, 12345) != 0) {
+        GTEST_SKIP() << "only root can give a folder away";
+    }
+    EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 0).contains(QStringLiteral("somebody else")));
+    EXPECT_TRUE(QDir(home.path()).isEmpty());
 }
 
 TEST_F(PreferencesFileTest, TakesNoIdWhileItIsMissing)

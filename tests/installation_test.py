@@ -82,13 +82,6 @@ class InstallationTest(unittest.TestCase):
         for program in programs:
             self.assertTrue(os.access(self.prefix / program, os.X_OK), program)
 
-    def test_all_users_can_enter_whoever_has_installed_it(self):
-        self.addCleanup(os.umask, os.umask(0o077))
-        self.install()
-        for path in self.prefix.rglob("*"):
-            needed = 0o005 if path.is_dir() else 0o004
-            self.assertEqual(path.stat().st_mode & needed, needed, path)
-
     def test_all_of_it_goes_below_the_folder_of_a_packager(self):
         stage = self.folder / "stage"
         self.install(DESTDIR=str(stage))

@@ -5,6 +5,7 @@
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
+#include "platform/linux/workarounds/LostWindows.h"
 #include "platform/linux/workarounds/MenuMouse.h"
 #include "platform/linux/workarounds/PixmapCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
@@ -80,6 +81,7 @@ void GraphicalSession::settle()
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();
     MenuMouse::follow();
+    LostWindows::close();
     keepQtFromCachingPixmaps();
 }
 

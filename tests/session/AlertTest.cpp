@@ -1,3 +1,4 @@
+#include "tests/session/support/HostileClient.h"
 #include "tests/session/support/MenuPicture.h"
 #include "tests/session/support/OtherWindow.h"
 #include "tests/session/support/Session.h"
@@ -158,6 +159,17 @@ TEST_F(Alert, KeepsTheItemFromBeingPressedWhileItIsUpAndTheServiceBeingHeard)
         session->desktop.input().key(XK_Return);
         ASSERT_TRUE(session->agent->waitUntilClosed());
         EXPECT_TRUE(opensTheMenu());
+    }
+}
+
+TEST_F(Alert, IsOverWithoutAnAnswerWhenAnotherProgramDestroysItsWindow)
+{
+    HostileClient destroyer(session->desktop.server());
+    for (const Session::Entry entry : {Session::About, Session::Disconnect}) {
+        const std::optional<XWindow> panel = openPanel(entry);
+        ASSERT_TRUE(panel);
+        destroyer.destroy(panel->id);
+        EXPECT_TRUE(waitUntil([&] { return opensTheMenu(); })) << "the item waits for an answer";
     }
 }
 

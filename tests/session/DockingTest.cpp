@@ -1,8 +1,11 @@
 #include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/HostileClient.h"
 #include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>
+
+#include <X11/keysym.h>
 
 namespace
 {
@@ -69,6 +72,64 @@ TEST_F(Docking, StandsAloneWhileThePanelIsGone)
 
     desktop.input().click(alone.center());
     EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "no menu opened";
+}
+
+TEST_F(Docking, WaitsInTheCornerForAPanelThatTakesNothingIn)
+{
+    HostileClient panel(desktop.server());
+    desktop.stopPanel();
+    panel.takeSelection("_NET_SYSTEM_TRAY_S0");
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }, std::chrono::seconds(20)))
+        << "there is no item";
+    desktop.input().click(agent->freeWindows().first().geometry.center());
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 2; })) << "no menu opened";
+    desktop.input().key(XK_Escape);
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }));
+
+    panel.giveUpSelection("_NET_SYSTEM_TRAY_S0");
+    ASSERT_TRUE(desktop.startPanel());
+    ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }));
+    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().isEmpty(); })) << "the item shows twice";
+}
+
+TEST_F(Docking, IsNotHurtByTheLossOfWindowsThatNobodySees)
+{
+    HostileClient destroyer(desktop.server());
+    const QList<xcb_window_t> windows = destroyer.hiddenWindowsOf(agent->pid());
+    EXPECT_GE(windows.size(), 3);
+    for (const xcb_window_t window : windows) {
+        destroyer.destroy(window);
+        ASSERT_TRUE(agent->openMenu()) << windows.indexOf(window);
+        desktop.input().key(XK_Escape);
+        ASSERT_TRUE(agent->waitUntilClosed()) << windows.indexOf(window);
+    }
+    Agent second(desktop);
+    ASSERT_TRUE(second.start());
+    ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); })) << "there are two copies";
+    desktop.stopPanel();
+    ASSERT_TRUE(desktop.startPanel());
+    EXPECT_TRUE(waitUntil([&] { return agent->isDocked(); }));
+    EXPECT_TRUE(agent->openMenu());
+}
+
+TEST_F(Docking, ComesBackAfterAnotherProgramHasDestroyedItsWindow)
+{
+    HostileClient destroyer(desktop.server());
+    const xcb_window_t docked = agent->dockedItem()->id;
+    destroyer.destroy(docked);
+    ASSERT_TRUE(waitUntil([&] { return agent->isDocked() && agent->dockedItem()->id != docked; }));
+    EXPECT_TRUE(agent->openMenu());
+
+    desktop.stopPanel();
+    // Not the one that the panel has left behind.
+    ASSERT_TRUE(waitUntil([&] {
+        const QList<XWindow> windows = agent->freeWindows();
+        return windows.size() == 1 && windows.first().geometry.right() == desktop.view().screenSize().width() - 1;
+    }));
+    const xcb_window_t alone = agent->freeWindows().first().id;
+    destroyer.destroy(alone);
+    EXPECT_TRUE(
+        waitUntil([&] { return agent->freeWindows().size() == 1 && agent->freeWindows().first().id != alone; }));
 }
 
 TEST_F(Docking, SurvivesTwentyRoundsOfBeingRemovedAndShownAgain)

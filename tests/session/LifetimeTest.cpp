@@ -1,4 +1,5 @@
 #include "tests/session/support/DesktopWithAgent.h"
+#include "tests/session/support/HostileClient.h"
 #include "tests/support/FakePortal.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/StallingBus.h"
@@ -59,6 +60,22 @@ TEST_F(Lifetime, LeavesTheDisplayToTheAgentThatIsThereAlready)
     ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); }));
     EXPECT_EQ(second.process().exitCode(), 0);
     EXPECT_TRUE(agent->isDocked());
+}
+
+TEST_F(Lifetime, LeavesTheDisplayToTheFirstAgentThoughItsLockWasTakenAwayAndGivenBack)
+{
+    const QByteArray lock = "_KIVMENUA_S0";
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_EQ(desktop.view().selectionOwnerPid(lock), agent->pid());
+    HostileClient thief(desktop.server());
+    thief.takeSelection(lock);
+    EXPECT_NE(desktop.view().selectionOwnerPid(lock), agent->pid());
+    thief.giveUpSelection(lock);
+    EXPECT_TRUE(waitUntil([&] { return desktop.view().selectionOwnerPid(lock) == agent->pid(); }));
+    Agent second(desktop);
+    ASSERT_TRUE(second.start());
+    ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); })) << "there are two copies";
+    EXPECT_EQ(second.process().exitCode(), 0);
 }
 
 TEST_F(Lifetime, TakesTheDisplayOnceTheAgentBeforeItHasCrashed)

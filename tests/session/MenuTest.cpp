@@ -1,5 +1,6 @@
 #include "tests/session/support/Agent.h"
 #include "tests/session/support/Desktop.h"
+#include "tests/session/support/HostileClient.h"
 #include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
@@ -245,6 +246,16 @@ TEST_F(ManagedMenu, LeavesOneSubmenuLevelAtATimeOnEscape)
     EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }));
     desktop.input().key(XK_Escape);
     EXPECT_TRUE(agent->waitUntilClosed());
+}
+
+TEST_F(ManagedMenu, OpensAgainAfterAnotherProgramHasDestroyedIt)
+{
+    const std::optional<XWindow> menu = agent->openMenu();
+    ASSERT_TRUE(menu);
+    HostileClient destroyer(desktop.server());
+    destroyer.destroy(menu->id);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    EXPECT_TRUE(agent->openMenu());
 }
 
 TEST_F(ManagedMenu, OutlivesThePanel)

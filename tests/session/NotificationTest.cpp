@@ -1,4 +1,5 @@
 #include "tests/session/support/DesktopSettings.h"
+#include "tests/session/support/HostileClient.h"
 #include "tests/session/support/OtherWindow.h"
 #include "tests/session/support/Service.h"
 #include "tests/session/support/SessionWithMessages.h"
@@ -155,6 +156,19 @@ TEST_F(Notification, OfAnUpdateStaysUntilTheUserClosesIt)
     }
     click(*window, RemindMeLater);
     EXPECT_TRUE(agent->waitUntilClosed());
+}
+
+TEST_F(Notification, MakesRoomForTheNextWhenAnotherProgramDestroysItsWindow)
+{
+    ASSERT_TRUE(start({{{.id = "1", .type = "update", .priority = "high"}, {.id = "2", .type = "update"}}}));
+    const std::optional<XWindow> first = popUp();
+    ASSERT_TRUE(first);
+    HostileClient destroyer(desktop.server());
+    destroyer.destroy(first->id);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    clock.advance(24h);
+    EXPECT_TRUE(popUp());
+    EXPECT_TRUE(agent->openMenu());
 }
 
 TEST_F(Notification, OpensALinkWithTheDefaultHandlerAndGoesASecondLater)

@@ -61,13 +61,16 @@ public:
     void update(Settling settling);
     void apply();
 
+    /// The window that the user sees, or shall see; null when there is none.
+    [[nodiscard]] TrayIconWindow *window() const { return m_standIn ? m_standIn.get() : m_window.get(); }
+
     StatusItemLook look;
-    std::unique_ptr<TrayIconWindow> window; ///< In the forms Tray and Strip.
 
 private:
     void setForm(StatusItemForm form);
     void setWindow(std::unique_ptr<TrayIconWindow> made);
-    void handleUndocked();
+    void handleLoss();
+    void standIn();
     void watchScreen(QScreen *screen);
     void placeStrip();
     void handlePress(std::optional<QPoint> place);
@@ -77,11 +80,14 @@ private:
     NotifierHostWatch m_notifiers;
     bool m_isNew = true; ///< Until all has been asked for the first time.
     StatusItemForm m_form = StatusItemForm::None;
-    xcb_window_t m_tray = XCB_NONE; ///< The one that `window` was made for, in the form Tray.
-    QString m_watcher;              ///< The one that `m_notifierItem` is registered with, in the form Notifier.
+    std::unique_ptr<TrayIconWindow> m_window;  ///< In the forms Tray and Strip.
+    std::unique_ptr<TrayIconWindow> m_standIn; ///< In the form Tray, while a tray that was asked does nothing.
+    xcb_window_t m_tray = XCB_NONE;            ///< The one that `m_window` was made for, in the form Tray.
+    QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
     std::unique_ptr<StatusNotifierItem> m_notifierItem;
     std::unique_ptr<NotifierRegistration> m_registration;
     QTimer m_settling;
+    QTimer m_dockTimeout;
 };
 
 StatusItem::Private::Private(StatusItem *owner)
@@ -92,6 +98,9 @@ StatusItem::Private::Private(StatusItem *owner)
     m_settling.setSingleShot(true);
     m_settling.setInterval(1s);
     connect(&m_settling, &QTimer::timeout, this, [this] { update(Settling::Over); });
+    m_dockTimeout.setSingleShot(true);
+    m_dockTimeout.setInterval(5s);
+    connect(&m_dockTimeout, &QTimer::timeout, this, &Private::standIn);
     connect(&m_trays, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
     connect(&m_notifiers, &NotifierHostWatch::changed, this,
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
@@ -127,7 +136,9 @@ void StatusItem::Private::update(Settling settling)
 void StatusItem::Private::setForm(StatusItemForm form)
 {
     // The old form goes first: the item is never seen twice.
-    window.reset();
+    m_dockTimeout.stop();
+    m_standIn.reset();
+    m_window.reset();
     m_registration.reset();
     m_notifierItem.reset();
     m_form = form;
@@ -139,6 +150,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
     case StatusItemForm::Tray:
         m_tray = m_trays.tray();
         setWindow(TrayIconWindow::dockedIn(m_tray, deviceSide(screenCoordinates())));
+        m_dockTimeout.start();
         break;
     case StatusItemForm::Notifier:
         m_watcher = m_notifiers.watcher();
@@ -159,19 +171,41 @@ void StatusItem::Private::setForm(StatusItemForm form)
 
 void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
 {
-    window = std::move(made);
-    if (window) {
-        connect(window.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
-        connect(window.get(), &TrayIconWindow::undocked, this, &Private::handleUndocked);
+    m_window = std::move(made);
+    if (m_window) {
+        connect(m_window.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+        connect(m_window.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
+        connect(m_window.get(), &TrayIconWindow::docked, this, [this] {
+            m_dockTimeout.stop();
+            m_standIn.reset();
+        });
     }
 }
 
-/// The tray has gone, or it has put the icon out while it rebuilds itself; either way it is asked again after settling.
-void StatusItem::Private::handleUndocked()
+/// The tray has gone, or has put the icon out while it rebuilds itself, or another program has destroyed the window. In
+/// each case the item is placed anew after settling.
+void StatusItem::Private::handleLoss()
 {
-    qCDebug(itemLog, "the tray has put the item out: it is asked again");
+    qCDebug(itemLog, m_form == StatusItemForm::Tray ? "the tray has put the item out: it is asked again"
+                                                    : "the item's window has been destroyed: there will be another");
     setForm(StatusItemForm::None);
     m_settling.start();
+}
+
+/// The tray that was asked may never answer. The item waits for it in the corner, where the user has it meanwhile.
+void StatusItem::Private::standIn()
+{
+    const ScreenCoordinates screen = screenCoordinates();
+    if (screen.mainScreen.isEmpty()) {
+        return;
+    }
+    qCDebug(itemLog, "the tray does not take the item in: it waits in the corner of the screen");
+    m_standIn = TrayIconWindow::standingAt(stripPlace(screen));
+    if (m_standIn) {
+        connect(m_standIn.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+        connect(m_standIn.get(), &TrayIconWindow::lost, &m_dockTimeout, qOverload<>(&QTimer::start));
+        apply();
+    }
 }
 
 void StatusItem::Private::watchScreen(QScreen *screen)
@@ -181,23 +215,25 @@ void StatusItem::Private::watchScreen(QScreen *screen)
 
 void StatusItem::Private::placeStrip()
 {
-    if (m_form != StatusItemForm::Strip) {
+    if (m_form != StatusItemForm::Strip && !m_standIn) {
         return;
     }
     const ScreenCoordinates screen = screenCoordinates();
-    if (window && !screen.mainScreen.isEmpty()) {
+    if (window() && !screen.mainScreen.isEmpty()) {
         const QRect place = stripPlace(screen);
         qCDebug(itemLog, "the screen has changed: the item goes to (%d, %d)", place.x(), place.y());
-        window->moveTo(place);
-    } else {
+        window()->moveTo(place);
+    } else if (m_form == StatusItemForm::Strip) {
         setForm(StatusItemForm::Strip);
     }
 }
 
 void StatusItem::Private::apply()
 {
-    if (window) {
-        window->setLook(look);
+    for (TrayIconWindow *const each : {m_window.get(), m_standIn.get()}) {
+        if (each) {
+            each->setLook(look);
+        }
     }
     if (m_notifierItem) {
         m_notifierItem->setLook(look);
@@ -274,12 +310,12 @@ QIcon StatusItem::image() const
 
 WId StatusItem::getWindow() const
 {
-    return d->window && d->window->place() ? d->window->id() : 0;
+    return d->window() && d->window()->place() ? d->window()->id() : 0;
 }
 
 QScreen *StatusItem::getScreen() const
 {
-    const std::optional<QRect> place = d->window ? d->window->place() : std::nullopt;
+    const std::optional<QRect> place = d->window() ? d->window()->place() : std::nullopt;
     if (!place) {
         return nullptr;
     }
@@ -289,7 +325,7 @@ QScreen *StatusItem::getScreen() const
 
 std::optional<NSRect> StatusItem::frame() const
 {
-    const std::optional<QRect> place = d->window ? d->window->place() : std::nullopt;
+    const std::optional<QRect> place = d->window() ? d->window()->place() : std::nullopt;
     if (!place) {
         return std::nullopt;
     }

@@ -10,20 +10,6 @@
 TrayHostWatch::TrayHostWatch(QObject *parent)
     : QObject(parent)
 {
-    watchSelection();
-}
-
-TrayHostWatch::~TrayHostWatch()
-{
-    if (m_window != XCB_NONE) {
-        QCoreApplication::instance()->removeNativeEventFilter(this);
-        xcb_destroy_window(XConnection::get(), m_window);
-        xcb_flush(XConnection::get());
-    }
-}
-
-void TrayHostWatch::watchSelection()
-{
     xcb_connection_t *x = XConnection::get();
     const xcb_query_extension_reply_t *xfixes = x ? xcb_get_extension_data(x, &xcb_xfixes_id) : nullptr;
     if (!xfixes || !xfixes->present) {
@@ -32,17 +18,21 @@ void TrayHostWatch::watchSelection()
     const auto versionCookie = xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
     const XcbReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(x, versionCookie, nullptr));
     m_selectionNotify = xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY;
-
-    m_window = xcb_generate_id(x);
-    xcb_create_window(x, XCB_COPY_FROM_PARENT, m_window, XConnection::screen()->root, -1, -1, 1, 1, 0,
-                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
-    xcb_xfixes_select_selection_input(x, m_window, XConnection::atom(XConnection::traySelection()),
-                                      XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
+    m_window.emplace([this] { setTray(watchSelection()); });
     QCoreApplication::instance()->installNativeEventFilter(this);
+    m_tray = watchSelection();
+}
+
+TrayHostWatch::~TrayHostWatch() = default;
+
+xcb_window_t TrayHostWatch::watchSelection()
+{
+    xcb_xfixes_select_selection_input(
+        XConnection::get(), m_window->id(), XConnection::atom(XConnection::traySelection()),
+        XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
+            XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     // After the selecting, so that no change falls between.
-    m_tray = XConnection::selectionOwner(XConnection::traySelection());
+    return XConnection::selectionOwner(XConnection::traySelection());
 }
 
 bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr *)
@@ -50,7 +40,7 @@ bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr
     const auto *event = static_cast<const xcb_generic_event_t *>(message);
     if (XConnection::eventType(*event) == m_selectionNotify) {
         const auto *notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event);
-        if (notify->window == m_window) {
+        if (notify->window == m_window->id()) {
             setTray(notify->owner);
         }
     }

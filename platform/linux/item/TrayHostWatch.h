@@ -1,11 +1,14 @@
 #pragma once
 
+#include "platform/linux/include/HiddenWindow.h"
+
 #include <QAbstractNativeEventFilter>
 #include <QObject>
 
 #include <xcb/xcb.h>
 
 #include <cstdint>
+#include <optional>
 
 /// Watches the tray of the X display: the owner of the tray selection. Hears of every change from the X server, and
 /// never polls. Main thread only.
@@ -26,11 +29,12 @@ Q_SIGNALS:
 
 private:
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
-    void watchSelection();
+    /// The present owner, of whose changes it hears from now on.
+    xcb_window_t watchSelection();
     void setTray(xcb_window_t owner);
 
     // Selection events are addressed to a window; one of our own keeps clear of what Qt selects on the root window.
-    xcb_window_t m_window = XCB_NONE;
+    std::optional<HiddenWindow> m_window;
     std::uint8_t m_selectionNotify = 0; ///< The event's number on this server.
     xcb_window_t m_tray = XCB_NONE;
 };

@@ -217,7 +217,7 @@ void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
     case XCB_DESTROY_NOTIFY:
         if (reinterpret_cast<const xcb_destroy_notify_event_t *>(event)->window == m_window) {
             m_mapped = false;
-            setUndocked();
+            tellOfLoss();
         }
         break;
     case XCB_BUTTON_PRESS: {
@@ -249,22 +249,21 @@ void TrayIconWindow::handleReparent(xcb_window_t parent)
     if (parent != XConnection::screen()->root) {
         qCDebug(itemLog, "the tray has taken the item in");
         m_embedded = true;
+        QMetaObject::invokeMethod(this, &TrayIconWindow::docked, Qt::QueuedConnection);
         return;
     }
     // Put back on the root window, mapped, by the server or by a tray that has no more use for it.
     if (m_embedded) {
         ignoreError(xcb_unmap_window_checked(XConnection::get(), m_window));
         xcb_flush(XConnection::get());
-        setUndocked();
+        tellOfLoss();
     }
 }
 
-void TrayIconWindow::setUndocked()
+void TrayIconWindow::tellOfLoss()
 {
     m_embedded = false;
-    if (m_kind == Kind::Docked) {
-        QMetaObject::invokeMethod(this, &TrayIconWindow::undocked, Qt::QueuedConnection);
-    }
+    QMetaObject::invokeMethod(this, &TrayIconWindow::lost, Qt::QueuedConnection);
 }
 
 void TrayIconWindow::handlePress(xcb_button_t button)

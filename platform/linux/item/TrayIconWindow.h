@@ -44,8 +44,11 @@ Q_SIGNALS:
     /// The primary or the right button went down on it. From the event loop. Not for a press that only closes an open
     /// menu.
     void pressed();
-    /// The tray no longer embeds the window, or has ended, and the window with it. From the event loop.
-    void undocked();
+    /// The tray has taken the window in. From the event loop.
+    void docked();
+    /// The tray no longer embeds the window, or has ended, and the window with it; or another program has destroyed it.
+    /// From the event loop.
+    void lost();
 
 private:
     enum class Kind { Docked, Alone };
@@ -58,7 +61,7 @@ private:
     void handlePress(xcb_button_t button);
     void showToolTip();
     void hideToolTip();
-    void setUndocked();
+    void tellOfLoss();
     void setNames();
     void paint();
     [[nodiscard]] QImage background(const QRect &area) const;

@@ -42,23 +42,14 @@ void RootProperties::catchUpAndShow(QObject *context, std::function<void()> show
 
 RootProperties::RootProperties(QObject *parent)
     : QObject(parent)
+    , m_window([this] { catchUpAgain(); })
 {
-    xcb_connection_t *x = XConnection::get();
-    m_window = xcb_generate_id(x);
-    xcb_create_window(x, XCB_COPY_FROM_PARENT, m_window, XConnection::screen()->root, -1, -1, 1, 1, 0,
-                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
     parent->installEventFilter(this);
     QCoreApplication::instance()->installNativeEventFilter(this);
     update();
 }
 
-RootProperties::~RootProperties()
-{
-    if (xcb_connection_t *x = XConnection::get()) {
-        xcb_destroy_window(x, m_window);
-        xcb_flush(x);
-    }
-}
+RootProperties::~RootProperties() = default;
 
 bool RootProperties::eventFilter(QObject *watched, QEvent *event)
 {
@@ -84,9 +75,17 @@ void RootProperties::catchUp()
         notify.window = XConnection::screen()->root;
         notify.atom = XConnection::atom(property);
         notify.state = XCB_PROPERTY_NEW_VALUE;
-        xcb_send_event(x, false, m_window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&notify));
+        xcb_send_event(x, false, m_window.id(), XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&notify));
     }
     xcb_flush(x);
+}
+
+void RootProperties::catchUpAgain()
+{
+    // What was sent to the window that was destroyed may never come.
+    if (!m_waiting.empty()) {
+        catchUp();
+    }
 }
 
 bool RootProperties::nativeEventFilter(const QByteArray &, void *message, qintptr *)

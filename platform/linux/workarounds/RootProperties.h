@@ -1,10 +1,10 @@
 #pragma once
 
+#include "platform/linux/include/HiddenWindow.h"
+
 #include <QAbstractNativeEventFilter>
 #include <QObject>
 #include <QPointer>
-
-#include <xcb/xcb.h>
 
 #include <functional>
 #include <vector>
@@ -44,10 +44,11 @@ private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
     void catchUp();
+    void catchUpAgain();
     void proceed();
     void update();
     static void setHeard(bool heard);
 
-    xcb_window_t m_window = XCB_NONE; ///< What this sends to itself goes there.
+    HiddenWindow m_window; ///< What this sends to itself goes there.
     std::vector<Waiting> m_waiting;
 };

@@ -36,8 +36,6 @@ bool Desktop::startServer(Server server)
         return startWith("-extension", "RANDR");
     case Server::WithoutXFixes:
         return startWith("-extension", "XFIXES");
-    case Server::OfEightBits:
-        return startWith("-depth", "8");
     }
     return false;
 }

@@ -29,8 +29,7 @@ public:
         RemoteDesktop, ///< Viewers may connect to it.
         SeveralRates,  ///< Without viewers, and with modes of one size that differ in their refresh rate.
         WithoutRandR,  ///< A remote desktop that says nothing about displays.
-        WithoutXFixes, ///< One that does not tell of changes of owner.
-        OfEightBits    ///< One of 256 colours.
+        WithoutXFixes  ///< One that does not tell of changes of owner.
     };
 
     /// Starts the X server and the bus. False, with a test failure, when one does not start.

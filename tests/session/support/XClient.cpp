@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include <gtest/gtest.h>
+#include <xcb/res.h>
 
 XClient::XClient(const PrivateXServer &server)
 {
@@ -34,4 +35,22 @@ xcb_atom_t XClient::atom(const QByteArray &name) const
     const auto cookie = xcb_intern_atom(m_connection, false, static_cast<std::uint16_t>(name.size()), name.constData());
     const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
     return reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+}
+
+qint64 XClient::pidOf(xcb_window_t window) const
+{
+    // A window's own _NET_WM_PID is what its program says; this is what the server knows.
+    const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+    const XReply<xcb_res_query_client_ids_reply_t> reply(
+        xcb_res_query_client_ids_reply(connection(), xcb_res_query_client_ids(connection(), 1, &spec), nullptr));
+    if (!reply) {
+        return 0;
+    }
+    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem; xcb_res_client_id_value_next(&it)) {
+        if (it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID &&
+            xcb_res_client_id_value_value_length(it.data)) {
+            return *xcb_res_client_id_value_value(it.data);
+        }
+    }
+    return 0;
 }

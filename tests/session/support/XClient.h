@@ -29,6 +29,8 @@ protected:
     [[nodiscard]] xcb_connection_t *connection() const { return m_connection; }
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
     [[nodiscard]] xcb_atom_t atom(const QByteArray &name) const;
+    /// The process behind a window, or any other resource; 0 when there is none.
+    [[nodiscard]] qint64 pidOf(xcb_window_t window) const;
 
 private:
     xcb_connection_t *m_connection;

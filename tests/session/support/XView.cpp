@@ -53,24 +53,6 @@ void XView::collect(xcb_window_t window, qint64 windowPid, qint64 wanted, QList<
     }
 }
 
-qint64 XView::pidOf(xcb_window_t window) const
-{
-    // A window's own _NET_WM_PID is what its program says; this is what the server knows.
-    const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const XReply<xcb_res_query_client_ids_reply_t> reply(
-        xcb_res_query_client_ids_reply(connection(), xcb_res_query_client_ids(connection(), 1, &spec), nullptr));
-    if (!reply) {
-        return 0;
-    }
-    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem; xcb_res_client_id_value_next(&it)) {
-        if (it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID &&
-            xcb_res_client_id_value_value_length(it.data)) {
-            return *xcb_res_client_id_value_value(it.data);
-        }
-    }
-    return 0;
-}
-
 QImage XView::grab(const QRect &area) const
 {
     const auto cookie =

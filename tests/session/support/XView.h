@@ -43,6 +43,4 @@ private:
     /// The window below the root window that is this one, or that it lies in.
     [[nodiscard]] xcb_window_t topLevelOf(xcb_window_t window) const;
     void collect(xcb_window_t window, qint64 windowPid, qint64 wanted, QList<XWindow> &found) const;
-    /// The process behind a window, or any other resource; 0 when there is none.
-    [[nodiscard]] qint64 pidOf(xcb_window_t window) const;
 };

@@ -446,6 +446,25 @@ TEST_F(StatusItemTest, FollowsTheSelectionFromOneTrayStraightToTheNext)
     EXPECT_EQ(second.icons().size(), 1U);
 }
 
+TEST_F(StatusItemTest, WaitsInTheCornerForATrayThatDoesNotTakeItIn)
+{
+    FakeTray tray({100, 100});
+    StatusItem item;
+    item.setImage(iconOf(Qt::red));
+    ASSERT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }, 20s));
+    const PressCounter presses(item);
+    FakeInput::click(stripPlace.center());
+    EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));
+
+    const std::vector<xcb_window_t> waiting = itemWindows();
+    EXPECT_EQ(waiting.size(), 2u) << "one that the tray was asked to take in, and one in the corner";
+    ASSERT_TRUE(waitUntil([&] {
+        tray.serve();
+        return qtPlace(item) == QRect(100, 100, FakeTray::side, FakeTray::side);
+    }));
+    EXPECT_TRUE(waitUntil([] { return itemWindows().size() == 1; })) << "it is still in the corner, too";
+}
+
 TEST_F(StatusItemTest, AsksATrayAgainThatHasPutItOut)
 {
     StatusItem item;

@@ -24,6 +24,7 @@
 #include <QPixmapCache>
 #include <QTemporaryDir>
 #include <QTextBrowser>
+#include <QWidget>
 #include <QWindow>
 
 #include <gtest/gtest.h>
@@ -322,6 +323,18 @@ TEST_F(WorkaroundNeed, SilentBus)
     Subject subject;
     ASSERT_TRUE(subject.start({QStringLiteral("connect"), QString::fromLocal8Bit(bus.address())}));
     tell("SilentBus", !subject.endsWithin(3s));
+}
+
+TEST_F(WorkaroundNeed, LostWindows)
+{
+    QWidget window;
+    window.show();
+    ASSERT_TRUE(waitUntil([&] { return window.windowHandle()->isExposed(); }));
+    xcb_connection_t *const other = xcb_connect(nullptr, nullptr);
+    xcb_destroy_window(other, static_cast<xcb_window_t>(window.winId()));
+    xcb_flush(other);
+    tell("LostWindows", !waitUntil([&] { return !window.isVisible(); }, 1s));
+    xcb_disconnect(other);
 }
 
 TEST_F(WorkaroundNeed, RedirectTimeout)

@@ -19,6 +19,15 @@ endif()
 function(kiv_compile_alone target)
   set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
 endfunction()
+
+# kiv_calls_deprecated(<target> <file>...): files that make a call which macOS has declared deprecated, and which the rules
+# of the agent name. Each such call is made by one function. Anywhere else it is a warning.
+function(kiv_calls_deprecated target)
+  if(APPLE)
+    set_property(SOURCE ${ARGN} TARGET_DIRECTORY ${target} APPEND PROPERTY COMPILE_OPTIONS -Wno-deprecated-declarations)
+  endif()
+endfunction()
+
 if(NOT APPLE)
   # A library that is linked but not used would still be mapped into every session.
   target_link_options(kiv_options INTERFACE -Wl,--as-needed)

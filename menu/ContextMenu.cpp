@@ -1,5 +1,7 @@
 #include "menu/ContextMenu.h"
 
+#include "platform/screen/MenuPopUp.h"
+
 #include <QCoreApplication>
 
 void popUpContextMenu(QMenu &menu, QMouseEvent &event, QWidget *view, StatusBar::Edge edge)
@@ -13,5 +15,5 @@ void popUpContextMenu(QMenu &menu, QMouseEvent &event, QWidget *view, StatusBar:
     } else if (edge == StatusBar::Edge::Right) {
         corner.rx() -= menu.sizeHint().width();
     }
-    menu.exec(corner);
+    popUpMenu(menu, corner);
 }

@@ -15,6 +15,7 @@
 #include "platform/StatusBar.h"
 #include "platform/alert/AlertPanel.h"
 #include "platform/images/ImageFile.h"
+#include "platform/screen/AvailableDisplayModes.h"
 
 #include <QKeySequence>
 #include <QPointer>
@@ -133,7 +134,7 @@ void KIVMenuObj::updResolutions()
         return;
     }
     const CGDirectDisplayID display = CGMainDisplayID();
-    const CFArrayRef modes = resolution->isEnabled() ? CGDisplayAvailableModes(display) : nullptr;
+    const CFArrayRef modes = resolution->isEnabled() ? availableDisplayModes(display) : nullptr;
     fillResolutions(*resolution, modes, currentSize(display));
 }
 

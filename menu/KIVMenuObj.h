@@ -34,7 +34,7 @@ class KIVMenuObj final : public QObject
     Q_OBJECT
 
 public:
-    /// Carries a chosen command (MenuCommand) out.
+    /// Carries a chosen command (MenuCode) out.
     using MenuProc = void (*)(KIVMenuObj *menu, std::uint32_t code);
 
     /// Builds the menu, without a status item. The images come from `bundle`, which must outlive the object.

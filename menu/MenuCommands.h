@@ -4,7 +4,8 @@
 
 /// What a menu entry commands. The same numbers are the tags of the entries, travel in the service's list of allowed
 /// commands, and are the menu procedure's argument. They are the service's: not contiguous, and never to be changed.
-enum MenuCommand : std::uint32_t {
+/// The type is not called MenuCommand because macOS has a global type of that name.
+enum MenuCode : std::uint32_t {
     kMenuCmdServerPrefs = 32790,
     kMenuCmdOptions = 32791,
     kMenuCmdDisconnect = 32792,

@@ -6,7 +6,7 @@
 
 namespace
 {
-constexpr MenuCommand topLevel = kMenuCmdNone;
+constexpr MenuCode topLevel = kMenuCmdNone;
 using enum Choosable;
 
 constexpr MenuEntry entries[] = {

@@ -15,8 +15,8 @@ enum class Choosable {
 
 /// One entry of the status menu.
 struct MenuEntry {
-    MenuCommand code;
-    MenuCommand parent; ///< kMenuCmdNone at the top level.
+    MenuCode code;
+    MenuCode parent; ///< kMenuCmdNone at the top level.
     const char16_t *title;
     bool separatorBefore;
     Choosable choosable;

@@ -31,7 +31,7 @@ inline constexpr QLatin1String eventInterface("com.tamborel.kivune.AppleEvents")
 /// The interface whose signals are distributed notifications.
 inline constexpr QLatin1String notificationInterface("com.tamborel.kivune.DistributedNotifications");
 
-/// The file in the user's temporary folder by which one agent keeps another out of the same session; on macOS.
+/// The file in the user's folder for caches by which one agent keeps another out of the same session; on macOS.
 inline constexpr char lockFile[] = "com.tamborel.kivmenua.";
 
 } // namespace ProductTexts

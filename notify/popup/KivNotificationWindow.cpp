@@ -10,6 +10,7 @@
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
+#include "platform/screen/WindowStacking.h"
 
 #include <QAccessible>
 #include <QCloseEvent>
@@ -177,6 +178,7 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
         Compositor::announceShadow(*this, KivNotificationView::inset);
     }
     show();
+    keepAtStatusLevel(*this);
     m_shown = true;
     m_screensChanged = false; // It has been put where it belongs on the screens that there are now.
     fadeIn();

@@ -2,9 +2,9 @@
 
 #include "platform/LogCategories.h"
 #include "platform/ProductTexts.h"
-#include "platform/WindowStacking.h"
 #include "platform/alert/AlertIcon.h"
 #include "platform/alert/AlertMessage.h"
+#include "platform/screen/WindowStacking.h"
 
 #include <QDialogButtonBox>
 #include <QEventLoop>
@@ -125,14 +125,14 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     // Again and again: nobody tells a program that works in the background when another window comes to cover it.
-    auto *toFront = new QTimer(this);
-    connect(toFront, &QTimer::timeout, this, [this] { bringToFront(*this); });
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this, toFront](Qt::ApplicationState state) {
+    m_toFront = new QTimer(this);
+    connect(m_toFront, &QTimer::timeout, this, [this] { bringToFront(*this); });
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
         if (state == Qt::ApplicationActive) {
-            toFront->stop();
-        } else {
+            m_toFront->stop();
+        } else if (isVisible()) {
             bringToFront(*this);
-            toFront->start(toFrontInterval);
+            m_toFront->start(toFrontInterval);
         }
     });
 }
@@ -142,8 +142,10 @@ AlertPanel::Response AlertPanel::runModal()
     qCDebug(agentLog) << "asks:" << accessibleName();
     setModal(true);
     show();
-    raise();
-    activateWindow();
+    bringToFrontWithKeyboard(*this);
+    if (QGuiApplication::applicationState() != Qt::ApplicationActive) {
+        m_toFront->start(toFrontInterval); // It may never become that.
+    }
     QEventLoop loop;
     connect(this, &QDialog::finished, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::DialogExec);

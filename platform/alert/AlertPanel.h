@@ -3,6 +3,8 @@
 #include <QDialog>
 #include <QString>
 
+class QTimer;
+
 /// A modal panel that tells the user something and offers up to three buttons: the title as a bold first line, the
 /// message below it. Runs of tabs in the message begin a new column, and the columns of all its lines line up. Return
 /// answers with the default button. So does Escape, save in a question: there, where the alternate button is the only
@@ -41,4 +43,5 @@ private:
 
     Response m_escape;
     Response m_response = NoResponse;
+    QTimer *m_toFront = nullptr; ///< Runs while the panel is up and the program is not the active one.
 };

@@ -1,6 +1,7 @@
 #include "platform/DistributedNotifications.h"
 
-#include <Carbon/Carbon.h>
+#include "platform/SystemCallback.h"
+#include "platform/macos/CoreFoundationObject.h"
 
 #include <utility>
 
@@ -13,11 +14,12 @@ public:
     CentreObserver(const QString &name, std::function<void()> callback)
         : m_callback(std::move(callback))
     {
-        const CFStringRef cfName = name.toCFString();
+        const CoreFoundationObject ownName(
+            CFStringCreateWithCString(kCFAllocatorDefault, name.toUtf8().constData(), kCFStringEncodingUTF8));
         // At once, also while the agent is not the active application, which it never is.
-        CFNotificationCenterAddObserver(CFNotificationCenterGetDistributedCenter(), this, &onPosted, cfName, nullptr,
+        CFNotificationCenterAddObserver(CFNotificationCenterGetDistributedCenter(), this, &onPosted,
+                                        static_cast<CFStringRef>(ownName.get()), nullptr,
                                         CFNotificationSuspensionBehaviorDeliverImmediately);
-        CFRelease(cfName);
     }
 
     ~CentreObserver() override
@@ -28,7 +30,7 @@ public:
 private:
     static void onPosted(CFNotificationCenterRef, void *observer, CFNotificationName, const void *, CFDictionaryRef)
     {
-        static_cast<const CentreObserver *>(observer)->m_callback();
+        inSystemCallback(static_cast<const CentreObserver *>(observer)->m_callback);
     }
 
     const std::function<void()> m_callback;

@@ -1,28 +1,24 @@
 #include "platform/MainBundlePath.h"
 
-#include <QCoreApplication>
+#include "platform/macos/CoreFoundationObject.h"
 
-#include <CoreFoundation/CoreFoundation.h>
+#include <QCoreApplication>
+#include <QFile>
+
+#include <climits>
 
 namespace
 {
 
-/// The path of `url`, which is released; a null string when it is null or has no path.
-QString takePath(CFURLRef url)
+/// The path of `url`, which may be null; a null string when there is none.
+QString pathOf(const CoreFoundationObject &url)
 {
-    if (!url) {
+    UInt8 path[PATH_MAX];
+    if (!url || !CFURLGetFileSystemRepresentation(static_cast<CFURLRef>(url.get()), true, path,
+                                                  static_cast<CFIndex>(sizeof path))) {
         return {};
     }
-    CFURLRef absolute = CFURLCopyAbsoluteURL(url);
-    CFRelease(url);
-    CFStringRef path = CFURLCopyFileSystemPath(absolute, kCFURLPOSIXPathStyle);
-    CFRelease(absolute);
-    if (!path) {
-        return {};
-    }
-    const QString result = QString::fromCFString(path);
-    CFRelease(path);
-    return result;
+    return QFile::decodeName(reinterpret_cast<const char *>(path));
 }
 
 } // namespace
@@ -33,8 +29,8 @@ MainBundlePath mainBundlePath()
     if (!bundle) {
         return {};
     }
-    // The support files are those in Contents, where Info.plist is.
-    return {takePath(CFBundleCopyResourcesDirectoryURL(bundle)),
-            takePath(CFBundleCopySupportFilesDirectoryURL(bundle)) + QStringLiteral("/Info.plist"),
+    const CoreFoundationObject resources(CFBundleCopyResourcesDirectoryURL(bundle));
+    const CoreFoundationObject contents(CFBundleCopySupportFilesDirectoryURL(bundle)); // Where Info.plist is.
+    return {pathOf(resources), pathOf(contents) + QStringLiteral("/Info.plist"),
             QCoreApplication::applicationDirPath()};
 }

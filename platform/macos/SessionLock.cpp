@@ -9,8 +9,9 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-/// The lock is an open file in the user's temporary folder, one for each login session (audit session), and released by
-/// the kernel when the process ends.
+/// The lock is an open file in the user's folder for caches, one for each login session (audit session), and released
+/// by the kernel when the process ends. Not in the temporary folder, which the system clears of what is some days old:
+/// the next copy would make a file of its own.
 class SessionLock::Private
 {
 public:
@@ -34,7 +35,7 @@ bool SessionLock::tryAcquire()
     auditinfo_addr_t session{};
     char folder[1024];
     if (::getaudit_addr(&session, sizeof session) != 0 ||
-        ::confstr(_CS_DARWIN_USER_TEMP_DIR, folder, sizeof folder) == 0) {
+        ::confstr(_CS_DARWIN_USER_CACHE_DIR, folder, sizeof folder) == 0) {
         return true;
     }
     const QByteArray path = QByteArray(folder) + ProductTexts::lockFile + QByteArray::number(session.ai_asid) + ".lock";

@@ -5,13 +5,32 @@
 
 #include <QSystemTrayIcon>
 
+namespace
+{
+
+/// The second press of two that come fast has another reason, and no third one follows it.
+bool isPress(QSystemTrayIcon::ActivationReason reason)
+{
+    return reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick ||
+           reason == QSystemTrayIcon::Context;
+}
+
+} // namespace
+
 /// On this system QSystemTrayIcon is the system's own status item.
 class StatusItem::Private final
 {
 public:
+    explicit Private(QObject *item)
+        : icon(item)
+    {
+    }
+
     void apply()
     {
-        icon.setIcon(iconWithLook(image, enabled ? IconLook::Normal : IconLook::Faded));
+        QIcon drawn = iconWithLook(image, enabled ? IconLook::Normal : IconLook::Faded);
+        drawn.setIsMask(true); // The system draws its shape in the colour that goes with the menu bar.
+        icon.setIcon(drawn);
         icon.setToolTip(toolTip);
         icon.show();
     }
@@ -25,12 +44,12 @@ public:
 
 StatusItem::StatusItem(QObject *parent)
     : QObject(parent)
-    , d(std::make_unique<Private>())
+    , d(std::make_unique<Private>(this))
 {
     connect(
         &d->icon, &QSystemTrayIcon::activated, this,
         [this](QSystemTrayIcon::ActivationReason reason) {
-            if (reason == QSystemTrayIcon::Trigger && d->enabled) {
+            if (isPress(reason) && d->enabled) {
                 Q_EMIT pressed(std::nullopt);
             }
         },

@@ -2,6 +2,7 @@
 
 #include "platform/FourCharCode.h"
 #include "platform/LogCategories.h"
+#include "platform/SystemCallback.h"
 #include "platform/processes/ProcessWatch.h"
 #include "shell/ProcessState.h"
 #include "shell/link/EventCodes.h"
@@ -22,9 +23,8 @@ std::optional<Claim> claim;
 void setOwner(const ProcessSerialNumber &sender)
 {
     __owpsn = sender;
-    pid_t pid = 0;
-    const bool runs = GetProcessPID(&sender, &pid) == noErr; // It may have ended since it sent the claim.
-    claim = Claim{sender, runs ? watchProcess(pid) : [] { return true; }};
+    const std::optional<pid_t> pid = processId(sender); // It may have ended since it sent the claim.
+    claim = Claim{sender, pid ? watchProcess(*pid) : [] { return true; }};
 }
 
 /// Whether somebody else speaks in the owner's name now that the owner has ended. Its own last words are handled after
@@ -32,10 +32,9 @@ void setOwner(const ProcessSerialNumber &sender)
 bool isInADeadOwnersName(const AppleEvent *event)
 {
     SInt32 sender = 0;
-    pid_t itsSuccessor = 0;
     return claim && kivmAESameProcess(&claim->owner, &__owpsn) && claim->hasEnded() &&
            AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr, &sender, sizeof sender, nullptr) == noErr &&
-           (static_cast<UInt32>(sender) != __owpsn.lowLongOfPSN || GetProcessPID(&__owpsn, &itsSuccessor) == noErr);
+           (static_cast<UInt32>(sender) != __owpsn.lowLongOfPSN || processId(__owpsn));
 }
 
 /// Reads a parameter that every event has.
@@ -55,7 +54,9 @@ unsigned int processOf(const ProcessSerialNumber &process)
 }
 } // namespace
 
-OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
+namespace
+{
+OSErr handle(const AppleEvent *event)
 {
     if (!event) {
         return errAEEventFailed;
@@ -104,4 +105,12 @@ OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
         qCDebug(linkLog, "%s is no command", name.constData());
         return noErr;
     }
+}
+} // namespace
+
+OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
+{
+    OSErr error = errAEEventFailed;
+    inSystemCallback([&] { error = handle(event); });
+    return error;
 }

@@ -26,8 +26,7 @@ bool kivmAECreateEvent(const ProcessSerialNumber *from, const ProcessSerialNumbe
         return false;
     }
     // Stays 0 for "no process": sending to that fails, and is logged there.
-    pid_t pid = 0;
-    GetProcessPID(to, &pid);
+    const pid_t pid = processId(*to).value_or(0);
 
     AEAddressDesc address{};
     if (const OSErr error = AECreateDesc(typeKernelProcessID, &pid, sizeof pid, &address); error != noErr) {
@@ -66,6 +65,12 @@ void kivmAEDisposeEvent(AppleEvent *event)
     }
 }
 
+std::optional<pid_t> processId(const ProcessSerialNumber &process)
+{
+    pid_t pid = 0;
+    return GetProcessPID(&process, &pid) == noErr ? std::optional(pid) : std::nullopt;
+}
+
 bool kivmAESameProcess(const ProcessSerialNumber *a, const ProcessSerialNumber *b)
 {
     Boolean same = false;
@@ -75,7 +80,8 @@ bool kivmAESameProcess(const ProcessSerialNumber *a, const ProcessSerialNumber *
 bool kivmAEIsForged(const AppleEvent *event, const ProcessSerialNumber *claimedSender)
 {
     SInt32 sender = 0;
-    pid_t claimed = 0;
-    return AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr, &sender, sizeof sender, nullptr) == noErr &&
-           GetProcessPID(claimedSender, &claimed) == noErr && claimed != sender;
+    const std::optional<pid_t> claimed = processId(*claimedSender);
+    return claimed &&
+           AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr, &sender, sizeof sender, nullptr) == noErr &&
+           *claimed != sender;
 }

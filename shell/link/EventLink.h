@@ -3,6 +3,8 @@
 #include <Carbon/Carbon.h>
 
 #include <cstdint>
+#include <optional>
+#include <sys/types.h>
 
 /// Builds, sends and compares events of the link with the service. Each failure is one line in the system log, and the
 /// result says so. Main thread only.
@@ -17,6 +19,9 @@ bool kivmAESendEvent(const AppleEvent *event, AppleEvent *reply, bool wantReply)
 
 /// Disposes of the event. Null is allowed.
 void kivmAEDisposeEvent(AppleEvent *event);
+
+/// Nothing when no running process has that serial number.
+[[nodiscard]] std::optional<pid_t> processId(const ProcessSerialNumber &process);
 
 /// True only when both are given and name the same process; no process is never the same as no process.
 [[nodiscard]] bool kivmAESameProcess(const ProcessSerialNumber *a, const ProcessSerialNumber *b);

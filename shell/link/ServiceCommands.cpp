@@ -120,7 +120,8 @@ try {
     record->setMessageText(shortenedText(StringValues::fromUtf8(*text), maxTextBytes));
     record->setContentWidth(370);
     record->setContentHeight(55);
-    return KivNotificationManager::sharedInstance().showNotificationInstantly(record) ? noErr : errAEEventFailed;
+    const bool isShown = KivNotificationManager::sharedInstance().showNotificationInstantly(record);
+    return isShown ? OSErr{noErr} : OSErr{errAEEventFailed};
 } catch (const std::bad_alloc &) {
     qCDebug(linkLog, "no memory for a hint");
     return errAEEventFailed;

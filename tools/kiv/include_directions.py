@@ -10,23 +10,25 @@ from pathlib import Path
 
 # Which rooms the files of a room may include from, beside their own. A file's room is the entry here with which its
 # folder begins, the longest if there are several; "platform" alone stands for the headers in platform/ itself.
-PLATFORM = ['platform', 'platform/files', 'platform/data', 'platform/text', 'platform/images', 'platform/alert']
+PLATFORM = ['platform', 'platform/files', 'platform/data', 'platform/text', 'platform/images', 'platform/alert',
+            'platform/screen']
 RECORD = ['notify', 'notify/record']
 RULES = RECORD + ['notify/rules']
 TEXT = RECORD + ['notify/text']
 POPUP = RULES + TEXT + ['notify/popup']
 QUEUE = RULES + ['notify/popup', 'notify/queue']
 NOTIFY = TEXT + QUEUE + ['notify/feed']
-LINUX = ['platform', 'platform/linux/include']
+LINUX = ['platform', 'platform/screen', 'platform/linux/include']
 ALLOWED = {
     'fetch': [],
     'platform/files': [],
     'platform/data': ['platform/files'],
     'platform/images': [],
     'platform/text': [],
+    'platform/screen': [],
     'platform': ['platform/data'],
-    'platform/alert': ['platform'],
-    'platform/macos': ['platform', 'platform/images'],
+    'platform/alert': ['platform', 'platform/screen'],
+    'platform/macos': ['platform', 'platform/screen', 'platform/images'],
     'platform/linux/include': ['platform'],
     'platform/linux/bus': LINUX + ['platform/linux/workarounds'],
     'platform/linux/corefoundation': LINUX,

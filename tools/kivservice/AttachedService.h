@@ -15,7 +15,7 @@ public:
     /// Gets one line, without its end, for each event from the agent: "meoa 32793 Minimize".
     using EventPrinter = std::function<void(const QByteArray &line)>;
 
-    /// Gets each command (MenuCommand) that the agent asks for, after its line.
+    /// Gets each command (MenuCode) that the agent asks for, after its line.
     using ActionHandler = std::function<void(std::uint32_t code)>;
 
     AttachedService(ProcessSerialNumber agent, EventPrinter print, ActionHandler carryOut);

@@ -21,7 +21,7 @@ public:
     explicit VncSession(Reporter report);
     ~VncSession() override;
 
-    /// Carries a command (MenuCommand) out, without waiting for its end.
+    /// Carries a command (MenuCode) out, without waiting for its end.
     void carryOut(std::uint32_t code);
 
 private:

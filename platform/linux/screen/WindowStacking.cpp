@@ -1,4 +1,4 @@
-#include "platform/WindowStacking.h"
+#include "platform/screen/WindowStacking.h"
 
 #include "platform/linux/include/XConnection.h"
 
@@ -9,4 +9,15 @@ void bringToFront(QWidget &window)
     if (xcb_connection_t *x = XConnection::get()) {
         xcb_flush(x);
     }
+}
+
+void bringToFrontWithKeyboard(QWidget &window)
+{
+    window.raise();
+    window.activateWindow();
+}
+
+void keepAtStatusLevel(QWidget &)
+{
+    // A window that no window manager knows lies above those that one manages.
 }

@@ -3,8 +3,13 @@
 #include "shell/ProcessState.h"
 #include "tests/shell/link/EventBuilder.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/LogLines.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <stdexcept>
 
 namespace
 {
@@ -62,15 +67,15 @@ protected:
         EXPECT_EXIT(std::_Exit(quit()), testing::ExitedWithCode(goesOn), "");
     }
 
-    static bool disconnectAllowed()
+    static QAction *disconnectItem()
     {
-        for (const QAction *item : __menu->menu()->actions()) {
-            if (item->data().toUInt() == kMenuCmdDisconnect) {
-                return item->isEnabled();
-            }
-        }
-        return false;
+        const QList<QAction *> items = __menu->menu()->actions();
+        const auto found = std::ranges::find_if(
+            items, [](const QAction *item) { return item->data().toUInt() == kMenuCmdDisconnect; });
+        return found == items.end() ? nullptr : *found;
     }
+
+    static bool disconnectAllowed() { return disconnectItem() && disconnectItem()->isEnabled(); }
 
     ChildProcess sleeper;
     ProcessSerialNumber first{};
@@ -169,6 +174,16 @@ TEST_F(EventHandler, PassesACommandsFailureOn)
     EventBuilder builder;
     EXPECT_EQ(handle(builder.command(kMenuEvtSetOptions).sender(first).count(1)), -10000);
     EXPECT_EQ(hintWithoutText(first), -10000);
+}
+
+TEST_F(EventHandler, LetsNothingThatIsThrownReachTheSystemAndAnswersThatItFailed)
+{
+    claim(first);
+    LogLines log;
+    QObject::connect(disconnectItem(), &QAction::changed, __menu.get(),
+                     [] { throw std::runtime_error("no such item"); });
+    EXPECT_EQ(allowDisconnect(first), -10000);
+    EXPECT_THAT(log.takeWarnings(), testing::ElementsAre(testing::HasSubstr("no such item")));
 }
 
 TEST_F(EventHandlerDeathTest, EndsTheProcessAtOnceWithStatusZeroWhenTheOwnerSaysSo)

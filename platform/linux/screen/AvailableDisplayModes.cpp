@@ -1,0 +1,6 @@
+#include "platform/screen/AvailableDisplayModes.h"
+
+CFArrayRef availableDisplayModes(CGDirectDisplayID display)
+{
+    return CGDisplayAvailableModes(display);
+}

@@ -1,0 +1,6 @@
+#include "platform/screen/MenuPopUp.h"
+
+void popUpMenu(QMenu &menu, QPoint corner)
+{
+    menu.exec(corner);
+}

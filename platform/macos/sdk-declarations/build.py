@@ -1,0 +1,61 @@
+#!/usr/bin/env python3
+"""build.py FOLDER [ARCHITECTURE [TARGET...]]: builds the agent for macOS on this machine, into FOLDER.
+
+The architecture is arm64 unless x86_64 is named, and all is built unless targets are. What comes out can be looked at
+and not run: README.md says what it is good for.
+"""
+import re
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+SOURCE = HERE.parents[2]
+MIN_CLANG = 16 # The libc++ of an older one lacks parts of the ranges.
+
+
+def find_clang():
+    for name in ('clang++', *(f'clang++-{number}' for number in range(MIN_CLANG, 40))):
+        path = shutil.which(name)
+        version = path and subprocess.run([path, '-dumpversion'], check=True, capture_output=True, text=True).stdout
+        if version and int(re.match(r'\d+', version)[0]) >= MIN_CLANG:
+            return path
+    sys.exit(f'There is no clang {MIN_CLANG} or newer, with its lld, llvm and libc++: ./kiv mac installs them.')
+
+
+def configure(folder, architecture, sysroot, clang):
+    """In the folder of that name. Returns it."""
+    build = folder / architecture
+    subprocess.run(['cmake', '-S', SOURCE, '-B', build, '-G', 'Ninja', '--log-level=WARNING',
+                    '-D', f'CMAKE_TOOLCHAIN_FILE={HERE / "toolchain.cmake"}', '-D', f'KIV_SYSROOT={sysroot}',
+                    '-D', f'KIV_ARCHITECTURE={architecture}', '-D', f'KIV_CLANG={clang}', '-D', 'CMAKE_BUILD_TYPE=',
+                    '-D', 'CMAKE_UNITY_BUILD=ON', '-D', 'KIV_BUILD_TESTS=OFF', '-D', 'KIV_WARNINGS_AS_ERRORS=ON'],
+                   check=True)
+    return build
+
+
+def make_sysroot(folder, clang):
+    """Anew only when what it is made of has changed, for all that is compiled depends on it."""
+    sysroot, stamp = folder / 'sysroot', folder / 'sysroot.made-of'
+    parts = [path for path in HERE.rglob('*') if path.is_file()]
+    made_of = '\n'.join([clang, *sorted(f'{path} {path.stat().st_mtime_ns}' for path in parts)])
+    if not stamp.exists() or stamp.read_text() != made_of:
+        subprocess.run([sys.executable, '-B', HERE / 'sysroot.py', sysroot, clang], check=True)
+        stamp.write_text(made_of)
+    return sysroot
+
+
+def build(folder, architecture='arm64', targets=()):
+    folder.mkdir(parents=True, exist_ok=True)
+    clang = find_clang()
+    tree = configure(folder, architecture, make_sysroot(folder, clang), clang)
+    subprocess.run(['ninja', '-C', tree, '--quiet', *targets], check=True)
+    return tree
+
+
+if __name__ == '__main__':
+    try:
+        build(Path(sys.argv[1]).absolute(), *sys.argv[2:3], targets=sys.argv[3:])
+    except subprocess.CalledProcessError as failed:
+        sys.exit(failed.returncode)

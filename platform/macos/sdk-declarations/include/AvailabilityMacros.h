@@ -1,0 +1,6 @@
+#pragma once
+
+#include <Availability.h>
+
+#define MAC_OS_X_VERSION_MIN_REQUIRED __ENVIRONMENT_MAC_OS_X_VERSION_MIN_REQUIRED__
+#define MAC_OS_X_VERSION_MAX_ALLOWED __MAC_15_0

@@ -1,0 +1,113 @@
+#!/usr/bin/env python3
+"""sysroot.py FOLDER CLANG: makes a folder that a compiler and a linker for macOS can be pointed at.
+
+It has the shape of Apple's own: headers in usr/include and in frameworks, and for each library a text file with the
+symbols that it has. What is Apple's comes from beside this script. The headers of the C library are musl's, as far as
+macOS has them; those of the C++ library are libc++'s own. What Qt's libraries, libc++ and libgumbo have is read from
+those of this machine.
+"""
+import re
+import shutil
+import subprocess
+import sys
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+MUSL = Path('/usr/include/x86_64-linux-musl')
+TARGETS = '[ arm64-macos, x86_64-macos ]'
+
+
+def words(path):
+    """The words of a list in which "#" begins a comment; none without such a list."""
+    lines = path.read_text().splitlines() if path.exists() else []
+    return [word for line in lines for word in line.partition('#')[0].split()]
+
+
+def library(path, install_name, symbols, classes=()):
+    """A library as the linker reads it: what it is called, and what it has."""
+    def names(key, values):
+        return f'    {key}: [ {", ".join(repr(value) for value in sorted(values))} ]\n' if values else ''
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_text(f'--- !tapi-tbd\ntbd-version: 4\ntargets: {TARGETS}\ninstall-name: {install_name!r}\n'
+                    f'exports:\n  - targets: {TARGETS}\n{names("symbols", symbols)}'
+                    f'{names("objc-classes", classes)}...\n')
+
+
+def exported(nm, *files):
+    """What libraries of this machine export, by the names that it has on macOS: those of C with "_" before them."""
+    lines = subprocess.run([nm, '--dynamic', '--defined-only', '--format=just-symbols', *files], check=True,
+                           capture_output=True, text=True).stdout.splitlines()
+    return {'_' + line.partition('@')[0] for line in lines if line and not line.endswith(':')}
+
+
+def make_c_headers(folder):
+    for name in words(HERE / 'c-library/headers'):
+        source = MUSL / name
+        for file in sorted(source.rglob('*.h')) if source.is_dir() else [source]:
+            target = folder / file.relative_to(MUSL)
+            target.parent.mkdir(parents=True, exist_ok=True)
+            # Its 64-bit integers are of the type "long". On macOS they are of another one.
+            text = re.sub(r'^#define _Int64 long$', '#define _Int64 long long', file.read_text(), flags=re.M)
+            target.write_text(text)
+    features = folder / 'features.h'
+    features.write_text('#define _BSD_SOURCE 1\n#define _XOPEN_SOURCE 700\n' + features.read_text())
+    # What differs is put behind each.
+    for file in (HERE / 'c-library').glob('*.h'):
+        with (folder / file.name).open('a') as header:
+            header.write(file.read_text())
+
+
+def make_frameworks(folder):
+    """One for each folder of headers. What the headers beside these folders declare has no framework."""
+    for headers in (path for path in (HERE / 'include').iterdir() if (path / f'{path.name}.h').exists()):
+        framework = folder / f'{headers.name}.framework'
+        framework.mkdir(parents=True)
+        (framework / 'Headers').symlink_to(headers)
+        lists = HERE / 'libraries'
+        library(framework / f'{headers.name}.tbd', f'/System/Library/Frameworks/{framework.name}/{headers.name}',
+                words(lists / f'{headers.name}.symbols'), words(lists / f'{headers.name}.classes'))
+
+
+def qt(key):
+    return subprocess.run(['qmake6', '-query', key], check=True, capture_output=True, text=True).stdout.strip()
+
+
+def make_qt(root, nm):
+    libraries = Path(qt('QT_INSTALL_LIBS'))
+    for module in ('Core', 'Gui', 'Widgets', 'Network'):
+        only_on_macos = words(HERE / f'libraries/Qt{module}.symbols')
+        library(root / f'qt/lib/Qt{module}.tbd', f'@rpath/Qt{module}.framework/Versions/A/Qt{module}',
+                exported(nm, libraries / f'libQt6{module}.so') | set(only_on_macos))
+    (root / 'qt/include').symlink_to(qt('QT_INSTALL_HEADERS'))
+    (root / 'qt/libexec').symlink_to(qt('QT_INSTALL_LIBEXECS'))
+    (root / 'qt/version').write_text(qt('QT_VERSION'))
+
+
+def main(root, clang):
+    llvm = Path(clang).resolve().parent.parent
+    nm = llvm / 'bin/llvm-nm'
+    shutil.rmtree(root, ignore_errors=True)
+    headers, libraries = root / 'usr/include', root / 'usr/lib'
+    headers.mkdir(parents=True)
+    make_c_headers(headers)
+    for path in (HERE / 'include').iterdir():
+        if not (path / f'{path.name}.h').exists():
+            (headers / path.name).symlink_to(path)
+    (headers / 'c++').mkdir()
+    (headers / 'c++/v1').symlink_to(llvm / 'include/c++/v1')
+    make_frameworks(root / 'System/Library/Frameworks')
+    library(libraries / 'libSystem.tbd', '/usr/lib/libSystem.B.dylib', words(HERE / 'libraries/libSystem.symbols'))
+    library(libraries / 'libc++.tbd', '/usr/lib/libc++.1.dylib',
+            exported(nm, llvm / 'lib/libc++.so.1', llvm / 'lib/libc++abi.so.1')
+            | set(words(HERE / 'libraries/libc++.symbols')))
+    gumbo = subprocess.run(['pkg-config', '--variable=libdir', 'gumbo'], check=True, capture_output=True, text=True)
+    library(root / 'usr/local/lib/libgumbo.tbd', '/usr/local/lib/libgumbo.dylib',
+            exported(nm, Path(gumbo.stdout.strip()) / 'libgumbo.so'))
+    (root / 'usr/local/include').mkdir(parents=True)
+    for name in ('gumbo.h', 'tag_enum.h'):
+        (root / 'usr/local/include' / name).symlink_to(Path('/usr/include') / name)
+    make_qt(root, nm)
+
+
+if __name__ == '__main__':
+    main(Path(sys.argv[1]).absolute(), sys.argv[2])

@@ -13,6 +13,7 @@
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/StatusBar.h"
+#include "platform/SystemCallback.h"
 #include "platform/alert/AlertPanel.h"
 #include "platform/images/ImageFile.h"
 #include "platform/screen/AvailableDisplayModes.h"
@@ -56,8 +57,11 @@ KIVMenuObj::KIVMenuObj(const Bundle &bundle, const MenuSurroundings &surrounding
     , m_surroundings(surroundings)
     , m_menu(std::make_unique<QMenu>())
 {
-    connect(m_menu.get(), &QMenu::aboutToShow, this, [this] { menuWillOpen(m_menu.get()); });
-    connect(m_menu.get(), &QMenu::aboutToHide, this, [this] { menuDidClose(m_menu.get()); });
+    // Where the menu is the system's own, it is the system that calls.
+    connect(m_menu.get(), &QMenu::aboutToShow, this,
+            [this] { inSystemCallback([this] { menuWillOpen(m_menu.get()); }); });
+    connect(m_menu.get(), &QMenu::aboutToHide, this,
+            [this] { inSystemCallback([this] { menuDidClose(m_menu.get()); }); });
     for (const MenuEntry &entry : menuEntries()) {
         const QString title = QString::fromUtf16(entry.title);
         const bool enabled = entry.choosable == Choosable::Always;

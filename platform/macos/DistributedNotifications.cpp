@@ -8,14 +8,19 @@
 namespace
 {
 
+CoreFoundationObject newString(const QString &text)
+{
+    return CoreFoundationObject(
+        CFStringCreateWithCString(kCFAllocatorDefault, text.toUtf8().constData(), kCFStringEncodingUTF8));
+}
+
 class CentreObserver final : public DistributedNotifications::Observer
 {
 public:
     CentreObserver(const QString &name, std::function<void()> callback)
         : m_callback(std::move(callback))
     {
-        const CoreFoundationObject ownName(
-            CFStringCreateWithCString(kCFAllocatorDefault, name.toUtf8().constData(), kCFStringEncodingUTF8));
+        const CoreFoundationObject ownName = newString(name);
         // At once, also while the agent is not the active application, which it never is.
         CFNotificationCenterAddObserver(CFNotificationCenterGetDistributedCenter(), this, &onPosted,
                                         static_cast<CFStringRef>(ownName.get()), nullptr,
@@ -46,9 +51,9 @@ DistributedNotifications::addObserver(const QString &name, std::function<void()>
 
 bool DistributedNotifications::post(const QString &name)
 {
-    const CFStringRef cfName = name.toCFString();
+    const CoreFoundationObject ownName = newString(name);
     // At once, as observers are told.
-    CFNotificationCenterPostNotification(CFNotificationCenterGetDistributedCenter(), cfName, nullptr, nullptr, true);
-    CFRelease(cfName);
+    CFNotificationCenterPostNotification(CFNotificationCenterGetDistributedCenter(),
+                                         static_cast<CFStringRef>(ownName.get()), nullptr, nullptr, true);
     return true;
 }

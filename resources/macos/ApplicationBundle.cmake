@@ -9,11 +9,11 @@ configure_file(Info.plist.in ${CMAKE_CURRENT_BINARY_DIR}/Info.plist @ONLY)
 set_target_properties(kivmenua PROPERTIES
   MACOSX_BUNDLE ON
   MACOSX_BUNDLE_INFO_PLIST ${CMAKE_CURRENT_BINARY_DIR}/Info.plist)
-foreach(image IN LISTS images)
-  target_sources(kivmenua PRIVATE ${CMAKE_CURRENT_SOURCE_DIR}/${image})
-  set_source_files_properties(${CMAKE_CURRENT_SOURCE_DIR}/${image} TARGET_DIRECTORY kivmenua PROPERTIES
-    MACOSX_PACKAGE_LOCATION Resources)
-endforeach()
+# Those of the status item are drawn anew for a menu bar that colours them itself.
+list(TRANSFORM images REPLACE "^status" "macos/status")
+list(TRANSFORM images PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+target_sources(kivmenua PRIVATE ${images})
+set_source_files_properties(${images} TARGET_DIRECTORY kivmenua PROPERTIES MACOSX_PACKAGE_LOCATION Resources)
 install(TARGETS kivmenua BUNDLE DESTINATION "${KIV_APPLICATION_DIR}")
 
 # The agent looks for it beside itself.

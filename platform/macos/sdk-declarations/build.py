@@ -10,25 +10,33 @@ import subprocess
 import sys
 from pathlib import Path
 
+import symbols
+import sysroot
+
 HERE = Path(__file__).resolve().parent
 SOURCE = HERE.parents[2]
+PROGRAMS = 'bin/kivmenua.app/Contents/MacOS'
 MIN_CLANG = 16 # The libc++ of an older one lacks parts of the ranges.
 
 
 def find_clang():
+    """One that is new enough, with the tools and the C++ library of its own version. None without, or without musl."""
     for name in ('clang++', *(f'clang++-{number}' for number in range(MIN_CLANG, 40))):
         path = shutil.which(name)
         version = path and subprocess.run([path, '-dumpversion'], check=True, capture_output=True, text=True).stdout
         if version and int(re.match(r'\d+', version)[0]) >= MIN_CLANG:
-            return path
-    sys.exit(f'There is no clang {MIN_CLANG} or newer, with its lld, llvm and libc++: ./kiv mac installs them.')
+            llvm = Path(path).resolve().parent.parent
+            parts = (llvm / 'bin/ld64.lld', llvm / 'bin/llvm-nm', llvm / 'lib/libc++.so.1', sysroot.MUSL)
+            if all(part.exists() for part in parts):
+                return path
+    return None
 
 
-def configure(folder, architecture, sysroot, clang):
+def configure(folder, architecture, root, clang):
     """In the folder of that name. Returns it."""
     build = folder / architecture
     subprocess.run(['cmake', '-S', SOURCE, '-B', build, '-G', 'Ninja', '--log-level=WARNING',
-                    '-D', f'CMAKE_TOOLCHAIN_FILE={HERE / "toolchain.cmake"}', '-D', f'KIV_SYSROOT={sysroot}',
+                    '-D', f'CMAKE_TOOLCHAIN_FILE={HERE / "toolchain.cmake"}', '-D', f'KIV_SYSROOT={root}',
                     '-D', f'KIV_ARCHITECTURE={architecture}', '-D', f'KIV_CLANG={clang}', '-D', 'CMAKE_BUILD_TYPE=',
                     '-D', 'CMAKE_UNITY_BUILD=ON', '-D', 'KIV_BUILD_TESTS=OFF', '-D', 'KIV_WARNINGS_AS_ERRORS=ON'],
                    check=True)
@@ -37,20 +45,26 @@ def configure(folder, architecture, sysroot, clang):
 
 def make_sysroot(folder, clang):
     """Anew only when what it is made of has changed, for all that is compiled depends on it."""
-    sysroot, stamp = folder / 'sysroot', folder / 'sysroot.made-of'
+    root, stamp = folder / 'sysroot', folder / 'sysroot.made-of'
     parts = [path for path in HERE.rglob('*') if path.is_file()]
-    made_of = '\n'.join([clang, *sorted(f'{path} {path.stat().st_mtime_ns}' for path in parts)])
+    made_of = '\n'.join([clang, sysroot.qt('QT_VERSION'), *sorted(f'{path} {path.stat().st_mtime_ns}' for path in parts)])
     if not stamp.exists() or stamp.read_text() != made_of:
-        subprocess.run([sys.executable, '-B', HERE / 'sysroot.py', sysroot, clang], check=True)
+        subprocess.run([sys.executable, '-B', HERE / 'sysroot.py', root, clang], check=True)
         stamp.write_text(made_of)
-    return sysroot
+    return root
 
 
 def build(folder, architecture='arm64', targets=()):
     folder.mkdir(parents=True, exist_ok=True)
     clang = find_clang()
-    tree = configure(folder, architecture, make_sysroot(folder, clang), clang)
+    if not clang:
+        sys.exit(f'There is no clang {MIN_CLANG} or newer with its lld, llvm and libc++, or no musl: '
+                 './kiv mac installs them.')
+    root = make_sysroot(folder, clang)
+    tree = configure(folder, architecture, root, clang)
     subprocess.run(['ninja', '-C', tree, '--quiet', *targets], check=True)
+    if symbols.main(root, clang, *(tree / PROGRAMS).glob('*')):
+        sys.exit(1)
     return tree
 
 

@@ -4,13 +4,15 @@
 It has the shape of Apple's own: headers in usr/include and in frameworks, and for each library a text file with the
 symbols that it has. What is Apple's comes from beside this script. The headers of the C library are musl's, as far as
 macOS has them; those of the C++ library are libc++'s own. What Qt's libraries, libc++ and libgumbo have is read from
-those of this machine.
+those of this machine; that of Qt and libc++ once more in words for symbols.py.
 """
 import re
 import shutil
 import subprocess
 import sys
 from pathlib import Path
+
+import symbols
 
 HERE = Path(__file__).resolve().parent
 MUSL = Path('/usr/include/x86_64-linux-musl')
@@ -73,14 +75,19 @@ def qt(key):
 
 
 def make_qt(root, nm):
+    """Returns what Qt's libraries have."""
     libraries = Path(qt('QT_INSTALL_LIBS'))
+    everything = set()
     for module in ('Core', 'Gui', 'Widgets', 'Network'):
+        exports = exported(nm, libraries / f'libQt6{module}.so')
         only_on_macos = words(HERE / f'libraries/Qt{module}.symbols')
         library(root / f'qt/lib/Qt{module}.tbd', f'@rpath/Qt{module}.framework/Versions/A/Qt{module}',
-                exported(nm, libraries / f'libQt6{module}.so') | set(only_on_macos))
+                exports | set(only_on_macos))
+        everything |= exports
     (root / 'qt/include').symlink_to(qt('QT_INSTALL_HEADERS'))
     (root / 'qt/libexec').symlink_to(qt('QT_INSTALL_LIBEXECS'))
     (root / 'qt/version').write_text(qt('QT_VERSION'))
+    return everything
 
 
 def main(root, clang):
@@ -97,16 +104,16 @@ def main(root, clang):
     (headers / 'c++/v1').symlink_to(llvm / 'include/c++/v1')
     make_frameworks(root / 'System/Library/Frameworks')
     library(libraries / 'libSystem.tbd', '/usr/lib/libSystem.B.dylib', words(HERE / 'libraries/libSystem.symbols'))
-    library(libraries / 'libc++.tbd', '/usr/lib/libc++.1.dylib',
-            exported(nm, llvm / 'lib/libc++.so.1', llvm / 'lib/libc++abi.so.1')
-            | set(words(HERE / 'libraries/libc++.symbols')))
+    cxx = exported(nm, llvm / 'lib/libc++.so.1', llvm / 'lib/libc++abi.so.1')
+    library(libraries / 'libc++.tbd', '/usr/lib/libc++.1.dylib', cxx)
     gumbo = subprocess.run(['pkg-config', '--variable=libdir', 'gumbo'], check=True, capture_output=True, text=True)
     library(root / 'usr/local/lib/libgumbo.tbd', '/usr/local/lib/libgumbo.dylib',
             exported(nm, Path(gumbo.stdout.strip()) / 'libgumbo.so'))
     (root / 'usr/local/include').mkdir(parents=True)
     for name in ('gumbo.h', 'tag_enum.h'):
         (root / 'usr/local/include' / name).symlink_to(Path('/usr/include') / name)
-    make_qt(root, nm)
+    names = symbols.neutral(clang, sorted(cxx | make_qt(root, nm)), '--strip-underscore')
+    (root / symbols.NEUTRAL).write_text('\n'.join(sorted(set(names))))
 
 
 if __name__ == '__main__':

@@ -24,4 +24,5 @@ endforeach()
 set(CMAKE_AR ${tools}/llvm-ar CACHE FILEPATH "")
 set(CMAKE_RANLIB ${tools}/llvm-ranlib CACHE FILEPATH "")
 set(CMAKE_INSTALL_NAME_TOOL ${tools}/llvm-install-name-tool CACHE FILEPATH "")
-set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld -mlinker-version=609")
+# What no library has is looked for by symbols.py.
+set(CMAKE_EXE_LINKER_FLAGS_INIT "-fuse-ld=lld -mlinker-version=609 -Wl,-undefined,dynamic_lookup")

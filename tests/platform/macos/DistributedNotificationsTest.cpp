@@ -36,6 +36,16 @@ TEST(MacDistributedNotifications, ComeWhileTheProgramIsNotTheActiveOne)
     EXPECT_TRUE(centre().entries.front().atOnce);
 }
 
+TEST(MacDistributedNotifications, AreToldToTheObserversOfOtherProgramsAtOnce)
+{
+    int calls = 0;
+    const auto observer = DistributedNotifications::addObserver(settings, [&] { ++calls; });
+    const int before = FakeCoreFoundation::liveObjects();
+    EXPECT_TRUE(DistributedNotifications::post(settings));
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(FakeCoreFoundation::liveObjects(), before) << "the name was not released";
+}
+
 TEST(MacDistributedNotifications, EndWithTheObserver)
 {
     DistributedNotifications::addObserver(settings, [] {}).reset();

@@ -138,6 +138,20 @@ CFNumberRef CFNumberCreate(CFAllocatorRef, CFNumberType type, const void *value)
     return as<CFNumberRef>(number);
 }
 
+CFTypeID CFNumberGetTypeID()
+{
+    return Number;
+}
+
+Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void *value)
+{
+    if (type != kCFNumberSInt32Type) {
+        return false;
+    }
+    std::memcpy(value, &object(number)->number, sizeof object(number)->number);
+    return true;
+}
+
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void **keys, const void **values, CFIndex count,
                                    const CFDictionaryKeyCallBacks *, const CFDictionaryValueCallBacks *)
 {
@@ -226,6 +240,15 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef, const void *observ
 void CFNotificationCenterRemoveEveryObserver(CFNotificationCenterRef, const void *observer)
 {
     std::erase_if(FakeCoreFoundation::centre().entries, [&](const auto &entry) { return entry.observer == observer; });
+}
+
+void CFNotificationCenterPostNotification(CFNotificationCenterRef, CFNotificationName name, const void *object,
+                                          CFDictionaryRef userInfo, Boolean deliverImmediately)
+{
+    // Without that it would wait for those who are not active, as agents never are.
+    if (!object && !userInfo && deliverImmediately) {
+        FakeCoreFoundation::centre().post(::object(name)->text);
+    }
 }
 
 } // extern "C"

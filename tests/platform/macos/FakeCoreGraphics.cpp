@@ -2,6 +2,7 @@
 
 #include "tests/platform/macos/FakeCoreFoundation.h"
 
+#include <new>
 #include <utility>
 
 FakeCoreGraphics &FakeCoreGraphics::instance()
@@ -47,6 +48,9 @@ CGPoint CGEventGetLocation(CGEventRef)
 
 CFArrayRef CGDisplayCopyAllDisplayModes(CGDirectDisplayID display, CFDictionaryRef options)
 {
+    if (fake().throwsWhenAskedForModes) {
+        throw std::bad_alloc();
+    }
     if (display != FakeCoreGraphics::display || !fake().tellsModes) {
         return nullptr;
     }

@@ -22,6 +22,7 @@ struct FakeCoreGraphics {
     std::vector<CGDisplayMode> lowResolutionModes; ///< Told only to those who ask for them.
     std::optional<CGDisplayMode> present;
     bool tellsModes = true;
+    bool throwsWhenAskedForModes = false;
     CFDictionaryRef session = nullptr; ///< The next caller's.
     int retainedModes = 0;             ///< Present modes that nobody has released.
 

@@ -1,6 +1,7 @@
 #include "tests/platform/macos/FakeNativeWindows.h"
 
 #include "platform/macos/NativeWindows.h"
+#include "platform/screen/MenuPopUp.h"
 
 std::vector<std::string> &toldNativeWindows()
 {
@@ -26,4 +27,11 @@ void NativeWindows::activate(WId)
 void NativeWindows::setStatusLevel(WId)
 {
     toldNativeWindows().emplace_back("status level");
+}
+
+void popUpMenu(QMenu &menu, QPoint corner)
+{
+    toldNativeWindows().push_back("menu at " + std::to_string(corner.x()) + ", " + std::to_string(corner.y()));
+    Q_EMIT menu.aboutToShow();
+    Q_EMIT menu.aboutToHide();
 }

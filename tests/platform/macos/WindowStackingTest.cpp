@@ -42,5 +42,5 @@ TEST_F(MacWindowStacking, KnowsTheLevelOfTheStatusItems)
 
 TEST(MacStatusBar, IsAtTheTopAsThickAsTheSystemSays)
 {
-    EXPECT_EQ(StatusBar::at({100, 100}), (StatusBar{StatusBar::Edge::Top, 24}));
+    EXPECT_EQ(StatusBar::around({{100, 100}, {22, 22}}), (StatusBar{StatusBar::Edge::Top, 24}));
 }

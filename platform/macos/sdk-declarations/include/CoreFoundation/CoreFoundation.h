@@ -79,6 +79,8 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef centre, const void 
                                      CFNotificationCallback callback, CFStringRef name, const void *object,
                                      CFNotificationSuspensionBehavior suspensionBehaviour);
 void CFNotificationCenterRemoveEveryObserver(CFNotificationCenterRef centre, const void *observer);
+void CFNotificationCenterPostNotification(CFNotificationCenterRef centre, CFNotificationName name, const void *object,
+                                          CFDictionaryRef userInfo, Boolean deliverImmediately);
 
 #ifdef __cplusplus
 }

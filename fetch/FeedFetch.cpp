@@ -1,155 +1,194 @@
 #include "fetch/FeedFetch.h"
 
-#include <QCoreApplication>
-#include <QLoggingCategory>
-#include <QNetworkAccessManager>
-#include <QNetworkProxyFactory>
-#include <QNetworkReply>
-#include <QNetworkRequest>
-#include <QSocketNotifier>
-#include <QTimer>
+#include "fetch/FetchWatch.h"
+#include "fetch/Proxy.h"
+#include "fetch/RequestHeaders.h"
+#include "fetch/StandardOutput.h"
+#include "fetch/WebAddress.h"
 
-#include <chrono>
+#include <array>
+#include <charconv>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <curl/curl.h>
 #include <optional>
-#include <unistd.h>
+#include <string_view>
 
 namespace
 {
 
-/// As the agent's own lines about the feed, which the same switch asks for.
-Q_LOGGING_CATEGORY(feedLog, "kiv.feed", QtWarningMsg)
-
-/// How much of an answer Qt holds while nobody takes it.
-constexpr qint64 maxBufferedBytes = qint64{1024} * 1024;
-
 constexpr int usageError = 2;
+constexpr int maxRedirects = 50;
+/// Of the heads of all answers to one request: interim ones, redirects and the answer proper.
+constexpr std::size_t maxHeadBytes = std::size_t{256} * 1024;
 
-bool isRedirect(int status)
-{
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
+struct Arguments {
+    std::string address;
+    std::chrono::milliseconds silence;
+    bool isTalkative;
+};
 
-QNetworkRequest plainRequest(const QUrl &address)
+/// A request that may be redirected.
+struct Request {
+    CURL *connection;
+    FetchWatch &watch;
+    std::size_t headBytes = 0;
+    bool hasLocation = false;
+    bool isHeadWritten = false;
+};
+
+std::optional<Arguments> argumentsFrom(std::span<char *const> arguments)
 {
-    QNetworkRequest request(address);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    for (const auto attribute :
-         {QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::CookieSaveControlAttribute,
-          QNetworkRequest::AuthenticationReuseAttribute}) {
-        request.setAttribute(attribute, QNetworkRequest::Manual);
+    const bool isTalkative = arguments.size() == 4 && std::string_view(arguments[1]) == "-v";
+    if (arguments.size() != 3 && !isTalkative) {
+        return std::nullopt;
     }
-    return request;
-}
-
-/// Aborts the request once it has made no progress for so long. Qt's own time-out ends with the first redirect: see
-/// platform/linux/workarounds/RedirectTimeout.h.
-void abortOnceSilentFor(QNetworkReply *connection, std::chrono::milliseconds timeout)
-{
-    auto *const silence = new QTimer(connection);
-    silence->setSingleShot(true);
-    silence->callOnTimeout(connection, &QNetworkReply::abort);
-    const auto progress = [silence, timeout] { silence->start(timeout); };
-    QObject::connect(connection, &QNetworkReply::redirected, silence, progress);
-    QObject::connect(connection, &QNetworkReply::metaDataChanged, silence, progress);
-    QObject::connect(connection, &QNetworkReply::readyRead, silence, progress);
-    QObject::connect(connection, &QNetworkReply::finished, silence, &QTimer::stop);
-    progress();
-}
-
-/// However steadily it trickles in.
-void abortAfter(QNetworkReply *connection, std::chrono::milliseconds maxDuration)
-{
-    auto *const whole = new QTimer(connection);
-    whole->setSingleShot(true);
-    whole->callOnTimeout(connection, &QNetworkReply::abort);
-    whole->start(maxDuration);
-}
-
-/// Nothing for other arguments than the two.
-std::optional<std::chrono::milliseconds> timeoutOf(const QStringList &arguments)
-{
-    bool isNumber = false;
-    const int number = arguments.value(2).toInt(&isNumber);
-    return arguments.size() == 3 && isNumber && number >= 0 ? std::optional(std::chrono::milliseconds(number))
-                                                            : std::nullopt;
-}
-
-void write(const QByteArray &bytes)
-{
-    // Waits for who reads, so that no more is asked of the server than is taken. When that has gone, the process ends
-    // by the signal.
-    std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
-    std::fflush(stdout);
-}
-
-void writeHead(const QNetworkReply &connection)
-{
-    const int status = connection.attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (isRedirect(status) && connection.hasRawHeader("Location")) {
-        return; // Qt goes on to the answer proper, or fails the request.
+    const std::string_view number = arguments.back();
+    int milliseconds = 0;
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), milliseconds);
+    if (number.empty() || error != std::errc() || end != number.data() + number.size() || milliseconds < 0) {
+        return std::nullopt;
     }
-    write(QByteArray::number(status) + ' ' + connection.rawHeader("Content-Type").replace('\n', ' ') + '\n');
+    return Arguments{arguments[arguments.size() - 2], std::chrono::milliseconds(milliseconds), isTalkative};
 }
 
-/// Whether less of the body has come than was promised (RFC 9112, section 8), whatever Qt makes of the connection's
-/// end: it does not always count it as an error. What Qt decompresses has no length.
-bool isCut(const QNetworkReply &connection, qint64 bodyBytes)
+long statusOf(CURL *connection)
 {
-    const QVariant length = connection.header(QNetworkRequest::ContentLengthHeader);
-    return length.isValid() && bodyBytes < length.toLongLong();
+    long status = 0;
+    curl_easy_getinfo(connection, CURLINFO_RESPONSE_CODE, &status);
+    return status;
 }
 
-/// Why the request has failed; empty when it has not.
-QString failure(const QNetworkReply &connection, qint64 bodyBytes)
+bool isRedirect(const Request &request)
 {
-    if (connection.error() != QNetworkReply::NoError) {
-        return connection.errorString();
+    const long status = statusOf(request.connection);
+    return request.hasLocation && (status == 301 || status == 302 || status == 303 || status == 307 || status == 308);
+}
+
+void writeHead(CURL *connection)
+{
+    const char *type = nullptr;
+    curl_easy_getinfo(connection, CURLINFO_CONTENT_TYPE, &type);
+    writeToStandardOutput(std::to_string(statusOf(connection)) + ' ' + (type ? type : "") + '\n');
+}
+
+/// Takes a line of an answer's head, as libcurl wants it. More than one head comes when there are interim answers.
+std::size_t takeHeadLine(char *bytes, std::size_t, std::size_t count, void *data)
+{
+    auto &request = *static_cast<Request *>(data);
+    request.watch.progress();
+    request.headBytes += count;
+    if (request.headBytes > maxHeadBytes) {
+        return 0; // Which ends it.
     }
-    return isCut(connection, bodyBytes) ? QStringLiteral("the answer has been cut") : QString();
+    constexpr std::string_view location = "location:";
+    const std::string_view line(bytes, count);
+    if (line.starts_with("HTTP/")) {
+        request.hasLocation = false;
+    } else if (count >= location.size() && curl_strnequal(bytes, location.data(), location.size()) != 0) {
+        request.hasLocation = true;
+    } else if ((line == "\r\n" || line == "\n") && !request.isHeadWritten && statusOf(request.connection) >= 200 &&
+               !isRedirect(request)) {
+        request.isHeadWritten = true;
+        writeHead(request.connection);
+    }
+    return count;
+}
+
+/// Takes some of the body.
+std::size_t takeBody(char *bytes, std::size_t, std::size_t count, void *data)
+{
+    auto &request = *static_cast<Request *>(data);
+    request.watch.progress();
+    if (request.isHeadWritten) {
+        request.watch.pause(); // No more is asked of the server than is taken.
+        writeToStandardOutput({bytes, count});
+        request.watch.progress();
+    }
+    return count;
+}
+
+void configure(Request &request, const FetchOptions &options, char *error)
+{
+    CURL *const connection = request.connection;
+    const auto set = [connection, &request](CURLoption option, auto value) {
+        if (curl_easy_setopt(connection, option, value) != CURLE_OK) {
+            request.watch.giveUp("libcurl lacks something");
+        }
+    };
+    set(CURLOPT_ERRORBUFFER, error);
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
+    set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    set(CURLOPT_NOPROXY, ""); // That has been considered in the choice of the proxy.
+    set(CURLOPT_USERAGENT, RequestHeaders::userAgent);
+    set(CURLOPT_ACCEPT_ENCODING, RequestHeaders::acceptEncoding);
+    // An empty header is one that libcurl would send and is not to.
+    curl_slist *headers = curl_slist_append(nullptr, "Accept:");
+    headers = curl_slist_append(headers, "Proxy-Connection:");
+    headers = curl_slist_append(
+        headers, ("Accept-Language: " + RequestHeaders::acceptLanguage(RequestHeaders::localeOfTheSession())).c_str());
+    set(CURLOPT_HTTPHEADER, headers);
+    set(CURLOPT_PROXYHEADER, curl_slist_append(nullptr, "Proxy-Connection:"));
+    set(CURLOPT_HEADERFUNCTION, &takeHeadLine);
+    set(CURLOPT_HEADERDATA, &request);
+    set(CURLOPT_WRITEFUNCTION, &takeBody);
+    set(CURLOPT_WRITEDATA, &request);
+    if (!options.trustedCertificates.empty()) {
+        set(CURLOPT_CAINFO, options.trustedCertificates.c_str());
+        set(CURLOPT_CAPATH, static_cast<char *>(nullptr));
+    }
+}
+
+/// One request and its answer; where it is redirected to, or empty.
+std::string ask(Request &request, const std::string &address, bool isLoopback, const char *error)
+{
+    const std::string proxy = isLoopback ? std::string() : proxyFor(address);
+    curl_easy_setopt(request.connection, CURLOPT_PROXY, proxy.c_str());
+    curl_easy_setopt(request.connection, CURLOPT_URL, address.c_str());
+    const CURLcode result = curl_easy_perform(request.connection);
+    if (result != CURLE_OK) {
+        request.watch.giveUp(*error != '\0' ? error : curl_easy_strerror(result));
+    }
+    const char *next = nullptr;
+    if (isRedirect(request)) {
+        curl_easy_getinfo(request.connection, CURLINFO_REDIRECT_URL, &next);
+    } else if (!request.isHeadWritten) {
+        request.watch.giveUp("there was none");
+    }
+    return next ? next : "";
 }
 
 } // namespace
 
-void fetchFeed(const QStringList &arguments, std::chrono::milliseconds maxDuration)
+void fetchFeed(std::span<char *const> arguments, const FetchOptions &options)
 {
-    const std::optional<std::chrono::milliseconds> timeout = timeoutOf(arguments);
-    if (!timeout) {
-        std::fputs("usage: kivfetch ADDRESS MILLISECONDS\n", stderr);
+    const std::optional<Arguments> given = argumentsFrom(arguments);
+    if (!given) {
+        std::fputs("usage: kivfetch [-v] ADDRESS MILLISECONDS\n", stderr);
         std::exit(usageError);
     }
-    const QUrl address = QUrl::fromEncoded(arguments.at(1).toLatin1());
+    std::signal(SIGPIPE, SIG_IGN); // A server may hang up at any moment.
+    auto &watch =
+        *new FetchWatch({.silence = given->silence, .whole = options.maxDuration}, given->isTalkative); // For ever.
+    curl_global_init(CURL_GLOBAL_DEFAULT);
+    std::array<char, CURL_ERROR_SIZE> error{};
+    Request request{.connection = curl_easy_init(), .watch = watch};
+    configure(request, options, error.data());
 
-    QSocketNotifier asker(STDIN_FILENO, QSocketNotifier::Read);
-    QObject::connect(&asker, &QSocketNotifier::activated, [] { QCoreApplication::exit(EXIT_FAILURE); });
-
-    QNetworkAccessManager network;
-    QNetworkProxyFactory::setUseSystemConfiguration(true);
-    QNetworkReply *const connection = network.get(plainRequest(address));
-    connection->setReadBufferSize(maxBufferedBytes);
-    abortOnceSilentFor(connection, *timeout);
-    abortAfter(connection, maxDuration);
-    QObject::connect(connection, &QNetworkReply::metaDataChanged, connection, [connection] { writeHead(*connection); });
-    qint64 bodyBytes = 0;
-    QObject::connect(connection, &QNetworkReply::readyRead, connection, [connection, &bodyBytes] {
-        const QByteArray bytes = connection->readAll();
-        bodyBytes += bytes.size();
-        write(bytes);
-    });
-    QObject::connect(
-        connection, &QNetworkReply::finished, connection,
-        [connection, &bodyBytes] {
-            const QString reason = failure(*connection, bodyBytes);
-            if (!reason.isEmpty()) {
-                qCDebug(feedLog) << "no whole answer:" << reason;
-            }
-            QCoreApplication::exit(reason.isEmpty() ? EXIT_SUCCESS : EXIT_FAILURE);
-        },
-        Qt::QueuedConnection); // It may have ended before the loop begins.
-    const int status = QCoreApplication::exec();
-    // Whole, and at once: at its end the application would wait for its threads, and one that looks up a name may take
-    // minutes.
-    std::fflush(stdout);
-    std::_Exit(status);
+    std::string address = given->address;
+    bool mustBeSecure = false;
+    for (int redirects = 0; !address.empty(); ++redirects) {
+        const std::optional<WebAddress> where = webAddress(address);
+        if (!where || (mustBeSecure && !where->isSecure) || redirects > maxRedirects) {
+            watch.giveUp("it is at an address that is not asked");
+        }
+        mustBeSecure = where->isSecure;
+        address = ask(request, address, where->isLoopback, error.data());
+    }
+    // At once: a thread that looks up a name may take minutes.
+    std::_Exit(request.isHeadWritten ? EXIT_SUCCESS : EXIT_FAILURE);
 }

@@ -54,7 +54,11 @@ FeedConnection::~FeedConnection()
 
 void FeedConnection::start()
 {
-    m_process->start(m_program, {QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeout.count())});
+    QStringList arguments{QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeout.count())};
+    if (feedLog().isDebugEnabled()) {
+        arguments.prepend(QStringLiteral("-v"));
+    }
+    m_process->start(m_program, arguments);
 }
 
 void FeedConnection::cancel()

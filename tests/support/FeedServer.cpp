@@ -20,6 +20,7 @@ QJsonObject scriptOf(const ScriptedAnswer &answer)
     QJsonObject script{{QStringLiteral("status"), answer.status},
                        {QStringLiteral("headers"), headers},
                        {QStringLiteral("body"), QString::fromLatin1(answer.body)},
+                       {QStringLiteral("interim"), QString::fromLatin1(answer.interim)},
                        {QStringLiteral("gated"), answer.gated}};
     const std::pair<QString, std::optional<int>> numbers[] = {{QStringLiteral("pieces"), answer.pieces},
                                                               {QStringLiteral("pause"), answer.pause},

@@ -20,6 +20,7 @@ struct ScriptedAnswer {
     std::optional<int> pieces = {};    ///< The size of the pieces in which everything is sent.
     std::optional<int> pause = {};     ///< Milliseconds between two of these.
     std::optional<int> cutAfter = {};  ///< Cuts the connection after so many bytes of the body.
+    QByteArray interim = {};           ///< What it sends ahead of the answer, as it is.
     std::optional<int> mutedFrom = {}; ///< Falls silent after so many bytes of the body, with the connection open.
 };
 

@@ -8,6 +8,7 @@ optional:
 
     status    the status code, 200 unless given
     headers   a list of [name, value]
+    interim   what is sent ahead of the answer, one character for each byte
     body      the body, one character for each byte
     gated     true: send nothing before the line "go N" comes on standard input, N being the request's number from 0
     pieces    the size of the pieces in which everything is sent, each in a packet of its own
@@ -76,7 +77,7 @@ def serve(connection, number, answer, tls):
 
         body = answer.get("body", "").encode("latin-1")
         sent = body[: answer.get("cut", answer.get("silence", len(body)))]
-        everything = head_of(answer, len(body)) + sent
+        everything = answer.get("interim", "").encode("latin-1") + head_of(answer, len(body)) + sent
         pieces = answer.get("pieces", len(everything))
         connection.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)
         try:

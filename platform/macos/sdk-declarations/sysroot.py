@@ -3,8 +3,9 @@
 
 It has the shape of Apple's own: headers in usr/include and in frameworks, and for each library a text file with the
 symbols that it has. What is Apple's comes from beside this script. The headers of the C library are musl's, as far as
-macOS has them; those of the C++ library are libc++'s own. What Qt's libraries, libc++ and libgumbo have is read from
-those of this machine; that of Qt and libc++ once more in words for symbols.py.
+macOS has them; those of the C++ library are libc++'s own. What Qt's libraries, libc++, libcurl, libgumbo and libproxy
+have is read from those of this machine, and so are the headers of the last three; what Qt and libc++ have once more in
+words for symbols.py.
 """
 import re
 import shutil
@@ -70,6 +71,20 @@ def make_frameworks(folder):
                 words(lists / f'{headers.name}.symbols'), words(lists / f'{headers.name}.classes'))
 
 
+def make_other(prefix, nm, package, name, *headers):
+    """A library of this machine's, by its own headers. They lie where pkg-config says, or where the compiler looks."""
+    def variable(key):
+        return subprocess.run(['pkg-config', f'--variable={key}', package], check=True, capture_output=True,
+                              text=True).stdout.strip()
+    folder, include = Path(variable('libdir')), prefix / 'include'
+    library(prefix / f'lib/lib{name}.tbd', f'/{prefix.name}/lib/lib{name}.dylib', exported(nm, folder / f'lib{name}.so'))
+    include.mkdir(parents=True, exist_ok=True)
+    for header in headers:
+        places = (Path(variable('includedir')), Path(variable('includedir'), 'libproxy'), Path('/usr/include'),
+                  Path('/usr/include', folder.name))
+        (include / header).symlink_to(next(place / header for place in places if (place / header).exists()))
+
+
 def qt(key):
     return subprocess.run(['qmake6', '-query', key], check=True, capture_output=True, text=True).stdout.strip()
 
@@ -78,7 +93,7 @@ def make_qt(root, nm):
     """Returns what Qt's libraries have."""
     libraries = Path(qt('QT_INSTALL_LIBS'))
     everything = set()
-    for module in ('Core', 'Gui', 'Widgets', 'Network'):
+    for module in ('Core', 'Gui', 'Widgets'):
         exports = exported(nm, libraries / f'libQt6{module}.so')
         only_on_macos = words(HERE / f'libraries/Qt{module}.symbols')
         library(root / f'qt/lib/Qt{module}.tbd', f'@rpath/Qt{module}.framework/Versions/A/Qt{module}',
@@ -106,12 +121,9 @@ def main(root, clang):
     library(libraries / 'libSystem.tbd', '/usr/lib/libSystem.B.dylib', words(HERE / 'libraries/libSystem.symbols'))
     cxx = exported(nm, llvm / 'lib/libc++.so.1', llvm / 'lib/libc++abi.so.1')
     library(libraries / 'libc++.tbd', '/usr/lib/libc++.1.dylib', cxx)
-    gumbo = subprocess.run(['pkg-config', '--variable=libdir', 'gumbo'], check=True, capture_output=True, text=True)
-    library(root / 'usr/local/lib/libgumbo.tbd', '/usr/local/lib/libgumbo.dylib',
-            exported(nm, Path(gumbo.stdout.strip()) / 'libgumbo.so'))
-    (root / 'usr/local/include').mkdir(parents=True)
-    for name in ('gumbo.h', 'tag_enum.h'):
-        (root / 'usr/local/include' / name).symlink_to(Path('/usr/include') / name)
+    make_other(root / 'usr/local', nm, 'gumbo', 'gumbo', 'gumbo.h', 'tag_enum.h')
+    make_other(root / 'usr/local', nm, 'libproxy-1.0', 'proxy', 'proxy.h')
+    make_other(root / 'usr', nm, 'libcurl', 'curl', 'curl')
     names = symbols.neutral(clang, sorted(cxx | make_qt(root, nm)), '--strip-underscore')
     (root / symbols.NEUTRAL).write_text('\n'.join(sorted(set(names))))
 

@@ -6,6 +6,7 @@
 #include "notify/rules/KivNotificationProperties.h"
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
+#include "tests/support/Certificates.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
@@ -14,7 +15,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QPointer>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QUrl>
@@ -162,62 +162,6 @@ protected:
             << "a long document is not read to its end";
     }
 
-    /// A self-signed certificate for 127.0.0.1 and its key, in a PEM file.
-    QString makeCertificate() const
-    {
-        QString file = directory.filePath(QStringLiteral("server.pem"));
-        const QString command =
-            QStringLiteral("req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2 -subj /CN=feed "
-                           "-addext subjectAltName=IP:127.0.0.1 -keyout %1 -out %1")
-                .arg(file);
-        EXPECT_EQ(QProcess::execute(QStringLiteral("openssl"), command.split(u' ')), 0);
-        return file;
-    }
-
-    /// A self-signed one for that name, with that time of validity ("20200101000000Z").
-    QString makeCertificate(const char *name, const char *from, const char *until) const
-    {
-        const QString csr = directory.filePath(QStringLiteral("server.csr"));
-        const QString key = directory.filePath(QStringLiteral("server.key"));
-        const QString signedOne = directory.filePath(QStringLiteral("server.crt"));
-        write("index.txt", {});
-        write("serial", "01\n");
-        write("ca.conf", "[ca]\ndefault_ca=it\n[it]\ndir=" + directory.path().toLocal8Bit() +
-                             "\ndatabase=$dir/index.txt\nserial=$dir/serial\nnew_certs_dir=$dir\ndefault_md=sha256\n"
-                             "policy=any\nx509_extensions=names\nunique_subject=no\n[any]\ncommonName=supplied\n"
-                             "[names]\nbasicConstraints=CA:TRUE\nsubjectAltName=" +
-                             QByteArray(name) + '\n');
-        openssl(QStringLiteral("req -new -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -subj /CN=feed "
-                               "-keyout %1 -out %2")
-                    .arg(key, csr));
-        openssl(QStringLiteral("ca -batch -notext -selfsign -config %1 -keyfile %2 -in %3 -out %4 -startdate %5 "
-                               "-enddate %6")
-                    .arg(directory.filePath(QStringLiteral("ca.conf")), key, csr, signedOne, QLatin1String(from),
-                         QLatin1String(until)));
-        const QString both = directory.filePath(QStringLiteral("server.pem"));
-        write("server.pem", read(signedOne) + read(key));
-        return both;
-    }
-
-    static void openssl(const QString &command)
-    {
-        QProcess process;
-        process.start(QStringLiteral("openssl"), command.split(u' '));
-        EXPECT_TRUE(process.waitForFinished());
-        EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
-    }
-    static QByteArray read(const QString &path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-    void write(const char *name, const QByteArray &content) const
-    {
-        QFile file(directory.filePath(QString::fromLatin1(name)));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        file.write(content);
-    }
-
     bool wasCancelled() const { return receiver->connection() && receiver->connection()->isFinished(); }
 
     QTemporaryDir directory;
@@ -355,11 +299,22 @@ TEST_F(KivNotificationReceiverTest, FollowsNoRedirectToAFileNorInCircles)
     EXPECT_EQ(sink.ids, Ids());
 }
 
-TEST_F(KivNotificationReceiverTest, FetchesOverTls)
+TEST_F(KivNotificationReceiverTest, FetchesOverTlsFromAServerWithACertificateOfAnAuthorityThatIsTrusted)
 {
-    const QString certificate = makeCertificate();
-    const Variable trust(trustedCertificate, certificate);
-    ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, certificate));
+    Certificates certificates(directory.path());
+    const Variable trust(trustedCertificate, certificates.authority());
+    ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, certificates.signedOne({})));
+    receiveFrom(server.address(QStringLiteral("/feed")));
+    receive();
+    EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, FetchesOverTlsBehindInterimAnswersToo)
+{
+    Certificates certificates(directory.path());
+    const Variable trust(trustedCertificate, certificates.authority());
+    ASSERT_TRUE(server.startSecurely({{.body = feedWith("1"), .interim = "HTTP/1.1 103 Early Hints\r\n\r\n"}},
+                                     certificates.signedOne({})));
     receiveFrom(server.address(QStringLiteral("/feed")));
     receive();
     EXPECT_EQ(sink.ids, (Ids{"1"}));
@@ -367,37 +322,38 @@ TEST_F(KivNotificationReceiverTest, FetchesOverTls)
 
 TEST_F(KivNotificationReceiverTest, AsksNothingOfAServerThatItCannotTrust)
 {
-    ASSERT_TRUE(server.startSecurely({answerWith(feedWith("1"))}, makeCertificate()));
-    receiveFrom(server.address(QStringLiteral("/feed")));
-    receive();
-    EXPECT_EQ(receiver->connection(), nullptr);
-    EXPECT_EQ(server.requests(), QList<QJsonObject>());
-    EXPECT_EQ(sink.ids, Ids());
-}
-
-TEST_F(KivNotificationReceiverTest, AsksNothingOfAServerWhoseCertificateIsNotForItOrForToday)
-{
-    struct Kind {
-        const char *what;
-        const char *name;
-        const char *from;
-        const char *until;
-        bool isRefused;
-    };
-    for (const Kind &kind : {Kind{"sound", "IP:127.0.0.1", "20200101000000Z", "20991231000000Z", false},
-                             Kind{"expired", "IP:127.0.0.1", "20200101000000Z", "20210101000000Z", true},
-                             Kind{"not valid yet", "IP:127.0.0.1", "20980101000000Z", "20991231000000Z", true},
-                             Kind{"of another address", "IP:127.0.0.2", "20200101000000Z", "20991231000000Z", true},
-                             Kind{"of a name", "DNS:feed.invalid", "20200101000000Z", "20991231000000Z", true}}) {
-        const QString certificate = makeCertificate(kind.name, kind.from, kind.until);
-        const Variable trust(trustedCertificate, certificate);
+    const QTemporaryDir elsewhere;
+    Certificates trusted(directory.path());
+    Certificates others(elsewhere.path());
+    const Variable trust(trustedCertificate, trusted.authority());
+    const std::pair<const char *, QString> kinds[] = {{"of an authority that nobody knows", others.signedOne({})},
+                                                      {"signed by itself", trusted.selfSigned()}};
+    for (const auto &[what, certificate] : kinds) {
         FeedServer itself;
         ASSERT_TRUE(itself.startSecurely({answerWith(feedWith("1"))}, certificate));
         receiveFrom(itself.address(QStringLiteral("/feed")));
         receive();
-        EXPECT_EQ(itself.requests().isEmpty(), kind.isRefused) << kind.what;
-        EXPECT_EQ(sink.ids.empty(), kind.isRefused) << kind.what;
-        sink.ids.clear();
+        EXPECT_EQ(receiver->connection(), nullptr) << what;
+        EXPECT_EQ(itself.requests(), QList<QJsonObject>()) << what;
+        EXPECT_EQ(sink.ids, Ids()) << what;
+    }
+}
+
+TEST_F(KivNotificationReceiverTest, AsksNothingOfAServerWhoseCertificateIsNotForItOrForToday)
+{
+    Certificates certificates(directory.path());
+    const Variable trust(trustedCertificate, certificates.authority());
+    const std::pair<const char *, Certificates::Kind> kinds[] = {{"expired", {.until = "20210101000000Z"}},
+                                                                 {"not valid yet", {.from = "20980101000000Z"}},
+                                                                 {"of another address", {.name = "IP:127.0.0.2"}},
+                                                                 {"of a name", {.name = "DNS:feed.invalid"}}};
+    for (const auto &[what, kind] : kinds) {
+        FeedServer itself;
+        ASSERT_TRUE(itself.startSecurely({answerWith(feedWith("1"))}, certificates.signedOne(kind)));
+        receiveFrom(itself.address(QStringLiteral("/feed")));
+        receive();
+        EXPECT_EQ(itself.requests(), QList<QJsonObject>()) << what;
+        EXPECT_EQ(sink.ids, Ids()) << what;
     }
 }
 
@@ -405,11 +361,11 @@ TEST_F(KivNotificationReceiverTest, FollowsNoRedirectFromTlsToPlainHttp)
 {
     FeedServer plain;
     ASSERT_TRUE(plain.start({answerWith(feedWith("1"))}));
-    const QString certificate = makeCertificate();
-    const Variable trust(trustedCertificate, certificate);
+    Certificates certificates(directory.path());
+    const Variable trust(trustedCertificate, certificates.authority());
     ASSERT_TRUE(server.startSecurely(
         {{.status = 302, .headers = {{QStringLiteral("Location"), plain.address(QStringLiteral("/feed"))}}}},
-        certificate));
+        certificates.signedOne({})));
     receiveFrom(server.address(QStringLiteral("/feed")));
     receive();
     EXPECT_EQ(server.requests().size(), 1);

@@ -2,19 +2,16 @@
 
 #include "fetch/FeedFetch.h"
 
-#include <QCoreApplication>
-#include <QSslConfiguration>
+#include <cstdlib>
 
 int main(int argc, char **argv)
 {
-    const QCoreApplication application(argc, argv);
-    if (const QString certificate = qEnvironmentVariable("KIV_TRUSTED_CERTIFICATE"); !certificate.isEmpty()) {
-        QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-        configuration.addCaCertificates(certificate);
-        QSslConfiguration::setDefaultConfiguration(configuration);
+    FetchOptions options;
+    if (const char *certificates = std::getenv("KIV_TRUSTED_CERTIFICATE")) {
+        options.trustedCertificates = certificates;
     }
-    if (const int maxDuration = qEnvironmentVariableIntValue("KIV_MAX_DURATION"); maxDuration != 0) {
-        fetchFeed(QCoreApplication::arguments(), std::chrono::milliseconds(maxDuration));
+    if (const char *maxDuration = std::getenv("KIV_MAX_DURATION")) {
+        options.maxDuration = std::chrono::milliseconds(std::atoi(maxDuration));
     }
-    fetchFeed(QCoreApplication::arguments());
+    fetchFeed({argv, static_cast<std::size_t>(argc)}, options);
 }

@@ -20,7 +20,7 @@ foreach(module IN LISTS Qt6_FIND_COMPONENTS)
     INTERFACE_INCLUDE_DIRECTORIES "${CMAKE_OSX_SYSROOT}/qt/include;${CMAKE_OSX_SYSROOT}/qt/include/Qt${module}"
     INTERFACE_COMPILE_DEFINITIONS QT_$<UPPER_CASE:${module}>_LIB)
 endforeach()
-foreach(pair IN ITEMS "Widgets;Gui" "Gui;Core" "Network;Core")
+foreach(pair IN ITEMS "Widgets;Gui" "Gui;Core")
   list(GET pair 0 module)
   list(GET pair 1 base)
   if(TARGET Qt6::${module} AND TARGET Qt6::${base})

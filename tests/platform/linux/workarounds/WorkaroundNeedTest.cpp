@@ -6,7 +6,6 @@
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakePortal.h"
-#include "tests/support/FeedServer.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"
 #include "tests/support/SilentSocket.h"
@@ -17,10 +16,6 @@
 #include <QDBusVirtualObject>
 #include <QFile>
 #include <QImage>
-#include <QNetworkAccessManager>
-#include <QNetworkProxy>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QPixmapCache>
 #include <QTemporaryDir>
 #include <QTextBrowser>
@@ -335,21 +330,6 @@ TEST_F(WorkaroundNeed, LostWindows)
     xcb_flush(other);
     tell("LostWindows", !waitUntil([&] { return !window.isVisible(); }, 1s));
     xcb_disconnect(other);
-}
-
-TEST_F(WorkaroundNeed, RedirectTimeout)
-{
-    FeedServer server;
-    ASSERT_TRUE(
-        server.start({{.status = 302, .headers = {{QStringLiteral("Location"), QStringLiteral("/moved")}}, .body = ""},
-                      {.gated = true}}));
-    QNetworkAccessManager network;
-    network.setProxy(QNetworkProxy::NoProxy);
-    QNetworkRequest request(server.address(QStringLiteral("/feed")));
-    request.setTransferTimeout(500);
-    const std::unique_ptr<QNetworkReply> reply(network.get(request));
-    ASSERT_TRUE(waitUntil([&] { return server.requests().size() == 2; }));
-    tell("RedirectTimeout", !waitUntil([&] { return reply->isFinished(); }, 3s));
 }
 
 TEST_F(WorkaroundNeed, SessionManagerDeath)

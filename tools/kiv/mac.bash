@@ -1,18 +1,25 @@
 # ./kiv mac: the agent, built for macOS on this machine. For ./kiv, which has say() and install_missing().
 
-# A compiler and a C++ library of the same version; 16 is the oldest that has all of the ranges. Newer releases of Debian
-# have a newer one under the plain names.
 packages_mac=(musl-dev libplist-utils python3)
-packages_mac_compiler=('clang-16|clang' 'libc++-16-dev|libc++-dev' 'lld-16|lld' 'llvm-16|llvm')
+
+# Prints the packages of a compiler and a C++ library of one version: those that the release means by the plain names, or,
+# where these are too old, those of the oldest version that is not.
+mac_compiler_packages() {
+    local oldest=16 plain number suffix='' # As in platform/macos/sdk-declarations/build.py.
+    plain=$(apt-cache show --no-all-versions clang 2>/dev/null | sed -n 's/^Version: \([0-9]*:\)\?\([0-9]*\).*/\2/p')
+    if ((${plain:-0} < oldest)); then
+        for number in $(apt-cache search --names-only '^libc\+\+-[0-9]+-dev$' | sed 's/^libc++-\([0-9]*\).*/\1/' | sort -n); do
+            ((number < oldest)) || { suffix=-$number; break; }
+        done
+    fi
+    printf '%s\n' "clang$suffix" "libc++$suffix-dev" "lld$suffix" "llvm$suffix"
+}
 
 check_mac() { # [TEST...]
-    local package compiler=()
+    local compiler
     # shellcheck disable=SC2154 # ./kiv has them.
     install_missing "${packages_build[@]}" "${packages_mac[@]}"
-    # One that is there in an older version is not enough.
-    for package in "${packages_mac_compiler[@]}"; do
-        compiler+=("$(name_here "$package")")
-    done
+    mapfile -t compiler < <(mac_compiler_packages)
     install_missing "${compiler[@]}"
     say "Building for macOS, and looking at what comes out"
     python3 -B tests/platform/macos/mac_build_test.py build/mac --verbose "$@"

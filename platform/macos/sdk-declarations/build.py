@@ -16,7 +16,7 @@ import sysroot
 HERE = Path(__file__).resolve().parent
 SOURCE = HERE.parents[2]
 PROGRAMS = 'bin/kivmenua.app/Contents/MacOS'
-MIN_CLANG = 16 # The libc++ of an older one lacks parts of the ranges.
+MIN_CLANG = 16 # As in tools/kiv/mac.bash. The libc++ of an older one lacks parts of the ranges.
 
 
 def find_clang():
@@ -26,7 +26,8 @@ def find_clang():
         version = path and subprocess.run([path, '-dumpversion'], check=True, capture_output=True, text=True).stdout
         if version and int(re.match(r'\d+', version)[0]) >= MIN_CLANG:
             llvm = Path(path).resolve().parent.parent
-            parts = (llvm / 'bin/ld64.lld', llvm / 'bin/llvm-nm', llvm / 'lib/libc++.so.1', sysroot.MUSL)
+            parts = (llvm / 'bin/ld64.lld', llvm / 'bin/llvm-nm', llvm / 'include/c++/v1', sysroot.MUSL,
+                     *sysroot.cxx_libraries(path))
             if all(part.exists() for part in parts):
                 return path
     return None

@@ -43,6 +43,22 @@ def exported(nm, *files):
     return {'_' + line.partition('@')[0] for line in lines if line and not line.endswith(':')}
 
 
+def cxx_libraries(clang):
+    """Where the compiler finds libc++ of this machine. Paths that are not there when it does not."""
+    return [Path(subprocess.run([clang, f'-print-file-name={name}.so.1'], check=True, capture_output=True,
+                                text=True).stdout.strip()).absolute() for name in ('libc++', 'libc++abi')]
+
+
+def standard_c(clang):
+    """The functions of ISO C, which every system has."""
+    names = 'ctype fenv inttypes locale math setjmp signal stdio stdlib string time wchar wctype'.split()
+    text = subprocess.run([clang, '-target', 'x86_64-linux-musl', '-std=c11', '-nostdinc', '-isystem', MUSL, '-xc', '-E',
+                           '-P', '-'], input=''.join(f'#include <{name}.h>\n' for name in names), check=True,
+                          capture_output=True, text=True).stdout
+    names = re.findall(r'\b([a-z]\w*)\s*\([^;{}]*\)\s*;', text)
+    return {'_' + name for name in names if name not in ('void', 'sizeof')}
+
+
 def make_c_headers(folder):
     for name in words(HERE / 'c-library/headers'):
         source = MUSL / name
@@ -118,8 +134,9 @@ def main(root, clang):
     (headers / 'c++').mkdir()
     (headers / 'c++/v1').symlink_to(llvm / 'include/c++/v1')
     make_frameworks(root / 'System/Library/Frameworks')
-    library(libraries / 'libSystem.tbd', '/usr/lib/libSystem.B.dylib', words(HERE / 'libraries/libSystem.symbols'))
-    cxx = exported(nm, llvm / 'lib/libc++.so.1', llvm / 'lib/libc++abi.so.1')
+    library(libraries / 'libSystem.tbd', '/usr/lib/libSystem.B.dylib',
+            standard_c(clang) | set(words(HERE / 'libraries/libSystem.symbols')))
+    cxx = exported(nm, *cxx_libraries(clang))
     library(libraries / 'libc++.tbd', '/usr/lib/libc++.1.dylib', cxx)
     make_other(root / 'usr/local', nm, 'gumbo', 'gumbo', 'gumbo.h', 'tag_enum.h')
     make_other(root / 'usr/local', nm, 'libproxy-1.0', 'proxy', 'proxy.h')

@@ -21,6 +21,9 @@ check_mac() { # [TEST...]
     install_missing "${packages_build[@]}" "${packages_mac[@]}"
     mapfile -t compiler < <(mac_compiler_packages)
     install_missing "${compiler[@]}"
+    if command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=ccache CMAKE_OBJCXX_COMPILER_LAUNCHER=ccache
+    fi
     say "Building for macOS, and looking at what comes out"
     python3 -B tests/platform/macos/mac_build_test.py build/mac --verbose "$@"
 }

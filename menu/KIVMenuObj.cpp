@@ -261,6 +261,7 @@ void KIVMenuObj::createStatusItem()
     m_tray->setEnabled(true);
     m_tray->setToolTip(QString::fromUtf16(ProductTexts::toolTip));
     m_tray->setTitle(QString());
+    m_tray->setMenu(m_menu.get());
     // Queued: the service may remove the item while its menu is open, that is from within this very call.
     connect(m_tray.get(), &StatusItem::pressed, this, &KIVMenuObj::menuTrayPressed, Qt::QueuedConnection);
     QTimer::singleShot(m_surroundings.settling, Qt::PreciseTimer, this, &KIVMenuObj::saveTrayX);

@@ -28,6 +28,10 @@ inline constexpr QLatin1String eventBusName("com.tamborel.kivune.p");
 inline constexpr QLatin1String eventObjectPath("/com/tamborel/kivune/AppleEvents");
 inline constexpr QLatin1String eventInterface("com.tamborel.kivune.AppleEvents");
 
+/// Where on the session bus the menu is opened from outside.
+inline constexpr QLatin1String menuObjectPath("/com/tamborel/kivune/Menu");
+inline constexpr QLatin1String menuInterface("com.tamborel.kivune.Menu");
+
 /// The interface whose signals are distributed notifications.
 inline constexpr QLatin1String notificationInterface("com.tamborel.kivune.DistributedNotifications");
 

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 
+class QMenu;
 class QScreen;
 
 /// One item of the desktop's status bar: an image that can be pressed.
@@ -39,6 +40,11 @@ public:
     void setImage(const QIcon &image);
     [[nodiscard]] QIcon image() const;
 
+    /// The menu that a press opens, for hosts that draw it themselves: they show it as it is, and what is chosen there
+    /// is triggered in it, though not while the item is disabled. Before they show it its aboutToShow() is sent. No
+    /// such menu at first. It must outlive the item; null takes it back. Nothing comes of it on macOS.
+    void setMenu(QMenu *menu);
+
     /// Where the item is on screen, in points; nothing while it is not (yet) embedded, and where the host tells nobody.
     [[nodiscard]] std::optional<NSRect> frame() const;
 
@@ -50,7 +56,8 @@ public:
 
 Q_SIGNALS:
     /// The primary or the right button went down on the enabled item, or its host says so: at `place`, in points, where
-    /// the host knows better than the mouse's position. Sent from the event loop, never from inside a host's call.
+    /// that is known better than by the mouse's position. Or it was chosen by the keyboard, or another program asks for
+    /// its menu. Sent from the event loop, never from inside a host's call.
     void pressed(std::optional<NSPoint> place);
 
 private:

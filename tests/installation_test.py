@@ -78,7 +78,8 @@ class InstallationTest(unittest.TestCase):
         self.install()
         programs = {path.relative_to(self.prefix).as_posix() for folder in ("bin", "sbin", "libexec")
                     for path in (self.prefix / folder).rglob("*") if path.is_file()}
-        self.assertEqual(programs, {"bin/kivmenua", "bin/kivsettings", "sbin/kivservice", "libexec/kivmenua/kivfetch"})
+        self.assertEqual(programs, {"bin/kivmenua", "bin/kivsettings", "bin/kivshowmenu", "sbin/kivservice",
+                                    "libexec/kivmenua/kivfetch"})
         for program in programs:
             self.assertTrue(os.access(self.prefix / program, os.X_OK), program)
 

@@ -101,6 +101,9 @@ QIcon StatusItem::image() const
     return d->image;
 }
 
+// The system would open it by itself, and nobody would hear of the press.
+void StatusItem::setMenu(QMenu *) {}
+
 WId StatusItem::getWindow() const
 {
     return 0;

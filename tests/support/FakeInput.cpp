@@ -51,4 +51,27 @@ void click(QPoint point, std::uint8_t button)
     release(button);
 }
 
+std::uint8_t keyOf(std::uint32_t symbol)
+{
+    xcb_connection_t *x = connection();
+    const xcb_setup_t *setup = xcb_get_setup(x);
+    const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+    xcb_get_keyboard_mapping_reply_t *mapping =
+        xcb_get_keyboard_mapping_reply(x, xcb_get_keyboard_mapping(x, setup->min_keycode, count), nullptr);
+    std::uint8_t key = 0;
+    for (int i = 0; mapping && key == 0 && i < count; ++i) {
+        if (xcb_get_keyboard_mapping_keysyms(mapping)[i * mapping->keysyms_per_keycode] == symbol) {
+            key = static_cast<std::uint8_t>(setup->min_keycode + i);
+        }
+    }
+    std::free(mapping);
+    return key;
+}
+
+void tapKey(std::uint8_t key)
+{
+    send(XCB_KEY_PRESS, key, {});
+    send(XCB_KEY_RELEASE, key, {});
+}
+
 } // namespace FakeInput

@@ -3,6 +3,7 @@
 #include "platform/LogCategories.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/item/NotifierWatcher.h"
+#include "platform/linux/item/StatusNotifierItem.h"
 
 #include <QDBusError>
 #include <QDBusMessage>
@@ -21,10 +22,13 @@ bool hasGone(QDBusError::ErrorType error)
 }
 } // namespace
 
-NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString &watcher, QObject &item)
+NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString &watcher, StatusNotifierItem &item)
     : m_connection(bus.connectOnceMore())
 {
     m_connection.registerObject(itemPath, &item, QDBusConnection::ExportAdaptors);
+    if (BusMenu *menu = item.busMenu()) {
+        m_connection.registerObject(item.menu().path(), menu, QDBusConnection::ExportAdaptors);
+    }
     QDBusMessage message = QDBusMessage::createMethodCall(watcher, notifierWatcherPath(), notifierWatcherName(),
                                                           QStringLiteral("RegisterStatusNotifierItem"));
     message.setAutoStartService(false);
@@ -48,7 +52,7 @@ void NotifierRegistration::hearAnswer()
 NotifierRegistration::~NotifierRegistration()
 {
     m_answer.reset();
-    m_connection.unregisterObject(itemPath);
+    m_connection.unregisterObject(itemPath, QDBusConnection::UnregisterTree);
     const QString name = m_connection.name();
     m_connection = QDBusConnection(QString());
     QDBusConnection::disconnectFromBus(name);

@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QObject>
 
 #include <memory>
 
 class QDBusPendingCallWatcher;
 class SessionBus;
+class StatusNotifierItem;
 
 /// An item's presence with one StatusNotifierItem host, for as long as this lives: a bus connection of its own, which
 /// serves the item, and which the watcher has been told of. Watchers take an item off when its connection ends, and not
@@ -14,8 +14,8 @@ class SessionBus;
 class NotifierRegistration final
 {
 public:
-    /// `watcher` is the unique name of the watcher on `bus`. `item` is served with its adaptors and must outlive this.
-    NotifierRegistration(const SessionBus &bus, const QString &watcher, QObject &item);
+    /// `watcher` is the unique name of the watcher on `bus`. `item` is served, with its menu, and must outlive this.
+    NotifierRegistration(const SessionBus &bus, const QString &watcher, StatusNotifierItem &item);
     ~NotifierRegistration();
     NotifierRegistration(const NotifierRegistration &) = delete;
     NotifierRegistration &operator=(const NotifierRegistration &) = delete;

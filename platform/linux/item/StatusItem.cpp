@@ -4,6 +4,7 @@
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/item/MenuRequests.h"
 #include "platform/linux/item/NotifierHostWatch.h"
 #include "platform/linux/item/NotifierRegistration.h"
 #include "platform/linux/item/StatusItemForm.h"
@@ -60,6 +61,7 @@ public:
 
     void update(Settling settling);
     void apply();
+    void setMenu(QMenu *offered);
 
     /// The window that the user sees, or shall see; null when there is none.
     [[nodiscard]] TrayIconWindow *window() const { return m_standIn ? m_standIn.get() : m_window.get(); }
@@ -74,8 +76,11 @@ private:
     void watchScreen(QScreen *screen);
     void placeStrip();
     void handlePress(std::optional<QPoint> place);
+    void handleKey();
 
     StatusItem *const m_owner;
+    QMenu *m_menu = nullptr;
+    MenuRequests m_requests;
     TrayHostWatch m_trays;
     NotifierHostWatch m_notifiers;
     bool m_isNew = true; ///< Until all has been asked for the first time.
@@ -92,6 +97,7 @@ private:
 
 StatusItem::Private::Private(StatusItem *owner)
     : m_owner(owner)
+    , m_requests(SessionBus::instance())
     , m_notifiers(SessionBus::instance())
 {
     using namespace std::chrono_literals;
@@ -101,6 +107,7 @@ StatusItem::Private::Private(StatusItem *owner)
     m_dockTimeout.setSingleShot(true);
     m_dockTimeout.setInterval(5s);
     connect(&m_dockTimeout, &QTimer::timeout, this, &Private::standIn);
+    connect(&m_requests, &MenuRequests::requested, this, &Private::handleKey);
     connect(&m_trays, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
     connect(&m_notifiers, &NotifierHostWatch::changed, this,
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
@@ -117,7 +124,7 @@ StatusItem::Private::Private(StatusItem *owner)
 
 void StatusItem::Private::update(Settling settling)
 {
-    const StatusItemHosts hosts{m_trays.tray() != XCB_NONE, !m_notifiers.watcher().isEmpty()};
+    const StatusItemHosts hosts{m_trays.tray() != XCB_NONE, !m_notifiers.watcher().isEmpty(), m_trays.isProxy()};
     const StatusItemForm form = pickForm(hosts, m_form, settling);
     if (form == wantedForm(hosts)) {
         m_settling.stop();
@@ -128,7 +135,10 @@ void StatusItem::Private::update(Settling settling)
     if (form != m_form || (form == StatusItemForm::Tray && m_tray != m_trays.tray()) ||
         (form == StatusItemForm::Notifier && m_watcher != m_notifiers.watcher())) {
         qCDebug(itemLog, "the item is %s: there is %s tray and %s StatusNotifierItem host", description(form),
-                hosts.tray ? "a" : "no", hosts.notifier ? "a" : "no");
+                hosts.trayIsProxy ? "a proxy for a"
+                : hosts.tray      ? "a"
+                                  : "no",
+                hosts.notifier ? "a" : "no");
         setForm(form);
     }
 }
@@ -154,7 +164,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
         break;
     case StatusItemForm::Notifier:
         m_watcher = m_notifiers.watcher();
-        m_notifierItem = std::make_unique<StatusNotifierItem>();
+        m_notifierItem = std::make_unique<StatusNotifierItem>(m_menu);
         connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, &Private::handlePress);
         m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
         break;
@@ -174,6 +184,7 @@ void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
     m_window = std::move(made);
     if (m_window) {
         connect(m_window.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+        connect(m_window.get(), &TrayIconWindow::chosenByKey, this, &Private::handleKey);
         connect(m_window.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
         connect(m_window.get(), &TrayIconWindow::docked, this, [this] {
             m_dockTimeout.stop();
@@ -203,6 +214,7 @@ void StatusItem::Private::standIn()
     m_standIn = TrayIconWindow::standingAt(stripPlace(screen));
     if (m_standIn) {
         connect(m_standIn.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+        connect(m_standIn.get(), &TrayIconWindow::chosenByKey, this, &Private::handleKey);
         connect(m_standIn.get(), &TrayIconWindow::lost, &m_dockTimeout, qOverload<>(&QTimer::start));
         apply();
     }
@@ -240,12 +252,29 @@ void StatusItem::Private::apply()
     }
 }
 
+void StatusItem::Private::setMenu(QMenu *offered)
+{
+    if (m_menu != offered) {
+        m_menu = offered;
+        if (m_form == StatusItemForm::Notifier) {
+            setForm(m_form); // Hosts ask once whether an item has a menu.
+        }
+    }
+}
+
 void StatusItem::Private::handlePress(std::optional<QPoint> place)
 {
     qCDebug(itemLog, look.enabled ? "pressed" : "pressed, while a panel has to be answered first");
     if (look.enabled) {
         Q_EMIT m_owner->pressed(place ? std::optional(screenCoordinates().fromDevice(*place)) : std::nullopt);
     }
+}
+
+/// As if the item itself had been pressed, wherever the mouse is.
+void StatusItem::Private::handleKey()
+{
+    const std::optional<QRect> place = window() ? window()->place() : std::nullopt;
+    handlePress(place ? std::optional(place->topLeft()) : std::nullopt);
 }
 
 StatusItem::StatusItem(QObject *parent)
@@ -306,6 +335,11 @@ void StatusItem::setImage(const QIcon &image)
 QIcon StatusItem::image() const
 {
     return d->look.image;
+}
+
+void StatusItem::setMenu(QMenu *menu)
+{
+    d->setMenu(menu);
 }
 
 WId StatusItem::getWindow() const

@@ -22,7 +22,7 @@ bool isPossible(StatusItemForm form, StatusItemHosts hosts)
 
 StatusItemForm wantedForm(StatusItemHosts hosts)
 {
-    if (hosts.tray) {
+    if (hosts.tray && !(hosts.trayIsProxy && hosts.notifier)) {
         return StatusItemForm::Tray;
     }
     return hosts.notifier ? StatusItemForm::Notifier : StatusItemForm::Strip;
@@ -31,7 +31,8 @@ StatusItemForm wantedForm(StatusItemHosts hosts)
 StatusItemForm pickForm(StatusItemHosts hosts, StatusItemForm present, Settling settling)
 {
     const StatusItemForm wanted = wantedForm(hosts);
-    if (wanted == StatusItemForm::Tray || settling == Settling::Over) {
+    // The host behind a proxy may just not be known yet.
+    if ((wanted == StatusItemForm::Tray && !hosts.trayIsProxy) || settling == Settling::Over) {
         return wanted;
     }
     return isPossible(present, hosts) ? present : StatusItemForm::None;

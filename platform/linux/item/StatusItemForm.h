@@ -12,15 +12,17 @@ enum class StatusItemForm {
 struct StatusItemHosts {
     bool tray = false;
     bool notifier = false;
+    bool trayIsProxy = false; ///< It draws nothing itself, but hands windows on to a notifier host.
 };
 
 /// Whether the hosts have had the time to settle since the last change.
 enum class Settling { Underway, Over };
 
-/// The form that suits the hosts once they have settled. A tray is preferred to a notifier host.
+/// The form that suits the hosts once they have settled. A tray is preferred to a notifier host, for it tells where the
+/// item is; but not a proxy, behind which the item would be a picture of a window, with that window's place.
 [[nodiscard]] StatusItemForm wantedForm(StatusItemHosts hosts);
 
-/// The form that follows the `present` one (None for a new item) now. The tray follows at once, every other form only
+/// The form that follows the `present` one (None for a new item) now. A tray follows at once, every other form only
 /// when the hosts have settled: a panel that rebuilds itself is back within a moment and must not make the strip
 /// flicker, and a panel that speaks both protocols may announce its bus name first. Until then the present form stays,
 /// as long as its host is there.

@@ -5,7 +5,8 @@
 
 #include <QDBusMetaType>
 
-StatusNotifierItem::StatusNotifierItem()
+StatusNotifierItem::StatusNotifierItem(QMenu *menu)
+    : m_busMenu(menu ? std::make_unique<BusMenu>(*menu) : nullptr)
 {
     qDBusRegisterMetaType<NotifierPixmap>();
     qDBusRegisterMetaType<NotifierPixmaps>();
@@ -18,6 +19,9 @@ void StatusNotifierItem::setLook(const StatusItemLook &look)
     const QString oldTitle = title();
     const QString oldStatus = status();
     const StatusItemLook old = std::exchange(m_look, look);
+    if (m_busMenu) {
+        m_busMenu->setChoice(m_look.enabled ? Choice::Possible : Choice::Barred);
+    }
     if (title() != oldTitle) {
         Q_EMIT NewTitle();
     }
@@ -44,8 +48,8 @@ QString StatusNotifierItem::status() const
 
 QDBusObjectPath StatusNotifierItem::menu() const
 {
-    // What hosts know for "none".
-    return QDBusObjectPath(QStringLiteral("/NO_DBUSMENU"));
+    // The second is what hosts know for "none".
+    return QDBusObjectPath(m_busMenu ? QStringLiteral("/StatusNotifierItem/Menu") : QStringLiteral("/NO_DBUSMENU"));
 }
 
 void StatusNotifierItem::Activate(int x, int y)
@@ -56,6 +60,11 @@ void StatusNotifierItem::Activate(int x, int y)
 }
 
 void StatusNotifierItem::ContextMenu(int x, int y)
+{
+    Activate(x, y);
+}
+
+void StatusNotifierItem::SecondaryActivate(int x, int y)
 {
     Activate(x, y);
 }

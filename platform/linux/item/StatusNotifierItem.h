@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ProductTexts.h"
+#include "platform/linux/item/BusMenu.h"
 #include "platform/linux/item/NotifierPixmap.h"
 #include "platform/linux/item/StatusItemLook.h"
 
@@ -8,7 +9,10 @@
 #include <QObject>
 #include <QPoint>
 
+#include <memory>
 #include <optional>
+
+class QMenu;
 
 /// The status item as a StatusNotifierItem host sees it: the properties, methods and signals of the contract
 /// resources/dbus/org.kde.StatusNotifierItem.xml. NotifierRegistration makes it known to the host. Main thread only.
@@ -33,7 +37,8 @@ class StatusNotifierItem final : public QObject
     Q_PROPERTY(QDBusObjectPath Menu READ menu CONSTANT)
 
 public:
-    StatusNotifierItem();
+    /// `menu` is what hosts may draw themselves; null for none.
+    explicit StatusNotifierItem(QMenu *menu = nullptr);
 
     /// Tells the host what has changed, if anything has.
     void setLook(const StatusItemLook &look);
@@ -52,10 +57,13 @@ public:
     [[nodiscard]] bool isMenu() const { return false; }
     [[nodiscard]] QDBusObjectPath menu() const;
 
+    /// The object to be served at the path of that property; null when there is none.
+    [[nodiscard]] BusMenu *busMenu() const noexcept { return m_busMenu.get(); }
+
 public Q_SLOTS:
     void Activate(int x, int y);
     void ContextMenu(int x, int y);
-    void SecondaryActivate(int, int) {}
+    void SecondaryActivate(int x, int y);
     void Scroll(int, const QString &) {}
 
 Q_SIGNALS:
@@ -70,4 +78,5 @@ Q_SIGNALS:
 
 private:
     StatusItemLook m_look;
+    const std::unique_ptr<BusMenu> m_busMenu;
 };

@@ -1,11 +1,24 @@
 #include "platform/linux/item/TrayHostWatch.h"
 
 #include "platform/LogCategories.h"
+#include "platform/linux/include/ExecutableName.h"
+#include "platform/linux/include/ProcessOfWindow.h"
 #include "platform/linux/include/XConnection.h"
 
 #include <QCoreApplication>
 
 #include <xcb/xfixes.h>
+
+namespace
+{
+
+/// The programs that show X windows as StatusNotifierItems: KDE's, and LXQt's panel, which has the same inside.
+bool isNameOfProxy(const QByteArray &program)
+{
+    return program == "xembedsniproxy" || program == "lxqt-panel";
+}
+
+} // namespace
 
 TrayHostWatch::TrayHostWatch(QObject *parent)
     : QObject(parent)
@@ -18,9 +31,9 @@ TrayHostWatch::TrayHostWatch(QObject *parent)
     const auto versionCookie = xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
     const XcbReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(x, versionCookie, nullptr));
     m_selectionNotify = xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY;
-    m_window.emplace([this] { setTray(watchSelection()); });
+    m_window.emplace([this] { handleOwner(watchSelection()); });
     QCoreApplication::instance()->installNativeEventFilter(this);
-    m_tray = watchSelection();
+    setTray(watchSelection());
 }
 
 TrayHostWatch::~TrayHostWatch() = default;
@@ -41,7 +54,7 @@ bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr
     if (XConnection::eventType(*event) == m_selectionNotify) {
         const auto *notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event);
         if (notify->window == m_window->id()) {
-            setTray(notify->owner);
+            handleOwner(notify->owner);
         }
     }
     return false;
@@ -49,13 +62,19 @@ bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr
 
 void TrayHostWatch::setTray(xcb_window_t owner)
 {
+    m_tray = owner;
+    m_isProxy = owner != XCB_NONE && isNameOfProxy(executableName(processOfWindow(owner)));
+}
+
+void TrayHostWatch::handleOwner(xcb_window_t owner)
+{
     if (m_tray != owner) {
         if (owner == XCB_NONE) {
             qCDebug(itemLog, "the tray of window 0x%x has gone", m_tray);
         } else {
             qCDebug(itemLog, "there is a new tray, of window 0x%x", owner);
         }
-        m_tray = owner;
+        setTray(owner);
         // Not from inside Qt's event filters, of which the listener adds and removes some.
         QMetaObject::invokeMethod(this, &TrayHostWatch::changed, Qt::QueuedConnection);
     }

@@ -3,7 +3,10 @@
 #include "platform/LogCategories.h"
 #include "platform/ProductTexts.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/item/OpenPopUps.h"
+#include "platform/linux/item/PressedKey.h"
 #include "platform/linux/item/TrayProtocol.h"
+#include "platform/linux/item/WindowPicture.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -14,8 +17,6 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
-#include <cstring>
-#include <vector>
 
 namespace
 {
@@ -28,16 +29,6 @@ const QByteArray className(ProductTexts::itemName.data(), ProductTexts::itemName
 void ignoreError(xcb_void_cookie_t cookie)
 {
     xcb_discard_reply(XConnection::get(), cookie.sequence);
-}
-
-void closePopups()
-{
-    while (QWidget *popup = QApplication::activePopupWidget()) {
-        popup->close();
-        if (QApplication::activePopupWidget() == popup) {
-            return;
-        }
-    }
 }
 
 } // namespace
@@ -86,10 +77,14 @@ TrayIconWindow::TrayIconWindow(Kind kind, const XVisual &visual, const QRect &pl
     const bool parentRelative = visual.depth == screen->root_depth;
     // Override-redirect: when a tray dies, the server puts its icons back on the root window and maps them; no window
     // manager shall make a framed window of ours then.
+    // A docked window hears of the keyboard from its embedder. With the panel's window in focus the server would send
+    // it every key pressed while the mouse is over it, if it asked for keys.
+    const std::uint32_t keyboard =
+        kind == Kind::Alone ? XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE : XCB_EVENT_MASK_NO_EVENT;
     const std::array<std::uint32_t, 5> values = {
         parentRelative ? static_cast<std::uint32_t>(XCB_BACK_PIXMAP_PARENT_RELATIVE) : 0U, 0, true,
         XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_BUTTON_PRESS |
-            XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW,
+            XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | keyboard,
         m_colormap};
     xcb_create_window(x, visual.depth, m_window, screen->root, static_cast<std::int16_t>(place.x()),
                       static_cast<std::int16_t>(place.y()), static_cast<std::uint16_t>(place.width()),
@@ -126,7 +121,7 @@ TrayIconWindow::~TrayIconWindow()
 void TrayIconWindow::setLook(const StatusItemLook &look)
 {
     const bool repaint = look.image.cacheKey() != m_look.image.cacheKey() || look.enabled != m_look.enabled;
-    const bool rename = look.title != m_look.title;
+    const bool rename = look.title != m_look.title || look.toolTip != m_look.toolTip;
     m_look = look;
     if (rename) {
         setNames();
@@ -227,6 +222,29 @@ void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
         }
         break;
     }
+    case XCB_KEY_PRESS: {
+        const auto *press = reinterpret_cast<const xcb_key_press_event_t *>(event);
+        if (press->event == m_window) {
+            handleKey(*press);
+        }
+        break;
+    }
+    case XCB_CLIENT_MESSAGE: {
+        const auto *client = reinterpret_cast<const xcb_client_message_event_t *>(event);
+        if (const auto focused = TrayProtocol::focusTold(*client); focused && client->window == m_window) {
+            setFocused(*focused);
+        }
+        break;
+    }
+    case XCB_FOCUS_IN:
+    case XCB_FOCUS_OUT: {
+        const auto *focus = reinterpret_cast<const xcb_focus_in_event_t *>(event);
+        if (focus->event == m_window && focus->mode == XCB_NOTIFY_MODE_NORMAL &&
+            focus->detail != XCB_NOTIFY_DETAIL_POINTER) {
+            setFocused(XConnection::eventType(*event) == XCB_FOCUS_IN);
+        }
+        break;
+    }
     case XCB_ENTER_NOTIFY: {
         const auto *enter = reinterpret_cast<const xcb_enter_notify_event_t *>(event);
         if (enter->event == m_window && enter->mode == XCB_NOTIFY_MODE_NORMAL) {
@@ -249,6 +267,7 @@ void TrayIconWindow::handleReparent(xcb_window_t parent)
     if (parent != XConnection::screen()->root) {
         qCDebug(itemLog, "the tray has taken the item in");
         m_embedded = true;
+        m_embedder = parent;
         QMetaObject::invokeMethod(this, &TrayIconWindow::docked, Qt::QueuedConnection);
         return;
     }
@@ -281,11 +300,35 @@ void TrayIconWindow::handlePress(xcb_button_t button)
         // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget()) {
             qCDebug(itemLog, "pressed: closes the menu that is open");
-            closePopups();
+            closePopUps();
         } else if (button != XCB_BUTTON_INDEX_2) {
             Q_EMIT pressed();
         }
     });
+}
+
+void TrayIconWindow::handleKey(const xcb_key_press_event_t &press)
+{
+    const PressedKey key = pressedKey(press);
+    if (key == PressedKey::Open) {
+        hideToolTip();
+        RootProperties::catchUpAndShow(this, [this] {
+            if (!QApplication::activePopupWidget()) {
+                Q_EMIT chosenByKey();
+            }
+        });
+    } else if (key != PressedKey::Other && m_embedded) {
+        TrayProtocol::passFocus(m_embedder, key == PressedKey::Next ? TrayProtocol::FocusTo::Next
+                                                                    : TrayProtocol::FocusTo::Previous);
+    }
+}
+
+void TrayIconWindow::setFocused(bool focused)
+{
+    if (m_focused != focused) {
+        m_focused = focused;
+        paint();
+    }
 }
 
 void TrayIconWindow::showToolTip()
@@ -307,7 +350,9 @@ void TrayIconWindow::hideToolTip()
 
 void TrayIconWindow::setNames()
 {
-    const QByteArray name = m_look.title.isEmpty() ? className : m_look.title.toUtf8();
+    // Trays that show the window elsewhere, as a list of items or another protocol's item, know no other name.
+    const QString &title = m_look.title.isEmpty() ? m_look.toolTip : m_look.title;
+    const QByteArray name = title.isEmpty() ? className : title.toUtf8();
     const auto set = [this, &name](xcb_atom_t property, xcb_atom_t type) {
         ignoreError(xcb_change_property_checked(XConnection::get(), XCB_PROP_MODE_REPLACE, m_window, property, type, 8,
                                                 static_cast<std::uint32_t>(name.size()), name.constData()));
@@ -323,47 +368,28 @@ void TrayIconWindow::paint()
     if (!m_mapped || side <= 0) {
         return;
     }
-    xcb_connection_t *x = XConnection::get();
     const QRect area((m_geometry.width() - side) / 2, (m_geometry.height() - side) / 2, side, side);
-    ignoreError(xcb_clear_area_checked(x, false, m_window, 0, 0, 0, 0));
+    ignoreError(xcb_clear_area_checked(XConnection::get(), false, m_window, 0, 0, 0, 0));
     QImage canvas = background(area);
     if (canvas.isNull()) {
         return;
     }
     QPainter painter(&canvas);
     painter.drawImage(QPoint(0, 0), drawIcon(m_look.image, side, m_look.iconLook()));
+    if (m_focused) {
+        painter.setPen(QGuiApplication::palette().color(QPalette::Highlight));
+        painter.drawRect(0, 0, side - 1, side - 1);
+    }
     painter.end();
-
-    const xcb_gcontext_t context = xcb_generate_id(x);
-    ignoreError(xcb_create_gc_checked(x, context, m_window, 0, nullptr));
-    ignoreError(xcb_put_image_checked(x, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, context, static_cast<std::uint16_t>(side),
-                                      static_cast<std::uint16_t>(side), static_cast<std::int16_t>(area.x()),
-                                      static_cast<std::int16_t>(area.y()), 0, m_visual.depth,
-                                      static_cast<std::uint32_t>(canvas.sizeInBytes()), canvas.constBits()));
-    ignoreError(xcb_free_gc_checked(x, context));
-    xcb_flush(x);
+    putPicture(m_window, area.topLeft(), canvas, m_visual);
 }
 
 QImage TrayIconWindow::background(const QRect &area) const
 {
+    if (m_kind == Kind::Docked && !m_visual.isTranslucent()) {
+        return pictureOf(m_window, area, m_visual);
+    }
     QImage canvas(area.size(), m_visual.format);
-    if (m_kind == Kind::Alone) {
-        canvas.fill(plateColour);
-        return canvas;
-    }
-    if (m_visual.isTranslucent()) {
-        canvas.fill(Qt::transparent);
-        return canvas;
-    }
-    xcb_connection_t *x = XConnection::get();
-    const auto cookie = xcb_get_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, static_cast<std::int16_t>(area.x()),
-                                      static_cast<std::int16_t>(area.y()), static_cast<std::uint16_t>(area.width()),
-                                      static_cast<std::uint16_t>(area.height()), ~0U);
-    const XcbReply<xcb_get_image_reply_t> image(xcb_get_image_reply(x, cookie, nullptr));
-    // Refused while a part of the window is off the screen; it is exposed, and painted, when it comes back.
-    if (!image || xcb_get_image_data_length(image.get()) < canvas.sizeInBytes()) {
-        return {};
-    }
-    std::memcpy(canvas.bits(), xcb_get_image_data(image.get()), static_cast<std::size_t>(canvas.sizeInBytes()));
+    canvas.fill(m_kind == Kind::Alone ? QColor::fromRgba(plateColour) : Qt::transparent);
     return canvas;
 }

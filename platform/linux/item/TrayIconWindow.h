@@ -44,6 +44,8 @@ Q_SIGNALS:
     /// The primary or the right button went down on it. From the event loop. Not for a press that only closes an open
     /// menu.
     void pressed();
+    /// A key that opens the menu was pressed while it had the keyboard. From the event loop.
+    void chosenByKey();
     /// The tray has taken the window in. From the event loop.
     void docked();
     /// The tray no longer embeds the window, or has ended, and the window with it; or another program has destroyed it.
@@ -59,6 +61,8 @@ private:
     void handleEvent(const xcb_generic_event_t *event);
     void handleReparent(xcb_window_t parent);
     void handlePress(xcb_button_t button);
+    void handleKey(const xcb_key_press_event_t &press);
+    void setFocused(bool focused);
     void showToolTip();
     void hideToolTip();
     void tellOfLoss();
@@ -73,6 +77,8 @@ private:
     QRect m_geometry; ///< Within its parent.
     bool m_mapped = false;
     bool m_embedded = false;
+    xcb_window_t m_embedder = XCB_NONE; ///< What has taken it in.
+    bool m_focused = false;             ///< It has the keyboard, and shows it.
     StatusItemLook m_look;
     QTimer m_toolTipDelay;
     bool m_toolTipShown = false;

@@ -13,6 +13,22 @@ constexpr std::uint32_t systemTrayRequestDock = 0;
 constexpr std::uint32_t xembedVersion = 0;
 constexpr std::uint32_t xembedMapped = 1;
 
+// Messages of XEmbed.
+constexpr std::uint32_t xembedFocusIn = 4;
+constexpr std::uint32_t xembedFocusOut = 5;
+constexpr std::uint32_t xembedFocusNext = 6;
+constexpr std::uint32_t xembedFocusPrevious = 7;
+
+/// The receiver may have gone; that is no error worth Qt's log.
+void sendMessage(const xcb_client_message_event_t &message)
+{
+    xcb_connection_t *x = XConnection::get();
+    const xcb_void_cookie_t cookie = xcb_send_event_checked(x, false, message.window, XCB_EVENT_MASK_NO_EVENT,
+                                                            reinterpret_cast<const char *>(&message));
+    xcb_discard_reply(x, cookie.sequence);
+    xcb_flush(x);
+}
+
 } // namespace
 
 namespace TrayProtocol
@@ -56,11 +72,34 @@ void requestDock(xcb_window_t tray, xcb_window_t window, QSize size)
     request.data.data32[0] = XCB_CURRENT_TIME;
     request.data.data32[1] = systemTrayRequestDock;
     request.data.data32[2] = window;
-    // The tray may have gone; that is no error worth Qt's log.
-    const xcb_void_cookie_t cookie =
-        xcb_send_event_checked(x, false, tray, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&request));
-    xcb_discard_reply(x, cookie.sequence);
-    xcb_flush(x);
+    sendMessage(request);
+}
+
+std::optional<bool> focusTold(const xcb_client_message_event_t &message)
+{
+    if (message.type != XConnection::atom("_XEMBED") || message.format != 32) {
+        return std::nullopt;
+    }
+    switch (message.data.data32[1]) {
+    case xembedFocusIn:
+        return true;
+    case xembedFocusOut:
+        return false;
+    default:
+        return std::nullopt;
+    }
+}
+
+void passFocus(xcb_window_t embedder, FocusTo to)
+{
+    xcb_client_message_event_t message = {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = embedder;
+    message.type = XConnection::atom("_XEMBED");
+    message.data.data32[0] = XCB_CURRENT_TIME;
+    message.data.data32[1] = to == FocusTo::Next ? xembedFocusNext : xembedFocusPrevious;
+    sendMessage(message);
 }
 
 } // namespace TrayProtocol

@@ -19,4 +19,13 @@ namespace TrayProtocol
 /// window another parent; there is no other answer.
 void requestDock(xcb_window_t tray, xcb_window_t window, QSize size);
 
+/// Whether a message of the embedder gives the keyboard to the embedded window or takes it away; nothing for any other
+/// message.
+[[nodiscard]] std::optional<bool> focusTold(const xcb_client_message_event_t &message);
+
+enum class FocusTo { Next, Previous };
+
+/// Has the embedder give the keyboard to what is beside the embedded window.
+void passFocus(xcb_window_t embedder, FocusTo to);
+
 } // namespace TrayProtocol

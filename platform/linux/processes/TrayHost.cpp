@@ -1,37 +1,13 @@
 #include "platform/linux/processes/TrayHost.h"
 
+#include "platform/linux/include/ProcessOfWindow.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
 
 #include <QElapsedTimer>
 
-#include <xcb/res.h>
-
 namespace
 {
-
-/// The process that made a window, by the X server's own knowledge: trays need not say it in _NET_WM_PID, and may lie.
-pid_t processOfWindow(xcb_window_t window)
-{
-    xcb_connection_t *connection = XConnection::get();
-    const xcb_query_extension_reply_t *extension = xcb_get_extension_data(connection, &xcb_res_id);
-    if (!extension || !extension->present) {
-        return 0;
-    }
-    const xcb_res_client_id_spec_t wanted{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-    const auto cookie = xcb_res_query_client_ids(connection, 1, &wanted);
-    const XcbReply<xcb_res_query_client_ids_reply_t> reply(xcb_res_query_client_ids_reply(connection, cookie, nullptr));
-    if (!reply) {
-        return 0;
-    }
-    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0; xcb_res_client_id_value_next(&it)) {
-        if (it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID &&
-            xcb_res_client_id_value_value_length(it.data) > 0) {
-            return static_cast<pid_t>(*xcb_res_client_id_value_value(it.data));
-        }
-    }
-    return 0;
-}
 
 pid_t findTrayHost()
 {

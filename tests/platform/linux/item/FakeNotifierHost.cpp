@@ -5,6 +5,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
+#include <QDBusVariant>
 
 #include <gtest/gtest.h>
 
@@ -54,13 +55,26 @@ QStringList FakeNotifierHost::items() const
 
 bool FakeNotifierHost::choose(const QString &member, QPoint place)
 {
+    return call(QStringLiteral("/StatusNotifierItem"), QStringLiteral("org.kde.StatusNotifierItem"), member,
+                {place.x(), place.y()});
+}
+
+bool FakeNotifierHost::chooseEntry(int id)
+{
+    return call(QStringLiteral("/StatusNotifierItem/Menu"), QStringLiteral("com.canonical.dbusmenu"),
+                QStringLiteral("Event"),
+                {id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(QVariant(0))), QVariant(0U)});
+}
+
+bool FakeNotifierHost::call(const QString &path, const QString &interface, const QString &member,
+                            const QVariantList &arguments)
+{
     const QStringList present = items();
     if (present.isEmpty()) {
         return false;
     }
-    QDBusMessage call = QDBusMessage::createMethodCall(present.first(), QStringLiteral("/StatusNotifierItem"),
-                                                       QStringLiteral("org.kde.StatusNotifierItem"), member);
-    call.setArguments({place.x(), place.y()});
-    QDBusPendingCallWatcher watcher(m_connection.asyncCall(call));
+    QDBusMessage message = QDBusMessage::createMethodCall(present.first(), path, interface, member);
+    message.setArguments(arguments);
+    QDBusPendingCallWatcher watcher(m_connection.asyncCall(message));
     return waitUntil([&] { return watcher.isFinished(); }, std::chrono::seconds(1)) && !watcher.isError();
 }

@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
 
 /// A StatusNotifierItem host of the test's own, and its watcher, on a bus connection of its own. A later one takes the
 /// name from an earlier one.
@@ -31,8 +32,14 @@ public:
     /// Tells the first item that it was chosen: "Activate" or "ContextMenu". False when it has not answered within a
     /// second.
     [[nodiscard]] bool choose(const QString &member, QPoint place = {10, 10});
+    /// Tells the first item's menu that the entry of this number was chosen. False when it has not answered, or with an
+    /// error.
+    [[nodiscard]] bool chooseEntry(int id);
 
 private:
+    [[nodiscard]] bool call(const QString &path, const QString &interface, const QString &member,
+                            const QVariantList &arguments);
+
     const QString m_connectionName;
     NotifierWatcherObject m_object;
     QDBusConnection m_connection;

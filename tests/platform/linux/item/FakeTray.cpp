@@ -56,6 +56,10 @@ void FakeTray::serve()
 {
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
         const auto *message = reinterpret_cast<const xcb_client_message_event_t *>(event.get());
+        if (XConnection::eventType(*event) == XCB_CLIENT_MESSAGE && message->type == XConnection::atom("_XEMBED")) {
+            m_words.push_back(message->data.data32[1]);
+            continue;
+        }
         if (XConnection::eventType(*event) != XCB_CLIENT_MESSAGE ||
             message->type != XConnection::atom("_NET_SYSTEM_TRAY_OPCODE") || message->data.data32[1] != 0) {
             continue;
@@ -69,6 +73,31 @@ void FakeTray::serve()
         xcb_flush(m_connection);
         m_icons.push_back(icon);
     }
+}
+
+void FakeTray::tell(xcb_window_t icon, Word word)
+{
+    xcb_client_message_event_t message = {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = icon;
+    message.type = XConnection::atom("_XEMBED");
+    message.data.data32[1] = static_cast<std::uint32_t>(word);
+    xcb_send_event(m_connection, false, icon, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&message));
+    xcb_flush(m_connection);
+}
+
+void FakeTray::passKey(xcb_window_t icon, std::uint8_t key, std::uint16_t modifiers)
+{
+    xcb_key_press_event_t press = {};
+    press.response_type = XCB_KEY_PRESS;
+    press.detail = key;
+    press.state = modifiers;
+    press.root = m_screen->root;
+    press.event = icon;
+    press.same_screen = true;
+    xcb_send_event(m_connection, false, icon, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&press));
+    xcb_flush(m_connection);
 }
 
 void FakeTray::putOut()

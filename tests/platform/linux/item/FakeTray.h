@@ -4,6 +4,7 @@
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <vector>
 
 /// A tray of the test's own, on an X connection of its own: it owns the tray selection, takes in every icon that asks
@@ -24,6 +25,14 @@ public:
     /// Puts its icons back on the root window and goes on owning the selection.
     void putOut();
 
+    /// What XEmbed has an embedder say to its window.
+    enum class Word { FocusIn = 4, FocusOut = 5 };
+    void tell(xcb_window_t icon, Word word);
+    /// Hands a key on that was pressed in its own window.
+    void passKey(xcb_window_t icon, std::uint8_t key, std::uint16_t modifiers = 0);
+    /// The numbers of the XEmbed messages that its icons have sent.
+    [[nodiscard]] const std::vector<std::uint32_t> &words() const { return m_words; }
+
     static constexpr int side = 24; ///< Of an icon, in pixels.
 
 private:
@@ -32,4 +41,5 @@ private:
     xcb_window_t m_owner;
     xcb_window_t m_socket;
     std::vector<xcb_window_t> m_icons;
+    std::vector<std::uint32_t> m_words;
 };

@@ -11,6 +11,8 @@ constexpr StatusItemHosts noHost{false, false};
 constexpr StatusItemHosts trayOnly{true, false};
 constexpr StatusItemHosts notifierOnly{false, true};
 constexpr StatusItemHosts both{true, true};
+constexpr StatusItemHosts proxyOnly{true, false, true};
+constexpr StatusItemHosts proxyAndNotifier{true, true, true};
 
 struct Row {
     const char *what;
@@ -26,6 +28,8 @@ TEST(StatusItemForm, IsTheTrayBeforeTheNotifierHostBeforeTheStrip)
     EXPECT_EQ(wantedForm(trayOnly), Form::Tray);
     EXPECT_EQ(wantedForm(notifierOnly), Form::Notifier);
     EXPECT_EQ(wantedForm(both), Form::Tray);
+    EXPECT_EQ(wantedForm(proxyOnly), Form::Tray);
+    EXPECT_EQ(wantedForm(proxyAndNotifier), Form::Notifier);
 }
 
 TEST(StatusItemForm, TakesATrayAtOnceAndAllElseAfterSettling)
@@ -46,6 +50,12 @@ TEST(StatusItemForm, TakesATrayAtOnceAndAllElseAfterSettling)
         {"notifier host comes just now", notifierOnly, Form::Strip, Settling::Underway, Form::Strip},
         {"notifier host has come", notifierOnly, Form::Strip, Settling::Over, Form::Notifier},
         {"notifier host gone just now", noHost, Form::Notifier, Settling::Underway, Form::None},
+        {"new, proxy whose host is not known yet", proxyOnly, Form::None, Settling::Underway, Form::None},
+        {"new, proxy without a host", proxyOnly, Form::None, Settling::Over, Form::Tray},
+        {"new, proxy and its host", proxyAndNotifier, Form::None, Settling::Over, Form::Notifier},
+        {"host of the proxy comes just now", proxyAndNotifier, Form::Tray, Settling::Underway, Form::Tray},
+        {"host of the proxy has come", proxyAndNotifier, Form::Tray, Settling::Over, Form::Notifier},
+        {"host of the proxy gone just now", proxyOnly, Form::Notifier, Settling::Underway, Form::None},
         {"notifier host is back", notifierOnly, Form::None, Settling::Underway, Form::None},
     };
     for (const Row &row : rows) {

@@ -1,5 +1,6 @@
 #include "platform/StatusItem.h"
 #include "platform/linux/include/SessionBus.h"
+#include "platform/linux/include/XConnection.h"
 #include "tests/platform/linux/item/FakeNotifierHost.h"
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/BusPeer.h"
@@ -259,6 +260,45 @@ TEST_F(StatusItemNotifierTest, PrefersATray)
     tray.emplace(QPoint(300, 50));
     EXPECT_TRUE(waitUntil([&] { return tray->serve(), item.frame().has_value(); }));
     EXPECT_TRUE(host.items().isEmpty());
+}
+
+TEST_F(StatusItemNotifierTest, PrefersTheHostToAProxyForIt)
+{
+    ChildProcess proxy;
+    ASSERT_TRUE(proxy.start(QStringLiteral(KIV_TRAY_PROXY), {}));
+    ASSERT_TRUE(waitUntil([&] { return XConnection::selectionOwner(XConnection::traySelection()) != XCB_NONE; }));
+    std::optional<FakeNotifierHost> host(std::in_place, bus->address());
+    StatusItem item;
+    item.setImage(redIcon());
+    EXPECT_TRUE(waitUntil([&] { return host->items().size() == 1; }));
+    EXPECT_FALSE(proxy.output().contains("asked")) << "not even at first";
+
+    host.reset();
+    EXPECT_TRUE(waitUntil([&] { return proxy.output().contains("asked"); })) << "better than nothing";
+    host.emplace(bus->address());
+    EXPECT_TRUE(waitUntil([&] { return host->items().size() == 1; }));
+}
+
+TEST_F(StatusItemNotifierTest, OffersItsMenuToTheHost)
+{
+    FakeNotifierHost host(bus->address());
+    QMenu menu;
+    QAction *const action = menu.addAction(QStringLiteral("One"));
+    StatusItem item;
+    item.setImage(redIcon());
+    item.setMenu(&menu);
+    ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
+    int choices = 0;
+    QObject::connect(action, &QAction::triggered, &menu, [&] { ++choices; });
+    EXPECT_TRUE(host.chooseEntry(1));
+    EXPECT_EQ(choices, 1);
+    item.setEnabled(false);
+    EXPECT_TRUE(host.chooseEntry(1));
+    EXPECT_EQ(choices, 1) << "a panel has to be answered first";
+
+    item.setMenu(nullptr);
+    ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
+    EXPECT_FALSE(host.chooseEntry(1)) << "there is no such menu any more";
 }
 
 TEST_F(StatusItemNotifierTest, SurvivesTheBus)

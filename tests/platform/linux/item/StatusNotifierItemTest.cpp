@@ -8,6 +8,7 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCall>
 #include <QFile>
+#include <QMenu>
 #include <QPixmap>
 #include <QXmlStreamReader>
 
@@ -180,16 +181,27 @@ TEST_F(StatusNotifierItemTest, IsPressedWhereItsHostSays)
                      [&](std::optional<QPoint> place) { presses.push_back(place); });
     EXPECT_EQ(call(interface, QStringLiteral("Activate"), {300, 20}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(call(interface, QStringLiteral("ContextMenu"), {310, -20}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call(interface, QStringLiteral("SecondaryActivate"), {7, 8}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(call(interface, QStringLiteral("Activate"), {0, 0}).type(), QDBusMessage::ReplyMessage);
-    EXPECT_TRUE(waitUntil([&] { return presses.size() >= 3; }));
-    EXPECT_THAT(presses, testing::ElementsAre(QPoint(300, 20), QPoint(310, -20), std::nullopt));
+    EXPECT_TRUE(waitUntil([&] { return presses.size() >= 4; }));
+    EXPECT_THAT(presses, testing::ElementsAre(QPoint(300, 20), QPoint(310, -20), QPoint(7, 8), std::nullopt));
 }
 
-TEST_F(StatusNotifierItemTest, TakesTheMiddleButtonAndTheWheelForNothing)
+TEST_F(StatusNotifierItemTest, NamesTheMenuThatAHostMayDraw)
+{
+    EXPECT_EQ(qvariant_cast<QDBusObjectPath>(property(QStringLiteral("Menu"))).path(), QStringLiteral("/NO_DBUSMENU"));
+    EXPECT_EQ(item.busMenu(), nullptr);
+
+    QMenu menu;
+    const StatusNotifierItem withMenu(&menu);
+    EXPECT_NE(withMenu.busMenu(), nullptr);
+    EXPECT_EQ(withMenu.menu().path(), QStringLiteral("/StatusNotifierItem/Menu"));
+}
+
+TEST_F(StatusNotifierItemTest, TakesTheWheelForNothing)
 {
     int presses = 0;
     QObject::connect(&item, &StatusNotifierItem::pressed, &item, [&] { ++presses; });
-    EXPECT_EQ(call(interface, QStringLiteral("SecondaryActivate"), {300, 20}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(call(interface, QStringLiteral("Scroll"), {120, QStringLiteral("vertical")}).type(),
               QDBusMessage::ReplyMessage);
     // Presses are told in the order of the calls.

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/linux/include/SessionBus.h"
+
+#include <QObject>
+
+/// The object by which other programs have the menu opened, as those do that a key is bound to: the contract
+/// resources/dbus/com.tamborel.kivune.Menu.xml. On the bus as long as it lives, across the bus's own ends. Main thread
+/// only.
+class MenuRequests final : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// `bus` must outlive this object.
+    explicit MenuRequests(SessionBus &bus);
+    ~MenuRequests() override;
+
+public Q_SLOTS:
+    void ShowMenu();
+
+Q_SIGNALS:
+    /// The menu is to open, unless one is open already. From the event loop, when a menu would get the keyboard.
+    void requested();
+
+private:
+    void serve();
+
+    SessionBus &m_bus;
+};

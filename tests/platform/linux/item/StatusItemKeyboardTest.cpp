@@ -1,0 +1,240 @@
+#include "platform/SessionLock.h"
+#include "platform/StatusItem.h"
+#include "platform/linux/include/EventBusName.h"
+#include "platform/linux/include/SessionBus.h"
+#include "platform/linux/include/XConnection.h"
+#include "tests/platform/linux/item/FakeTray.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/FakeInput.h"
+#include "tests/support/PrivateBus.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QCoreApplication>
+#include <QDBusPendingCall>
+#include <QGuiApplication>
+#include <QImage>
+#include <QMenu>
+#include <QPalette>
+#include <QPixmap>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <vector>
+
+namespace
+{
+
+constexpr NSRect stripFrame{{1258, 778}, {22, 22}};
+const QPoint trayPlace(100, 50);
+/// The top-left corner of the item in that tray, in points from below.
+constexpr NSPoint trayCorner{100, 750};
+
+// As X11/keysymdef.h has them.
+constexpr std::uint32_t letterA = 0x61;
+constexpr std::uint32_t space = 0x20;
+constexpr std::uint32_t tab = 0xff09;
+constexpr std::uint32_t returnKey = 0xff0d;
+constexpr std::uint32_t menuKey = 0xff67;
+
+QIcon redIcon()
+{
+    QPixmap pixmap(22, 22);
+    pixmap.fill(Qt::red);
+    return QIcon(pixmap);
+}
+
+/// The colour of the screen at this place.
+QRgb colourAt(QPoint place)
+{
+    xcb_connection_t *x = XConnection::get();
+    const auto cookie =
+        xcb_get_image(x, XCB_IMAGE_FORMAT_Z_PIXMAP, XConnection::screen()->root, static_cast<std::int16_t>(place.x()),
+                      static_cast<std::int16_t>(place.y()), 1, 1, ~0U);
+    const XcbReply<xcb_get_image_reply_t> image(xcb_get_image_reply(x, cookie, nullptr));
+    return image ? QImage(xcb_get_image_data(image.get()), 1, 1, QImage::Format_RGB32).pixel(0, 0) : 0;
+}
+
+class StatusItemKeyboard : public testing::Test
+{
+protected:
+    StatusItemKeyboard()
+    {
+        item.setImage(redIcon());
+        QObject::connect(&item, &StatusItem::pressed, &item,
+                         [this](std::optional<NSPoint> place) { presses.push_back(place); });
+    }
+
+    StatusItem item;
+    std::vector<std::optional<NSPoint>> presses;
+};
+
+class StatusItemKeyboardInATray : public StatusItemKeyboard
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value() && tray.icons().size() == 1; }));
+        icon = tray.icons().front();
+    }
+
+    FakeTray tray{trayPlace};
+    xcb_window_t icon = XCB_NONE;
+};
+
+TEST_F(StatusItemKeyboardInATray, OpensTheMenuAtTheItemWhereverTheMouseIs)
+{
+    FakeInput::moveTo({600, 400});
+    for (const std::uint32_t symbol : {letterA, returnKey, space, menuKey}) {
+        tray.passKey(icon, FakeInput::keyOf(symbol));
+    }
+    EXPECT_TRUE(waitUntil([&] { return presses.size() >= 3; }));
+    tray.passKey(icon, FakeInput::keyOf(returnKey), XCB_MOD_MASK_CONTROL);
+    tray.passKey(icon, FakeInput::keyOf(returnKey));
+    EXPECT_TRUE(waitUntil([&] { return presses.size() >= 4; }));
+    EXPECT_THAT(presses, testing::ElementsAre(trayCorner, trayCorner, trayCorner, trayCorner));
+
+    item.setEnabled(false);
+    tray.passKey(icon, FakeInput::keyOf(returnKey));
+    tray.passKey(icon, FakeInput::keyOf(tab));
+    EXPECT_TRUE(waitUntil([&] { return tray.serve(), !tray.words().empty(); }));
+    EXPECT_EQ(presses.size(), 4U);
+}
+
+TEST_F(StatusItemKeyboardInATray, IsSeenToHaveTheFocusAndPassesItOnWithTab)
+{
+    const QRgb frame = QGuiApplication::palette().color(QPalette::Highlight).rgb();
+    const QPoint middle = trayPlace + QPoint(FakeTray::side / 2, FakeTray::side / 2);
+    EXPECT_TRUE(waitUntil([&] { return colourAt(middle) == QColor(Qt::red).rgb(); }));
+    ASSERT_NE(colourAt(trayPlace), frame);
+    tray.tell(icon, FakeTray::Word::FocusIn);
+    EXPECT_TRUE(waitUntil([&] { return colourAt(trayPlace) == frame; }));
+    tray.tell(icon, FakeTray::Word::FocusOut);
+    EXPECT_TRUE(waitUntil([&] { return colourAt(trayPlace) != frame; }));
+
+    tray.passKey(icon, FakeInput::keyOf(tab));
+    tray.passKey(icon, FakeInput::keyOf(tab), XCB_MOD_MASK_SHIFT);
+    EXPECT_TRUE(waitUntil([&] { return tray.serve(), tray.words().size() == 2; }));
+    constexpr std::uint32_t focusNext = 6;
+    constexpr std::uint32_t focusPrevious = 7;
+    EXPECT_THAT(tray.words(), testing::ElementsAre(focusNext, focusPrevious));
+    EXPECT_THAT(presses, testing::IsEmpty());
+}
+
+TEST_F(StatusItemKeyboard, OpensTheMenuOfTheStripThatHasTheFocus)
+{
+    ASSERT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    FakeInput::moveTo({600, 400});
+    xcb_set_input_focus(XConnection::get(), XCB_INPUT_FOCUS_PARENT, static_cast<xcb_window_t>(item.getWindow()),
+                        XCB_CURRENT_TIME);
+    xcb_flush(XConnection::get());
+    const QRgb frame = QGuiApplication::palette().color(QPalette::Highlight).rgb();
+    EXPECT_TRUE(waitUntil([&] { return colourAt({1258, 0}) == frame; }));
+    FakeInput::tapKey(FakeInput::keyOf(returnKey));
+    EXPECT_TRUE(waitUntil([&] { return !presses.empty(); }));
+    EXPECT_THAT(presses, testing::ElementsAre(NSPoint{1258, 800}));
+}
+
+/// From other programs, over a bus.
+class MenuRequest : public StatusItemKeyboard
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        bus = new PrivateBus;
+        ASSERT_TRUE(bus->start());
+        qputenv("DBUS_SESSION_BUS_ADDRESS", bus->address().toLocal8Bit());
+        ASSERT_TRUE(waitUntil([] { return SessionBus::instance().isConnected(); }, std::chrono::seconds(20)));
+    }
+
+    static void TearDownTestSuite()
+    {
+        delete bus;
+        bus = nullptr;
+    }
+
+    void SetUp() override
+    {
+        ASSERT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    }
+
+    /// Whether it has been answered without an error.
+    [[nodiscard]] static bool showMenu()
+    {
+        const BusPeer peer(*bus);
+        const QDBusPendingCall call = peer.connection().asyncCall(QDBusMessage::createMethodCall(
+            SessionBus::instance().connection().baseService(), QStringLiteral("/com/tamborel/kivune/Menu"),
+            QStringLiteral("com.tamborel.kivune.Menu"), QStringLiteral("ShowMenu")));
+        EXPECT_TRUE(waitUntil([&] { return call.isFinished(); }));
+        return !call.isError();
+    }
+
+    static PrivateBus *bus;
+};
+
+PrivateBus *MenuRequest::bus = nullptr;
+
+TEST_F(MenuRequest, IsAPressAtTheItem)
+{
+    FakeInput::moveTo({600, 400});
+    EXPECT_TRUE(showMenu());
+    EXPECT_TRUE(waitUntil([&] { return !presses.empty(); }));
+    EXPECT_THAT(presses, testing::ElementsAre(NSPoint{1258, 800}));
+}
+
+TEST_F(MenuRequest, WaitsWhileAnotherProgramHasTheKeyboard)
+{
+    xcb_connection_t *other = xcb_connect(nullptr, nullptr);
+    const auto cookie = xcb_grab_keyboard(other, false, XConnection::screen()->root, XCB_CURRENT_TIME,
+                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const XcbReply<xcb_grab_keyboard_reply_t> grab(xcb_grab_keyboard_reply(other, cookie, nullptr));
+    ASSERT_TRUE(grab && grab->status == XCB_GRAB_STATUS_SUCCESS);
+    EXPECT_TRUE(showMenu());
+    EXPECT_FALSE(waitUntil([&] { return !presses.empty(); }, std::chrono::milliseconds(200)));
+    xcb_disconnect(other);
+    EXPECT_TRUE(waitUntil([&] { return presses.size() == 1; }));
+}
+
+TEST_F(MenuRequest, IsNothingWhileAMenuIsOpen)
+{
+    QMenu menu;
+    menu.addAction(QStringLiteral("One"));
+    menu.popup({100, 100});
+    EXPECT_TRUE(showMenu());
+    EXPECT_FALSE(waitUntil([&] { return !presses.empty(); }, std::chrono::milliseconds(200)));
+    menu.close();
+    EXPECT_TRUE(showMenu());
+    EXPECT_TRUE(waitUntil([&] { return presses.size() == 1; }));
+}
+
+TEST_F(MenuRequest, ComesFromTheProgramThatAKeyIsBoundTo)
+{
+    SessionLock lock;
+    ASSERT_TRUE(lock.tryAcquire());
+    ASSERT_TRUE(SessionBus::instance().requestName(eventBusName(QCoreApplication::applicationPid())));
+    const auto exitCodeOf = [](const QString &address) {
+        ChildProcess program;
+        program.environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), address);
+        EXPECT_TRUE(program.start(QStringLiteral(KIV_SHOW_MENU), {}));
+        EXPECT_TRUE(waitUntil([&] { return !program.isRunning(); }));
+        return program.exitCode();
+    };
+    EXPECT_EQ(exitCodeOf(bus->address()), 0);
+    EXPECT_TRUE(waitUntil([&] { return presses.size() == 1; }));
+    EXPECT_EQ(exitCodeOf(QStringLiteral("disabled:")), 1);
+    SessionBus::instance().releaseName(eventBusName(QCoreApplication::applicationPid()));
+    EXPECT_EQ(exitCodeOf(bus->address()), 1) << "somebody else is there";
+    EXPECT_EQ(presses.size(), 1U);
+}
+
+TEST_F(MenuRequest, IsRefusedByAProgramWhereNobodyIsTheAgentOfTheDisplay)
+{
+    ChildProcess program;
+    EXPECT_TRUE(program.start(QStringLiteral(KIV_SHOW_MENU), {}));
+    EXPECT_TRUE(waitUntil([&] { return !program.isRunning(); }));
+    EXPECT_EQ(program.exitCode(), 1);
+}
+
+} // namespace

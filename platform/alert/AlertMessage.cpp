@@ -12,6 +12,16 @@ std::vector<QStringList> alertColumns(const QString &message)
     return lines;
 }
 
+QString alertWords(const QString &message)
+{
+    QStringList lines;
+    for (QStringList &cells : alertColumns(message)) {
+        cells.removeAll(QString());
+        lines.append(cells.join(u' '));
+    }
+    return lines.join(u'\n');
+}
+
 QString withoutFormatDirectives(const QString &format)
 {
     QString text = format;

@@ -80,7 +80,7 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
 {
     setWindowTitle(QString::fromUtf16(ProductTexts::panelTitle));
     setAccessibleName(texts.title);
-    setAccessibleDescription(texts.message);
+    setAccessibleDescription(alertWords(texts.message));
 
     auto *icon = new QLabel(this);
     const AlertSign sign = style == Style::Critical ? AlertSign::Critical : AlertSign::Information;

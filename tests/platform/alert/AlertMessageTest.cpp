@@ -23,6 +23,13 @@ Lines lines(std::initializer_list<std::initializer_list<const char *>> cells)
     }
     return result;
 }
+TEST(AlertMessage, IsReadOutWithoutTabs)
+{
+    EXPECT_EQ(alertWords(QStringLiteral("\nProgramming:\t\tOne\n\t\t\tTwo\n\n")),
+              QStringLiteral("\nProgramming: One\nTwo\n\n"));
+    EXPECT_EQ(alertWords(QStringLiteral("A message")), QStringLiteral("A message"));
+}
+
 } // namespace
 
 TEST(AlertColumns, BeginAtARunOfTabsHoweverLong)

@@ -35,6 +35,16 @@ TEST(ImageFile, ShowsAnActiveSessionInColourAndNoneInGrey)
     EXPECT_LT(off.hsvSaturation(), 40);
 }
 
+TEST(ImageFile, SetsTheActiveSessionOffFromABarOfItsOwnColour)
+{
+    const QImage on = picture(readImageFile(resources + QStringLiteral("/statuson.tiff")), 22);
+    // Above the screen, below it and below its foot.
+    for (const QPoint outside : {QPoint(11, 2), QPoint(4, 16), QPoint(11, 20)}) {
+        EXPECT_EQ(on.pixelColor(outside).alpha(), 255) << outside.x() << " " << outside.y();
+        EXPECT_LT(on.pixelColor(outside).hsvSaturation(), 40) << outside.x() << " " << outside.y();
+    }
+}
+
 TEST(ImageFile, IsANullIconWhenItCannotBeRead)
 {
     QTemporaryDir directory;

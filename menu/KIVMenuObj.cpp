@@ -335,6 +335,10 @@ void KIVMenuObj::saveTrayX()
 
 void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
 {
+    if (m_guard && m_guard->isOpen()) {
+        qCDebug(itemLog, "a double click: the menu stays open");
+        return;
+    }
     if (m_menu->isVisible()) {
         qCDebug(itemLog, "closes the menu");
         m_menu->close();
@@ -358,5 +362,7 @@ void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
     QMouseEvent press(QEvent::MouseButtonPress, anchor->rect().bottomLeft(), anchorPoint, Qt::LeftButton,
                       Qt::LeftButton, Qt::NoModifier);
     setAssociatedObject(*m_menu, anchorKey, anchor);
+    DoubleClickGuard guard(*m_menu, MainScreen::toQt(pressed));
+    m_guard = &guard;
     popUpContextMenu(*m_menu, press, anchor, menuPlace.edge);
 }

@@ -2,6 +2,7 @@
 
 #include "menu/KIVDspRes.h"
 #include "menu/LoginSession.h"
+#include "menu/opening/DoubleClickGuard.h"
 #include "platform/Bundle.h"
 #include "platform/Geometry.h"
 #include "platform/StatusItem.h"
@@ -10,6 +11,7 @@
 #include <QIcon>
 #include <QMenu>
 #include <QObject>
+#include <QPointer>
 
 #include <chrono>
 #include <cstdint>
@@ -85,8 +87,9 @@ public:
     /// That distance in points; 0 when none has been remembered.
     [[nodiscard]] float trayX() const { return m_trayX; }
 
-    /// Opens the menu at the status item and returns when it has closed; closes it when it is open. `place` is where
-    /// the item was pressed; nothing when that is the mouse's position.
+    /// Opens the menu at the status item and returns when it has closed; closes it when it is open, but not by the
+    /// second press of a double click. `place` is where the item was pressed; nothing when that is the mouse's
+    /// position.
     void menuTrayPressed(std::optional<NSPoint> place = std::nullopt);
 
     [[nodiscard]] QMenu *menu() const { return m_menu.get(); }
@@ -115,4 +118,5 @@ private:
     QIcon m_imgOff;
     std::optional<std::vector<KIVDspRes>> m_dmods; ///< In menu order; nothing while the placeholder stands there.
     float m_trayX = 0;
+    QPointer<DoubleClickGuard> m_guard; ///< While the menu is open.
 };

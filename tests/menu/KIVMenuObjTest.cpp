@@ -20,6 +20,7 @@
 #include <QFile>
 #include <QJsonObject>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -720,8 +721,38 @@ TEST_F(KIVMenuObjTest, OpensTheMenuWhereTheItemsHostSaysThatItWasPressed)
 TEST_F(KIVMenuObjTest, ClosesTheOpenMenuAtASecondPress)
 {
     menu.setFlags(2);
+    const int interval = QApplication::doubleClickInterval();
+    QApplication::setDoubleClickInterval(0);
     press([&] { menu.menuTrayPressed(); });
+    QApplication::setDoubleClickInterval(interval);
     EXPECT_FALSE(menu.menu()->isVisible());
+}
+
+TEST_F(KIVMenuObjTest, KeepsTheMenuOpenAtTheSecondPressOfADoubleClick)
+{
+    menu.setFlags(2);
+    const QPoint place(600, 400);
+    FakeInput::moveTo(place);
+    bool staysOpen = false;
+    const int interval = QApplication::doubleClickInterval();
+    QApplication::setDoubleClickInterval(10'000);
+    press([&] {
+        menu.menuTrayPressed();
+        // The menu has the mouse: it hears of presses elsewhere.
+        QWidget *const open = menu.menu();
+        const auto pressAt = [&](QPoint global) {
+            QMouseEvent event(QEvent::MouseButtonPress, open->mapFromGlobal(global), global, Qt::LeftButton,
+                              Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(open, &event);
+        };
+        pressAt(place + QPoint(2, 1));
+        staysOpen = open->isVisible();
+        pressAt(place + QPoint(0, 100));
+        EXPECT_FALSE(open->isVisible()) << "that is no double click";
+        open->close();
+    });
+    QApplication::setDoubleClickInterval(interval);
+    EXPECT_TRUE(staysOpen);
 }
 
 TEST_F(KIVMenuObjTest, SurvivesTheRemovalOfTheItemWhileTheMenuIsOpen)

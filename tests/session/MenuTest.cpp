@@ -158,11 +158,25 @@ TEST_F(ManagedMenu, ClosesOnAClickOutside)
 TEST_F(ManagedMenu, ClosesOnASecondClickOnTheItemAndOpensOnTheThird)
 {
     ASSERT_TRUE(agent->openMenu());
+    // A click that comes as fast as the second of two does not count.
+    constexpr std::chrono::milliseconds doubleClick(400);
+    EXPECT_FALSE(waitUntil([&] { return !agent->hasMenu(); }, doubleClick));
     desktop.input().click(agent->dockedItem()->geometry.center());
     ASSERT_TRUE(agent->waitUntilClosed());
     // It must not come straight back either.
     EXPECT_FALSE(waitUntil([&] { return agent->hasMenu(); }, std::chrono::milliseconds(500)));
     EXPECT_TRUE(agent->openMenu());
+}
+
+TEST_F(ManagedMenu, StaysOpenWhenTheItemIsDoubleClicked)
+{
+    const QPoint item = agent->dockedItem()->geometry.center();
+    desktop.input().click(item);
+    desktop.input().click(item);
+    EXPECT_TRUE(waitUntil([&] { return agent->hasMenu(); }));
+    EXPECT_FALSE(waitUntil([&] { return !agent->hasMenu(); }, std::chrono::milliseconds(500)));
+    desktop.input().key(XK_Escape);
+    EXPECT_TRUE(agent->waitUntilClosed());
 }
 
 TEST_F(ManagedMenu, ClosesOnAChoice)

@@ -4,13 +4,13 @@
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/item/MenuRequests.h"
 #include "platform/linux/item/NotifierHostWatch.h"
 #include "platform/linux/item/NotifierRegistration.h"
 #include "platform/linux/item/StatusItemForm.h"
 #include "platform/linux/item/StatusNotifierItem.h"
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
+#include "platform/linux/item/menu/MenuRequests.h"
 
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/ProductTexts.h"
-#include "platform/linux/item/BusMenu.h"
 #include "platform/linux/item/NotifierPixmap.h"
 #include "platform/linux/item/StatusItemLook.h"
+#include "platform/linux/item/menu/BusMenu.h"
 
 #include <QDBusObjectPath>
 #include <QObject>

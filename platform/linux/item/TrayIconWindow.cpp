@@ -3,10 +3,11 @@
 #include "platform/LogCategories.h"
 #include "platform/ProductTexts.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/item/OpenPopUps.h"
 #include "platform/linux/item/PressedKey.h"
 #include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/item/WindowPicture.h"
+#include "platform/linux/item/menu/OpenPopUps.h"
+#include "platform/linux/screen/WindowNames.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <utility>
 
 namespace
 {
@@ -93,10 +95,7 @@ TrayIconWindow::TrayIconWindow(Kind kind, const XVisual &visual, const QRect &pl
                           XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                       values.data());
 
-    // Two names, instance and class, each with its zero.
-    const QByteArray classHint = className + '\0' + className + '\0';
-    xcb_change_property(x, XCB_PROP_MODE_REPLACE, m_window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 8,
-                        static_cast<std::uint32_t>(classHint.size()), classHint.constData());
+    setWindowClass(m_window, className);
     setNames();
     QCoreApplication::instance()->installNativeEventFilter(this);
 
@@ -218,7 +217,7 @@ void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
     case XCB_BUTTON_PRESS: {
         const auto *press = reinterpret_cast<const xcb_button_press_event_t *>(event);
         if (press->event == m_window) {
-            handlePress(press->detail);
+            handlePress(*press);
         }
         break;
     }
@@ -285,20 +284,24 @@ void TrayIconWindow::tellOfLoss()
     QMetaObject::invokeMethod(this, &TrayIconWindow::lost, Qt::QueuedConnection);
 }
 
-void TrayIconWindow::handlePress(xcb_button_t button)
+void TrayIconWindow::handlePress(const xcb_button_press_event_t &press)
 {
     hideToolTip();
-    if (button > XCB_BUTTON_INDEX_3) {
+    if (press.detail > XCB_BUTTON_INDEX_3) {
         return;
     }
+    const xcb_timestamp_t before = std::exchange(m_lastPress, press.time);
+    const bool isDoubleClick = press.time - before < static_cast<xcb_timestamp_t>(QApplication::doubleClickInterval());
     // The press has given this window the pointer until the release. Qt takes the pointer for its menus through the
     // input extension, which the server refuses while a core grab stands: the menu would not see the mouse.
     xcb_ungrab_pointer(XConnection::get(), XCB_CURRENT_TIME);
     xcb_flush(XConnection::get());
-    RootProperties::catchUpAndShow(this, [this, button] {
+    RootProperties::catchUpAndShow(this, [this, button = press.detail, isDoubleClick] {
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
         // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
-        if (QApplication::activePopupWidget()) {
+        if (QApplication::activePopupWidget() && isDoubleClick) {
+            qCDebug(itemLog, "a double click: the menu stays open");
+        } else if (QApplication::activePopupWidget()) {
             qCDebug(itemLog, "pressed: closes the menu that is open");
             closePopUps();
         } else if (button != XCB_BUTTON_INDEX_2) {
@@ -352,14 +355,7 @@ void TrayIconWindow::setNames()
 {
     // Trays that show the window elsewhere, as a list of items or another protocol's item, know no other name.
     const QString &title = m_look.title.isEmpty() ? m_look.toolTip : m_look.title;
-    const QByteArray name = title.isEmpty() ? className : title.toUtf8();
-    const auto set = [this, &name](xcb_atom_t property, xcb_atom_t type) {
-        ignoreError(xcb_change_property_checked(XConnection::get(), XCB_PROP_MODE_REPLACE, m_window, property, type, 8,
-                                                static_cast<std::uint32_t>(name.size()), name.constData()));
-    };
-    set(XCB_ATOM_WM_NAME, XConnection::atom("UTF8_STRING"));
-    set(XConnection::atom("_NET_WM_NAME"), XConnection::atom("UTF8_STRING"));
-    xcb_flush(XConnection::get());
+    setWindowName(m_window, title.isEmpty() ? className : title.toUtf8());
 }
 
 void TrayIconWindow::paint()

@@ -60,7 +60,7 @@ private:
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
     void handleEvent(const xcb_generic_event_t *event);
     void handleReparent(xcb_window_t parent);
-    void handlePress(xcb_button_t button);
+    void handlePress(const xcb_button_press_event_t &press);
     void handleKey(const xcb_key_press_event_t &press);
     void setFocused(bool focused);
     void showToolTip();
@@ -76,6 +76,7 @@ private:
     xcb_colormap_t m_colormap = XCB_NONE;
     QRect m_geometry; ///< Within its parent.
     bool m_mapped = false;
+    xcb_timestamp_t m_lastPress = 0;
     bool m_embedded = false;
     xcb_window_t m_embedder = XCB_NONE; ///< What has taken it in.
     bool m_focused = false;             ///< It has the keyboard, and shows it.

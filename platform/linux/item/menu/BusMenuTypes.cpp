@@ -1,4 +1,4 @@
-#include "platform/linux/item/BusMenuTypes.h"
+#include "platform/linux/item/menu/BusMenuTypes.h"
 
 #include <QDBusMetaType>
 

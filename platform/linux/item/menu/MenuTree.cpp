@@ -1,4 +1,4 @@
-#include "platform/linux/item/MenuTree.h"
+#include "platform/linux/item/menu/MenuTree.h"
 
 #include <QMenu>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/linux/item/BusMenuTypes.h"
-#include "platform/linux/item/MenuTree.h"
+#include "platform/linux/item/menu/BusMenuTypes.h"
+#include "platform/linux/item/menu/MenuTree.h"
 
 #include <QDBusContext>
 #include <QMenu>

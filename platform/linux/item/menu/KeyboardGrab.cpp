@@ -1,4 +1,4 @@
-#include "platform/linux/item/KeyboardGrab.h"
+#include "platform/linux/item/menu/KeyboardGrab.h"
 
 #include "platform/linux/include/XConnection.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/item/BusMenu.h"
+#include "platform/linux/item/menu/BusMenu.h"
 
 #include "BusMenuAdaptor.h"
 #include "platform/LogCategories.h"

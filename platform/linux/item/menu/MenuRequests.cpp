@@ -1,8 +1,8 @@
-#include "platform/linux/item/MenuRequests.h"
+#include "platform/linux/item/menu/MenuRequests.h"
 
 #include "MenuRequestsAdaptor.h"
 #include "platform/linux/include/MenuObjectPath.h"
-#include "platform/linux/item/KeyboardGrab.h"
+#include "platform/linux/item/menu/KeyboardGrab.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>

@@ -221,15 +221,21 @@ void KivNotificationManager::importNotificationsFromFile()
 void KivNotificationManager::exportNotificationsToFile()
 {
     m_isExportDue = true;
-    if (m_deliveries == 0) {
+    if (m_deliveries == 0 && !m_writer.isWriting()) {
         writeFile([](const KivNotification &) { return true; });
     }
 }
 
 void KivNotificationManager::saveUnsavedRecords()
 {
+    if (m_isFinishDue) { // It is not shown any more, and so must not be missing.
+        m_recordToShow = nullptr;
+        m_isRecordUnsaved = true;
+    }
+    m_writer.wait();
     if (m_isRecordUnsaved || m_isExportDue) {
         writeFile([](const KivNotification &record) { return record.messagePriority() != kPriorityInstant; });
+        m_writer.wait();
     }
 }
 
@@ -242,11 +248,27 @@ void KivNotificationManager::writeFile(const std::function<bool(const KivNotific
             list.append(record->exportToDictionary());
         }
     }
-    m_isExportDue = !m_cache.write(list);
-    qCDebug(queueLog, "%zu messages %s", m_notifications.records().size(), m_isExportDue ? "not saved" : "saved");
-    if (!m_isExportDue) {
-        m_isRecordUnsaved = m_recordToShow != nullptr;
+    m_isExportDue = false;
+    m_isRecordUnsaved = m_recordToShow != nullptr;
+    m_writer.write(list, m_notifications.bytes());
+}
+
+/// The list that was handed over is in the file, or is not.
+void KivNotificationManager::didWriteFile(bool isWritten)
+{
+    const std::lock_guard hold(m_notificationsLock);
+    const bool isAskedForAgain = m_isExportDue;
+    m_isExportDue = isAskedForAgain || !isWritten;
+    qCDebug(queueLog, "%zu messages %s", m_notifications.records().size(), isWritten ? "saved" : "not saved");
+    if (isAskedForAgain) {
+        exportNotificationsToFile();
+        return;
+    }
+    if (isWritten) {
         saveLastMesIDIfDue();
+    }
+    if (m_deliveries == 0 && std::exchange(m_isFinishDue, false)) {
+        finishDelivery();
     }
 }
 
@@ -269,18 +291,27 @@ void KivNotificationManager::endDelivery() noexcept
         return;
     }
     const std::lock_guard hold(m_notificationsLock);
-    const bool isExportDue = m_isExportDue;
-    if (isExportDue) {
+    m_isShownRecordToSave = m_isShownRecordToSave || m_isExportDue;
+    if (m_isExportDue) {
         exportNotificationsToFile();
     }
+    m_isFinishDue = m_writer.isWriting();
+    if (!m_isFinishDue) {
+        finishDelivery();
+    }
+}
+
+void KivNotificationManager::finishDelivery() noexcept
+{
     // Not when there was no room for the queue: the feed, told of the id, would not send the messages again.
     if (!m_isExportDue) {
         saveLastMesIDIfDue();
     }
+    const bool isToBeSaved = std::exchange(m_isShownRecordToSave, false);
     // Only now, and in no file before: a message that brings the agent down as it is shown must not come again.
     if (const std::shared_ptr<KivNotification> record = std::exchange(m_recordToShow, nullptr)) {
         showFirstRecord(record);
-        if (isExportDue) {
+        if (isToBeSaved) {
             exportNotificationsToFile();
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "notify/popup/NotificationWindowDelegate.h"
+#include "notify/queue/CacheWriter.h"
 #include "notify/queue/NotificationCache.h"
 #include "notify/queue/NotificationQueue.h"
 #include "notify/queue/ReadWriteLock.h"
@@ -73,7 +74,9 @@ public:
     ///
     /// Everything but the queueing happens at the end of the delivery; a record outside one is a delivery by itself.
     /// The queue is saved first and then the id, so that an agent that is killed in between receives the messages
-    /// again. As long as the queue cannot be written, the id is not written either. The record that is shown at once
+    /// again. As long as the queue cannot be written, the id is not written either. A queue that takes more than
+    /// CacheWriter::maxBytesAtOnce is written in a thread, and what is to follow does so once that is over: the event
+    /// loop goes on meanwhile. The record that is shown at once
     /// comes last. It is not saved before it is shown: if showing it crashed the agent, it would do so again at every
     /// start. When it came alone, it is saved only when another record comes, its pop-up closes or the agent ends.
     void enqueueNotification(const std::shared_ptr<KivNotification> &record) override;
@@ -90,12 +93,12 @@ public:
     /// determined.
     void importNotificationsFromFile();
 
-    /// Saves the queue to the cache file; within a delivery, at its end.
+    /// Saves the queue to the cache file; within a delivery, at its end, and behind a save that is under way.
     /// When that fails, the file stays as it was until the next time or the end of the next delivery.
     void exportNotificationsToFile();
 
-    /// At the agent's end: saves the queue without its instant messages when something of it could not be saved before.
-    /// Else the file stays as it is.
+    /// At the agent's end: waits for a save that is under way, and saves the queue without its instant messages when
+    /// something of it could not be saved before. Else the file stays as it is.
     void saveUnsavedRecords();
 
     /// Closes the pop-up and opens another one for its message where it belongs. (The name is spelt so on purpose.)
@@ -118,6 +121,8 @@ private:
 
     /// Those records of the queue that belong there, save one that has still to be shown.
     void writeFile(const std::function<bool(const KivNotification &)> &belongs);
+    void didWriteFile(bool isWritten);
+    void finishDelivery() noexcept;
     void saveLastMesIDIfDue();
     void showFirstRecord(const std::shared_ptr<KivNotification> &record) noexcept;
 
@@ -127,10 +132,13 @@ private:
     KivNotificationProperties &m_properties;
     std::function<QDateTime()> m_clock;
     NotificationCache m_cache;
+    CacheWriter m_writer{m_cache, [this](bool isWritten) { didWriteFile(isWritten); }};
     int m_deliveries = 0;                            ///< How many are under way, one within the other.
     bool m_isExportDue = false;                      ///< Asked for in a delivery, or failed.
     bool m_isLastMesIDDue = false;                   ///< Raised, and not stored yet.
     bool m_isRecordUnsaved = false;                  ///< One that is shown at once.
+    bool m_isFinishDue = false;                      ///< Of a delivery, once the queue has been saved.
+    bool m_isShownRecordToSave = false;              ///< Because the delivery has brought others, too.
     std::shared_ptr<KivNotification> m_recordToShow; ///< At the end of the delivery; null for none.
     /// The pop-up destroys itself some time after it has closed.
     QPointer<KivNotificationWindow> m_notificationWindow;

@@ -25,6 +25,9 @@ public:
     /// they took no more than `bytes` in a cache file when they were added.
     void dropBeyond(std::size_t records, qsizetype bytes);
 
+    /// How many bytes the records took in a cache file when they were added.
+    [[nodiscard]] qsizetype bytes() const noexcept { return m_allBytes; }
+
     [[nodiscard]] bool contains(const KivNotification &record) const;
     /// Valid until the next change.
     [[nodiscard]] const std::vector<std::shared_ptr<KivNotification>> &records() const noexcept { return m_records; }

@@ -3,7 +3,7 @@
 #include "tests/session/support/OtherWindow.h"
 #include "tests/session/support/Service.h"
 #include "tests/session/support/SessionWithMessages.h"
-#include "tests/session/support/SmallDisk.h"
+#include "tests/support/SmallDisk.h"
 
 #include <QCoreApplication>
 #include <QDir>

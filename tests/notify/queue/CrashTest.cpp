@@ -1,6 +1,9 @@
 #include "platform/data/PropertyList.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/WaitUntil.h"
+#ifdef Q_OS_LINUX
+#include "tests/support/SmallDisk.h"
+#endif
 
 #include <QDir>
 #include <QFileInfo>
@@ -10,6 +13,8 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
+#include <optional>
 #include <random>
 #include <utility>
 
@@ -93,17 +98,71 @@ int highestIdOf(const QByteArray &line)
     return highest;
 }
 
+int killsOfTheRun()
+{
+    constexpr int whenNothingIsSaid = 200;
+    const int kills = qEnvironmentVariableIntValue("KIV_CRASH_KILLS");
+    return kills > 0 ? kills : whenNothingIsSaid;
+}
+
+/// A home on a disk of its own, which can be full, where the system allows that.
+class Home final
+{
+public:
+    Home()
+    {
+#ifdef Q_OS_LINUX
+        static const QString whyNoDisk = SmallDisk::unshareMounts();
+        if (whyNoDisk.isEmpty()) {
+            m_disk.emplace(path(), 1024);
+        } else {
+            std::printf("no full disks: %s\n", qPrintable(whyNoDisk));
+        }
+#endif
+        EXPECT_TRUE(QDir().mkpath(path()));
+    }
+
+    [[nodiscard]] QString path() const
+    {
+        return m_folder.filePath(QStringLiteral("home"));
+    }
+
+    /// False where that cannot be.
+    bool fill()
+    {
+#ifdef Q_OS_LINUX
+        if (m_disk) {
+            m_disk->fill();
+            return true;
+        }
+#endif
+        return false;
+    }
+    void makeRoom()
+    {
+#ifdef Q_OS_LINUX
+        m_disk->makeRoom();
+#endif
+    }
+
+private:
+    const QTemporaryDir m_folder;
+#ifdef Q_OS_LINUX
+    std::optional<SmallDisk> m_disk;
+#endif
+};
+
 } // namespace
 
 TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
 {
-    constexpr int kills = 200;
+    const int kills = killsOfTheRun();
     const auto seed = std::random_device()();
     RecordProperty("seed", std::to_string(seed));
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
-    const QTemporaryDir home;
-    const QString file = home.filePath(QStringLiteral("Library/Caches/com.tamborel.kivune/notifications.plist"));
+    Home home;
+    const QString file = home.path() + QStringLiteral("/Library/Caches/com.tamborel.kivune/notifications.plist");
 
     const Preferences preferences(home.path());
     EXPECT_EQ(preferences.takeId(), 0);
@@ -111,11 +170,14 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
     OtherReader reader;
     int statesSeen = 0;
     int idsSeen = 0;
+    int fullDisks = 0;
     int storedId = 0;
     int highestSaved = 0; // Of all ids that the file has held.
     int highestSaid = 0;
     QByteArray before = "\n"; // No file is an empty queue.
     for (int kill = 0; kill < kills && !testing::Test::HasFailure(); ++kill) {
+        const bool isFull = kill % 10 == 9 && home.fill();
+        fullDisks += isFull ? 1 : 0;
         ChildProcess subject;
         ASSERT_TRUE(subject.start(QStringLiteral(KIV_CRASH_SUBJECT),
                                   {home.path(), QString::number(random()), QString::number(highestSaid)}));
@@ -128,6 +190,14 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
         const auto end = std::chrono::steady_clock::now() + maxLife * (random() % 1000) / 1000;
         ASSERT_TRUE(waitUntil([&] { return std::chrono::steady_clock::now() >= end; }));
         subject.kill();
+        if (isFull) {
+            home.makeRoom();
+        }
+        // What it has not finished, a start after an hour would remove.
+        QDir folder(QFileInfo(file).path());
+        for (const QString &leftover : folder.entryList({QStringLiteral("notifications.plist.??????")}, QDir::Files)) {
+            EXPECT_TRUE(folder.remove(leftover));
+        }
 
         const QByteArray state = QFileInfo::exists(file) ? reader.stateIn(file) : QByteArray("\n");
         QByteArrayList said = subject.output().split('\n');
@@ -138,7 +208,7 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
             said.first() = said.first().mid(8);
         }
         // The last step may not have been carried out, and a first message is not saved at once.
-        constexpr qsizetype latest = 4;
+        const qsizetype latest = isFull ? said.size() : 4; // The file stays as it was.
         bool isKnown = said.size() <= latest && state == before;
         for (const QByteArray &line : said.mid(std::max<qsizetype>(0, said.size() - latest))) {
             isKnown = isKnown || line + '\n' == state;
@@ -168,6 +238,8 @@ TEST(Crash, LeavesAFileThatHoldsAStateOfTheQueueWheneverItComes)
         statesSeen += state != before ? 1 : 0;
         before = state;
     }
+    std::printf("%d kills, %d of them with a full disk: %d states and %d ids were new\n", kills, fullDisks, statesSeen,
+                idsSeen);
     // Otherwise nothing has been written while it was killed.
     EXPECT_GT(statesSeen, kills / 8);
     EXPECT_GT(idsSeen, kills / 8);

@@ -28,6 +28,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <ctime>
 #include <future>
 #include <limits>
 #include <optional>
@@ -67,6 +69,14 @@ QVariantMap with(const QString &key, const QVariant &value, const char *id)
     QVariantMap dictionary = record(id)->exportToDictionary();
     dictionary.insert(key, value);
     return dictionary;
+}
+
+/// Processor time, of which other programs take nothing.
+std::chrono::nanoseconds timeOfThisThread()
+{
+    timespec time{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 class KivNotificationManagerTest : public testing::Test
@@ -157,6 +167,26 @@ protected:
         struct stat status = {};
         EXPECT_EQ(::stat(QFile::encodeName(cacheFile()).constData(), &status), 0);
         return status.st_ino;
+    }
+
+    [[nodiscard]] static Ids idsFrom(int first, int last)
+    {
+        Ids ids;
+        for (int id = first; id <= last; ++id) {
+            ids.push_back(std::to_string(id));
+        }
+        return ids;
+    }
+    /// In one delivery. A hundred of them are more than is written at once.
+    void deliverLongOnes(int first, int last)
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        for (const std::string &id : idsFrom(first, last)) {
+            const Record one = record(id.c_str());
+            one->setContentHeight(60); // Not to be measured.
+            one->setMessageText(QString(static_cast<qsizetype>(CacheWriter::maxBytesAtOnce / 90), u'x'));
+            manager->enqueueNotification(one);
+        }
     }
 
     [[nodiscard]] Ids queued() const
@@ -320,12 +350,114 @@ TEST_F(KivNotificationManagerTest, SavesADeliveryOnceAtItsEndAndThenItsLastId)
         }
         EXPECT_EQ(changes.takeNames(), QByteArrayList());
     }
-    EXPECT_EQ(shown(), "1") << "the first is shown at once";
+    ASSERT_TRUE(waitUntil([this] { return shown() == "1"; })) << "the first is shown at once";
+    manager->saveUnsavedRecords();
     EXPECT_EQ(changes.takeNames(),
               (QByteArrayList{"notifications.plist", "com.tamborel.kivmenua.plist", "notifications.plist"}))
         << "and once more what has been shown";
     EXPECT_EQ(idsInFile(), sent);
     EXPECT_EQ(storedId(), "1000");
+}
+
+TEST_F(KivNotificationManagerTest, KeepsNobodyWaitingWhileItSavesALongQueue)
+{
+    setPreferences(0, 0);
+    start();
+    std::string whenShown;
+    Ids savedWhenShown;
+    onClock = [&] {
+        if (window()) {
+            whenShown = storedId();
+            savedWhenShown = idsInFile();
+            onClock = nullptr;
+        }
+    };
+    int turns = 0;
+    QTimer turn;
+    turn.callOnTimeout([&] { turns += shown() == "none" ? 1 : 0; });
+    turn.start(0);
+    deliverLongOnes(1, 100);
+    EXPECT_EQ(shown(), "none") << "before the id is stored, which is stored behind the queue";
+    EXPECT_EQ(storedId(), "0");
+    ASSERT_TRUE(waitUntil([&] { return !whenShown.empty(); }));
+    EXPECT_GT(turns, 0);
+    EXPECT_EQ(whenShown, "100");
+    EXPECT_EQ(savedWhenShown, idsFrom(2, 100));
+    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 100); })) << "nothing was the matter with it";
+}
+
+TEST_F(KivNotificationManagerTest, TakesNoneOfTheUsersTimeToSaveAThousandMessages)
+{
+    setPreferences(0, 0);
+    start();
+    std::optional<NotificationSink::Delivery> delivery(std::in_place, *manager);
+    for (const std::string &id : idsFrom(1, 1000)) {
+        const Record one = record(id.c_str());
+        one->setContentHeight(60); // Not to be measured.
+        one->setMessageText(QString(1024, u'x'));
+        manager->enqueueNotification(one);
+    }
+    const auto before = timeOfThisThread();
+    delivery.reset();
+    manager->exportNotificationsToFile(); // Once more, while it is on its way.
+    EXPECT_LT(timeOfThisThread() - before, 50ms) << "so long the menu stands still";
+    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 1000) && shown() == "1"; }));
+}
+
+TEST_F(KivNotificationManagerTest, SavesBehindALongQueueWhatComesMeanwhile)
+{
+    setPreferences(0, 0);
+    start();
+    deliverLongOnes(1, 100);
+    deliverLongOnes(101, 120);
+    manager->enqueueNotification(record("121"));
+    EXPECT_EQ(storedId(), "0");
+    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 121); }));
+    EXPECT_EQ(shown(), "1");
+    EXPECT_EQ(storedId(), "121");
+}
+
+TEST_F(KivNotificationManagerTest, StoresNoIdOfADeliveryThatGoesOnWhileALongQueueIsSaved)
+{
+    setPreferences(0, 0);
+    start();
+    deliverLongOnes(1, 100);
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        manager->enqueueNotification(record("101"));
+        ASSERT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(2, 100); }));
+        QCoreApplication::sendPostedEvents();
+        EXPECT_EQ(storedId(), "0");
+        EXPECT_EQ(shown(), "none");
+    }
+    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 101) && storedId() == "101"; }));
+    EXPECT_EQ(shown(), "1");
+}
+
+TEST_F(KivNotificationManagerTest, HasSavedALongQueueWholeWhenTheAgentEnds)
+{
+    setPreferences(0, 0);
+    start();
+    deliverLongOnes(1, 100);
+    manager->enqueueNotification(record("101"));
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(shown(), "none") << "there is nobody any more to see it";
+    EXPECT_EQ(idsInFile(), idsFrom(1, 101));
+    EXPECT_EQ(storedId(), "101");
+}
+
+TEST_F(KivNotificationManagerTest, TriesALongQueueThatCouldNotBeSavedAgain)
+{
+    setPreferences(0, 0);
+    start();
+    const QString inTheWay = home.filePath(QStringLiteral("Library/Caches"));
+    ASSERT_TRUE(QFile(inTheWay).open(QIODevice::WriteOnly));
+    deliverLongOnes(1, 100);
+    ASSERT_TRUE(waitUntil([this] { return shown() == "1"; }));
+    EXPECT_EQ(storedId(), "0");
+    ASSERT_TRUE(QFile::remove(inTheWay));
+    window()->remindMeLaterPressed();
+    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 100) && storedId() == "100"; }));
 }
 
 TEST_F(KivNotificationManagerTest, HasStoredTheIdBeforeItShowsAMessage)
@@ -528,6 +660,7 @@ TEST_F(KivNotificationManagerTest, NeverKeepsMoreThanAThousandRecords)
     }
     EXPECT_EQ(queued().size(), 1000U);
     EXPECT_EQ(queued().front(), "3");
+    manager->saveUnsavedRecords(); // It is a long queue, which may still be on its way.
     EXPECT_EQ(idsInFile().size(), 1000U);
     EXPECT_EQ(storedId(), "1002");
 }
@@ -565,9 +698,10 @@ TEST_F(KivNotificationManagerTest, SavesAQueueOfLongTextsAsFarAsTheFileHasRoom)
             manager->enqueueNotification(large);
         }
     }
+    manager->saveUnsavedRecords(); // It may still be on its way.
     const Ids saved = idsInFile();
     EXPECT_EQ(saved, queued());
-    EXPECT_GT(saved.size(), 40U);
+    ASSERT_GT(saved.size(), 40U);
     EXPECT_EQ(saved.back(), "100");
     EXPECT_EQ(storedId(), "100");
 }

@@ -1,4 +1,4 @@
-#include "tests/session/support/SmallDisk.h"
+#include "tests/support/SmallDisk.h"
 
 #include <QByteArray>
 #include <QDir>
@@ -14,8 +14,6 @@
 
 namespace
 {
-
-constexpr char options[] = "size=64k,mode=0700";
 
 QString lastError(const char *what)
 {
@@ -50,11 +48,13 @@ QString SmallDisk::unshareMounts()
     return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 ? QString() : lastError("mount");
 }
 
-SmallDisk::SmallDisk(const QString &folder)
+SmallDisk::SmallDisk(const QString &folder, int kibibytes)
     : m_folder(folder)
+    , m_options("size=" + QByteArray::number(kibibytes) + "k,mode=0700")
 {
     EXPECT_TRUE(QDir().mkpath(folder));
-    EXPECT_EQ(::mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, options), 0) << std::strerror(errno);
+    EXPECT_EQ(::mount("tmpfs", QFile::encodeName(folder).constData(), "tmpfs", 0, m_options.constData()), 0)
+        << std::strerror(errno);
 }
 
 SmallDisk::~SmallDisk()
@@ -83,7 +83,7 @@ void SmallDisk::setAccess(Access access) const
     if (access == Access::ReadOnly) {
         flags |= MS_RDONLY;
     }
-    EXPECT_EQ(::mount(nullptr, QFile::encodeName(m_folder).constData(), nullptr, flags, options), 0)
+    EXPECT_EQ(::mount(nullptr, QFile::encodeName(m_folder).constData(), nullptr, flags, m_options.constData()), 0)
         << std::strerror(errno);
 }
 

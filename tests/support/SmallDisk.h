@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 /// A disk with room for a few small files, in the place of a folder. This process and those that it starts see it, and
@@ -12,7 +13,7 @@ public:
     [[nodiscard]] static QString unshareMounts();
 
     /// Makes the folder when it is missing.
-    explicit SmallDisk(const QString &folder);
+    explicit SmallDisk(const QString &folder, int kibibytes = 64);
     ~SmallDisk();
     SmallDisk(const SmallDisk &) = delete;
     SmallDisk &operator=(const SmallDisk &) = delete;
@@ -28,4 +29,5 @@ private:
     [[nodiscard]] QString filler() const;
 
     const QString m_folder;
+    const QByteArray m_options;
 };

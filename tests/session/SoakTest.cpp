@@ -1,5 +1,6 @@
 #include "tests/session/support/AgentClock.h"
 #include "tests/session/support/FeedMessages.h"
+#include "tests/session/support/HostileClient.h"
 #include "tests/session/support/Session.h"
 #include "tests/session/support/SettingsProgram.h"
 #include "tests/support/FeedServer.h"
@@ -13,6 +14,7 @@
 #include <X11/keysym.h>
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <deque>
 #include <iterator>
@@ -29,12 +31,8 @@ namespace
 
 using namespace std::chrono_literals;
 
-/// How fast the agent lives: a day of its own in a minute.
-constexpr int pace = 24 * 60;
-
 constexpr std::array messageTypes{"update", "news", "notice", "warning"};
 constexpr std::array messagePriorities{"low", "medium", "high"};
-constexpr int lastMessageId = 150;
 
 qint64 median(std::vector<qint64> values)
 {
@@ -48,6 +46,13 @@ std::chrono::duration<double> lengthOfTheRun()
     constexpr std::chrono::duration<double> whenNothingIsSaid = 5s;
     const double minutes = qEnvironmentVariable("KIV_SOAK_MINUTES").toDouble();
     return minutes > 0 ? std::chrono::duration<double>(minutes * 60) : whenNothingIsSaid;
+}
+
+/// How many days the agent lives in that time: one in a minute unless told otherwise.
+double daysOfTheRun()
+{
+    const double days = qEnvironmentVariable("KIV_SOAK_DAYS").toDouble();
+    return days > 0 ? days : lengthOfTheRun().count() / 60;
 }
 
 unsigned seedOfTheRun()
@@ -106,7 +111,11 @@ private:
     bool killTheWindowManager();
     bool killTheBus();
     bool startASecondCopy();
+    bool logOutAndIn();
+    bool upgrade();
+    bool destroyTheItem();
 
+    bool attachTheService();
     const Operation &draw(std::span<const Operation> from);
     void carryOut(const Operation &operation);
     int random(int below) { return std::uniform_int_distribution(0, below - 1)(m_random); }
@@ -149,7 +158,11 @@ private:
     XInput &input() { return m_session.desktop.input(); }
     XView &view() { return m_session.desktop.view(); }
 
+    /// How fast the agent lives.
+    const double m_pace = daysOfTheRun() * 86400 / lengthOfTheRun().count();
+    const int m_lastMessageId = 150 + static_cast<int>(daysOfTheRun()) * 10;
     const unsigned m_seed;
+    int m_version = 0;     ///< Of the program, by which it has been replaced so often.
     unsigned m_number = 0; ///< Of the operation.
     std::mt19937 m_random;
     FeedServer m_feed;
@@ -176,6 +189,9 @@ const Life::Operation Life::operations[] = {
     {"window manager ended and started", 2, &Life::killTheWindowManager},
     {"bus killed and started", 2, &Life::killTheBus},
     {"second copy started", 1, &Life::startASecondCopy},
+    {"logged out and in", 2, &Life::logOutAndIn},
+    {"upgraded to another version", 1, &Life::upgrade},
+    {"item's window destroyed", 1, &Life::destroyTheItem},
 };
 
 const Life::Operation Life::operationsOnAPopUp[] = {
@@ -191,9 +207,9 @@ bool Life::start()
         }
     }
     QList<ScriptedAnswer> answers;
-    for (int id = 0; id < lastMessageId;) {
+    for (int id = 0; id < m_lastMessageId;) {
         QList<FeedMessage> messages;
-        for (int left = random(12); left > 0 && id < lastMessageId; --left) {
+        for (int left = random(12); left > 0 && id < m_lastMessageId; --left) {
             messages.append({.id = QByteArray::number(++id),
                              .type = oneOf(messageTypes),
                              .priority = oneOf(messagePriorities),
@@ -473,9 +489,50 @@ bool Life::killTheBus()
         m_lived += 5s;
         return m_session.agent->isLinked();
     })) << "the link does not come back";
+    attachTheService();
+    return true;
+}
+
+bool Life::attachTheService()
+{
     m_session.service->process().kill(); // It may still be on its way to its end.
     EXPECT_TRUE(m_session.service->attach(*m_session.agent));
-    tellTheAgent("actions 32792");
+    return tellTheAgent("actions 32792");
+}
+
+/// The queue and the last id are all that it has of the session before.
+bool Life::logOutAndIn()
+{
+    Agent &agent = *m_session.agent;
+    agent.process().terminate();
+    const bool ended = waitUntil([&] { return !agent.process().isRunning(); }, 60s);
+    EXPECT_TRUE(ended) << "it outlives the session";
+    EXPECT_EQ(agent.process().exitCode(), 0) << agent.standardError().constData();
+    if (ended && agent.startAndDock()) {
+        attachTheService();
+    }
+    return true;
+}
+
+bool Life::upgrade()
+{
+    m_session.agent->setVersion("8.0." + QByteArray::number(++m_version));
+    return logOutAndIn();
+}
+
+bool Life::destroyTheItem()
+{
+    if (!isBack()) {
+        return true;
+    }
+    if (const std::optional<XWindow> item = m_session.agent->dockedItem()) {
+        HostileClient(m_session.desktop.server()).destroy(static_cast<xcb_window_t>(item->id));
+        EXPECT_TRUE(waitUntil([&] {
+            const std::optional<XWindow> now = m_session.agent->dockedItem();
+            return now && now->id != item->id;
+        })) << "the item is lost for good";
+        isBack();
+    }
     return true;
 }
 
@@ -533,7 +590,7 @@ void Life::letTimePass()
 {
     // After an operation that took long, days may be due, and a timer fires once for a leap, however long that is.
     constexpr std::chrono::seconds maxLeap = 12h;
-    const auto due = std::chrono::seconds(m_time.elapsed() * pace / 1000);
+    const auto due = std::chrono::seconds(static_cast<qint64>(static_cast<double>(m_time.elapsed()) * m_pace / 1000));
     do {
         if (const auto leap = std::min(due - m_lived, maxLeap); leap > 0s) {
             m_clock.advance(leap);
@@ -560,8 +617,13 @@ TEST(Soak, OfDaysInASessionLeavesTheAgentAsItWas)
     const qint64 atStart = life.memory();
     std::vector<qint64> memory;
     const auto start = std::chrono::steady_clock::now();
+    // On a machine at work days may take longer.
+    const auto isOver = [&] {
+        return std::chrono::steady_clock::now() - start >= length &&
+               static_cast<double>(life.lived().count()) >= std::floor(daysOfTheRun()) * 86400;
+    };
     bool goesOn = true;
-    while (goesOn && std::chrono::steady_clock::now() - start < length) {
+    while (goesOn && !isOver()) {
         life.letTimePass();
         goesOn = life.carryOutOne();
         memory.push_back(life.memory());

@@ -76,6 +76,16 @@ bool Agent::start()
     return started;
 }
 
+void Agent::setVersion(const QByteArray &version)
+{
+    QFile file(m_directory.filePath(QStringLiteral("share/kivmenua/Info.plist")));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const QByteArray before = file.readAll();
+    const qsizetype begin = before.indexOf("<string>", before.indexOf("<key>KIVBuildVersion</key>")) + 8;
+    const QByteArray after = before.left(begin) + version + before.mid(before.indexOf("</string>", begin));
+    ASSERT_TRUE(file.resize(0) && file.seek(0) && file.write(after) == after.size());
+}
+
 bool Agent::startAndDock()
 {
     const bool docked = start() && waitUntil([this] { return isDocked(); });

@@ -37,6 +37,9 @@ public:
     /// The address of its message feed; none when empty. Counts at the first start.
     QString feed;
 
+    /// The version that its bundle states from the next start on, as after an upgrade. Not before the first start.
+    void setVersion(const QByteArray &version);
+
     bool start();
     /// Starts it and returns once its item lies in the panel. False, with a test failure, when it does not get there.
     bool startAndDock();

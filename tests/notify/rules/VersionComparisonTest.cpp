@@ -7,13 +7,13 @@
 namespace
 {
 
-struct Pair {
+struct VersionPair {
     const char *a; ///< Null is nil.
     const char *b;
     int result;
 };
 
-constexpr Pair pairs[] = {
+constexpr VersionPair versionPairs[] = {
     {nullptr, nullptr, 0},
     {"3.1", nullptr, 1},
     {nullptr, "3.1", -1},
@@ -58,13 +58,13 @@ constexpr Pair pairs[] = {
     {"3.2147483646", "3.2147483648", -1},
 };
 
-struct Single {
+struct OneOfThem {
     const char *a;
     const char *b;
 };
 
-constexpr Single singles[] = {{"3", "3"},  {"3", "3.1"}, {"3.1", "3"},  {"", "3.1"},
-                              {"3.1", ""}, {"", ""},     {"3,1", "3.1"}};
+constexpr OneOfThem unfitVersions[] = {{"3", "3"},  {"3", "3.1"}, {"3.1", "3"},  {"", "3.1"},
+                                       {"3.1", ""}, {"", ""},     {"3,1", "3.1"}};
 
 QString ofBytes(const char *bytes)
 {
@@ -75,7 +75,7 @@ QString ofBytes(const char *bytes)
 
 TEST(VersionComparison, GoesByTheSecondComponents)
 {
-    for (const Pair &pair : pairs) {
+    for (const VersionPair &pair : versionPairs) {
         EXPECT_EQ(compareToVersion(ofBytes(pair.a), ofBytes(pair.b)), pair.result)
             << (pair.a ? pair.a : "nil") << " and " << (pair.b ? pair.b : "nil");
     }
@@ -91,7 +91,7 @@ TEST(VersionComparison, SortsTextByCodeUnits)
 
 TEST(VersionComparison, FailsForAVersionWithoutASecondComponent)
 {
-    for (const Single &single : singles) {
+    for (const OneOfThem &single : unfitVersions) {
         EXPECT_THROW((void)compareToVersion(ofBytes(single.a), ofBytes(single.b)), std::out_of_range)
             << single.a << " and " << single.b;
     }

@@ -146,8 +146,11 @@ void configure(Request &request, const FetchOptions &options, char *error)
 /// One request and its answer; where it is redirected to, or empty.
 std::string ask(Request &request, const std::string &address, bool isLoopback, const char *error)
 {
-    const std::string proxy = isLoopback ? std::string() : proxyFor(address);
-    curl_easy_setopt(request.connection, CURLOPT_PROXY, proxy.c_str());
+    const std::optional<std::string> proxy = isLoopback ? std::string() : proxyFor(address);
+    if (!proxy) {
+        request.watch.giveUp("the proxy is of a kind that is not known");
+    }
+    curl_easy_setopt(request.connection, CURLOPT_PROXY, proxy->c_str());
     curl_easy_setopt(request.connection, CURLOPT_URL, address.c_str());
     const CURLcode result = curl_easy_perform(request.connection);
     if (result != CURLE_OK) {
@@ -156,6 +159,9 @@ std::string ask(Request &request, const std::string &address, bool isLoopback, c
     const char *next = nullptr;
     if (isRedirect(request)) {
         curl_easy_getinfo(request.connection, CURLINFO_REDIRECT_URL, &next);
+        if (!next) {
+            request.watch.giveUp("it is redirected to nowhere");
+        }
     } else if (!request.isHeadWritten) {
         request.watch.giveUp("there was none");
     }

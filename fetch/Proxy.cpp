@@ -1,9 +1,19 @@
 #include "fetch/Proxy.h"
 
 #include <array>
-#include <proxy.h>
+#include <curl/curl.h>
 #include <string_view>
 #include <vector>
+
+// Of libproxy/proxy.h, and the same in all versions. The header itself wants GLib's since 0.5, for what is not used
+// here.
+extern "C" {
+using pxProxyFactory = struct pxProxyFactory_;
+pxProxyFactory *px_proxy_factory_new();
+char **px_proxy_factory_get_proxies(pxProxyFactory *self, const char *url);
+void px_proxy_factory_free_proxies(char **proxies);
+void px_proxy_factory_free(pxProxyFactory *self);
+}
 
 namespace
 {
@@ -14,13 +24,19 @@ struct Scheme {
 };
 
 /// By SOCKS a name goes to the proxy as it is: it may be one that only the proxy can look up.
-constexpr std::array schemes{Scheme{"http://", "http://"}, Scheme{"https://", "https://"},
-                             Scheme{"socks://", "socks5h://"}, Scheme{"socks5://", "socks5h://"},
+constexpr std::array schemes{Scheme{"http://", "http://"},       Scheme{"https://", "https://"},
+                             Scheme{"socks://", "socks5h://"},   Scheme{"socks5://", "socks5h://"},
+                             Scheme{"socks5h://", "socks5h://"}, Scheme{"socks4://", "socks4a://"},
                              Scheme{"socks4a://", "socks4a://"}};
+
+bool beginsWith(const std::string &text, std::string_view scheme)
+{
+    return curl_strnequal(text.c_str(), scheme.data(), scheme.size()) != 0;
+}
 
 } // namespace
 
-std::string proxyFor(const std::string &address)
+std::optional<std::string> proxyFor(const std::string &address)
 {
     pxProxyFactory *const factory = px_proxy_factory_new();
     char **const list = px_proxy_factory_get_proxies(factory, address.c_str());
@@ -33,17 +49,17 @@ std::string proxyFor(const std::string &address)
     return usableProxy(proxies);
 }
 
-std::string usableProxy(std::span<const std::string> proxies)
+std::optional<std::string> usableProxy(std::span<const std::string> proxies)
 {
     for (const std::string &proxy : proxies) {
-        if (proxy.starts_with("direct:")) {
-            break;
+        if (beginsWith(proxy, "direct:")) {
+            return "";
         }
         for (const Scheme &scheme : schemes) {
-            if (proxy.starts_with(scheme.ofLibproxy)) {
+            if (beginsWith(proxy, scheme.ofLibproxy)) {
                 return std::string(scheme.ofCurl) + proxy.substr(scheme.ofLibproxy.size());
             }
         }
     }
-    return {};
+    return proxies.empty() ? std::optional<std::string>("") : std::nullopt;
 }

@@ -113,7 +113,8 @@ QAction *KIVMenuObj::newItem(QMenu &menu, const QString &title, const QString &k
     }
     // Queued: a command may run an event loop of its own, and the menu's has to have ended by then.
     const auto carryOut = [this, chosen = QPointer<QAction>(item)] {
-        if (chosen) {
+        // A host that draws the menu itself may send a second choice before the first one's panel has come up.
+        if (chosen && (!m_tray || m_tray->isEnabled())) {
             onMenuAction(chosen);
         }
     };

@@ -36,6 +36,7 @@ public:
     void wait();
 
 private:
+    [[nodiscard]] bool hasWritten(const QVariantList &list) noexcept;
     void takeOutcome();
 
     NotificationCache &m_cache;

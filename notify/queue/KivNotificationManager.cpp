@@ -114,10 +114,12 @@ void KivNotificationManager::showNextNotification()
 
 std::shared_ptr<KivNotification> KivNotificationManager::retrieveNextNotification() const
 {
-    const auto &records = m_notifications.records();
-    const auto next = std::ranges::find_if(
-        records, [this](const auto &record) { return m_properties.shouldShowNotification(*record); });
-    return next == records.end() ? nullptr : *next;
+    for (const std::shared_ptr<KivNotification> &record : m_notifications.records()) {
+        if (record != m_recordToShow && m_properties.shouldShowNotification(*record)) {
+            return record;
+        }
+    }
+    return nullptr;
 }
 
 void KivNotificationManager::displayNotification(const std::shared_ptr<KivNotification> &record)
@@ -231,6 +233,7 @@ void KivNotificationManager::saveUnsavedRecords()
     if (m_isFinishDue) { // It is not shown any more, and so must not be missing.
         m_recordToShow = nullptr;
         m_isRecordUnsaved = true;
+        m_isExportDue = true; // Before its id is stored.
     }
     m_writer.wait();
     if (m_isRecordUnsaved || m_isExportDue) {

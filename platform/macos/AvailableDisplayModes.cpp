@@ -83,6 +83,7 @@ CFArrayRef availableDisplayModes(CGDirectDisplayID display)
     }
 
     std::vector<const void *> values;
+    values.reserve(descriptions.size());
     for (const Object &one : descriptions) {
         values.push_back(one.get());
     }

@@ -16,6 +16,7 @@ namespace
 {
 struct Claim {
     ProcessSerialNumber owner;
+    SInt32 pid;
     std::function<bool()> hasEnded;
 };
 std::optional<Claim> claim;
@@ -24,7 +25,9 @@ void setOwner(const ProcessSerialNumber &sender)
 {
     __owpsn = sender;
     const std::optional<pid_t> pid = processId(sender); // It may have ended since it sent the claim.
-    claim = Claim{sender, pid ? watchProcess(*pid) : [] { return true; }};
+    // Where a serial number tells no process ID, one that has ended is nobody's.
+    claim = Claim{sender, pid.value_or(static_cast<pid_t>(sender.lowLongOfPSN)),
+                  pid ? watchProcess(*pid) : [] { return true; }};
 }
 
 /// Whether somebody else speaks in the owner's name now that the owner has ended. Its own last words are handled after
@@ -34,7 +37,7 @@ bool isInADeadOwnersName(const AppleEvent *event)
     SInt32 sender = 0;
     return claim && kivmAESameProcess(&claim->owner, &__owpsn) && claim->hasEnded() &&
            AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr, &sender, sizeof sender, nullptr) == noErr &&
-           (static_cast<UInt32>(sender) != __owpsn.lowLongOfPSN || processId(__owpsn));
+           (sender != claim->pid || processId(__owpsn));
 }
 
 /// Reads a parameter that every event has.

@@ -76,10 +76,10 @@ TEST_F(BundleFolder, HasNoDictionaryWhenInfoPlistIsAnArray)
 TEST_F(BundleFolder, SaysThatInfoPlistIsMalformedButNotThatItIsMissing)
 {
     LogLines lines;
-    Bundle{path(QString())};
+    EXPECT_FALSE(Bundle(path(QString())).infoDictionary().has_value());
     EXPECT_TRUE(lines.takeWarnings().empty());
     write(info, "<plist><dict><key>KIVBuildVersion</key></dict></plist>");
-    Bundle{path(QString())};
+    EXPECT_FALSE(Bundle(path(QString())).infoDictionary().has_value());
     EXPECT_EQ(lines.takeWarnings().size(), 1U);
 }
 

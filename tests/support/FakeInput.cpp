@@ -3,6 +3,7 @@
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 
+#include <cstddef>
 #include <cstdlib>
 
 namespace FakeInput
@@ -60,7 +61,8 @@ std::uint8_t keyOf(std::uint32_t symbol)
         xcb_get_keyboard_mapping_reply(x, xcb_get_keyboard_mapping(x, setup->min_keycode, count), nullptr);
     std::uint8_t key = 0;
     for (int i = 0; mapping && key == 0 && i < count; ++i) {
-        if (xcb_get_keyboard_mapping_keysyms(mapping)[i * mapping->keysyms_per_keycode] == symbol) {
+        if (xcb_get_keyboard_mapping_keysyms(mapping)[static_cast<std::ptrdiff_t>(i) * mapping->keysyms_per_keycode] ==
+            symbol) {
             key = static_cast<std::uint8_t>(setup->min_keycode + i);
         }
     }

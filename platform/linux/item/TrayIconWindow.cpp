@@ -291,7 +291,9 @@ void TrayIconWindow::handlePress(const xcb_button_press_event_t &press)
         return;
     }
     const xcb_timestamp_t before = std::exchange(m_lastPress, press.time);
-    const bool isDoubleClick = press.time - before < static_cast<xcb_timestamp_t>(QApplication::doubleClickInterval());
+    // Presses that a program makes may have no time.
+    const bool isDoubleClick = before != XCB_CURRENT_TIME && press.time != XCB_CURRENT_TIME &&
+                               press.time - before < static_cast<xcb_timestamp_t>(QApplication::doubleClickInterval());
     // The press has given this window the pointer until the release. Qt takes the pointer for its menus through the
     // input extension, which the server refuses while a core grab stands: the menu would not see the mouse.
     xcb_ungrab_pointer(XConnection::get(), XCB_CURRENT_TIME);

@@ -4,7 +4,7 @@
 It has the shape of Apple's own: headers in usr/include and in frameworks, and for each library a text file with the
 symbols that it has. What is Apple's comes from beside this script. The headers of the C library are musl's, as far as
 macOS has them; those of the C++ library are libc++'s own. What Qt's libraries, libc++, libcurl, libgumbo and libproxy
-have is read from those of this machine, and so are the headers of the last three; what Qt and libc++ have once more in
+have is read from those of this machine, and so are the headers of libcurl and libgumbo; what Qt and libc++ have once more in
 words for symbols.py.
 """
 import re
@@ -96,7 +96,7 @@ def make_other(prefix, nm, package, name, *headers):
     library(prefix / f'lib/lib{name}.tbd', f'/{prefix.name}/lib/lib{name}.dylib', exported(nm, folder / f'lib{name}.so'))
     include.mkdir(parents=True, exist_ok=True)
     for header in headers:
-        places = (Path(variable('includedir')), Path(variable('includedir'), 'libproxy'), Path('/usr/include'),
+        places = (Path(variable('includedir')), Path('/usr/include'),
                   Path('/usr/include', folder.name))
         (include / header).symlink_to(next(place / header for place in places if (place / header).exists()))
 
@@ -139,7 +139,7 @@ def main(root, clang):
     cxx = exported(nm, *cxx_libraries(clang))
     library(libraries / 'libc++.tbd', '/usr/lib/libc++.1.dylib', cxx)
     make_other(root / 'usr/local', nm, 'gumbo', 'gumbo', 'gumbo.h', 'tag_enum.h')
-    make_other(root / 'usr/local', nm, 'libproxy-1.0', 'proxy', 'proxy.h')
+    make_other(root / 'usr/local', nm, 'libproxy-1.0', 'proxy')
     make_other(root / 'usr', nm, 'libcurl', 'curl', 'curl')
     names = symbols.neutral(clang, sorted(cxx | make_qt(root, nm)), '--strip-underscore')
     (root / symbols.NEUTRAL).write_text('\n'.join(sorted(set(names))))

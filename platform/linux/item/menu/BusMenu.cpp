@@ -30,7 +30,7 @@ BusMenuLayout layoutOf(const MenuTree &entry, int depth, const QStringList &name
     BusMenuLayout layout{entry.id, propertiesOf(entry, names), {}};
     if (depth != 0) {
         for (const MenuTree &child : entry.children) {
-            layout.children.append(layoutOf(child, depth - 1, names));
+            layout.children.append(layoutOf(child, depth < 0 ? depth : depth - 1, names));
         }
     }
     return layout;

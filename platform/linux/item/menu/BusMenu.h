@@ -10,7 +10,7 @@
 
 /// A menu for hosts that draw it themselves: the properties, methods and signals of the contract
 /// resources/dbus/com.canonical.dbusmenu.xml. What is chosen there is chosen in the menu, and what changes in the menu
-/// is told there. Main thread only.
+/// is told there. Whoever is on the user's bus may choose, as whoever is on his display may click. Main thread only.
 class BusMenu final : public QObject, protected QDBusContext
 {
     Q_OBJECT

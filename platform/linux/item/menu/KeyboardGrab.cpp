@@ -2,6 +2,7 @@
 
 #include "platform/linux/include/XConnection.h"
 
+#include <QApplication>
 #include <QTimer>
 
 #include <chrono>
@@ -30,7 +31,8 @@ bool isKeyboardFree()
 
 void tryUntilFree(QObject *context, const std::function<void()> &proceed, int triesLeft)
 {
-    if (triesLeft == 0 || isKeyboardFree()) {
+    // To try takes it from a menu of ours.
+    if (triesLeft == 0 || QApplication::activePopupWidget() || isKeyboardFree()) {
         proceed();
         return;
     }

@@ -29,7 +29,12 @@ void MenuRequests::serve()
 
 void MenuRequests::ShowMenu()
 {
+    if (m_isPending) {
+        return; // A key that is held down asks again and again.
+    }
+    m_isPending = true;
     whenKeyboardIsFree(this, [this] {
+        m_isPending = false;
         RootProperties::catchUpAndShow(this, [this] {
             if (!QApplication::activePopupWidget()) {
                 Q_EMIT requested();

@@ -27,4 +27,5 @@ private:
     void serve();
 
     SessionBus &m_bus;
+    bool m_isPending = false; ///< Between the request and the moment at which the keyboard is free.
 };

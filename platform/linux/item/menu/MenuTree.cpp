@@ -65,7 +65,7 @@ MenuTree readMenuTree(const QMenu &menu, Choice choice)
     for (const QAction *action : actions) {
         MenuTree child;
         if (action->menu()) {
-            child = readMenuTree(*action->menu(), choice);
+            child = readMenuTree(*action->menu(), action->isEnabled() ? choice : Choice::Barred);
         }
         child.label = busLabel(action->text());
         child.isSeparator = action->isSeparator();

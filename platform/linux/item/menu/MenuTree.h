@@ -31,7 +31,8 @@ struct MenuChanges {
 
 enum class Choice { Possible, Barred };
 
-/// The menu as it is now, submenus included, without numbers; every entry disabled while choosing is barred.
+/// The menu as it is now, submenus included, without numbers; every entry disabled while choosing is barred,
+/// and so is what stands below a disabled entry: a user could not get there.
 [[nodiscard]] MenuTree readMenuTree(const QMenu &menu, Choice choice);
 
 /// Numbers the entries of `present`. Those that stand where they stood in `past`, with the same title, keep their

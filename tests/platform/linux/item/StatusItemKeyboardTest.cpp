@@ -17,6 +17,7 @@
 #include <QMenu>
 #include <QPalette>
 #include <QPixmap>
+#include <QWindow>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -207,6 +208,23 @@ TEST_F(MenuRequest, IsNothingWhileAMenuIsOpen)
     menu.close();
     EXPECT_TRUE(showMenu());
     EXPECT_TRUE(waitUntil([&] { return presses.size() == 1; }));
+}
+
+TEST_F(MenuRequest, LeavesAnOpenMenuTheKeyboard)
+{
+    QMenu menu;
+    menu.addAction(QStringLiteral("One"));
+    menu.popup({100, 100});
+    ASSERT_TRUE(waitUntil([&] { return menu.windowHandle() && menu.windowHandle()->isExposed(); }));
+    EXPECT_TRUE(showMenu());
+    EXPECT_FALSE(waitUntil([&] { return !menu.isVisible(); }, std::chrono::milliseconds(100)));
+    xcb_connection_t *other = xcb_connect(nullptr, nullptr);
+    const auto cookie = xcb_grab_keyboard(other, false, XConnection::screen()->root, XCB_CURRENT_TIME,
+                                          XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const XcbReply<xcb_grab_keyboard_reply_t> grab(xcb_grab_keyboard_reply(other, cookie, nullptr));
+    EXPECT_TRUE(grab && grab->status != XCB_GRAB_STATUS_SUCCESS) << "nobody holds it any more";
+    xcb_disconnect(other);
+    menu.close();
 }
 
 TEST_F(MenuRequest, ComesFromTheProgramThatAKeyIsBoundTo)

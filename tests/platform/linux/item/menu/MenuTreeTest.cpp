@@ -114,6 +114,9 @@ TEST(MenuTree, IsReadFromAMenuWithWhatIsBelowIt)
     const MenuTree barred = readMenuTree(menu, Choice::Barred);
     EXPECT_FALSE(barred.children[0].isEnabled);
     EXPECT_FALSE(barred.children[0].children.at(0).isEnabled);
+
+    sizes.setEnabled(false);
+    EXPECT_FALSE(readMenuTree(menu, Choice::Possible).children[0].children.at(0).isEnabled) << "out of reach";
 }
 
 } // namespace

@@ -210,12 +210,10 @@ void KivNotificationManager::importNotificationsFromFile()
         }
         try {
             enqueueNotification(std::make_shared<KivNotification>(entry.toMap()));
-        } catch (const UndefinedKeyException &unknown) {
+        } catch (const UndefinedKeyException &unknown) { // Of another version of the agent, or of nobody's.
             qCDebug(queueLog) << "a message of the cache is left out:" << QString::fromUtf8(unknown.what());
-            continue; // Of another version of the agent, or of nobody's.
         } catch (const std::out_of_range &) {
             qCDebug(queueLog, "a message of the cache is left out: it has a version that cannot be compared");
-            continue;
         }
     }
 }

@@ -79,7 +79,7 @@ check_tidy() {
         xargs ninja -C build/check --quiet
     : >build/check/tidy.log
     ours="^$PWD/(build/check/)?"
-    if ! tidy "$ours(fetch|menu|notify|platform|settings|shell|tools)/(?!.*_autogen/)" ||
+    if ! tidy "$ours(fetch|menu|notify|platform|settings|shell|showmenu|tools)/(?!.*_autogen/)" ||
         ! tidy "$ours(tests)/(?!.*_autogen/)" '-checks=-clang-analyzer-*'; then
         grep --extended-regexp 'warning:|error:' build/check/tidy.log | sed 's/\x1b\[[0-9;]*m//g' | sort --unique
         return 1
@@ -87,6 +87,6 @@ check_tidy() {
 }
 
 tidy() { # FILES [OPTION...]: the files of the compile commands that match, and the headers of ours that they include
-    run-clang-tidy -quiet -p build/check -header-filter="^$PWD/(fetch|menu|notify|platform|settings|shell|tests|tools)/" \
+    run-clang-tidy -quiet -p build/check -header-filter="^$PWD/(fetch|menu|notify|platform|settings|shell|showmenu|tests|tools)/" \
         "${@:2}" "$1" >>build/check/tidy.log 2>/dev/null
 }

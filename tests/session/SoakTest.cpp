@@ -315,7 +315,10 @@ bool Life::tellTheAgent(const QByteArray &line)
 bool Life::openAndCloseTheMenu()
 {
     if (openMenu()) {
-        switch (random(3)) {
+        const std::size_t way = static_cast<std::size_t>(random(3));
+        constexpr std::array ways{"by Escape", "by a click on the item", "by a click beside it"};
+        SCOPED_TRACE(ways[way]);
+        switch (way) {
         case 0:
             input().key(XK_Escape);
             break;

@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 
 #include <cstdio>
+#include <cstdlib>
 
 namespace
 {
@@ -43,13 +44,9 @@ int displayCommand(const QStringList &arguments)
     std::fprintf(stderr, "kivservice: %s\n", qPrintable(failure));
     return parsed.size ? 1 : 2;
 }
-} // namespace
 
-int main(int argc, char **argv)
+int run(QStringList arguments)
 {
-    LogOutput::useStandardError();
-    QCoreApplication application(argc, argv);
-    QStringList arguments = QCoreApplication::arguments().mid(1);
     const QString command = arguments.isEmpty() ? QString() : arguments.takeFirst();
     if (command == QLatin1String("attach")) {
         return attachCommand(arguments);
@@ -63,4 +60,16 @@ int main(int argc, char **argv)
     const bool askedForHelp = command == QLatin1String("--help") || command == QLatin1String("help");
     std::fputs(usage, askedForHelp ? stdout : stderr);
     return askedForHelp ? 0 : 2;
+}
+} // namespace
+
+int main(int argc, char **argv)
+{
+    LogOutput::useStandardError();
+    const QCoreApplication application(argc, argv);
+    const int status = run(QCoreApplication::arguments().mid(1));
+    // Not by exit(): what the bus says while QtDBus is taken apart ends in a warning of a type that is known no more,
+    // which people would read as the reason.
+    std::fflush(nullptr);
+    std::quick_exit(status);
 }

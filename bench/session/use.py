@@ -46,6 +46,29 @@ def show_about(desktop):
     _close(desktop, alert.window, lambda: desktop.watch.press("Escape"))
 
 
+class Questions:
+    """Has the agent ask whether the session is to be disconnected, as a service allows it, and refuses each time."""
+
+    def __init__(self, place, desktop, agent):
+        self._desktop = desktop
+        # Its input stays open: with it the service would end.
+        self._service = desktop.start([place.build("sbin/kivservice"), "attach", "--pid", str(agent)],
+                                      stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True, bufsize=1)
+        if not self._service.stdout.readline().startswith("attached"):
+            raise RuntimeError("the agent has no service")
+        self._service.stdin.write("flags 6\nactions 32792\n")
+
+    def ask_and_refuse(self):
+        menu, _ = open_menu(self._desktop, 1)
+        time.sleep(0.05)
+        watch = self._desktop.watch
+        for key in ("Down", "Down", "Down", "Return"):
+            watch.press(key)
+        question = watch.wait_for("map", 10, lambda window: _is_big(window) and window.window != menu.window)
+        time.sleep(0.05)
+        _close(self._desktop, question.window, lambda: watch.press("Escape"))
+
+
 class Hints:
     """Has texts shown in a pop-up, by the agent or by a notification daemon, and closes each by a click."""
 

@@ -39,21 +39,6 @@ QDBusMessage intrusion(qint64 agentPid, qint64 claimedSender)
     return event(agentPid, {command("meso"), sender(claimedSender), flags(0)});
 }
 
-/// What is no event, but comes to the agent all the same.
-QDBusMessage settingsAnnounced()
-{
-    return QDBusMessage::createSignal(QStringLiteral("/"),
-                                      QStringLiteral("com.tamborel.kivune.DistributedNotifications"),
-                                      QStringLiteral("KivMunuUpdateSettingsNotification"));
-}
-
-QDBusMessage questionForTheContract(qint64 agentPid)
-{
-    return QDBusMessage::createMethodCall(
-        RawCommand::agentName(agentPid), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
-        QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"));
-}
-
 /// Sends as fast as the bus takes it, from a thread of its own. To every thousandth call, and to the last, it wants an
 /// answer.
 class Flood final
@@ -243,7 +228,8 @@ TEST(Flood, OfWhatIsNoEventLeavesTheMenuToTheUser)
         EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().isEmpty(); }, 60s)) << "the menu does not close";
         return took;
     };
-    for (const QDBusMessage &kind : {settingsAnnounced(), questionForTheContract(agent.pid())}) {
+    for (const QDBusMessage &kind :
+         {RawCommand::settingsAnnounced(), RawCommand::questionForTheContract(agent.pid())}) {
         qint64 longest = 0;
         int rounds = 0;
         Flood flood(session.desktop.bus(), {kind}, floodEvents());

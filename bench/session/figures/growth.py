@@ -7,7 +7,7 @@ from bench.session import cost, programs, use
 from bench.session.desktop import Desktop
 from bench.session.figure import Figure
 from bench.session.figures.memory import SETTLE, memory_of_third
-from bench.session.use import Hints
+from bench.session.use import Hints, Questions
 
 FEW = 5
 MANY = 500
@@ -53,6 +53,12 @@ def _pop_up(place):
     return make
 
 
+def _question(place):
+    def make(desktop, running):
+        return Questions(place, desktop, running.process.pid).ask_and_refuse
+    return make
+
+
 def measure(place):
     everyone = {program.name: program for program in programs.all_programs(place)}
     ours = everyone[programs.OURS]
@@ -67,4 +73,5 @@ def measure(place):
                       "Private memory, clean and dirty, of the third of three, as above.",
                       {programs.OURS: _growth(place, ours, make_act)}).require("100 kB", 100)
 
-    return [used.require_times(1.6, programs.FLOOR), growth("pop-up", _pop_up(place)), growth("menu", _menu)]
+    return [used.require_times(1.6, programs.FLOOR), growth("pop-up", _pop_up(place)), growth("menu", _menu),
+            growth("question before a disconnect", _question(place))]

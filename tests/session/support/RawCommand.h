@@ -47,6 +47,21 @@ inline QDBusMessage event(qint64 agentPid, const QList<RawParameter> &parameters
     return rawEvent(agentName(agentPid), QStringLiteral("kvmc"), QStringLiteral("kvme"), parameters);
 }
 
+/// What is no event, but comes to the agent all the same.
+inline QDBusMessage settingsAnnounced()
+{
+    return QDBusMessage::createSignal(QStringLiteral("/"),
+                                      QStringLiteral("com.tamborel.kivune.DistributedNotifications"),
+                                      QStringLiteral("KivMunuUpdateSettingsNotification"));
+}
+
+inline QDBusMessage questionForTheContract(qint64 agentPid)
+{
+    return QDBusMessage::createMethodCall(agentName(agentPid), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
+                                          QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                                          QStringLiteral("Introspect"));
+}
+
 /// Sends such an event and returns the handler's status, once the agent's main thread has answered. It may stand behind
 /// thousands of others, and the agent may run under a sanitizer: two minutes.
 inline int send(const BusPeer &peer, qint64 agentPid, const QList<RawParameter> &parameters)

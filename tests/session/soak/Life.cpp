@@ -1,0 +1,235 @@
+#include "tests/session/soak/Life.h"
+
+#include "tests/session/support/FeedMessages.h"
+#include "tests/session/support/SettingsProgram.h"
+#include "tests/support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <numeric>
+#include <utility>
+
+namespace
+{
+constexpr std::array messageTypes{"update", "news", "notice", "warning"};
+constexpr std::array messagePriorities{"low", "medium", "high"};
+} // namespace
+
+using namespace std::chrono_literals;
+
+const Life::Operation Life::operations[] = {
+    {"menu opened and closed", 10, &Life::openAndCloseTheMenu},
+    {"command allowed and chosen", 6, &Life::chooseACommand},
+    {"question asked and refused", 3, &Life::askForADisconnect},
+    {"item removed and shown", 3, &Life::takeTheItemAway},
+    {"hint sent", 6, &Life::hint},
+    {"settings changed", 4, &Life::changeTheSettings},
+    {"screen resized", 3, &Life::changeTheScreen},
+    {"panel killed and started", 2, &Life::killThePanel},
+    {"window manager ended and started", 2, &Life::killTheWindowManager},
+    {"bus killed and started", 2, &Life::killTheBus},
+    {"second copy started", 1, &Life::startASecondCopy},
+    {"logged out and in", 2, &Life::logOutAndIn},
+    {"upgraded to another version", 1, &Life::upgrade},
+    {"service killed and started", 1, &Life::killTheService},
+    {"item's window destroyed", 1, &Life::destroyTheItem},
+    {"flood from a stranger", 1, &Life::flood},
+    {"hints without bound", 1, &Life::sendHintsWithoutBound},
+    {"link in place of the messages", 1, &Life::putALinkInPlaceOfTheMessages},
+};
+
+const Life::Operation Life::operationsOnAPopUp[] = {
+    {"pop-up closed", 4, &Life::closeThePopUp},
+    {"link followed", 4, &Life::followTheLink},
+    {"pop-up's window destroyed", 1, &Life::destroyThePopUp},
+};
+
+Life::Life(unsigned seed, double days, std::chrono::duration<double> length)
+    : m_pace(days * 86400 / length.count())
+    , m_lastMessageId(150 + static_cast<int>(days) * 10)
+    , m_seed(seed)
+    , m_random(seed)
+{
+}
+
+bool Life::start()
+{
+    for (const std::span<const Operation> all : {std::span<const Operation>(operations), {operationsOnAPopUp}}) {
+        for (const Operation &operation : all) {
+            m_counts[operation.name] = 0;
+        }
+    }
+    QList<ScriptedAnswer> answers;
+    for (int id = 0; id < m_lastMessageId;) {
+        QList<FeedMessage> messages;
+        for (int left = random(12); left > 0 && id < m_lastMessageId; --left) {
+            messages.append({.id = QByteArray::number(++id),
+                             .type = oneOf(messageTypes),
+                             .priority = oneOf(messagePriorities),
+                             .repeat = random(4),
+                             .text = "http://127.0.0.1/news is where to read <b>more</b>. " +
+                                     QByteArray("And more. ").repeated(random(30))});
+        }
+        answers.append({.status = random(8) == 0 ? 503 : 200, .body = feedDocument(messages)});
+    }
+    answers.append({.body = feedDocument({})});
+    if (!m_feed.start(answers)) {
+        return false;
+    }
+    QProcessEnvironment environment;
+    m_clock.addTo(environment);
+    // What is freed is overwritten, so that a use of it shows.
+    environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
+    environment.insert(QStringLiteral("GLIBC_TUNABLES"), QStringLiteral("glibc.malloc.tcache_count=0"));
+    SettingsProgram::write(m_session.desktop, 1, 1, 0);
+    if (!m_session.start({.agentsEnvironment = environment, .feed = m_feed.address(QStringLiteral("/messages"))})) {
+        return false;
+    }
+    m_on = m_session.agent->itemPicture();
+    m_secondCopy.emplace(m_session.desktop);
+    // It says each time that the bus has gone.
+    m_session.service->process().process().setProcessChannelMode(QProcess::SeparateChannels);
+    m_session.service->process().process().setStandardErrorFile(QProcess::nullDevice());
+    m_time.start();
+    return true;
+}
+
+QList<XWindow> Life::windows(bool (*kind)(const XWindow &)) const
+{
+    QList<XWindow> windows = m_session.agent->freeWindows();
+    windows.removeIf([kind](const XWindow &window) { return !kind(window); });
+    return windows;
+}
+
+std::optional<XWindow> Life::popUp() const
+{
+    const QList<XWindow> popUps = windows(isPopUp);
+    return popUps.isEmpty() ? std::nullopt : std::optional(popUps.last());
+}
+
+bool Life::isInItsCorner(const XWindow &popUp) const
+{
+    return popUp.geometry.topLeft() == QPoint(m_screen.width() - popUp.geometry.width() - 10, 30);
+}
+
+bool Life::isGone(const XWindow &popUp) const
+{
+    return std::ranges::none_of(windows(isPopUp), [&](const XWindow &window) { return window.id == popUp.id; });
+}
+
+bool Life::openMenu()
+{
+    if (!isBack()) {
+        return false;
+    }
+    const std::optional<XWindow> item = m_session.agent->dockedItem();
+    if (!item) {
+        ADD_FAILURE() << "the item is lost again";
+        return false;
+    }
+    input().click(item->geometry.center());
+    const bool opened = waitUntil([this] { return menuIsOpen(); });
+    EXPECT_TRUE(opened) << "the menu does not open";
+    return opened;
+}
+
+bool Life::menuIsOpen() const
+{
+    const QList<XWindow> menus = windows(isMenu);
+    return menus.size() == 1 && m_session.agent->isDrawn(menus.last());
+}
+
+bool Life::isBack()
+{
+    // The panel waits ten seconds or so for a window manager when it starts anew.
+    const bool back = waitUntil([this] { return isDocked(); }, 30s);
+    EXPECT_TRUE(back) << "the item is lost";
+    return back;
+}
+
+bool Life::closeMenu()
+{
+    const bool closed = waitUntil([this] { return windows(isMenu).isEmpty() && input().isFree(); });
+    EXPECT_TRUE(closed) << "the menu does not close";
+    return closed;
+}
+
+bool Life::tellTheAgent(const QByteArray &line)
+{
+    m_session.service->send(line);
+    m_session.service->send("flags 2");
+    const bool off =
+        waitUntil([this] { return m_session.agent->isDocked() && m_session.agent->itemPicture() != m_on; }, 30s);
+    EXPECT_TRUE(off) << "the agent does not follow the service";
+    m_session.service->send("flags 6");
+    return isBack() && off;
+}
+
+bool Life::attachTheService()
+{
+    m_session.service->process().kill(); // It may still be on its way to its end.
+    EXPECT_TRUE(m_session.service->attach(*m_session.agent));
+    return tellTheAgent("actions 32792");
+}
+
+const Life::Operation &Life::draw(std::span<const Operation> from)
+{
+    const int sum = std::accumulate(from.begin(), from.end(), 0,
+                                    [](int before, const Operation &operation) { return before + operation.weight; });
+    int lot = random(sum);
+    auto operation = from.begin();
+    for (; lot >= operation->weight; ++operation) {
+        lot -= operation->weight;
+    }
+    return *operation;
+}
+
+void Life::carryOut(const Operation &operation)
+{
+    m_last.push_back(operation.name);
+    if (m_last.size() > 5) {
+        m_last.pop_front();
+    }
+    const testing::ScopedTrace trace(
+        __FILE__, __LINE__,
+        std::accumulate(m_last.begin(), m_last.end(), std::string("the last operations"),
+                        [](const std::string &all, const std::string &name) { return all + ", " + name; }));
+    if ((this->*operation.carryOut)()) {
+        ++m_counts[operation.name];
+    }
+    EXPECT_TRUE(m_session.agent->process().isRunning()) << "the agent has died";
+}
+
+bool Life::carryOutOne()
+{
+    // With lots of its own, so that what happens by the way does not change what is drawn after it.
+    m_random.seed(m_seed + ++m_number);
+    const bool turnsToThePopUp = random(2) == 0;
+    const Operation &onThePopUp = draw(operationsOnAPopUp);
+    carryOut(draw(operations));
+    // The next time it may have gone: half a minute of the agent's passes in a moment.
+    if (!testing::Test::HasFailure() && turnsToThePopUp && popUp()) {
+        carryOut(onThePopUp);
+    }
+    return !testing::Test::HasFailure();
+}
+
+void Life::letTimePass()
+{
+    // After an operation that took long, days may be due, and a timer fires once for a leap, however long that is.
+    constexpr std::chrono::seconds maxLeap = 12h;
+    const auto due = std::chrono::seconds(static_cast<qint64>(static_cast<double>(m_time.elapsed()) * m_pace / 1000));
+    do {
+        if (const auto leap = std::min(due - m_lived, maxLeap); leap > 0s) {
+            m_clock.advance(leap);
+            m_lived += leap;
+        }
+        // The feed is asked at the start and then every day.
+        const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - 10min).count();
+        EXPECT_TRUE(waitUntil([&] { return m_feed.requests().size() > days; })) << "the feed is not asked";
+    } while (m_lived < due && !testing::Test::HasFailure());
+    EXPECT_TRUE(waitUntil([this] { return windows(isPopUp).size() <= 1; })) << "there are two pop-ups";
+}

@@ -1,0 +1,136 @@
+#pragma once
+
+#include "tests/session/support/AgentClock.h"
+#include "tests/session/support/Session.h"
+#include "tests/support/FeedServer.h"
+#include "tests/support/ProcessMemory.h"
+
+#include <QElapsedTimer>
+
+#include <chrono>
+#include <deque>
+#include <map>
+#include <random>
+#include <span>
+#include <string>
+
+/// A session that lives through days, in which whatever happens is drawn by lot. Each operation waits for what it must
+/// lead to.
+class Life final
+{
+public:
+    /// Lives that many days in that time.
+    Life(unsigned seed, double days, std::chrono::duration<double> length);
+
+    bool start();
+    /// Carries one operation out, and perhaps another on the pop-up that is shown then. False, with a test failure,
+    /// when one does not lead to what it must.
+    bool carryOutOne();
+    /// Lets the agent's clock catch up with its pace.
+    void letTimePass();
+
+    [[nodiscard]] std::chrono::seconds lived() const { return m_lived; }
+    [[nodiscard]] qint64 memory() const { return ProcessMemory::privateKilobytes(m_session.agent->pid()); }
+    /// How often each operation led to what it must.
+    [[nodiscard]] const std::map<std::string, int> &counts() const { return m_counts; }
+    [[nodiscard]] Agent &agent() { return *m_session.agent; }
+
+private:
+    /// An operation: false when there is nothing to do it to just now.
+    using Carry = bool (Life::*)();
+    struct Operation {
+        const char *name;
+        int weight;
+        Carry carryOut;
+    };
+    static const Operation operations[];
+    static const Operation operationsOnAPopUp[];
+
+    // What its user and the service do.
+    bool openAndCloseTheMenu();
+    bool chooseACommand();
+    bool askForADisconnect();
+    bool takeTheItemAway();
+    bool hint();
+    bool closeThePopUp();
+    bool followTheLink();
+    bool changeTheSettings();
+    bool changeTheScreen();
+    bool startASecondCopy();
+    bool logOutAndIn();
+    bool upgrade();
+
+    // What it depends on dies.
+    bool killThePanel();
+    bool killTheWindowManager();
+    bool killTheBus();
+    bool killTheService();
+
+    // What others do to it.
+    bool destroyTheItem();
+    bool destroyThePopUp();
+    bool flood();
+    bool sendHintsWithoutBound();
+    bool putALinkInPlaceOfTheMessages();
+
+    bool attachTheService();
+    const Operation &draw(std::span<const Operation> from);
+    void carryOut(const Operation &operation);
+    int random(int below) { return std::uniform_int_distribution(0, below - 1)(m_random); }
+    template <typename Container>
+    const auto &oneOf(const Container &container)
+    {
+        return container[static_cast<std::size_t>(random(static_cast<int>(std::size(container))))];
+    }
+
+    [[nodiscard]] static bool isPopUp(const XWindow &window)
+    {
+        // The widths of messages of the feed and of hints, which no menu has.
+        return window.overrideRedirect && (window.geometry.width() == 403 || window.geometry.width() == 453);
+    }
+    [[nodiscard]] static bool isHint(const XWindow &popUp) { return popUp.geometry.width() == 453; }
+    /// Neither is the item without a tray, nor a tool tip.
+    [[nodiscard]] static bool isMenu(const XWindow &window)
+    {
+        return window.overrideRedirect && window.geometry.height() > 60 && !isPopUp(window);
+    }
+    [[nodiscard]] QList<XWindow> windows(bool (*kind)(const XWindow &)) const;
+    [[nodiscard]] std::optional<XWindow> popUp() const;
+    [[nodiscard]] QPoint fromBelow(const XWindow &window, int x, int y) const
+    {
+        return {window.geometry.left() + x, window.geometry.bottom() + 1 - y};
+    }
+    [[nodiscard]] bool isInItsCorner(const XWindow &popUp) const;
+    [[nodiscard]] bool isGone(const XWindow &popUp) const;
+    [[nodiscard]] bool isDocked() const
+    {
+        return m_session.agent->isDocked() && m_session.agent->itemPicture() == m_on;
+    }
+    bool openMenu();
+    [[nodiscard]] bool menuIsOpen() const;
+    bool isBack();
+    bool closeMenu();
+    bool tellTheAgent(const QByteArray &line);
+
+    Session &session() { return m_session; }
+    XInput &input() { return m_session.desktop.input(); }
+    XView &view() { return m_session.desktop.view(); }
+
+    /// How fast the agent lives.
+    const double m_pace;
+    const int m_lastMessageId;
+    const unsigned m_seed;
+    int m_version = 0;     ///< Of the program, by which it has been replaced so often.
+    unsigned m_number = 0; ///< Of the operation.
+    std::mt19937 m_random;
+    FeedServer m_feed;
+    AgentClock m_clock;
+    Session m_session;
+    std::optional<Agent> m_secondCopy;
+    QImage m_on; ///< The item while the service has switched the agent on.
+    QSize m_screen{1280, 800};
+    QElapsedTimer m_time;
+    std::chrono::seconds m_lived{0};
+    std::map<std::string, int> m_counts;
+    std::deque<std::string> m_last; ///< The last operations, this one included.
+};

@@ -1,0 +1,179 @@
+#include "tests/session/soak/Life.h"
+#include "tests/session/support/SettingsProgram.h"
+#include "tests/support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+#include <array>
+#include <csignal>
+
+using namespace std::chrono_literals;
+
+bool Life::openAndCloseTheMenu()
+{
+    if (openMenu()) {
+        const std::size_t way = static_cast<std::size_t>(random(3));
+        constexpr std::array ways{"by Escape", "by a click on the item", "by a click beside it"};
+        SCOPED_TRACE(ways[way]);
+        switch (way) {
+        case 0:
+            input().key(XK_Escape);
+            break;
+        case 1:
+            // A click that comes as fast as the second of two keeps it open.
+            EXPECT_FALSE(waitUntil([this] { return !menuIsOpen(); }, 450ms)) << "the menu closes by itself";
+            input().press();
+            input().release();
+            break;
+        default:
+            input().click({600, 600});
+        }
+        closeMenu();
+    }
+    return true;
+}
+
+bool Life::chooseACommand()
+{
+    const QByteArray code = QByteArray::number(32793 + random(4));
+    if (!tellTheAgent("actions 32792 " + code) || !openMenu()) {
+        return true;
+    }
+    const qsizetype before = m_session.service->events().size();
+    input().key(XK_Down, Session::Workspace + 1);
+    input().key(XK_Right);
+    EXPECT_TRUE(waitUntil([this] { return windows(isMenu).size() == 2; })) << "the submenu does not open";
+    input().key(XK_Return);
+    EXPECT_TRUE(waitUntil([&] { return m_session.service->events().size() == before + 1; })) << "the choice is lost";
+    EXPECT_TRUE(m_session.service->events().last().startsWith("meoa " + code));
+    closeMenu();
+    return true;
+}
+
+bool Life::askForADisconnect()
+{
+    if (!tellTheAgent("actions 32792") || !openMenu()) {
+        return true;
+    }
+    input().key(XK_Down, Session::Disconnect + 1);
+    input().key(XK_Return);
+    const auto questions = [this] {
+        return windows([](const XWindow &window) { return !window.overrideRedirect; }).size();
+    };
+    const bool asked = waitUntil([&] {
+        return questions() == 1 && view().focusOwnerPid() == m_session.agent->pid() && windows(isMenu).isEmpty();
+    });
+    EXPECT_TRUE(asked) << "nothing is asked";
+    input().key(XK_Escape);
+    EXPECT_TRUE(waitUntil([&] { return questions() == 0; })) << "the question stays";
+    return true;
+}
+
+bool Life::takeTheItemAway()
+{
+    m_session.service->send("flags 4");
+    EXPECT_TRUE(waitUntil([this] { return !m_session.agent->dockedItem(); })) << "the item stays";
+    m_session.service->send("flags 6");
+    isBack();
+    return true;
+}
+
+bool Life::hint()
+{
+    constexpr std::array texts{
+        "Good morning", "A <b>bold</b> word and <i>others</i>",
+        "A text that is long enough for two lines of the pop-up, and then some more of the room"};
+    m_session.service->send(QByteArray("hint ") + oneOf(texts));
+    EXPECT_TRUE(waitUntil([this] { return popUp().has_value(); })) << "no pop-up comes";
+    return true;
+}
+
+bool Life::closeThePopUp()
+{
+    const std::optional<XWindow> window = popUp();
+    if (!window) {
+        return false;
+    }
+    EXPECT_TRUE(waitUntil([&] { return isGone(*window) || m_session.agent->isDrawn(*window); }));
+    const int half = (window->geometry.width() - 33) / 2;
+    const bool later = random(2) == 0;
+    const int x = isHint(*window) ? window->geometry.width() / 2 : later ? 11 + half / 2 : 22 + half * 3 / 2;
+    input().click(fromBelow(*window, x, 26));
+    EXPECT_TRUE(waitUntil([&] { return isGone(*window); })) << "the pop-up stays";
+    return true;
+}
+
+bool Life::followTheLink()
+{
+    const std::optional<XWindow> window = popUp();
+    if (!window || isHint(*window)) {
+        return false;
+    }
+    EXPECT_TRUE(waitUntil([&] { return isGone(*window) || m_session.agent->isDrawn(*window); }));
+    const qsizetype before = m_session.browser.opened().size();
+    input().click(window->geometry.topLeft() + QPoint(84, 50));
+    const auto isOpened = [&] { return m_session.browser.opened().size() == before + 1; };
+    EXPECT_TRUE(waitUntil([&] { return isOpened() || isGone(*window); })) << "nothing is opened";
+    if (!isOpened()) {
+        return false; // Its time was over before the click.
+    }
+    m_clock.advance(2s);
+    m_lived += 2s;
+    EXPECT_TRUE(waitUntil([&] { return isGone(*window); })) << "the pop-up stays";
+    return true;
+}
+
+bool Life::changeTheSettings()
+{
+    SettingsProgram::write(m_session.desktop, random(7), random(5), random(5));
+    SettingsProgram::announce(m_session.desktop, *m_session.agent);
+    return true;
+}
+
+bool Life::changeTheScreen()
+{
+    constexpr std::array sizes{QSize(1280, 800), QSize(1024, 768), QSize(1920, 1200), QSize(1600, 1200)};
+    m_screen = oneOf(sizes);
+    EXPECT_TRUE(m_session.desktop.switchTo(m_screen));
+    // The panel starts anew with the screen; one that is just starting may miss that, and is started again.
+    if (!waitUntil([this] { return m_session.desktop.panelGeometry().width() == m_screen.width(); }, 5s)) {
+        m_session.desktop.stopPanel();
+        EXPECT_TRUE(m_session.desktop.startPanel(Desktop::TraySide::Left));
+    }
+    isBack();
+    EXPECT_TRUE(waitUntil([this] {
+        const std::optional<XWindow> window = popUp();
+        return !window || isInItsCorner(*window);
+    })) << "the pop-up stays behind";
+    return true;
+}
+
+bool Life::startASecondCopy()
+{
+    EXPECT_TRUE(m_secondCopy->start());
+    EXPECT_TRUE(waitUntil([this] { return !m_secondCopy->process().isRunning(); })) << "there are two";
+    EXPECT_EQ(m_secondCopy->process().exitCode(), 0);
+    return true;
+}
+
+/// The queue and the last id are all that it has of the session before.
+bool Life::logOutAndIn()
+{
+    Agent &agent = *m_session.agent;
+    constexpr std::array ends{SIGTERM, SIGHUP, SIGINT, SIGQUIT};
+    ::kill(static_cast<pid_t>(agent.pid()), oneOf(ends));
+    const bool ended = waitUntil([&] { return !agent.process().isRunning(); }, 60s);
+    EXPECT_TRUE(ended) << "it outlives the session";
+    EXPECT_EQ(agent.process().exitCode(), 0) << agent.standardError().constData();
+    if (ended && agent.startAndDock()) {
+        attachTheService();
+    }
+    return true;
+}
+
+bool Life::upgrade()
+{
+    m_session.agent->setVersion("8.0." + QByteArray::number(++m_version));
+    return logOutAndIn();
+}

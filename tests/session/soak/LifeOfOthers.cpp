@@ -1,0 +1,64 @@
+#include "tests/session/soak/Life.h"
+#include "tests/support/WaitUntil.h"
+
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+
+using namespace std::chrono_literals;
+
+bool Life::killThePanel()
+{
+    m_session.desktop.stopPanel();
+    const auto alone = [this] {
+        return windows([](const XWindow &window) {
+            return window.geometry.height() < 60 && window.geometry.width() < 60 && window.geometry.top() < 60;
+        });
+    };
+    const bool standsAlone =
+        waitUntil([&] { return alone().size() == 1 && m_session.agent->isDrawn(alone().first()); });
+    EXPECT_TRUE(standsAlone) << "the item is lost with the panel";
+    if (standsAlone && random(2) == 0) {
+        input().click(alone().first().geometry.center());
+        EXPECT_TRUE(waitUntil([this] { return menuIsOpen(); })) << "the menu does not open";
+        input().key(XK_Escape);
+        closeMenu();
+    }
+    EXPECT_TRUE(m_session.desktop.startPanel(Desktop::TraySide::Left));
+    isBack();
+    return true;
+}
+
+bool Life::killTheWindowManager()
+{
+    EXPECT_TRUE(m_session.desktop.stopWindowManager());
+    EXPECT_TRUE(m_session.desktop.startWindowManager());
+    isBack();
+    return true;
+}
+
+bool Life::killTheBus()
+{
+    m_session.desktop.bus().stop();
+    if (random(2) == 0) {
+        openAndCloseTheMenu();
+    }
+    EXPECT_TRUE(m_session.desktop.bus().start());
+    EXPECT_TRUE(waitUntil([this] {
+        // It tries again every five seconds.
+        m_clock.advance(5s);
+        m_lived += 5s;
+        return m_session.agent->isLinked();
+    })) << "the link does not come back";
+    attachTheService();
+    return true;
+}
+
+bool Life::killTheService()
+{
+    m_session.service->process().kill();
+    if (random(2) == 0) {
+        openAndCloseTheMenu();
+    }
+    return attachTheService();
+}

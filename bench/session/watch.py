@@ -6,7 +6,7 @@ import subprocess
 import threading
 import time
 
-KEYS = {"Escape": 9, "Return": 36, "Up": 111}  # Codes of the X server's keyboard.
+KEYS = {"Escape": 9, "Return": 36, "Up": 111, "Down": 116}  # Codes of the X server's keyboard.
 
 WindowEvent = collections.namedtuple("WindowEvent", "time kind window x y width height embedded")
 

@@ -101,6 +101,26 @@ protected:
         ASSERT_TRUE(waitUntil([] { return QGuiApplication::mouseButtons() != Qt::NoButton; }));
     }
 
+    /// Opens the menu and closes it again, as often.
+    void openAndClose(int times)
+    {
+        for (int i = 0; i < times; ++i) {
+            open();
+            ASSERT_TRUE(waitUntil([this] { return QGuiApplication::focusWindow() == menu.windowHandle(); }));
+            menu.close();
+            ASSERT_TRUE(waitUntil([this] { return user.isFree() && !QGuiApplication::focusWindow(); }));
+        }
+    }
+
+    /// To how many the menu's window tells where its focus is.
+    [[nodiscard]] int listenersToItsFocus() const
+    {
+        struct Opened : QObject {
+            using QObject::receivers;
+        };
+        return (menu.windowHandle()->*&Opened::receivers)(SIGNAL(focusObjectChanged(QObject *)));
+    }
+
     [[nodiscard]] static bool isOpen(const QMenu &menu)
     {
         return menu.isVisible() && menu.windowHandle() && menu.windowHandle()->isExposed();

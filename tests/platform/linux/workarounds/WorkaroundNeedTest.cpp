@@ -193,6 +193,12 @@ TEST_F(WorkaroundNeed, PixmapCache)
     tell("PixmapCache", before > after + ofFewPictures);
 }
 
+TEST_F(WorkaroundNeed, MenuFocus)
+{
+    openAndClose(3);
+    tell("MenuFocus", listenersToItsFocus() >= 3);
+}
+
 TEST_F(WorkaroundNeed, MenuMouse)
 {
     const QPoint place = placeOf(submenu->menuAction());

@@ -1,6 +1,0 @@
-#include "platform/screen/MenuPopUp.h"
-
-void popUpMenu(QMenu &menu, QPoint corner)
-{
-    menu.exec(corner);
-}

@@ -4,3 +4,10 @@ void popUpMenu(QMenu &menu, QPoint corner)
 {
     menu.exec(corner);
 }
+
+bool isSystemMenuOpen()
+{
+    return false;
+}
+
+void closeSystemMenu() {}

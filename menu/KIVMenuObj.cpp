@@ -17,6 +17,7 @@
 #include "platform/alert/AlertPanel.h"
 #include "platform/images/ImageFile.h"
 #include "platform/screen/AvailableDisplayModes.h"
+#include "platform/screen/MenuPopUp.h"
 
 #include <QKeySequence>
 #include <QPointer>
@@ -340,9 +341,10 @@ void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
         qCDebug(itemLog, "a double click: the menu stays open");
         return;
     }
-    if (m_menu->isVisible()) {
+    if (m_menu->isVisible() || isSystemMenuOpen()) {
         qCDebug(itemLog, "closes the menu");
         m_menu->close();
+        closeSystemMenu();
         return;
     }
     const std::optional<NSRect> frame = getFrame();

@@ -7,7 +7,7 @@ namespace
 std::optional<bool> booleanUnder(CFDictionaryRef dictionary, CFStringRef key)
 {
     const void *value = CFDictionaryGetValue(dictionary, key);
-    if (!value) {
+    if (!value || CFGetTypeID(value) != CFBooleanGetTypeID()) {
         return std::nullopt;
     }
     return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) != 0;

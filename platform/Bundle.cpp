@@ -11,9 +11,11 @@
 
 namespace
 {
-QString existing(const QString &file)
+/// The path of the file; null when there is none, or no folder.
+QString existing(const QString &folder, const QString &name)
 {
-    return QFileInfo(file).isFile() ? file : QString();
+    const QString file = folder + u'/' + name;
+    return !folder.isNull() && QFileInfo(file).isFile() ? file : QString();
 }
 } // namespace
 
@@ -28,7 +30,7 @@ Bundle::Bundle(QString resources, const QString &informationFile, QString execut
 {
     const QVariant information = PropertyList::readFile(informationFile);
     if (information.typeId() == QMetaType::QVariantMap) {
-        m_info = PropertyList::readFile(m_resources + QStringLiteral("/Build.plist")).toMap();
+        m_info = PropertyList::readFile(existing(m_resources, QStringLiteral("Build.plist"))).toMap();
         m_info->insert(information.toMap());
     } else if (const QFileInfo file(informationFile); file.exists() || file.isSymLink()) {
         qCWarning(agentLog) << informationFile
@@ -52,10 +54,10 @@ QString Bundle::infoString(const QString &key) const
 
 QString Bundle::pathForResource(const QString &name, const QString &type) const
 {
-    return existing(m_resources + u'/' + (type.isEmpty() ? name : name + u'.' + type));
+    return existing(m_resources, type.isEmpty() ? name : name + u'.' + type);
 }
 
 QString Bundle::pathForAuxiliaryExecutable(const QString &name) const
 {
-    return existing(m_executables + u'/' + name);
+    return existing(m_executables, name);
 }

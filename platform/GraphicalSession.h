@@ -21,6 +21,10 @@ void requestEnd() noexcept;
 /// loop, which would learn of it, from running.
 [[nodiscard]] bool isEnding() noexcept;
 
+/// Ends the application's event loop and all within it, and closes the menu that would keep it from ending. From the
+/// main thread, and not from the handler of a signal.
+void end();
+
 /// Runs the application's event loop to its end. When the session ends before the loop does, the process ends here,
 /// with status 1.
 void run();

@@ -2,7 +2,7 @@
 
 #include <QString>
 
-/// Where the running program's bundle lies.
+/// Where the running program's bundle lies. Null strings: the system does not tell.
 struct MainBundlePath {
     QString resources;       ///< The folder with its resources.
     QString informationFile; ///< Its Info.plist.

@@ -1,5 +1,6 @@
 #include "shell/Application.h"
 
+#include "platform/GraphicalSession.h"
 #include "platform/LogCategories.h"
 
 #include <QEvent>
@@ -22,7 +23,7 @@ bool Application::event(QEvent *event)
         // Qt would close all windows first: to close a pop-up is to be done with its message, and one of the service's
         // that is closed so comes up again at once, for ever.
         qCDebug(agentLog, "the session asks it to end");
-        exit();
+        GraphicalSession::end();
         return true;
     }
     return QApplication::event(event);

@@ -3,8 +3,6 @@
 #include "platform/GraphicalSession.h"
 #include "platform/LogCategories.h"
 
-#include <QCoreApplication>
-
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -57,7 +55,7 @@ TerminationSignals::TerminationSignals()
         while (::read(m_pipe[0], bytes, sizeof bytes) > 0) {
         }
         qCDebug(agentLog, "a signal asks it to end");
-        QCoreApplication::exit();
+        GraphicalSession::end();
     });
     wakeUp = m_pipe[1];
     setHandler(onSignal);

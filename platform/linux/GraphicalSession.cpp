@@ -15,6 +15,7 @@
 #include "platform/linux/workarounds/bus/LibdbusWarnings.h"
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
 #include "platform/linux/workarounds/bus/SilentBus.h"
+#include "platform/screen/MenuPopUp.h"
 
 #include <QApplication>
 
@@ -95,6 +96,12 @@ bool GraphicalSession::isEnding() noexcept
     // Qt reads from the server in a thread of its own.
     xcb_connection_t *const connection = XConnection::get();
     return isEndRequested || (connection && xcb_connection_has_error(connection) != 0);
+}
+
+void GraphicalSession::end()
+{
+    QCoreApplication::exit();
+    closeSystemMenu();
 }
 
 void GraphicalSession::run()

@@ -1,5 +1,7 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/screen/MenuPopUp.h"
+
 #include <QCoreApplication>
 
 #include <atomic>
@@ -37,6 +39,12 @@ void GraphicalSession::requestEnd() noexcept
 bool GraphicalSession::isEnding() noexcept
 {
     return isEndRequested;
+}
+
+void GraphicalSession::end()
+{
+    QCoreApplication::exit();
+    closeSystemMenu();
 }
 
 void GraphicalSession::run()

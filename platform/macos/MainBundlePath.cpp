@@ -31,6 +31,7 @@ MainBundlePath mainBundlePath()
     }
     const CoreFoundationObject resources(CFBundleCopyResourcesDirectoryURL(bundle));
     const CoreFoundationObject contents(CFBundleCopySupportFilesDirectoryURL(bundle)); // Where Info.plist is.
-    return {pathOf(resources), pathOf(contents) + QStringLiteral("/Info.plist"),
+    const QString folder = pathOf(contents);
+    return {pathOf(resources), folder.isNull() ? QString() : folder + QStringLiteral("/Info.plist"),
             QCoreApplication::applicationDirPath()};
 }

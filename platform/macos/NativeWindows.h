@@ -2,16 +2,16 @@
 
 #include <QtGui/qwindowdefs.h>
 
-#ifdef __OBJC__
-@class NSMenu;
-#else
-class NSMenu;
-#endif
+class QMenu;
 
 /// What has to be said to the system's own windows and menus. Apart from the rest because AppKit's NSPoint and the
 /// agent's own cannot be seen by one file. A window is given as QWidget::winId() tells it. Main thread only.
 namespace NativeWindows
 {
+
+/// Whether Qt's windows and menus are the system's. They are not on a platform of Qt's own such as "offscreen", which
+/// tests have: there a winId() is no view of AppKit's. Nothing below may be called then.
+[[nodiscard]] bool areThere();
 
 /// The thickness of the menu bar, in points.
 [[nodiscard]] double statusBarThickness();
@@ -19,7 +19,8 @@ namespace NativeWindows
 /// In front of all windows of its level, without making the program the active one.
 void orderFront(WId window);
 
-/// Makes the program the active one and gives the window the keyboard. The system may refuse the first.
+/// Makes the program the active one, which the system may refuse, and gives the window the keyboard all the same: a
+/// panel can have it in a program that is not active.
 void activate(WId window);
 
 /// On the level of the status items, above the windows of all programs and above their panels.
@@ -27,6 +28,9 @@ void setStatusLevel(WId window);
 
 /// Opens the menu with its top-left corner there, in points from the main screen's bottom left, and returns when it has
 /// closed.
-void popUpMenu(NSMenu *menu, double x, double y);
+void popUpMenu(QMenu &menu, double x, double y);
+
+/// Closes the menu that popUpMenu() has open, if there is one, without a choice.
+void closeMenu();
 
 } // namespace NativeWindows

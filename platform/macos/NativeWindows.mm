@@ -1,18 +1,28 @@
 #include "platform/macos/NativeWindows.h"
 
+#include <QGuiApplication>
+#include <QMenu>
+
 #import <AppKit/AppKit.h>
 
 namespace
 {
+
+NSMenu *openMenu = nil;
 
 NSWindow *windowOf(WId window)
 {
     return [reinterpret_cast<NSView *>(window) window];
 }
 
-/// The system would rather have the active program decide, in a call that older systems lack.
+/// Since macOS 14 the system decides by what the user does whether a program that asks becomes the active one. Before,
+/// the call without a wish was refused to one in the background.
 void activateProgram()
 {
+    if (@available(macOS 14.0, *)) {
+        [[NSApplication sharedApplication] activate];
+        return;
+    }
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wdeprecated-declarations"
     [[NSApplication sharedApplication] activateIgnoringOtherApps:YES];
@@ -20,6 +30,11 @@ void activateProgram()
 }
 
 } // namespace
+
+bool NativeWindows::areThere()
+{
+    return QGuiApplication::platformName() == QLatin1String("cocoa");
+}
 
 double NativeWindows::statusBarThickness()
 {
@@ -33,8 +48,13 @@ void NativeWindows::orderFront(WId window)
 
 void NativeWindows::activate(WId window)
 {
+    NSWindow *const panel = windowOf(window);
+    // Qt's dialogs are panels. Of such a kind they are the key window also in a program that is not the active one.
+    if ([panel isKindOfClass:[NSPanel class]]) {
+        [panel setStyleMask:[panel styleMask] | NSWindowStyleMaskNonactivatingPanel];
+    }
     activateProgram();
-    [windowOf(window) makeKeyWindow];
+    [panel makeKeyWindow];
 }
 
 void NativeWindows::setStatusLevel(WId window)
@@ -42,7 +62,14 @@ void NativeWindows::setStatusLevel(WId window)
     [windowOf(window) setLevel:NSStatusWindowLevel];
 }
 
-void NativeWindows::popUpMenu(NSMenu *menu, double x, double y)
+void NativeWindows::popUpMenu(QMenu &menu, double x, double y)
 {
-    [menu popUpMenuPositioningItem:nil atLocation:NSPoint{x, y} inView:nil];
+    openMenu = menu.toNSMenu();
+    [openMenu popUpMenuPositioningItem:nil atLocation:NSPoint{x, y} inView:nil];
+    openMenu = nil;
+}
+
+void NativeWindows::closeMenu()
+{
+    [openMenu cancelTracking];
 }

@@ -32,7 +32,7 @@ public:
         drawn.setIsMask(true); // The system draws its shape in the colour that goes with the menu bar.
         icon.setIcon(drawn);
         icon.setToolTip(toolTip);
-        icon.show();
+        icon.setVisible(!image.isNull()); // Qt warns of an item without an image, as a new one is.
     }
 
     QSystemTrayIcon icon;

@@ -2,19 +2,28 @@
 
 #include "platform/macos/NativeWindows.h"
 
-// Not QWidget::raise(), which makes the program the active one each time.
 void bringToFront(QWidget &window)
 {
-    NativeWindows::orderFront(window.winId());
+    if (!NativeWindows::areThere()) {
+        window.raise();
+        return;
+    }
+    NativeWindows::orderFront(window.winId()); // QWidget::raise() would make the program the active one each time.
 }
 
 void bringToFrontWithKeyboard(QWidget &window)
 {
-    NativeWindows::orderFront(window.winId());
-    NativeWindows::activate(window.winId());
+    bringToFront(window);
+    if (NativeWindows::areThere()) {
+        NativeWindows::activate(window.winId());
+    } else {
+        window.activateWindow();
+    }
 }
 
 void keepAtStatusLevel(QWidget &window)
 {
-    NativeWindows::setStatusLevel(window.winId());
+    if (NativeWindows::areThere()) {
+        NativeWindows::setStatusLevel(window.winId());
+    }
 }

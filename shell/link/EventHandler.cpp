@@ -104,6 +104,7 @@ OSErr handle(const AppleEvent *event)
         return __cmd_setopt(event);
     case kMenuEvtQuit:
         ExitToShell();
+        return noErr; // Nothing tells every compiler that the call above does not return.
     default:
         qCDebug(linkLog, "%s is no command", name.constData());
         return noErr;

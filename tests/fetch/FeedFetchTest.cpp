@@ -170,22 +170,6 @@ TEST_F(FeedFetch, EndsWithItsAsker)
     EXPECT_EQ(fetch.exitCode(), 1);
 }
 
-TEST_F(FeedFetch, EndsWithItsAskerThoughANameIsStillLookedUp)
-{
-    const QTemporaryDir directory;
-    const QString asked = directory.filePath(QStringLiteral("asked"));
-    fetch.environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(KIV_SLOW_NAMES));
-    fetch.environment.insert(QStringLiteral("KIV_LOOKUP_FILE"), asked);
-    // A sanitizer's run time wants to be the first library of all.
-    fetch.environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
-    ask(QStringLiteral("http://feed.invalid/"));
-    ASSERT_TRUE(waitUntil([&] { return QFile::exists(asked); }));
-    EXPECT_TRUE(fetch.isRunning());
-    fetch.closeInput();
-    waitForItsEnd();
-    EXPECT_EQ(fetch.exitCode(), 1);
-}
-
 /// The headers in the manual page, by their names in lower case; those that are in italics are not given word for
 /// word.
 QMap<QString, QString> headersInTheManual()

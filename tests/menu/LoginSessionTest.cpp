@@ -1,5 +1,7 @@
 #include "menu/LoginSession.h"
 
+#include <QtGlobal>
+
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -46,12 +48,27 @@ TEST(LoginSession, IsHiddenOnlyWhenLoginIsDoneAndTheConsoleIsElsewhere)
     }
 }
 
+TEST(LoginSession, IsNotHiddenByWhatIsNoTruthValue)
+{
+    for (const int place : {0, 1}) {
+        const void *keys[] = {CFSTR("kCGSessionLoginDoneKey"), CFSTR("kCGSSessionOnConsoleKey")};
+        const void *values[] = {kCFBooleanTrue, kCFBooleanFalse};
+        values[place] = CFSTR("yes");
+        const CFDictionaryRef dictionary = CFDictionaryCreate(
+            kCFAllocatorDefault, keys, values, 2, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+        EXPECT_FALSE(isLoggedInOffConsole(dictionary)) << place;
+        CFRelease(dictionary);
+    }
+}
+
 TEST(LoginSession, IsNotHiddenWithoutASessionDictionary)
 {
     EXPECT_FALSE(isLoggedInOffConsole(nullptr));
 }
 
+#ifdef Q_OS_LINUX
 TEST(LoginSession, IsNotHiddenWhereNobodyKnowsOfIt)
 {
     EXPECT_FALSE(is_hidden()); // Neither a system bus nor a display here.
 }
+#endif

@@ -1,7 +1,6 @@
 #include "platform/Bundle.h"
 
 #include "platform/data/PropertyList.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/LogLines.h"
 
 #include <QDir>
@@ -117,6 +116,13 @@ TEST_F(BundleFolder, TakesInfoPlistFromOutsideTheResources)
     EXPECT_FALSE(bundle.pathForResource(QStringLiteral("statuson"), QStringLiteral("tiff")).isNull());
 }
 
+TEST_F(BundleFolder, LooksNowhereForTheFilesOfAFolderThatNobodyKnows)
+{
+    const Bundle bundle({}, path(info), {});
+    EXPECT_TRUE(bundle.pathForResource(QStringLiteral("etc/passwd"), QString()).isNull());
+    EXPECT_TRUE(bundle.pathForAuxiliaryExecutable(QStringLiteral("bin/sh")).isNull());
+}
+
 TEST_F(BundleFolder, FindsOnlyResourcesThatAreFiles)
 {
     write(QStringLiteral("statuson.tiff"), "II*");
@@ -134,67 +140,6 @@ TEST_F(BundleFolder, FindsOnlyResourcesThatAreFiles)
     EXPECT_TRUE(bundle.pathForResource(QStringLiteral("statuson"), QStringLiteral("icns")).isNull());
     EXPECT_TRUE(bundle.pathForResource(QStringLiteral("folder"), tiff).isNull());
     EXPECT_TRUE(bundle.pathForResource(QStringLiteral("dangling"), tiff).isNull());
-}
-
-class MainBundle : public BundleFolder
-{
-protected:
-    /// What the probe prints when it is started as `program`, line by line.
-    static QStringList run(const QString &program)
-    {
-        ChildProcess probe;
-        EXPECT_TRUE(probe.start(program, {}));
-        EXPECT_TRUE(probe.process().waitForFinished());
-        EXPECT_EQ(probe.exitCode(), 0);
-        return QString::fromUtf8(probe.output()).split(u'\n');
-    }
-
-    void install(const QString &where, const QString &version) const
-    {
-        const QString program = path(where + QStringLiteral("/bin/probe"));
-        ASSERT_TRUE(QDir().mkpath(QFileInfo(program).path()));
-        ASSERT_TRUE(QFile::copy(QStringLiteral(KIV_BUNDLE_PROBE), program));
-        writeInfo(where + QStringLiteral("/share/kivmenua/Info.plist"),
-                  QVariantMap{{QStringLiteral("KIVBuildVersion"), version}});
-        write(where + QStringLiteral("/share/kivmenua/statuson.tiff"), "II*");
-    }
-};
-
-TEST_F(MainBundle, LiesBesideTheProgramsFolder)
-{
-    install(QStringLiteral("one"), QStringLiteral("1.0"));
-    install(QStringLiteral("two"), QStringLiteral("2.0"));
-    const QString image = QStringLiteral("/share/kivmenua/statuson.tiff");
-    EXPECT_EQ(run(path(QStringLiteral("one/bin/probe"))).mid(0, 3),
-              QStringList({QStringLiteral("1"), QStringLiteral("1.0"), path(QStringLiteral("one")) + image}));
-    EXPECT_EQ(run(path(QStringLiteral("two/bin/probe"))).mid(0, 3),
-              QStringList({QStringLiteral("1"), QStringLiteral("2.0"), path(QStringLiteral("two")) + image}));
-}
-
-TEST_F(MainBundle, HasItsHelpersInAFolderThatNobodysPathNames)
-{
-    install(QStringLiteral("one"), QStringLiteral("1.0"));
-    const QString probe = path(QStringLiteral("one/bin/probe"));
-    EXPECT_EQ(run(probe).value(3), QString());
-    const QString another = QStringLiteral("one/libexec/kivmenua/another");
-    write(another, "#!/bin/sh");
-    EXPECT_EQ(run(probe).value(3), path(another));
-}
-
-TEST_F(MainBundle, IsThatOfTheRealProgramBehindALink)
-{
-    install(QStringLiteral("real"), QStringLiteral("1.0"));
-    const QString link = path(QStringLiteral("link"));
-    ASSERT_TRUE(QFile::link(path(QStringLiteral("real/bin/probe")), link));
-    EXPECT_EQ(run(link).value(1), QStringLiteral("1.0"));
-}
-
-TEST_F(MainBundle, HasNothingWhenTheFolderIsMissing)
-{
-    install(QStringLiteral("bare"), QStringLiteral("1.0"));
-    ASSERT_TRUE(QDir(path(QStringLiteral("bare/share"))).removeRecursively());
-    EXPECT_EQ(run(path(QStringLiteral("bare/bin/probe"))).mid(0, 3),
-              QStringList({QStringLiteral("0"), QString(), QString()}));
 }
 
 } // namespace

@@ -22,7 +22,7 @@ class LogOutputTest : public testing::Test
 protected:
     void SetUp() override
     {
-        ASSERT_EQ(::pipe2(m_ends.data(), O_CLOEXEC), 0);
+        ASSERT_EQ(::pipe(m_ends.data()), 0);
         m_before = ::dup(STDERR_FILENO);
         ASSERT_GE(::dup2(m_ends[1], STDERR_FILENO), 0);
         ::fcntl(m_ends[0], F_SETFL, O_NONBLOCK);

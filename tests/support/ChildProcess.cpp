@@ -1,13 +1,17 @@
 #include "tests/support/ChildProcess.h"
 
+#ifdef Q_OS_LINUX
 #include <csignal>
 #include <sys/prctl.h>
+#endif
 
 ChildProcess::ChildProcess()
     : environment(QProcessEnvironment::systemEnvironment())
 {
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+#ifdef Q_OS_LINUX
     m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+#endif
 }
 
 ChildProcess::~ChildProcess()

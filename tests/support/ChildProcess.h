@@ -5,8 +5,8 @@
 #include <QString>
 #include <QStringList>
 
-/// A program that a test starts and that never outlives it: it is killed, and waited for, at destruction, and the
-/// kernel ends it when the test itself dies.
+/// A program that a test starts and that never outlives it: it is killed, and waited for, at destruction, and
+/// on Linux the kernel ends it when the test itself dies.
 class ChildProcess final
 {
 public:

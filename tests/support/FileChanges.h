@@ -4,7 +4,7 @@
 #include <QStringList>
 
 /// Tells in which order files are written: one that is there already when it is closed, one that is written elsewhere
-/// when it takes its place. Linux only.
+/// when it takes its place.
 class FileChanges final
 {
 public:

@@ -5,6 +5,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <syslog.h> // By which the function has another name on some systems.
 #include <utility>
 
 namespace

@@ -4,6 +4,7 @@
 The architecture is arm64 unless x86_64 is named, and all is built unless targets are. What comes out can be looked at
 and not run: README.md says what it is good for.
 """
+import os
 import re
 import shutil
 import subprocess
@@ -16,6 +17,8 @@ import sysroot
 HERE = Path(__file__).resolve().parent
 SOURCE = HERE.parents[2]
 PROGRAMS = 'bin/kivmenua.app/Contents/MacOS'
+TESTS = ('tests', 'fuzz')
+TESTED = 'arm64'
 MIN_CLANG = 16 # As in tools/kiv/mac.bash. The libc++ of an older one lacks parts of the ranges.
 
 
@@ -34,22 +37,26 @@ def find_clang():
 
 
 def configure(folder, architecture, root, clang):
-    """In the folder of that name. Returns it."""
+    """In the folder of that name, the tests with it on one of the two processors. Returns it."""
     build = folder / architecture
+    tests = 'ON' if architecture == TESTED else 'OFF'
     subprocess.run(['cmake', '-S', SOURCE, '-B', build, '-G', 'Ninja', '--log-level=WARNING',
                     '-D', f'CMAKE_TOOLCHAIN_FILE={HERE / "toolchain.cmake"}', '-D', f'KIV_SYSROOT={root}',
                     '-D', f'KIV_ARCHITECTURE={architecture}', '-D', f'KIV_CLANG={clang}', '-D', 'CMAKE_BUILD_TYPE=',
-                    '-D', 'CMAKE_UNITY_BUILD=ON', '-D', 'KIV_BUILD_TESTS=OFF', '-D', 'KIV_WARNINGS_AS_ERRORS=ON'],
+                    '-D', 'CMAKE_UNITY_BUILD=ON', '-D', f'KIV_BUILD_TESTS={tests}', '-D', 'KIV_WARNINGS_AS_ERRORS=ON'],
                    check=True)
     return build
 
 
 def make_sysroot(folder, clang):
-    """Anew only when what it is made of has changed, for all that is compiled depends on it."""
+    """Anew only when what it is made of has changed, for all that is compiled depends on it. Returns it."""
     root, stamp = folder / 'sysroot', folder / 'sysroot.made-of'
     parts = [path for path in HERE.rglob('*') if path.is_file()]
     made_of = '\n'.join([clang, sysroot.qt('QT_VERSION'), *sorted(f'{path} {path.stat().st_mtime_ns}' for path in parts)])
     if not stamp.exists() or stamp.read_text() != made_of:
+        # What was configured by the old toolchain is asked again.
+        for cache in folder.glob('*/CMakeCache.txt'):
+            cache.unlink()
         subprocess.run([sys.executable, '-B', HERE / 'sysroot.py', root, clang], check=True)
         stamp.write_text(made_of)
     return root
@@ -64,9 +71,34 @@ def build(folder, architecture='arm64', targets=()):
     root = make_sysroot(folder, clang)
     tree = configure(folder, architecture, root, clang)
     subprocess.run(['ninja', '-C', tree, '--quiet', *targets], check=True)
-    if symbols.main(root, clang, *(tree / PROGRAMS).glob('*')):
+    strangers = foreign(headers_of(tree), root, tree, clang)
+    for header in strangers:
+        print(f'{header}: no Mac has this header, or it is for Linux', file=sys.stderr)
+    if symbols.main(root, clang, *programs(tree)) or strangers:
         sys.exit(1)
     return tree
+
+
+def headers_of(tree):
+    """What the compiler has read, for all that has been compiled."""
+    lines = subprocess.run(['ninja', '-C', tree, '-t', 'deps'], check=True, capture_output=True, text=True).stdout
+    return {line.strip() for line in lines.splitlines() if line.startswith(' ')}
+
+
+def foreign(headers, root, tree, clang):
+    """Which of these are neither the sysroot's nor the compiler's nor the agent's, or are of its side for Linux."""
+    # Of the two places where the compiler finds the headers of its C++ library, one is a link.
+    compiler = (Path(clang).resolve().parent.parent, Path(clang).parent.parent / 'include/c++')
+    known = tuple(f'{folder}/' for folder in (root, tree, SOURCE, *compiler))
+    linux = f'{SOURCE}/platform/linux/'
+    paths = {os.path.normpath(Path(tree, header)) for header in headers}
+    return sorted(path for path in paths if not path.startswith(known) or path.startswith(linux))
+
+
+def programs(tree):
+    """The agent's, and those of its tests: what can be run of the folders where CMake puts them."""
+    files = [file for folder in (PROGRAMS, *TESTS) for file in (tree / folder).glob('*')]
+    return [file for file in files if file.is_file() and os.access(file, os.X_OK)]
 
 
 if __name__ == '__main__':

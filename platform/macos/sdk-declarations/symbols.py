@@ -22,6 +22,8 @@ def neutral(clang, symbols, *options):
     """What each is, in C++, in words that are the same on both systems; in the same order."""
     lines = subprocess.run([tool(clang, 'llvm-cxxfilt'), *options], input='\n'.join(symbols), check=True,
                            capture_output=True, text=True).stdout.splitlines()
+    lines = [re.sub(r'\bstd::(__1::)?basic_(ostream|istream)<char, std::(__1::)?char_traits<char> ?>', r'std::\2', line)
+             for line in lines] # Which one of the two systems has a short name for.
     lines = [re.sub(r'\b(__1|__cxx11|_V2|__exception_ptr)::|\[abi:\w+\]', '', line) for line in lines]
     return [re.sub(r'\blong long\b', 'long', re.sub(r'(?<=\d)(ll|l)\b', '', line)) for line in lines]
 

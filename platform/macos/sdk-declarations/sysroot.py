@@ -3,10 +3,11 @@
 
 It has the shape of Apple's own: headers in usr/include and in frameworks, and for each library a text file with the
 symbols that it has. What is Apple's comes from beside this script. The headers of the C library are musl's, as far as
-macOS has them; those of the C++ library are libc++'s own. What Qt's libraries, libc++, libcurl, libgumbo and libproxy
-have is read from those of this machine, and so are the headers of libcurl and libgumbo; what Qt and libc++ have once more in
-words for symbols.py.
+macOS has them; those of the C++ library are libc++'s own. What Qt's libraries, libc++, GoogleTest,
+libcurl, libgumbo and libproxy have is read from those of this machine, and so are the headers of all but libproxy; what
+Qt, libc++ and GoogleTest have once more in words for symbols.py.
 """
+import os
 import re
 import shutil
 import subprocess
@@ -36,9 +37,9 @@ def library(path, install_name, symbols, classes=()):
                     f'{names("objc-classes", classes)}...\n')
 
 
-def exported(nm, *files):
+def exported(nm, *files, kind='--dynamic'):
     """What libraries of this machine export, by the names that it has on macOS: those of C with "_" before them."""
-    lines = subprocess.run([nm, '--dynamic', '--defined-only', '--format=just-symbols', *files], check=True,
+    lines = subprocess.run([nm, kind, '--defined-only', '--format=just-symbols', *files], check=True,
                            capture_output=True, text=True).stdout.splitlines()
     return {'_' + line.partition('@')[0] for line in lines if line and not line.endswith(':')}
 
@@ -74,6 +75,12 @@ def make_c_headers(folder):
     for file in (HERE / 'c-library').glob('*.h'):
         with (folder / file.name).open('a') as header:
             header.write(file.read_text())
+    # As old as what it is made of: when all is made anew, only what has changed is compiled again.
+    for file in (path for path in folder.rglob('*.h') if not path.is_symlink()):
+        name = file.relative_to(folder)
+        sources = (MUSL / name, HERE / 'c-library' / name, Path(__file__))
+        newest = max(source.stat().st_mtime_ns for source in sources if source.exists())
+        os.utime(file, ns=(newest, newest))
 
 
 def make_frameworks(folder):
@@ -87,18 +94,34 @@ def make_frameworks(folder):
                 words(lists / f'{headers.name}.symbols'), words(lists / f'{headers.name}.classes'))
 
 
-def make_other(prefix, nm, package, name, *headers):
-    """A library of this machine's, by its own headers. They lie where pkg-config says, or where the compiler looks."""
-    def variable(key):
-        return subprocess.run(['pkg-config', f'--variable={key}', package], check=True, capture_output=True,
-                              text=True).stdout.strip()
-    folder, include = Path(variable('libdir')), prefix / 'include'
-    library(prefix / f'lib/lib{name}.tbd', f'/{prefix.name}/lib/lib{name}.dylib', exported(nm, folder / f'lib{name}.so'))
+def package_folder(package, key):
+    return Path(subprocess.run(['pkg-config', f'--variable={key}', package], check=True, capture_output=True,
+                               text=True).stdout.strip())
+
+
+def link_headers(prefix, package, *headers):
+    """Those of a library of this machine. They lie where pkg-config says, or where the compiler looks."""
+    include = prefix / 'include'
     include.mkdir(parents=True, exist_ok=True)
     for header in headers:
-        places = (Path(variable('includedir')), Path('/usr/include'),
-                  Path('/usr/include', folder.name))
+        places = (package_folder(package, 'includedir'), Path('/usr/include'),
+                  Path('/usr/include', package_folder(package, 'libdir').name))
         (include / header).symlink_to(next(place / header for place in places if (place / header).exists()))
+
+
+def make_other(prefix, nm, package, name, *headers):
+    """A library of this machine's, by its own headers."""
+    file = package_folder(package, 'libdir') / f'lib{name}.so'
+    library(prefix / f'lib/lib{name}.tbd', f'/{prefix.name}/lib/lib{name}.dylib', exported(nm, file))
+    link_headers(prefix, package, *headers)
+
+
+def make_googletest(prefix, nm):
+    """Its headers. Returns what its libraries have, which are archives."""
+    for name in ('gtest', 'gmock'):
+        link_headers(prefix, name, name)
+    return exported(nm, *(package_folder(name, 'libdir') / f'lib{name}.a' for name in ('gtest', 'gmock')),
+                    kind='--extern-only')
 
 
 def qt(key):
@@ -109,13 +132,15 @@ def make_qt(root, nm):
     """Returns what Qt's libraries have."""
     libraries = Path(qt('QT_INSTALL_LIBS'))
     everything = set()
-    for module in ('Core', 'Gui', 'Widgets'):
+    for module in ('Core', 'Gui', 'Widgets', 'Network'):
         exports = exported(nm, libraries / f'libQt6{module}.so')
         only_on_macos = words(HERE / f'libraries/Qt{module}.symbols')
         library(root / f'qt/lib/Qt{module}.tbd', f'@rpath/Qt{module}.framework/Versions/A/Qt{module}',
                 exports | set(only_on_macos))
         everything |= exports
-    (root / 'qt/include').symlink_to(qt('QT_INSTALL_HEADERS'))
+        include = root / f'qt/include/Qt{module}'
+        include.parent.mkdir(exist_ok=True)
+        include.symlink_to(Path(qt('QT_INSTALL_HEADERS'), include.name))
     (root / 'qt/libexec').symlink_to(qt('QT_INSTALL_LIBEXECS'))
     (root / 'qt/version').write_text(qt('QT_VERSION'))
     return everything
@@ -129,7 +154,12 @@ def main(root, clang):
     headers.mkdir(parents=True)
     make_c_headers(headers)
     for path in (HERE / 'include').iterdir():
-        if not (path / f'{path.name}.h').exists():
+        if (path / f'{path.name}.h').exists():
+            continue
+        if (headers / path.name).exists(): # A folder of the C library's as well.
+            for header in path.iterdir():
+                (headers / path.name / header.name).symlink_to(header)
+        else:
             (headers / path.name).symlink_to(path)
     (headers / 'c++').mkdir()
     (headers / 'c++/v1').symlink_to(llvm / 'include/c++/v1')
@@ -141,7 +171,8 @@ def main(root, clang):
     make_other(root / 'usr/local', nm, 'gumbo', 'gumbo', 'gumbo.h', 'tag_enum.h')
     make_other(root / 'usr/local', nm, 'libproxy-1.0', 'proxy')
     make_other(root / 'usr', nm, 'libcurl', 'curl', 'curl')
-    names = symbols.neutral(clang, sorted(cxx | make_qt(root, nm)), '--strip-underscore')
+    known = cxx | make_qt(root, nm) | make_googletest(root / 'usr/local', nm)
+    names = symbols.neutral(clang, sorted(known), '--strip-underscore')
     (root / symbols.NEUTRAL).write_text('\n'.join(sorted(set(names))))
 
 

@@ -20,7 +20,7 @@ const AlertPanel::Texts oneButton{QStringLiteral("Title"), QStringLiteral("Messa
 /// Does something while the panel is up.
 void whileUp(const std::function<void()> &work)
 {
-    toldNativeWindows().clear();
+    resetNativeWindows();
     AlertPanel panel(AlertPanel::Style::Informational, oneButton);
     QTimer::singleShot(0, &panel, [&] {
         work();

@@ -1,12 +1,39 @@
 #include "tests/platform/macos/FakeNativeWindows.h"
 
 #include "platform/macos/NativeWindows.h"
-#include "platform/screen/MenuPopUp.h"
+
+#include <QMenu>
+
+#include <cmath>
 
 std::vector<std::string> &toldNativeWindows()
 {
     static std::vector<std::string> told;
     return told;
+}
+
+bool &thereAreNativeWindows()
+{
+    static bool areThere = true;
+    return areThere;
+}
+
+std::function<void()> &whileNativeMenuIsOpen()
+{
+    static std::function<void()> work;
+    return work;
+}
+
+void resetNativeWindows()
+{
+    toldNativeWindows().clear();
+    thereAreNativeWindows() = true;
+    whileNativeMenuIsOpen() = {};
+}
+
+bool NativeWindows::areThere()
+{
+    return thereAreNativeWindows();
 }
 
 double NativeWindows::statusBarThickness()
@@ -29,9 +56,17 @@ void NativeWindows::setStatusLevel(WId)
     toldNativeWindows().emplace_back("status level");
 }
 
-void popUpMenu(QMenu &menu, QPoint corner)
+void NativeWindows::popUpMenu(QMenu &menu, double x, double y)
 {
-    toldNativeWindows().push_back("menu at " + std::to_string(corner.x()) + ", " + std::to_string(corner.y()));
+    toldNativeWindows().push_back("menu at " + std::to_string(std::lround(x)) + ", " + std::to_string(std::lround(y)));
     Q_EMIT menu.aboutToShow();
+    if (whileNativeMenuIsOpen()) {
+        whileNativeMenuIsOpen()();
+    }
     Q_EMIT menu.aboutToHide();
+}
+
+void NativeWindows::closeMenu()
+{
+    toldNativeWindows().emplace_back("close menu");
 }

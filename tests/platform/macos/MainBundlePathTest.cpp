@@ -43,3 +43,9 @@ TEST_F(MacMainBundlePath, HasNoResourcesWhereTheBundleHasNone)
     bundle.contents = "/tmp/kivmenua.app/Contents";
     EXPECT_TRUE(mainBundlePath().resources.isNull());
 }
+
+TEST_F(MacMainBundlePath, HasNoDictionaryWhereTheSystemDoesNotTellWhereThatIs)
+{
+    bundle.resources = "/tmp/kivmenua.app/Contents/Resources";
+    EXPECT_TRUE(mainBundlePath().informationFile.isNull());
+}

@@ -1,11 +1,14 @@
 #include "menu/KIVMenuObj.h"
 #include "menu/MenuCommands.h"
+#include "platform/GraphicalSession.h"
+#include "platform/screen/MenuPopUp.h"
 #include "tests/platform/macos/FakeCoreGraphics.h"
 #include "tests/platform/macos/FakeNativeWindows.h"
 #include "tests/support/LogLines.h"
 
 #include <QApplication>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,14 +25,19 @@ class MacMenu : public testing::Test
 protected:
     MacMenu()
     {
-        toldNativeWindows().clear();
+        resetNativeWindows();
         displays = {};
         displays.modes = {{1440, 900}, {1920, 1200}};
         displays.present = {1440, 900};
         menu.setFlags(kMenuFlagVisible | kMenuFlagActive);
         menu.setActions({});
     }
-    ~MacMenu() override { displays = {}; }
+    ~MacMenu() override
+    {
+        displays = {};
+        resetNativeWindows();
+        QApplication::setDoubleClickInterval(doubleClickInterval);
+    }
 
     /// The entries for the display's sizes, with "*" before the present one.
     [[nodiscard]] QStringList sizes() const
@@ -45,6 +53,7 @@ protected:
         return titles;
     }
 
+    const int doubleClickInterval = QApplication::doubleClickInterval();
     FakeCoreGraphics &displays = FakeCoreGraphics::instance();
     QTemporaryDir empty;
     Bundle bundle{empty.path()};
@@ -57,8 +66,64 @@ TEST_F(MacMenu, IsTheSystemsOwnAndOpensBelowTheMenuBarWhereTheMouseIs)
 {
     displays.mouse = CGPoint{708, 10};
     menu.menuTrayPressed();
-    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 29"));
+    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 871"));
     EXPECT_FALSE(menu.menu()->isVisible());
+}
+
+TEST_F(MacMenu, OpensAtItsPlaceOnTheMainScreenWhereverThatIs)
+{
+    QMenu other;
+    displays.bounds = {{100, 50}, {1440, 900}};
+    popUpMenu(other, QPoint(110, 80));
+    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 10, 870"));
+}
+
+TEST_F(MacMenu, IsQtsWhereThereAreNoMenusOfTheSystems)
+{
+    thereAreNativeWindows() = false;
+    bool wasShown = false;
+    QMenu other;
+    other.addAction(QStringLiteral("one"));
+    QTimer::singleShot(0, &other, [&] {
+        wasShown = other.isVisible();
+        other.close();
+    });
+    popUpMenu(other, QPoint(100, 100));
+    EXPECT_TRUE(wasShown);
+    EXPECT_THAT(toldNativeWindows(), ElementsAre());
+}
+
+TEST_F(MacMenu, ClosesAtAPressOnItsItemThatTheSystemPassesOn)
+{
+    QApplication::setDoubleClickInterval(0); // Two presses are two.
+    displays.mouse = CGPoint{708, 10};
+    whileNativeMenuIsOpen() = [this] { menu.menuTrayPressed(); };
+    menu.menuTrayPressed();
+    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 871", "close menu"));
+    whileNativeMenuIsOpen() = {};
+    toldNativeWindows().clear();
+    menu.menuTrayPressed();
+    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 871")) << "it can be opened again";
+}
+
+TEST_F(MacMenu, StaysOpenAtTheSecondPressOfADoubleClickThatTheSystemPassesOn)
+{
+    displays.mouse = CGPoint{708, 10};
+    QApplication::setDoubleClickInterval(60'000);
+    whileNativeMenuIsOpen() = [this] { menu.menuTrayPressed(); };
+    menu.menuTrayPressed();
+    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 871"));
+}
+
+TEST_F(MacMenu, ClosesWhenTheAgentIsToEnd)
+{
+    GraphicalSession::end();
+    EXPECT_THAT(toldNativeWindows(), ElementsAre()) << "there is none";
+    QMenu other;
+    whileNativeMenuIsOpen() = [] { GraphicalSession::end(); };
+    QTimer::singleShot(0, &other, [&] { popUpMenu(other, QPoint(708, 29)); });
+    QCoreApplication::exec();
+    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 871", "close menu"));
 }
 
 TEST_F(MacMenu, HasTheDisplaysSizesOnceTheSystemSaysThatItOpens)

@@ -47,6 +47,16 @@ TEST_F(MacStatusItem, IsPressedByEitherButtonAndByEachOfTwoFastClicks)
     EXPECT_EQ(pressesAfter(QSystemTrayIcon::Unknown), 0);
 }
 
+TEST_F(MacStatusItem, IsShownOnceItHasAnImage)
+{
+    StatusItem fresh;
+    fresh.setToolTip(QStringLiteral("About it"));
+    EXPECT_FALSE(fresh.findChild<QSystemTrayIcon *>()->isVisible());
+    EXPECT_TRUE(systemItem().isVisible());
+    item.setImage(QIcon());
+    EXPECT_FALSE(systemItem().isVisible());
+}
+
 TEST_F(MacStatusItem, IsNotPressedWhileItIsDisabled)
 {
     item.setEnabled(false);

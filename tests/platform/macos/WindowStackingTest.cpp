@@ -2,6 +2,9 @@
 
 #include "platform/StatusBar.h"
 #include "tests/platform/macos/FakeNativeWindows.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QApplication>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +17,8 @@ using testing::ElementsAre;
 class MacWindowStacking : public testing::Test
 {
 protected:
-    MacWindowStacking() { toldNativeWindows().clear(); }
+    MacWindowStacking() { resetNativeWindows(); }
+    ~MacWindowStacking() override { resetNativeWindows(); }
 
     QWidget window;
 };
@@ -38,6 +42,26 @@ TEST_F(MacWindowStacking, KnowsTheLevelOfTheStatusItems)
 {
     keepAtStatusLevel(window);
     EXPECT_THAT(toldNativeWindows(), ElementsAre("status level"));
+}
+
+TEST_F(MacWindowStacking, LeavesWindowsThatAreNoneOfTheSystemsToQt)
+{
+    thereAreNativeWindows() = false;
+    window.show();
+    QWidget other;
+    other.show();
+    bringToFront(window);
+    bringToFrontWithKeyboard(window);
+    keepAtStatusLevel(window);
+    EXPECT_THAT(toldNativeWindows(), ElementsAre());
+    EXPECT_TRUE(waitUntil([this] { return QApplication::activeWindow() == &window; }));
+}
+
+TEST(MacStatusBar, HasTheUsualThicknessWhereThereIsNoMenuBarOfTheSystems)
+{
+    thereAreNativeWindows() = false;
+    EXPECT_EQ(StatusBar::around({{100, 100}, {22, 22}}), (StatusBar{StatusBar::Edge::Top, 22}));
+    resetNativeWindows();
 }
 
 TEST(MacStatusBar, IsAtTheTopAsThickAsTheSystemSays)

@@ -96,6 +96,12 @@ class Built(unittest.TestCase):
         entitlements = self.plist(SOURCE / "resources/macos/kivmenua.entitlements")
         self.assertEqual(entitlements, {"com.apple.security.automation.apple-events": True})
 
+    def test_has_tests_that_a_mac_would_build(self):
+        programs = {path.name: path for path in build.programs(self.tree)}
+        for name in ("kiv_core_tests", "kiv_gui_tests", "kiv_system_log_tests", "kiv_application_tests", "fuzz_feed"):
+            self.assertEqual(processor_of(programs[name]), ARM64)
+        self.assertNotIn("kiv_macos_tests", programs, "its system calls are the tests' own")
+
     def test_is_made_for_intel_as_well(self):
         program = build.build(FOLDER, "x86_64") / "bin/kivmenua.app/Contents/MacOS/kivmenua"
         self.assertEqual(processor_of(program), X86_64)
@@ -127,6 +133,14 @@ class Refused(unittest.TestCase):
                 return result.stderr
             return "".join(f"undefined symbol: {name}\n"
                            for name in symbols.missing(self.sysroot, self.clang, program))
+
+    def test_a_qt_that_wants_a_newer_system_than_the_bundle_says(self):
+        for wanted, complaint in (("", ""), ("12", ""), ("13", "-D CMAKE_OSX_DEPLOYMENT_TARGET=13")):
+            result = subprocess.run(["cmake", "-D", f"QT_SUPPORTED_MIN_MACOS_VERSION={wanted}", "-D",
+                                     "CMAKE_OSX_DEPLOYMENT_TARGET=12.0", "-P", SOURCE / "cmake/OldestSystem.cmake"],
+                                    capture_output=True, text=True, check=False)
+            self.assertEqual(bool(result.returncode), bool(complaint))
+            self.assertIn(complaint, " ".join(result.stderr.split()))
 
     CARBON = ("-framework", "Carbon")
 
@@ -169,10 +183,29 @@ class Refused(unittest.TestCase):
         program = '#include <Carbon/Carbon.h>\nint main() { return CGMainDisplayID() == 0; }\n'
         self.assertIn("undefined symbol: _CGMainDisplayID", self.compile(program))
 
-    def test_a_header_of_linux(self):
-        for header in ("<sys/epoll.h>", "<linux/limits.h>", "<malloc.h>", "<xcb/xcb.h>",
-                       '"platform/linux/include/XConnection.h"'):
-            self.assertIn("file not found", self.compile(f"#include {header}\nint main() {{}}\n"), header)
+    def read_with(self, header):
+        """What is wrong with the headers that a portable file of the agent's reads with this one besides."""
+        text = (SOURCE / "menu/LoginSession.cpp").read_text()
+        result = subprocess.run(
+            [self.clang, "-target", "arm64-apple-macos12", "-isysroot", self.sysroot, "-stdlib=libc++", "-std=c++20",
+             "-I", SOURCE, *(f"-isystem{self.sysroot}/qt/include/{folder}" for folder in ("", "QtCore", "QtGui")),
+             "-M", "-x", "c++", "-"],
+            cwd=FOLDER, input=f"#include {header}\n{text}", capture_output=True, text=True, check=False)
+        headers = result.stdout.replace("\\\n", " ").split()[1:]
+        return result.stderr + "".join(build.foreign(set(headers) - {"-"}, self.sysroot, FOLDER / "arm64", self.clang))
+
+    def test_a_header_of_linux_in_a_portable_file(self):
+        self.assertEqual(self.read_with('"menu/LoginSession.h"'), "")
+        self.assertEqual(self.read_with("<QtCore/qsystemdetection.h>"), "")
+        for header in ("sys/epoll.h", "linux/limits.h", "malloc.h", "X11/Xlib.h", "xcb/xcb.h", "dbus/dbus.h",
+                       "QtDBus/qtdbusglobal.h"):
+            self.assertIn(f"'{header}' file not found", self.read_with(f"<{header}>"))
+
+    def test_a_header_of_the_agents_side_for_linux_in_a_portable_file(self):
+        headers = [path.relative_to(SOURCE).as_posix() for path in (SOURCE / "platform/linux/include").glob("*.h")]
+        self.assertIn("platform/linux/include/ExecutableName.h", headers) # Which has nothing of Linux itself.
+        for header in headers:
+            self.assertIn("/platform/linux/include/", self.read_with(f'"{header}"'), header)
 
     def test_a_deprecated_call_that_nobody_names(self):
         program = "#include <Carbon/Carbon.h>\nint main() { ProcessSerialNumber me; return GetCurrentProcess(&me); }\n"

@@ -15,7 +15,7 @@ constexpr ProcessSerialNumber noProcess{0, 0};
 ProcessSerialNumber self()
 {
     ProcessSerialNumber psn{};
-    GetCurrentProcess(&psn);
+    EXPECT_EQ(GetCurrentProcess(&psn), noErr);
     return psn;
 }
 
@@ -64,8 +64,8 @@ TEST_F(EventLink, BuildsAnEventWithItsCommandAndItsSender)
     ProcessSerialNumber sender{};
     EXPECT_EQ(AEGetParamPtr(&event, kMenuParamSender, typeProcessSerialNumber, nullptr, &sender, sizeof sender, &size),
               noErr);
-    EXPECT_EQ(sender.highLongOfPSN, 0U);
-    EXPECT_EQ(sender.lowLongOfPSN, static_cast<UInt32>(::getpid()));
+    EXPECT_EQ(sender.highLongOfPSN, here.highLongOfPSN);
+    EXPECT_EQ(sender.lowLongOfPSN, here.lowLongOfPSN);
     EXPECT_EQ(size, 8);
 }
 

@@ -12,3 +12,10 @@ void popUpMenu(QMenu &menu, QPoint corner)
         forgetFocusOf(*opened);
     }
 }
+
+bool isSystemMenuOpen()
+{
+    return false;
+}
+
+void closeSystemMenu() {}

@@ -14,13 +14,16 @@ foreach(module IN LISTS Qt6_FIND_COMPONENTS)
     set(Qt6_NOT_FOUND_MESSAGE "A Mac is not asked for Qt6${module}.")
     return()
   endif()
+  if(TARGET Qt6::${module})
+    continue() # Asked for once more, by a folder further down.
+  endif()
   add_library(Qt6::${module} SHARED IMPORTED)
   set_target_properties(Qt6::${module} PROPERTIES
     IMPORTED_LOCATION ${CMAKE_OSX_SYSROOT}/qt/lib/Qt${module}.tbd
     INTERFACE_INCLUDE_DIRECTORIES "${CMAKE_OSX_SYSROOT}/qt/include;${CMAKE_OSX_SYSROOT}/qt/include/Qt${module}"
     INTERFACE_COMPILE_DEFINITIONS QT_$<UPPER_CASE:${module}>_LIB)
 endforeach()
-foreach(pair IN ITEMS "Widgets;Gui" "Gui;Core")
+foreach(pair IN ITEMS "Widgets;Gui" "Gui;Core" "Network;Core")
   list(GET pair 0 module)
   list(GET pair 1 base)
   if(TARGET Qt6::${module} AND TARGET Qt6::${base})
@@ -28,5 +31,7 @@ foreach(pair IN ITEMS "Widgets;Gui" "Gui;Core")
   endif()
 endforeach()
 
-add_executable(Qt6::moc IMPORTED)
-set_property(TARGET Qt6::moc PROPERTY IMPORTED_LOCATION ${CMAKE_OSX_SYSROOT}/qt/libexec/moc)
+if(NOT TARGET Qt6::moc)
+  add_executable(Qt6::moc IMPORTED)
+  set_property(TARGET Qt6::moc PROPERTY IMPORTED_LOCATION ${CMAKE_OSX_SYSROOT}/qt/libexec/moc)
+endif()

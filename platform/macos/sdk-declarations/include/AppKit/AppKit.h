@@ -18,6 +18,8 @@ __attribute__((objc_root_class))
 @interface NSObject
 + (instancetype)alloc;
 - (instancetype)init;
++ (Class)class;
+- (BOOL)isKindOfClass:(Class)aClass;
 @end
 
 @interface NSStatusBar : NSObject
@@ -27,16 +29,24 @@ __attribute__((objc_root_class))
 
 @interface NSApplication : NSObject
 @property(class, readonly) NSApplication *sharedApplication;
+- (void)activate __attribute__((availability(macos, introduced = 14.0)));
 - (void)activateIgnoringOtherApps:(BOOL)ignoreOtherApps __attribute__((deprecated));
 @end
 
 typedef NSInteger NSWindowLevel;
 static const NSWindowLevel NSStatusWindowLevel = 25;
 
+typedef NSUInteger NSWindowStyleMask;
+static const NSWindowStyleMask NSWindowStyleMaskNonactivatingPanel = 1 << 7;
+
 @interface NSWindow : NSObject
 @property NSWindowLevel level;
+@property NSWindowStyleMask styleMask;
 - (void)makeKeyWindow;
 - (void)orderFrontRegardless;
+@end
+
+@interface NSPanel : NSWindow
 @end
 
 @interface NSView : NSObject
@@ -46,4 +56,5 @@ static const NSWindowLevel NSStatusWindowLevel = 25;
 @class NSMenuItem;
 @interface NSMenu : NSObject
 - (BOOL)popUpMenuPositioningItem:(NSMenuItem *)item atLocation:(NSPoint)location inView:(NSView *)view;
+- (void)cancelTracking;
 @end

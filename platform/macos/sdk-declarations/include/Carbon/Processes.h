@@ -41,7 +41,7 @@ OSErr GetProcessInformation(const ProcessSerialNumber *psn, ProcessInfoRec *info
 CFDictionaryRef ProcessInformationCopyDictionary(const ProcessSerialNumber *psn, UInt32 mask) KIV_DEPRECATED_CALL;
 OSStatus GetProcessPID(const ProcessSerialNumber *psn, pid_t *pid) KIV_DEPRECATED_CALL;
 OSErr SameProcess(const ProcessSerialNumber *a, const ProcessSerialNumber *b, Boolean *result) KIV_DEPRECATED_CALL;
-void ExitToShell(void) __attribute__((noreturn)) KIV_DEPRECATED_CALL;
+void ExitToShell(void) KIV_DEPRECATED_CALL;
 
 #ifdef __cplusplus
 }

@@ -32,11 +32,11 @@ extern const CFBooleanRef kCFBooleanFalse;
 void CFRelease(CFTypeRef object);
 CFTypeID CFGetTypeID(CFTypeRef object);
 
+CFStringRef __CFStringMakeConstantString(const char *text);
 #ifdef __APPLE__
 /// The compiler makes the constant itself.
 #define CFSTR(text) ((CFStringRef)__builtin___CFStringMakeConstantString("" text ""))
 #else
-CFStringRef __CFStringMakeConstantString(const char *text);
 #define CFSTR(text) __CFStringMakeConstantString("" text "")
 #endif
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char *text, CFStringEncoding encoding);

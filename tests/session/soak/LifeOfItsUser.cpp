@@ -46,7 +46,7 @@ bool Life::chooseACommand()
     EXPECT_TRUE(waitUntil([this] { return windows(isMenu).size() == 2; })) << "the submenu does not open";
     input().key(XK_Return);
     EXPECT_TRUE(waitUntil([&] { return m_session.service->events().size() == before + 1; })) << "the choice is lost";
-    EXPECT_TRUE(m_session.service->events().last().startsWith("meoa " + code));
+    EXPECT_TRUE(m_session.service->events().value(before).startsWith("meoa " + code));
     closeMenu();
     return true;
 }

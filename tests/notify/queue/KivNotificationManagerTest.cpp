@@ -30,6 +30,7 @@
 
 #include <chrono>
 #include <ctime>
+#include <functional>
 #include <future>
 #include <limits>
 #include <optional>
@@ -71,12 +72,17 @@ QVariantMap with(const QString &key, const QVariant &value, const char *id)
     return dictionary;
 }
 
-/// Processor time, of which other programs take nothing.
-std::chrono::nanoseconds timeOfThisThread()
+/// The processor time that `work` takes of this thread: other programs and threads do not count.
+std::chrono::nanoseconds timeOfThisThread(const std::function<void()> &work)
 {
-    timespec time{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    const auto now = [] {
+        timespec time{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+    };
+    const auto before = now();
+    work();
+    return now() - before;
 }
 
 class KivNotificationManagerTest : public testing::Test
@@ -386,7 +392,7 @@ TEST_F(KivNotificationManagerTest, KeepsNobodyWaitingWhileItSavesALongQueue)
     EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 100); })) << "nothing was the matter with it";
 }
 
-TEST_F(KivNotificationManagerTest, TakesNoneOfTheUsersTimeToSaveAThousandMessages)
+TEST_F(KivNotificationManagerTest, LeavesTheSavingOfAThousandMessagesToAnotherThread)
 {
     setPreferences(0, 0);
     start();
@@ -397,11 +403,16 @@ TEST_F(KivNotificationManagerTest, TakesNoneOfTheUsersTimeToSaveAThousandMessage
         one->setMessageText(QString(1024, u'x'));
         manager->enqueueNotification(one);
     }
-    const auto before = timeOfThisThread();
-    delivery.reset();
-    manager->exportNotificationsToFile(); // Once more, while it is on its way.
-    EXPECT_LT(timeOfThisThread() - before, 50ms) << "so long the menu stands still";
-    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 1000) && shown() == "1"; }));
+    const auto handedOver = timeOfThisThread([&] {
+        delivery.reset();
+        manager->exportNotificationsToFile(); // Once more, while it is on its way.
+    });
+    ASSERT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, 1000) && shown() == "1"; }));
+    // The same work done here, so that it does not matter how slow the machine or the build is.
+    const QVariantList list = PropertyList::readFile(cacheFile()).toList();
+    const QTemporaryDir elsewhere;
+    NotificationCache another(elsewhere.path());
+    EXPECT_LT(2 * handedOver, timeOfThisThread([&] { ASSERT_TRUE(another.write(list)); }));
 }
 
 TEST_F(KivNotificationManagerTest, SavesBehindALongQueueWhatComesMeanwhile)

@@ -25,8 +25,10 @@ void startUp()
     __menu = std::make_unique<KIVMenuObj>();
     __menu->setMenuProc(__menu_proc);
     __menu->setFlags(kMenuFlagVisible);
-    KivNotificationManager::sharedInstance().setKivMenu(__menu.get());
-    KivNotificationReceiver::sharedInstance().recieveNotifications();
+    auto &manager = KivNotificationManager::sharedInstance();
+    manager.setKivMenu(__menu.get());
+    // At once, unless there are many messages from before: the feed is asked for what is newer than these.
+    manager.whenImported([] { KivNotificationReceiver::sharedInstance().recieveNotifications(); });
     GetCurrentProcess(&__mypsn);
     AEInstallEventHandler(kMenuEventClass, kMenuEventID, __ae_handler, nullptr, false);
 }

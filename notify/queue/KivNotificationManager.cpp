@@ -4,18 +4,16 @@
 #include "notify/popup/PopUpPlacement.h"
 #include "notify/popup/ScreenChange.h"
 #include "notify/record/KivNotification.h"
-#include "notify/record/UndefinedKeyException.h"
 #include "notify/rules/CheckInterval.h"
 #include "notify/rules/CloseTimeout.h"
 #include "notify/rules/KivNotificationProperties.h"
 #include "notify/rules/SettingsAnnouncement.h"
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
-#include "platform/data/StringValues.h"
 #include "platform/data/UtcTime.h"
 
 #include <algorithm>
-#include <stdexcept>
+#include <exception>
 #include <utility>
 
 namespace
@@ -26,7 +24,6 @@ NSSize prevScreenSize;
 
 /// Of instant records that wait.
 constexpr auto maxInstantOnes = 100;
-
 /// Of records in the queue, and of bytes that they take in the cache file: less than may be in a file that can be read.
 constexpr std::size_t maxRecords = 1000;
 constexpr qsizetype maxQueueBytes = qsizetype{15} * 1024 * 1024;
@@ -52,13 +49,13 @@ void tellWhyNothingIsShown(const ReadWriteLock::Hold &hold)
 KivNotificationManager::KivNotificationManager(KivNotificationProperties &properties, const QString &homeFolder,
                                                std::function<QDateTime()> clock)
     : m_properties(properties)
+    , m_lastMesID(properties)
     , m_clock(std::move(clock))
     , m_cache(homeFolder)
     , m_settingsObserver(
           DistributedNotifications::addObserver(settingsChanged, [this] { updateNotificationPreferences(); }))
 {
     importNotificationsFromFile();
-    startCheckTimer();
 }
 
 KivNotificationManager::~KivNotificationManager()
@@ -70,15 +67,7 @@ KivNotificationManager::~KivNotificationManager()
 
 void KivNotificationManager::updateNotificationPreferences()
 {
-    const QString received = m_properties.lastMesID();
-    const bool hadFile = m_properties.hasPreferencesFile();
-    if (m_properties.loadPrefList()) {
-        if (m_isLastMesIDDue) {
-            m_properties.setLastMesID(received); // The file does not have it yet.
-        } else if (!hadFile && m_properties.lastMesID() == PreferencesFile::noMessageYet) {
-            // Somebody has made a file, who cannot know what has been received: or all of it would come once more.
-            m_properties.saveLastMessID(received);
-        }
+    if (m_lastMesID.reloadSettings() && !m_import.isUnderWay()) {
         startCheckTimer();
     }
 }
@@ -148,12 +137,15 @@ NSPoint KivNotificationManager::getWindowPoint()
 
 void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotification> &record)
 {
+    m_import.finish(); // What has been waiting since the last run comes first.
+    accept(record);
+}
+
+void KivNotificationManager::accept(const std::shared_ptr<KivNotification> &record)
+{
     const Delivery delivery(*this);
     // Before the relevance: a message that is not for this installation need not be sent again either.
-    if (StringValues::longLongValue(m_properties.lastMesID()) < StringValues::longLongValue(record->messageId())) {
-        m_properties.setLastMesID(record->messageId());
-        m_isLastMesIDDue = true;
-    }
+    m_lastMesID.raiseTo(record->messageId());
     if (!m_properties.notificationIsRelevant(*record)) {
         return;
     }
@@ -181,10 +173,8 @@ bool KivNotificationManager::showNotificationInstantly(const std::shared_ptr<Kiv
 {
     record->setMessagePriority(kPriorityInstant);
     const std::lock_guard hold(m_notificationsLock);
-    const auto shown = m_notificationWindow ? m_notificationWindow->notification() : nullptr;
-    const auto waits = [&](const auto &queued) {
-        return queued->messagePriority() == kPriorityInstant && queued != shown;
-    };
+    const auto waits = [shown = m_notificationWindow ? m_notificationWindow->notification() : nullptr](
+                           const auto &one) { return one->messagePriority() == kPriorityInstant && one != shown; };
     if (std::ranges::count_if(m_notifications.records(), waits) >= maxInstantOnes) {
         qCDebug(queueLog, "a hint is dropped: %d wait already", maxInstantOnes);
         return false;
@@ -202,19 +192,28 @@ void KivNotificationManager::importNotificationsFromFile()
 {
     // The file stays whole until all of it has been read: an agent that is killed on the way loses nothing. And if
     // nothing has changed then, it is not written at all.
-    const Delivery delivery(*this);
-    for (const QVariant &entry : m_cache.read()) {
-        if (entry.typeId() != QMetaType::QVariantMap) {
-            qCDebug(queueLog, "an entry of the cache is no message");
-            continue;
-        }
-        try {
-            enqueueNotification(std::make_shared<KivNotification>(entry.toMap()));
-        } catch (const UndefinedKeyException &unknown) { // Of another version of the agent, or of nobody's.
-            qCDebug(queueLog) << "a message of the cache is left out:" << QString::fromUtf8(unknown.what());
-        } catch (const std::out_of_range &) {
-            qCDebug(queueLog, "a message of the cache is left out: it has a version that cannot be compared");
-        }
+    beginDelivery();
+    m_import.begin();
+}
+
+void KivNotificationManager::didImport()
+{
+    endDelivery();
+    if (!m_showNextTimer) {
+        startCheckTimer();
+    }
+    showInstantRecordNext(); // One may have come meanwhile.
+    if (const std::function<void()> call = std::exchange(m_whenImported, nullptr)) {
+        call();
+    }
+}
+
+void KivNotificationManager::whenImported(const std::function<void()> &call)
+{
+    if (m_import.isUnderWay()) {
+        m_whenImported = call;
+    } else {
+        call();
     }
 }
 
@@ -228,6 +227,8 @@ void KivNotificationManager::exportNotificationsToFile()
 
 void KivNotificationManager::saveUnsavedRecords()
 {
+    m_whenImported = nullptr;
+    m_import.finish();   // Or what has not been read yet would be missing.
     if (m_isFinishDue) { // It is not shown any more, and so must not be missing.
         m_recordToShow = nullptr;
         m_isRecordUnsaved = true;
@@ -265,19 +266,12 @@ void KivNotificationManager::didWriteFile(bool isWritten)
         exportNotificationsToFile();
         return;
     }
-    if (isWritten) {
-        saveLastMesIDIfDue();
+    // Not in the middle of a delivery, which the agent's end may cut off: what is still to come must be sent again.
+    if (isWritten && m_deliveries == 0) {
+        m_lastMesID.store();
     }
     if (m_deliveries == 0 && std::exchange(m_isFinishDue, false)) {
         finishDelivery();
-    }
-}
-
-void KivNotificationManager::saveLastMesIDIfDue()
-{
-    // Not in the middle of a delivery, which the agent's end may cut off: what is still to come must be sent again.
-    if (m_deliveries == 0 && std::exchange(m_isLastMesIDDue, false)) {
-        m_properties.saveLastMessID(m_properties.lastMesID());
     }
 }
 
@@ -306,7 +300,7 @@ void KivNotificationManager::finishDelivery() noexcept
 {
     // Not when there was no room for the queue: the feed, told of the id, would not send the messages again.
     if (!m_isExportDue) {
-        saveLastMesIDIfDue();
+        m_lastMesID.store();
     }
     const bool isToBeSaved = std::exchange(m_isShownRecordToSave, false);
     // Only now, and in no file before: a message that brings the agent down as it is shown must not come again.
@@ -349,6 +343,11 @@ void KivNotificationManager::windowWillClose(KivNotificationWindow &)
         m_notificationWindow = nullptr;
     }
     exportNotificationsToFile();
+    showInstantRecordNext();
+}
+
+void KivNotificationManager::showInstantRecordNext()
+{
     const auto &records = m_notifications.records();
     if (!records.empty() && records.front()->messagePriority() == kPriorityInstant) {
         forceNotification();

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "notify/popup/NotificationWindowDelegate.h"
+#include "notify/queue/CacheImport.h"
 #include "notify/queue/CacheWriter.h"
+#include "notify/queue/LastMessageId.h"
 #include "notify/queue/NotificationCache.h"
 #include "notify/queue/NotificationQueue.h"
 #include "notify/queue/ReadWriteLock.h"
@@ -90,8 +92,13 @@ public:
     bool showNotificationInstantly(const std::shared_ptr<KivNotification> &record);
 
     /// Accepts what the cache file holds. An entry is skipped that is no record, or whose relevance cannot be
-    /// determined.
+    /// determined. A long file is read in a thread, and taken in over several iterations of the event loop. Until it
+    /// is, nothing is shown and nothing saved: a hint waits, and a record that is enqueued has the rest read first.
     void importNotificationsFromFile();
+
+    /// Calls back when the cache file has been taken in, or now when it has been: for what needs to know the last
+    /// message id, as the feed's requests do. Keeps one call, and drops it at the agent's end.
+    void whenImported(const std::function<void()> &call);
 
     /// Saves the queue to the cache file; within a delivery, at its end, and behind a save that is under way.
     /// When that fails, the file stays as it was until the next time or the end of the next delivery.
@@ -122,20 +129,26 @@ private:
     /// Those records of the queue that belong there, save one that has still to be shown.
     void writeFile(const std::function<bool(const KivNotification &)> &belongs);
     void didWriteFile(bool isWritten);
+    void accept(const std::shared_ptr<KivNotification> &record);
+    void didImport();
+    void showInstantRecordNext();
     void finishDelivery() noexcept;
-    void saveLastMesIDIfDue();
     void showFirstRecord(const std::shared_ptr<KivNotification> &record) noexcept;
 
     void beginDelivery() override;
     void endDelivery() noexcept override;
 
     KivNotificationProperties &m_properties;
+    LastMessageId m_lastMesID;
     std::function<QDateTime()> m_clock;
     NotificationCache m_cache;
     CacheWriter m_writer{m_cache, [this](bool isWritten) { didWriteFile(isWritten); }};
+    CacheImport m_import{m_cache,
+                         {.take = [this](const std::shared_ptr<KivNotification> &record) { accept(record); },
+                          .done = [this] { didImport(); }}};
+    std::function<void()> m_whenImported;
     int m_deliveries = 0;                            ///< How many are under way, one within the other.
     bool m_isExportDue = false;                      ///< Asked for in a delivery, or failed.
-    bool m_isLastMesIDDue = false;                   ///< Raised, and not stored yet.
     bool m_isRecordUnsaved = false;                  ///< One that is shown at once.
     bool m_isFinishDue = false;                      ///< Of a delivery, once the queue has been saved.
     bool m_isShownRecordToSave = false;              ///< Because the delivery has brought others, too.

@@ -45,10 +45,17 @@ bool isArray(const QVariant &value)
 }
 
 /// What is there under that very name, which a symbolic link is too; nothing when nothing is.
-std::optional<mode_t> modeOf(const QString &path)
+std::optional<struct stat> statusOf(const QString &path)
 {
     struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(status.st_mode) : std::nullopt;
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 ? std::optional(status) : std::nullopt;
+}
+
+/// 0 for nothing.
+mode_t modeOf(const QString &path)
+{
+    const std::optional<struct stat> status = statusOf(path);
+    return status ? status->st_mode : 0;
 }
 
 } // namespace
@@ -62,6 +69,12 @@ NotificationCache::NotificationCache(const QString &homeFolder)
 QString NotificationCache::pathOfUnreadable() const
 {
     return m_path + QLatin1String(".unreadable");
+}
+
+qint64 NotificationCache::fileSize() const
+{
+    const std::optional<struct stat> status = statusOf(m_path);
+    return status ? status->st_size : 0;
 }
 
 QVariantList NotificationCache::read()
@@ -94,9 +107,9 @@ QString NotificationCache::obstacleToWriting(const QByteArray &content)
     if (const QString obstacle = obstacleToFolder(); !obstacle.isNull()) {
         return obstacle;
     }
-    if (const std::optional<mode_t> mode = modeOf(m_path); mode && !S_ISLNK(*mode)) {
+    if (const mode_t mode = modeOf(m_path); mode != 0 && !S_ISLNK(mode)) {
         const std::optional<QByteArray> present = contentOf(m_path);
-        if (present == content && (*mode & 0777) == 0600) {
+        if (present == content && (mode & 0777) == 0600) {
             return {};
         }
         if (!present || !isReadable(*present)) {
@@ -153,7 +166,7 @@ bool NotificationCache::keepAside() const
 {
     const QByteArray from = QFile::encodeName(m_path);
     const QByteArray to = QFile::encodeName(pathOfUnreadable());
-    if (!S_ISREG(modeOf(m_path).value_or(0))) {
+    if (!S_ISREG(modeOf(m_path))) {
         return false; // Of a symbolic link the name would be kept, and not what it leads to.
     }
     ::unlink(to.constData());

@@ -19,6 +19,9 @@ public:
     /// Where a file goes that cannot be read, before it is overwritten.
     [[nodiscard]] QString pathOfUnreadable() const;
 
+    /// Of what is there under that very name; 0 when nothing is.
+    [[nodiscard]] qint64 fileSize() const;
+
     /// The array in the file; empty when the file is missing, cannot be read, is larger than a list may be, is a
     /// symbolic link, or holds anything else.
     [[nodiscard]] QVariantList read();

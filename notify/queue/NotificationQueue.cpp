@@ -10,12 +10,17 @@
 namespace
 {
 
-/// A record is always found by itself, though an instant one equals nothing: it could never be removed otherwise. Both
-/// are asked, for of an instant and another record without id only the one denies that they are equal.
+/// Both are asked, for of an instant and another record without id only the one denies that they are equal.
+bool areEqual(const KivNotification &one, const KivNotification &another)
+{
+    return one.isEqual(another) && another.isEqual(one);
+}
+
+/// A record is always found by itself, though an instant one equals nothing: it could never be removed otherwise.
 auto equals(const KivNotification &record)
 {
     return [&record](const std::shared_ptr<KivNotification> &queued) {
-        return queued.get() == &record || (queued->isEqual(record) && record.isEqual(*queued));
+        return queued.get() == &record || areEqual(*queued, record);
     };
 }
 
@@ -31,7 +36,8 @@ void NotificationQueue::add(std::shared_ptr<KivNotification> record)
         return queued->messagePriority() < record->messagePriority();
     };
     const qsizetype bytes = PropertyList::toXml(record->exportToDictionary()).size();
-    m_bytes[record.get()] = bytes;
+    m_entries[record.get()] = {bytes, record->messageId()};
+    m_byId.insert(record->messageId(), record.get());
     m_allBytes += bytes;
     m_records.insert(std::ranges::find_if(m_records, isLess), std::move(record));
 }
@@ -44,16 +50,17 @@ void NotificationQueue::dropBeyond(std::size_t records, qsizetype bytes)
         };
         const auto oldest = std::ranges::find_if(m_records, isLeastUrgent);
         qCDebug(queueLog) << "message" << (*oldest)->messageId() << "is dropped: the queue is full";
-        forgetBytesOf(**oldest);
+        forget(**oldest);
         m_records.erase(oldest);
     }
 }
 
-void NotificationQueue::forgetBytesOf(const KivNotification &record)
+void NotificationQueue::forget(const KivNotification &record)
 {
-    const auto entry = m_bytes.find(&record);
-    m_allBytes -= entry->second;
-    m_bytes.erase(entry);
+    const auto entry = m_entries.find(&record);
+    m_allBytes -= entry->second.bytes;
+    m_byId.remove(entry->second.id, &record);
+    m_entries.erase(entry);
 }
 
 void NotificationQueue::remove(const KivNotification &record)
@@ -62,11 +69,15 @@ void NotificationQueue::remove(const KivNotification &record)
     const auto removed =
         std::stable_partition(m_records.begin(), m_records.end(),
                               [isEqual = equals(record)](const auto &queued) { return !isEqual(queued); });
-    std::for_each(removed, m_records.end(), [this](const auto &queued) { forgetBytesOf(*queued); });
+    std::for_each(removed, m_records.end(), [this](const auto &queued) { forget(*queued); });
     m_records.erase(removed, m_records.end());
 }
 
 bool NotificationQueue::contains(const KivNotification &record) const
 {
-    return std::ranges::any_of(m_records, equals(record));
+    if (m_entries.contains(&record)) {
+        return true;
+    }
+    const auto [first, last] = m_byId.equal_range(record.messageId());
+    return std::any_of(first, last, [&record](const KivNotification *queued) { return areEqual(*queued, record); });
 }

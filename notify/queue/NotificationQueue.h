@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QMultiHash>
+#include <QString>
 
 #include <memory>
 #include <unordered_map>
@@ -9,8 +10,8 @@
 class KivNotification;
 
 /// The messages that have been accepted, in the order in which they are to be shown: by descending priority, and first
-/// come, first served within one priority. Owns its records together with whoever else holds them. Records are never
-/// null. Not thread-safe.
+/// come, first served within one priority. Owns its records together with whoever else holds them, who leave the id
+/// alone. Records are never null. Not thread-safe.
 class NotificationQueue final
 {
 public:
@@ -33,9 +34,16 @@ public:
     [[nodiscard]] const std::vector<std::shared_ptr<KivNotification>> &records() const noexcept { return m_records; }
 
 private:
-    void forgetBytesOf(const KivNotification &record);
+    /// As it was when the record was added.
+    struct Entry {
+        qsizetype bytes = 0;
+        QString id;
+    };
+
+    void forget(const KivNotification &record);
 
     std::vector<std::shared_ptr<KivNotification>> m_records;
-    std::unordered_map<const KivNotification *, qsizetype> m_bytes; ///< Of each record.
+    std::unordered_map<const KivNotification *, Entry> m_entries; ///< Of each record.
+    QMultiHash<QString, const KivNotification *> m_byId;
     qsizetype m_allBytes = 0;
 };

@@ -3,6 +3,8 @@
 #include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QSet>
+
 #include <gtest/gtest.h>
 
 #include <X11/keysym.h>
@@ -148,6 +150,47 @@ TEST_F(Docking, ChangesItsPictureWithTheServicesFlags)
     EXPECT_TRUE(waitUntil([&] { return shownIn(agent->itemPicture()) == Shown::Blue; }));
     service.send("flags 2");
     EXPECT_TRUE(waitUntil([&] { return shownIn(agent->itemPicture()) == Shown::Grey; }));
+}
+
+/// The item in the corner of a screen on which a panel takes nothing in.
+QImage itemInTheCorner(Desktop::Server server)
+{
+    Desktop desktop;
+    EXPECT_TRUE(desktop.start(server));
+    HostileClient panel(desktop.server());
+    panel.takeSelection("_NET_SYSTEM_TRAY_S0");
+    Agent agent(desktop);
+    EXPECT_TRUE(agent.start());
+    EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().size() == 1; }, std::chrono::seconds(60)))
+        << agent.standardError().constData();
+    const QRect place = agent.freeWindows().isEmpty() ? QRect() : agent.freeWindows().first().geometry;
+    QImage picture;
+    const auto isDrawn = [&] {
+        picture = desktop.view().grab(place);
+        return picture != desktop.view().grab(place.translated(-place.width(), 0));
+    };
+    EXPECT_TRUE(waitUntil(isDrawn)) << "there is no item";
+    return picture;
+}
+
+TEST(DockingOnAScreenOf256Colours, ShowsAnItemThatCanBeRecognised)
+{
+    const QImage usual = itemInTheCorner(Desktop::Server::RemoteDesktop);
+    const QImage rough = itemInTheCorner(Desktop::Server::EightBits);
+    ASSERT_EQ(rough.size(), usual.size());
+    constexpr int halfAStep = 43; // From one of four levels to the next.
+    QSet<QRgb> colours;
+    for (int y = 0; y < usual.height(); ++y) {
+        for (int x = 0; x < usual.width(); ++x) {
+            const QColor expected = usual.pixelColor(x, y);
+            const QColor seen = rough.pixelColor(x, y);
+            colours.insert(seen.rgb());
+            EXPECT_NEAR(seen.red(), expected.red(), halfAStep) << x << ' ' << y;
+            EXPECT_NEAR(seen.green(), expected.green(), halfAStep) << x << ' ' << y;
+            EXPECT_NEAR(seen.blue(), expected.blue(), halfAStep) << x << ' ' << y;
+        }
+    }
+    EXPECT_GE(colours.size(), 3);
 }
 
 } // namespace

@@ -1,5 +1,8 @@
 #include "notify/feed/KivNotificationReceiver.h"
 #include "notify/queue/KivNotificationManager.h"
+#include "notify/record/DistantFuture.h"
+#include "notify/record/KivNotification.h"
+#include "notify/rules/KivNotificationProperties.h"
 #include "platform/DistributedNotifications.h"
 #include "shell/DockSearch.h"
 #include "shell/MenuProcedure.h"
@@ -17,8 +20,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <string>
 
 // The linker has what starts the program call the tests' main() by the one name, and that find the agent's by the
 // other.
@@ -194,6 +199,44 @@ TEST_F(StartUpDeathTest, EndsWithoutTeardownAtTheServicesWord)
     };
     EXPECT_EXIT(std::_Exit(quitAtTheServicesWord()), testing::ExitedWithCode(0),
                 testing::AllOf(testing::HasSubstr("install the handler"), testing::Not(testing::HasSubstr("remove"))));
+}
+
+// With a home of its own.
+TEST_F(StartUpDeathTest, AsksTheFeedForNewMessagesWhenItHasReadTheOldOnes)
+{
+    const auto startWithManyMessages = [] {
+        const QTemporaryDir home;
+        qputenv("HOME", home.path().toLocal8Bit());
+        QVariantList list;
+        for (int id = 1; id <= 100; ++id) {
+            KivNotification record;
+            record.setMessageId(QString::number(id));
+            record.setMaxDate(distantFuture());
+            record.setContentHeight(60);
+            record.setMessageText(QString(qsizetype{CacheWriter::maxBytesAtOnce / 50}, u'x'));
+            list.append(record.exportToDictionary());
+        }
+        EXPECT_TRUE(NotificationCache(home.path()).write(list));
+        FakeAppleEventManager::onHandler = noteHandler;
+        std::string namesAtTheFeed;
+        QTimer look;
+        look.callOnTimeout([&] {
+            const auto isTheFeed = [](const Step &step) { return step.name == std::string_view("start the feed"); };
+            if (std::ranges::any_of(steps, isTheFeed)) {
+                for (const Step &step : steps) {
+                    namesAtTheFeed += std::string(step.name) + ", ";
+                }
+                namesAtTheFeed += KivNotificationProperties::sharedInstance().lastMesID().toStdString();
+                QCoreApplication::exit();
+            }
+        });
+        inTheLoop = [&] { look.start(0); };
+        const int result = runAgent();
+        std::fputs(namesAtTheFeed.c_str(), stderr);
+        return result;
+    };
+    EXPECT_EXIT(std::_Exit(startWithManyMessages()), testing::ExitedWithCode(0),
+                testing::AllOf(testing::HasSubstr("install the handler, "), testing::HasSubstr("start the feed, 100")));
 }
 
 int __wrap_main(int argc, char **argv)

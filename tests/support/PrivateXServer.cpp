@@ -16,9 +16,9 @@ bool PrivateXServer::start(const QStringList &arguments)
     return startPart(QStringLiteral("server"), arguments);
 }
 
-bool PrivateXServer::startWithSeveralRates()
+bool PrivateXServer::startWithSeveralRates(const QStringList &arguments)
 {
-    return startPart(QStringLiteral("server-with-rates"), {});
+    return startPart(QStringLiteral("server-with-rates"), arguments);
 }
 
 bool PrivateXServer::startPart(const QString &part, const QStringList &arguments)

@@ -17,7 +17,7 @@ public:
     bool start(const QStringList &arguments = {});
     /// The same for an X server that has no viewers but lists one size at several refresh rates, as a screen does: Xorg
     /// with its driver for no hardware at all.
-    bool startWithSeveralRates();
+    bool startWithSeveralRates(const QStringList &arguments = {});
     void stop();
 
     /// ":7", for DISPLAY.

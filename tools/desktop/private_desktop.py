@@ -9,7 +9,8 @@ watch, to stop and to start again. A part needs those above it:
 
     server [ARGUMENT...]    a remote-desktop X server on a free display, whose number it prints once it takes clients;
                             viewers connect to the socket FOLDER/rfb. Arguments of the server's own win over those here
-    server-with-rates       in its place, one without viewers that lists sizes at several refresh rates, as a screen does
+    server-with-rates [ARGUMENT...]
+                            in its place, one without viewers that lists sizes at several refresh rates, as a screen does
     bus                     a message bus at the socket FOLDER/bus; prints a line once it listens
     window-manager
     panel [SIDE [EDGE [GAP]]]
@@ -91,10 +92,10 @@ def server(folder, *arguments):
             "-Log", "*:stderr:0", *arguments]
 
 
-def server_with_rates(folder):
+def server_with_rates(folder, *arguments):
     configuration = _write(os.path.join(folder, "xorg.conf"), XORG_CONFIGURATION.encode())
     return ["Xorg", *_closed(folder), "-config", configuration, "-logfile", os.path.join(folder, "xorg.log"),
-            "-noreset", "-novtswitch", "-sharevts", "vt7"]
+            "-noreset", "-novtswitch", "-sharevts", "vt7", *arguments]
 
 
 def bus(folder):

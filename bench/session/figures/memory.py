@@ -34,4 +34,4 @@ def measure(place):
         "dirty pages) of the third copy and of what it made its bus start, idle, "
         f"{SETTLE} s after its item stood in the tray, or its name on the bus, or its start.",
         values)
-    return [figure.require_times(1.15, programs.FLOOR).require_below("each tray peer", peers)]
+    return [figure.require_times(1.1, programs.FLOOR).require_below("each tray peer", peers)]

@@ -27,4 +27,4 @@ def measure(place):
         "Start to docked item", "ms",
         f"From the start of the process until the server maps its window in the tray. Median of {RUNS} runs, in turns.",
         {name: statistics.median(values) for name, values in times.items()}, digits=1)
-    return [figure.require_times(1.3, programs.FLOOR)]
+    return [figure.require_times(1.25, programs.FLOOR)]

@@ -75,6 +75,9 @@ TrayIconWindow::TrayIconWindow(Kind kind, const XVisual &visual, const QRect &pl
         m_colormap = xcb_generate_id(x);
         xcb_create_colormap(x, XCB_COLORMAP_ALLOC_NONE, m_colormap, screen->root, visual.id);
     }
+    if (visual.isOfCells()) {
+        m_cells.emplace(m_colormap);
+    }
     // "Parent relative" is allowed only where the depths agree; elsewhere all bits zero, which is transparent.
     const bool parentRelative = visual.depth == screen->root_depth;
     // Override-redirect: when a tray dies, the server puts its icons back on the root window and maps them; no window
@@ -379,15 +382,16 @@ void TrayIconWindow::paint()
         painter.drawRect(0, 0, side - 1, side - 1);
     }
     painter.end();
-    putPicture(m_window, area.topLeft(), canvas, m_visual);
+    putPicture(m_window, area.topLeft(), m_cells ? m_cells->pixelsOf(canvas) : canvas, m_visual);
 }
 
 QImage TrayIconWindow::background(const QRect &area) const
 {
     if (m_kind == Kind::Docked && !m_visual.isTranslucent()) {
-        return pictureOf(m_window, area, m_visual);
+        const QImage picture = pictureOf(m_window, area, m_visual);
+        return m_cells ? m_cells->coloured(picture) : picture;
     }
-    QImage canvas(area.size(), m_visual.format);
+    QImage canvas(area.size(), m_cells ? QImage::Format_RGB32 : m_visual.format);
     canvas.fill(m_kind == Kind::Alone ? QColor::fromRgba(plateColour) : Qt::transparent);
     return canvas;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/item/StatusItemLook.h"
+#include "platform/linux/screen/ColourCells.h"
 #include "platform/linux/screen/XVisual.h"
 
 #include <QAbstractNativeEventFilter>
@@ -72,6 +73,7 @@ private:
 
     const Kind m_kind;
     const XVisual m_visual;
+    std::optional<ColourCells> m_cells; ///< Where the visual has no colours of its own.
     xcb_window_t m_window = XCB_NONE;
     xcb_colormap_t m_colormap = XCB_NONE;
     QRect m_geometry; ///< Within its parent.

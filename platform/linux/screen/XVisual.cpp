@@ -11,6 +11,8 @@ QImage::Format imageFormat(std::uint8_t depth, std::uint32_t redMask)
         return redMask == 0xff0000 ? QImage::Format_RGB32 : QImage::Format_Invalid;
     case 16:
         return redMask == 0xf800 ? QImage::Format_RGB16 : QImage::Format_Invalid;
+    case 8:
+        return QImage::Format_Indexed8;
     default:
         return QImage::Format_Invalid;
     }

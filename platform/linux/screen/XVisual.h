@@ -14,9 +14,12 @@ struct XVisual {
     QImage::Format format = QImage::Format_Invalid; ///< That of an image whose bytes are the visual's pixels.
 
     [[nodiscard]] bool isTranslucent() const noexcept { return depth == 32; }
+    /// Whether pixels have no colours but those of a colormap: see ColourCells.
+    [[nodiscard]] bool isOfCells() const noexcept { return format == QImage::Format_Indexed8; }
 };
 
-/// The QImage format of a TrueColor visual; Format_Invalid for a layout that QImage does not have.
+/// The QImage format of a TrueColor visual, or of one with 256 colours; Format_Invalid for a layout that QImage does
+/// not have.
 [[nodiscard]] QImage::Format imageFormat(std::uint8_t depth, std::uint32_t redMask);
 
 /// The visual of that id, or nothing when the screen has none or it cannot be painted.

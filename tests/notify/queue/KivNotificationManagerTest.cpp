@@ -13,6 +13,7 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FileChanges.h"
 #include "tests/support/LogLines.h"
+#include "tests/support/ProcessorTime.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QApplication>
@@ -29,7 +30,6 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <ctime>
 #include <functional>
 #include <future>
 #include <limits>
@@ -72,17 +72,11 @@ QVariantMap with(const QString &key, const QVariant &value, const char *id)
     return dictionary;
 }
 
-/// The processor time that `work` takes of this thread: other programs and threads do not count.
 std::chrono::nanoseconds timeOfThisThread(const std::function<void()> &work)
 {
-    const auto now = [] {
-        timespec time{};
-        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-        return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
-    };
-    const auto before = now();
+    const auto before = processorTimeOfThisThread();
     work();
-    return now() - before;
+    return processorTimeOfThisThread() - before;
 }
 
 class KivNotificationManagerTest : public testing::Test
@@ -1339,6 +1333,128 @@ TEST_F(KivNotificationManagerTest, GoesOnWhenTheFileCannotBeWritten)
     ASSERT_TRUE(inTheWay.remove());
     manager->exportNotificationsToFile();
     EXPECT_EQ(idsInFile(), Ids{"2"});
+}
+
+// A cache file that takes long to read.
+
+class LongCache : public KivNotificationManagerTest
+{
+protected:
+    static constexpr int count = 200;
+
+    LongCache()
+    {
+        QVariantList list;
+        for (const std::string &id : idsFrom(1, count)) {
+            const Record one = record(id.c_str());
+            one->setContentHeight(60); // Not to be measured.
+            one->setMessageText(QString(static_cast<qsizetype>(CacheWriter::maxBytesAtOnce / 100), u'x'));
+            list.append(one->exportToDictionary());
+        }
+        putIntoFile(list);
+    }
+
+    [[nodiscard]] bool isImported() const { return manager->showNextTimer() != nullptr; }
+};
+
+TEST_F(LongCache, KeepsNobodyWaiting)
+{
+    setPreferences(0, 0);
+    FileChanges changes({cacheFile(), preferencesFile()});
+    std::string storedWhenImported;
+    std::string lastWhenImported;
+    start().whenImported([&] {
+        storedWhenImported = storedId();
+        lastWhenImported = properties->lastMesID().toStdString();
+    });
+    EXPECT_EQ(queued(), Ids{});
+    EXPECT_FALSE(isImported());
+    int turns = 0;
+    QTimer turn;
+    turn.callOnTimeout([&] {
+        turns += isImported() ? 0 : 1;
+        manager->forceNotification();
+        if (!isImported()) {
+            EXPECT_EQ(shown(), "none");
+            EXPECT_EQ(lastWhenImported, "");
+        }
+    });
+    turn.start(0);
+    ASSERT_TRUE(waitUntil([this] { return isImported(); }));
+    EXPECT_GT(turns, 0);
+    EXPECT_EQ(queued(), idsFrom(1, count));
+    EXPECT_EQ(lastWhenImported, "200") << "with which the feed is asked";
+    EXPECT_TRUE(waitUntil([this] { return storedId() == "200"; }));
+    manager->saveUnsavedRecords();
+    EXPECT_EQ(changes.takeNames(), QByteArrayList{"com.tamborel.kivmenua.plist"}) << "the queue is in its file";
+}
+
+TEST_F(LongCache, IsImportedAtOnceForWhoComesLater)
+{
+    start();
+    ASSERT_TRUE(waitUntil([this] { return isImported(); }));
+    bool isCalled = false;
+    manager->whenImported([&] { isCalled = true; });
+    EXPECT_TRUE(isCalled);
+}
+
+TEST_F(LongCache, StandsBeforeWhatComesMeanwhile)
+{
+    setPreferences(0, 0);
+    start();
+    {
+        const NotificationSink::Delivery delivery(*manager);
+        manager->enqueueNotification(record("7", 2)); // It waits already.
+        manager->enqueueNotification(record("201"));
+    }
+    EXPECT_EQ(queued(), idsFrom(1, count + 1));
+    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, count + 1) && storedId() == "201"; }));
+}
+
+TEST_F(LongCache, HasAHintWaitUntilItIsImported)
+{
+    setPreferences(0, 0);
+    start();
+    const Record first = hint("a");
+    EXPECT_TRUE(manager->showNotificationInstantly(first));
+    EXPECT_FALSE(isImported()) << "the user has waited for it";
+    EXPECT_EQ(popUps(), 0);
+    ASSERT_TRUE(waitUntil([this] { return window() != nullptr; }));
+    EXPECT_EQ(window()->notification(), first);
+    EXPECT_EQ(queued().size(), count + 1U);
+    window()->onDontRemindMeButton();
+    EXPECT_TRUE(waitUntil([&] { return idsInFile() == idsFrom(1, count); }));
+}
+
+TEST_F(LongCache, LosesNothingWhenTheAgentEndsBeforeItIsImported)
+{
+    setPreferences(0, 0);
+    start().whenImported([] { ADD_FAILURE() << "the feed is asked at the end"; });
+    manager->showNotificationInstantly(hint("a"));
+    manager->saveUnsavedRecords();
+    Ids saved = idsInFile();
+    std::erase(saved, ""); // A hint may be there, and is not wanted at the next start.
+    EXPECT_EQ(saved, idsFrom(1, count));
+    if (window()) { // At the end, which nobody sees.
+        window()->setDelegate(nullptr);
+        window()->close();
+    }
+
+    const ino_t before = inode();
+    start();
+    manager.reset(); // As if it were killed.
+    EXPECT_EQ(inode(), before);
+}
+
+TEST_F(LongCache, DoesNotBeginTheCheckTimerForNewSettings)
+{
+    setPreferences(0, 0);
+    start();
+    manager->updateNotificationPreferences();
+    EXPECT_FALSE(isImported());
+    ASSERT_TRUE(waitUntil([this] { return isImported(); }));
+    EXPECT_EQ(properties->lastMesID(), QStringLiteral("200"));
+    EXPECT_TRUE(waitUntil([this] { return storedId() == "200"; }));
 }
 
 // The rest.

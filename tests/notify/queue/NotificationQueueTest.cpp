@@ -2,6 +2,7 @@
 
 #include "notify/record/KivNotification.h"
 #include "tests/support/LogLines.h"
+#include "tests/support/ProcessorTime.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -155,4 +156,37 @@ TEST(NotificationQueue, DropsRecordsUntilTheOthersHaveRoomInAFile)
     queue.add(record("c", 0));
     queue.dropBeyond(10, 50'000);
     EXPECT_EQ(idsOf(queue), Ids{"c"}) << "what has been removed counts no more";
+}
+
+TEST(NotificationQueue, FindsAMessageAmongAThousandAsFastAsAmongTen)
+{
+    const auto timeOfLookUps = [](int queued) {
+        NotificationQueue queue;
+        for (int id = 0; id < queued; ++id) {
+            queue.add(record(std::to_string(id).c_str(), 1));
+        }
+        const Record unknown = record("unknown", 1);
+        const auto before = processorTimeOfThisThread();
+        for (int i = 0; i < 10'000; ++i) {
+            EXPECT_FALSE(queue.contains(*unknown));
+        }
+        return processorTimeOfThisThread() - before;
+    };
+    EXPECT_LT(timeOfLookUps(1000), 10 * timeOfLookUps(10)) << "one by one it would be a hundred times";
+}
+
+TEST(NotificationQueue, TellsMessagesWithoutIdFromThoseWithAnEmptyOne)
+{
+    NotificationQueue queue;
+    const Record withoutId = record("", 1);
+    withoutId->setMessageId(QString());
+    queue.add(withoutId);
+    EXPECT_FALSE(queue.contains(*record("", 1)));
+    queue.add(record("", 1));
+    EXPECT_TRUE(queue.contains(*record("", 1)));
+    EXPECT_FALSE(queue.contains(*hint()));
+    EXPECT_TRUE(queue.contains(*withoutId));
+    queue.remove(*withoutId);
+    EXPECT_FALSE(queue.contains(*withoutId));
+    EXPECT_TRUE(queue.contains(*record("", 1)));
 }

@@ -32,6 +32,8 @@ bool Desktop::startServer(Server server)
         return m_server.start();
     case Server::SeveralRates:
         return m_server.startWithSeveralRates();
+    case Server::EightBits:
+        return m_server.startWithSeveralRates({QStringLiteral("-depth"), QStringLiteral("8")});
     case Server::WithoutRandR:
         return startWith("-extension", "RANDR");
     case Server::WithoutXFixes:

@@ -29,6 +29,7 @@ public:
         RemoteDesktop, ///< Viewers may connect to it.
         SeveralRates,  ///< Without viewers, and with modes of one size that differ in their refresh rate.
         WithoutRandR,  ///< A remote desktop that says nothing about displays.
+        EightBits,     ///< Without viewers, and with 256 colours.
         WithoutXFixes  ///< One that does not tell of changes of owner.
     };
 

@@ -4,7 +4,10 @@
 #include <xcb/res.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <numeric>
 #include <span>
+#include <vector>
 
 namespace
 {
@@ -63,8 +66,29 @@ QImage XView::grab(const QRect &area) const
     if (!reply) {
         return {};
     }
+    if (reply->depth == 8) {
+        QImage pixels(xcb_get_image_data(reply.get()), area.width(), area.height(), (area.width() + 3) / 4 * 4,
+                      QImage::Format_Indexed8);
+        pixels.setColorTable(coloursOfCells());
+        return pixels.convertToFormat(QImage::Format_RGB32);
+    }
     // At depth 24 a pixel is four bytes and a row needs no padding.
     return QImage(xcb_get_image_data(reply.get()), area.width(), area.height(), QImage::Format_RGB32).copy();
+}
+
+QList<QRgb> XView::coloursOfCells() const
+{
+    std::vector<std::uint32_t> pixels(256);
+    std::iota(pixels.begin(), pixels.end(), 0U);
+    const xcb_screen_t *const screen = xcb_setup_roots_iterator(xcb_get_setup(connection())).data;
+    const auto cookie = xcb_query_colors(connection(), screen->default_colormap, 256, pixels.data());
+    const XReply<xcb_query_colors_reply_t> reply(xcb_query_colors_reply(connection(), cookie, nullptr));
+    QList<QRgb> colours;
+    for (int i = 0; reply && i < xcb_query_colors_colors_length(reply.get()); ++i) {
+        const xcb_rgb_t &colour = xcb_query_colors_colors(reply.get())[i];
+        colours.append(qRgb(colour.red >> 8, colour.green >> 8, colour.blue >> 8));
+    }
+    return colours;
 }
 
 QSize XView::screenSize() const

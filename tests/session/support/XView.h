@@ -40,6 +40,8 @@ public:
     [[nodiscard]] bool hasWindowManager() const;
 
 private:
+    /// By the value of a pixel, on a screen that has 256 of them.
+    [[nodiscard]] QList<QRgb> coloursOfCells() const;
     /// The window below the root window that is this one, or that it lies in.
     [[nodiscard]] xcb_window_t topLevelOf(xcb_window_t window) const;
     void collect(xcb_window_t window, qint64 windowPid, qint64 wanted, QList<XWindow> &found) const;

@@ -41,9 +41,15 @@ TEST(XVisual, OfADepthOrOrderThatNoImageHasIsNotPainted)
     for (const int depth : {32, 30, 24, 16}) {
         EXPECT_EQ(imageFormat(static_cast<std::uint8_t>(depth), blueFirst), QImage::Format_Invalid) << depth;
     }
-    for (const int depth : {1, 8, 15}) {
+    for (const int depth : {1, 4, 15}) {
         EXPECT_EQ(imageFormat(static_cast<std::uint8_t>(depth), 0), QImage::Format_Invalid) << depth;
     }
+}
+
+TEST(XVisual, OfEightBitsHasCells)
+{
+    EXPECT_TRUE((XVisual{1, 8, imageFormat(8, 0)}.isOfCells()));
+    EXPECT_FALSE((XVisual{1, 24, imageFormat(24, 0xff0000)}.isOfCells()));
 }
 
 TEST(XVisual, IsNotFoundOnAScreenThatHasNone)

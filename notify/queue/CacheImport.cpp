@@ -7,6 +7,7 @@
 
 #include <QScopeGuard>
 
+#include <new>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -34,7 +35,11 @@ bool CacheImport::hasBegunThread()
             QMetaObject::invokeMethod(
                 &m_context, [this] { goOn(); }, Qt::QueuedConnection);
         });
-        return m_cache.read();
+        try {
+            return m_cache.read();
+        } catch (const std::bad_alloc &) {
+            return QVariantList();
+        }
     };
     try {
         m_decoded = std::async(std::launch::async, work);
@@ -69,6 +74,11 @@ void CacheImport::finish()
         handOver(QDeadlineTimer(QDeadlineTimer::Forever));
         end();
     }
+}
+
+void CacheImport::abandon()
+{
+    m_isUnderWay = false;
 }
 
 void CacheImport::takeDecoded()

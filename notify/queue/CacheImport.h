@@ -13,9 +13,9 @@
 
 class KivNotification;
 
-/// Reads the cache file without keeping the user waiting: one of the usual size at once, which takes less than a frame.
-/// A long one is read and decoded in a thread of its own, and its records are made and handed over in several
-/// iterations of the event loop. To be used on the main thread, as an event loop runs there.
+/// Reads the cache file without keeping the user waiting: one of the usual size at once. A long one is read and decoded
+/// in a thread of its own, and its records are made and handed over in several iterations of the event loop. To be used
+/// on the main thread, as an event loop runs there.
 class CacheImport final
 {
 public:
@@ -36,7 +36,8 @@ public:
     CacheImport &operator=(const CacheImport &) = delete;
 
     /// Begins, and is over before this returns when the file takes no more than CacheWriter::maxBytesAtOnce. An entry
-    /// is left out that is no record, or is refused. Not while it is under way.
+    /// is left out that is no record, or is refused; all are when there is no memory for a long file, which the cache
+    /// then keeps aside. Once.
     void begin();
 
     /// From the beginning until `done` is told.
@@ -45,6 +46,9 @@ public:
     /// Waits for the thread, hands over at once what is still to come, and tells `done`. Nothing happens when it is not
     /// under way.
     void finish();
+
+    /// Hands nothing more over, and tells nobody.
+    void abandon();
 
 private:
     [[nodiscard]] bool hasBegunThread();

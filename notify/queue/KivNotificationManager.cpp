@@ -3,6 +3,7 @@
 #include "notify/popup/KivNotificationWindow.h"
 #include "notify/popup/PopUpPlacement.h"
 #include "notify/popup/ScreenChange.h"
+#include "notify/queue/QueueLimits.h"
 #include "notify/record/KivNotification.h"
 #include "notify/rules/CheckInterval.h"
 #include "notify/rules/CloseTimeout.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 namespace
@@ -21,17 +23,6 @@ namespace
 
 /// The main screen's size when a pop-up was last placed.
 NSSize prevScreenSize;
-
-/// Of instant records that wait.
-constexpr auto maxInstantOnes = 100;
-/// Of records in the queue, and of bytes that they take in the cache file: less than may be in a file that can be read.
-constexpr std::size_t maxRecords = 1000;
-constexpr qsizetype maxQueueBytes = qsizetype{15} * 1024 * 1024;
-
-QDateTime never()
-{
-    return QDateTime::fromMSecsSinceEpoch(0, inUtc);
-}
 
 NSRect mainScreen()
 {
@@ -152,7 +143,7 @@ void KivNotificationManager::accept(const std::shared_ptr<KivNotification> &reco
     const std::lock_guard hold(m_notificationsLock);
     record->setWasDisplayed(false);
     queueAdd(record);
-    m_notifications.dropBeyond(maxRecords, maxQueueBytes);
+    m_notifications.dropBeyond(QueueLimits::maxRecords, QueueLimits::maxBytes);
     if (queueLog().isDebugEnabled() && std::ranges::count(m_notifications.records(), record) > 0) {
         qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
     }
@@ -175,9 +166,14 @@ bool KivNotificationManager::showNotificationInstantly(const std::shared_ptr<Kiv
     const std::lock_guard hold(m_notificationsLock);
     const auto waits = [shown = m_notificationWindow ? m_notificationWindow->notification() : nullptr](
                            const auto &one) { return one->messagePriority() == kPriorityInstant && one != shown; };
-    if (std::ranges::count_if(m_notifications.records(), waits) >= maxInstantOnes) {
-        qCDebug(queueLog, "a hint is dropped: %d wait already", maxInstantOnes);
+    if (std::ranges::count_if(m_notifications.records(), waits) + std::ssize(m_hintsMeanwhile) >=
+        QueueLimits::maxHints) {
+        qCDebug(queueLog, "a hint is dropped: %d wait already", QueueLimits::maxHints);
         return false;
+    }
+    if (m_import.isUnderWay()) {
+        m_hintsMeanwhile.push_back(record);
+        return true;
     }
     queueAdd(record);
     if (!m_notificationWindow) {
@@ -202,7 +198,9 @@ void KivNotificationManager::didImport()
     if (!m_showNextTimer) {
         startCheckTimer();
     }
-    showInstantRecordNext(); // One may have come meanwhile.
+    for (const std::shared_ptr<KivNotification> &hint : std::exchange(m_hintsMeanwhile, {})) {
+        showNotificationInstantly(hint);
+    }
     if (const std::function<void()> call = std::exchange(m_whenImported, nullptr)) {
         call();
     }
@@ -227,8 +225,10 @@ void KivNotificationManager::exportNotificationsToFile()
 
 void KivNotificationManager::saveUnsavedRecords()
 {
-    m_whenImported = nullptr;
-    m_import.finish();   // Or what has not been read yet would be missing.
+    if (m_import.isUnderWay()) { // And so nothing has come but hints: the file has it all.
+        m_import.abandon();
+        return;
+    }
     if (m_isFinishDue) { // It is not shown any more, and so must not be missing.
         m_recordToShow = nullptr;
         m_isRecordUnsaved = true;
@@ -385,7 +385,7 @@ void KivNotificationManager::recreateNotificaionWindow()
         return;
     }
     const std::shared_ptr<KivNotification> record = m_notificationWindow->notification();
-    record->setLastShowDate(never());
+    record->setLastShowDate(QDateTime::fromMSecsSinceEpoch(0, inUtc)); // Never.
     record->setWasDisplayed(false);
     // Without its owner: the user has not closed it, so the message is not done with.
     m_notificationWindow->setDelegate(nullptr);

@@ -19,6 +19,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 class KIVMenuObj;
 class KivNotificationProperties;
@@ -33,8 +34,8 @@ class KivNotificationProperties;
 class KivNotificationManager final : public QObject, public NotificationSink, private NotificationWindowDelegate
 {
 public:
-    /// Reads the cache under `homeFolder`, starts the check timer, and from now on follows the server's settings
-    /// program. `properties` must outlive this object; `clock` tells when a message is shown.
+    /// Reads the cache under `homeFolder`, starts the check timer once that has been taken in, and from now on follows
+    /// the server's settings program. `properties` must outlive this object; `clock` tells when a message is shown.
     KivNotificationManager(KivNotificationProperties &properties, const QString &homeFolder,
                            std::function<QDateTime()> clock);
     /// A pop-up that is open stays.
@@ -48,7 +49,7 @@ public:
     /// file.
     void updateNotificationPreferences();
 
-    /// Starts the check timer, anew if it runs. The first tick comes after one whole interval.
+    /// Starts the check timer, anew if it runs. The first tick comes after one whole interval. Not during the import.
     void startCheckTimer();
 
     /// Does what a tick of the check timer does, now; the timer goes on. Nothing happens while there is no timer.
@@ -93,7 +94,8 @@ public:
 
     /// Accepts what the cache file holds. An entry is skipped that is no record, or whose relevance cannot be
     /// determined. A long file is read in a thread, and taken in over several iterations of the event loop. Until it
-    /// is, nothing is shown and nothing saved: a hint waits, and a record that is enqueued has the rest read first.
+    /// is, nothing is shown and nothing saved: hints wait outside the queue, of which they would take room from what
+    /// is still to come, and a record that is enqueued has the rest read first. Called once, by the constructor.
     void importNotificationsFromFile();
 
     /// Calls back when the cache file has been taken in, or now when it has been: for what needs to know the last
@@ -105,7 +107,7 @@ public:
     void exportNotificationsToFile();
 
     /// At the agent's end: waits for a save that is under way, and saves the queue without its instant messages when
-    /// something of it could not be saved before. Else the file stays as it is.
+    /// something of it could not be saved before. Else the file stays as it is, also during the import.
     void saveUnsavedRecords();
 
     /// Closes the pop-up and opens another one for its message where it belongs. (The name is spelt so on purpose.)
@@ -147,12 +149,13 @@ private:
                          {.take = [this](const std::shared_ptr<KivNotification> &record) { accept(record); },
                           .done = [this] { didImport(); }}};
     std::function<void()> m_whenImported;
-    int m_deliveries = 0;                            ///< How many are under way, one within the other.
-    bool m_isExportDue = false;                      ///< Asked for in a delivery, or failed.
-    bool m_isRecordUnsaved = false;                  ///< One that is shown at once.
-    bool m_isFinishDue = false;                      ///< Of a delivery, once the queue has been saved.
-    bool m_isShownRecordToSave = false;              ///< Because the delivery has brought others, too.
-    std::shared_ptr<KivNotification> m_recordToShow; ///< At the end of the delivery; null for none.
+    std::vector<std::shared_ptr<KivNotification>> m_hintsMeanwhile; ///< During the import.
+    int m_deliveries = 0;                                           ///< How many are under way, one within the other.
+    bool m_isExportDue = false;                                     ///< Asked for in a delivery, or failed.
+    bool m_isRecordUnsaved = false;                                 ///< One that is shown at once.
+    bool m_isFinishDue = false;                                     ///< Of a delivery, once the queue has been saved.
+    bool m_isShownRecordToSave = false;                             ///< Because the delivery has brought others, too.
+    std::shared_ptr<KivNotification> m_recordToShow;                ///< At the end of the delivery; null for none.
     /// The pop-up destroys itself some time after it has closed.
     QPointer<KivNotificationWindow> m_notificationWindow;
     NotificationQueue m_notifications;

@@ -79,9 +79,11 @@ qint64 NotificationCache::fileSize() const
 
 QVariantList NotificationCache::read()
 {
+    m_isUnread = true; // Until it is known what is there, which there may not be the memory for.
     removeLeftovers();
     const std::optional<QByteArray> content = contentOf(m_path);
     const QVariant value = content ? PropertyList::read(*content) : QVariant();
+    m_isUnread = false;
     if (!isArray(value)) {
         qCDebug(queueLog) << "no messages from before:" << m_path << (content ? "holds no list" : "cannot be read");
         return {};
@@ -112,7 +114,7 @@ QString NotificationCache::obstacleToWriting(const QByteArray &content)
         if (present == content && (mode & 0777) == 0600) {
             return {};
         }
-        if (!present || !isReadable(*present)) {
+        if (!present || m_isUnread || !isReadable(*present)) {
             if (!keepAside()) {
                 return QStringLiteral("what is there cannot be kept aside");
             }
@@ -123,6 +125,7 @@ QString NotificationCache::obstacleToWriting(const QByteArray &content)
     QString obstacle;
     if (AtomicFile::write(m_path, content, AtomicFile::Access::OwnerOnly, &obstacle)) {
         m_digest = digestOf(content);
+        m_isUnread = false;
     }
     return obstacle;
 }

@@ -41,6 +41,7 @@ private:
 
     QString m_folder;
     QString m_path;
-    QString m_obstacle;  ///< To what was written last; null when it was.
-    QByteArray m_digest; ///< Of the content that was read or written last and is known to be an array.
+    QString m_obstacle;      ///< To what was written last; null when it was.
+    bool m_isUnread = false; ///< A reading has begun, and there was no memory for what is there.
+    QByteArray m_digest;     ///< Of the content that was read or written last and is known to be an array.
 };

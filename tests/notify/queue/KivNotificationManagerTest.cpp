@@ -1,6 +1,5 @@
 #include "notify/queue/KivNotificationManager.h"
 
-#include "notify/popup/KivNotificationWindow.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"
 #include "notify/rules/KivNotificationProperties.h"
@@ -1384,6 +1383,7 @@ TEST_F(LongCache, KeepsNobodyWaiting)
     EXPECT_GT(turns, 0);
     EXPECT_EQ(queued(), idsFrom(1, count));
     EXPECT_EQ(lastWhenImported, "200") << "with which the feed is asked";
+    EXPECT_EQ(storedWhenImported, "0") << "it is not known yet that the file has all of it";
     EXPECT_TRUE(waitUntil([this] { return storedId() == "200"; }));
     manager->saveUnsavedRecords();
     EXPECT_EQ(changes.takeNames(), QByteArrayList{"com.tamborel.kivmenua.plist"}) << "the queue is in its file";
@@ -1429,21 +1429,40 @@ TEST_F(LongCache, HasAHintWaitUntilItIsImported)
 TEST_F(LongCache, LosesNothingWhenTheAgentEndsBeforeItIsImported)
 {
     setPreferences(0, 0);
+    const ino_t before = inode();
     start().whenImported([] { ADD_FAILURE() << "the feed is asked at the end"; });
     manager->showNotificationInstantly(hint("a"));
     manager->saveUnsavedRecords();
-    Ids saved = idsInFile();
-    std::erase(saved, ""); // A hint may be there, and is not wanted at the next start.
-    EXPECT_EQ(saved, idsFrom(1, count));
-    if (window()) { // At the end, which nobody sees.
-        window()->setDelegate(nullptr);
-        window()->close();
-    }
+    EXPECT_EQ(inode(), before) << "it has been written, and holds it all already";
+    EXPECT_EQ(window(), nullptr) << "there is nobody any more to see it";
+    EXPECT_EQ(storedId(), "0");
 
-    const ino_t before = inode();
     start();
-    manager.reset(); // As if it were killed.
-    EXPECT_EQ(inode(), before);
+    ASSERT_TRUE(waitUntil([this] { return isImported(); }));
+    EXPECT_EQ(queued(), idsFrom(1, count));
+}
+
+TEST_F(LongCache, KeepsAllItsRecordsThoughHintsComeMeanwhile)
+{
+    setPreferences(0, 0);
+    QVariantList list;
+    for (const std::string &id : idsFrom(1, static_cast<int>(QueueLimits::maxRecords))) {
+        const Record one = record(id.c_str());
+        one->setContentHeight(60); // Not to be measured.
+        list.append(one->exportToDictionary());
+    }
+    putIntoFile(list);
+    start();
+    int shownHints = 0;
+    while (manager->showNotificationInstantly(hint("a"))) {
+        ++shownHints;
+    }
+    EXPECT_EQ(shownHints, QueueLimits::maxHints);
+    EXPECT_FALSE(isImported());
+    ASSERT_TRUE(waitUntil([this] { return isImported(); }));
+    Ids imported = queued();
+    EXPECT_EQ(std::erase(imported, ""), QueueLimits::maxHints);
+    EXPECT_EQ(imported, idsFrom(1, static_cast<int>(QueueLimits::maxRecords)));
 }
 
 TEST_F(LongCache, DoesNotBeginTheCheckTimerForNewSettings)

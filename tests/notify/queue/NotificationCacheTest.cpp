@@ -3,6 +3,7 @@
 #include "platform/data/PropertyList.h"
 #include "tests/support/FullDisk.h"
 #include "tests/support/LogLines.h"
+#include "tests/support/MemoryLimit.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -13,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -266,6 +268,21 @@ TEST_F(NotificationCacheTest, KeepsAFileThatIsTooLargeAsideUnread)
     EXPECT_TRUE(cache.write(listWith("1")));
     EXPECT_EQ(cache.read(), listWith("1"));
     EXPECT_EQ(QFileInfo(cache.pathOfUnreadable()).size(), qint64(1) << 40);
+}
+
+TEST_F(NotificationCacheTest, KeepsAsideWhatThereWasNoMemoryToRead)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer takes more memory than can be left";
+#endif
+    const QVariantList theirs{QVariantMap{{QStringLiteral("text"), QString(14 * 1024 * 1024, u'x')}}};
+    ASSERT_TRUE(NotificationCache(home.path()).write(theirs));
+    {
+        const MemoryLimit limit(qint64{8} * 1024 * 1024);
+        EXPECT_THROW(cache.read(), std::bad_alloc);
+    }
+    EXPECT_TRUE(cache.write(listWith("1")));
+    EXPECT_EQ(PropertyList::readFile(cache.pathOfUnreadable()), QVariant(theirs));
 }
 
 TEST_F(NotificationCacheTest, ClearsAwayWhatAKilledAgentLeftHalfWritten)

@@ -641,7 +641,8 @@ TEST_F(KivNotificationReceiverTest, LeavesTheDecodingOfALongDocumentToAnotherThr
     // The same work done here, so that it does not matter how slow the machine or the build is.
     const auto beforeOpening = processorTimeOfThisThread();
     ASSERT_TRUE(FeedParser::open(document));
-    EXPECT_LT(longestTurn, processorTimeOfThisThread() - beforeOpening);
+    const auto opening = processorTimeOfThisThread() - beforeOpening;
+    EXPECT_LT(longestTurn - KivNotificationReceiver::maxShareOfATurn, opening);
 }
 
 TEST_F(KivNotificationReceiverTest, FetchesAtOnceAndThenAtEveryInterval)

@@ -81,19 +81,30 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &document)
     return *read(QDeadlineTimer(QDeadlineTimer::Forever));
 }
 
-void FeedParser::begin(const QByteArray &document)
+std::shared_ptr<FeedParser::Reading> FeedParser::open(const QByteArray &document)
 {
     const FeedDocument decoded = feedDocument(document, maxXmlAttributes);
-    m_reading = std::make_unique<Reading>();
-    m_reading->isWhole = decoded.isWhole;
-    m_reading->reader.setNamespaceProcessing(false);
-    m_reading->reader.addData(decoded.text);
+    auto reading = std::make_shared<Reading>();
+    reading->isWhole = decoded.isWhole;
+    reading->reader.setNamespaceProcessing(false);
+    reading->reader.addData(decoded.text);
+    return reading;
+}
+
+void FeedParser::begin(const QByteArray &document)
+{
+    begin(open(document));
+}
+
+void FeedParser::begin(std::shared_ptr<Reading> reading)
+{
+    m_reading = std::move(reading);
 }
 
 std::optional<FeedParser::Outcome> FeedParser::read(const QDeadlineTimer &share)
 {
     // Over, unless it is put back: after an exception, too.
-    std::unique_ptr<Reading> reading = std::move(m_reading);
+    std::shared_ptr<Reading> reading = std::move(m_reading);
     std::optional<Outcome> outcome;
     do {
         outcome = readNext(*reading);

@@ -40,14 +40,16 @@ public:
     /// The same, for who has other things to do meanwhile: begin, and then read until there is an outcome, or an
     /// exception. Nothing when the time is up before that.
     void begin(const QByteArray &document);
+    /// A document, decoded and ready to be read: for a long one, in another thread, where all this may be done.
+    struct Reading;
+    [[nodiscard]] static std::shared_ptr<Reading> open(const QByteArray &document);
+    void begin(std::shared_ptr<Reading> reading);
     [[nodiscard]] std::optional<Outcome> read(const QDeadlineTimer &share);
 
     /// The record being filled; null when none is.
     [[nodiscard]] const std::shared_ptr<KivNotification> &notification() const noexcept { return m_notification; }
 
 private:
-    struct Reading;
-
     [[nodiscard]] std::optional<Outcome> readNext(Reading &reading);
     void didStartElement(QStringView name);
     void foundCharacters(QStringView characters);
@@ -55,7 +57,7 @@ private:
     void setField(QStringView element);
 
     Handover m_handover;
-    std::unique_ptr<Reading> m_reading; ///< Of the document that is being read; null when none is.
+    std::shared_ptr<Reading> m_reading; ///< Of the document that is being read; null when none is.
     QString m_currentChars;
     std::shared_ptr<KivNotification> m_notification;
     bool m_readingChars = false;

@@ -9,6 +9,7 @@
 #include <QScopeGuard>
 #include <QTimer>
 
+#include <system_error>
 #include <utility>
 
 namespace
@@ -93,7 +94,30 @@ void KivNotificationReceiver::parseNotificationData()
     }
     m_delivery.emplace(m_sink);
     m_parsedBytes = m_data.size();
-    m_parser.begin(m_data);
+    if (m_data.size() <= maxBytesAtOnce || !hasBegunThread()) {
+        m_parser.begin(m_data);
+        parseOn();
+    }
+}
+
+bool KivNotificationReceiver::hasBegunThread()
+{
+    const auto work = [this, data = m_data] {
+        const auto tell = qScopeGuard(
+            [this] { QMetaObject::invokeMethod(this, &KivNotificationReceiver::parseOpened, Qt::QueuedConnection); });
+        return FeedParser::open(data);
+    };
+    try {
+        m_opened = std::async(std::launch::async, work);
+        return true;
+    } catch (const std::system_error &) { // There is no thread to be had.
+        return false;
+    }
+}
+
+void KivNotificationReceiver::parseOpened()
+{
+    m_parser.begin(m_opened.get());
     parseOn();
 }
 

@@ -8,6 +8,7 @@
 #include <QObject>
 
 #include <chrono>
+#include <future>
 #include <memory>
 #include <optional>
 
@@ -71,7 +72,12 @@ public:
     /// The longest time, but for the one message that it ends in, that a document is read at once.
     static constexpr std::chrono::milliseconds maxShareOfATurn{10};
 
+    /// A longer document is decoded in a thread of its own: one of 16 MB takes 70 ms.
+    static constexpr qsizetype maxBytesAtOnce = qsizetype{256} * 1024;
+
 private:
+    [[nodiscard]] bool hasBegunThread();
+    void parseOpened();
     void parseOn();
     void endParse();
     void connectionDidReceiveResponse(FeedConnection *connection, int status, const QByteArray &contentType);
@@ -92,4 +98,5 @@ private:
     std::optional<NotificationSink::Delivery> m_delivery; ///< While the first m_parsedBytes of m_data are parsed.
     qsizetype m_parsedBytes = 0;
     bool m_isParseDue = false; ///< After the one that is under way.
+    std::future<std::shared_ptr<FeedParser::Reading>> m_opened;
 };

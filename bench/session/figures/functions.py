@@ -16,6 +16,11 @@ _MAX_MODES_TIME = 5  # ms for 600 modes
 _MESSAGE = re.compile(r"^(\w+) +[\d.]+ ms +([\d.]+) ms", re.M)
 _MAX_MESSAGE_TIME = 100  # ms of processor time
 
+_TURN = re.compile(r"^longestTurn (\w+) ([\d.]+) ms", re.M)
+_MAX_TURN = 50  # ms of processor time
+_COMES_IN = {"cache": "1,000 messages of 1 kB come in from the cache",
+             "feed": "10,000 messages of 1 kB come in from the feed, and the queue is full already"}
+
 
 def ratios_in(output):
     """(ours, other, median, largest good median or None) for each line of the table at the end of a program's output."""
@@ -47,4 +52,8 @@ def measure(place):
     name, slowest = max(rows_of("bench_messages", _MESSAGE.findall), key=lambda row: float(row[1]))
     figures.append(Figure(f"Text of the slowest of the sample messages ({name}), to its picture", "ms", "",
                           {"kivmenua": float(slowest)}, digits=2).require("limit", _MAX_MESSAGE_TIME))
+    for what, longest in rows_of("bench_turns", _TURN.findall):
+        figures.append(Figure(f"Longest turn of the event loop while {_COMES_IN[what]}", "ms",
+                              "The processor time of the main thread; so long the menu stands still.",
+                              {"kivmenua": float(longest)}, digits=1).require("limit", _MAX_TURN))
     return figures

@@ -9,6 +9,7 @@
 #include "tests/support/Certificates.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/LogLines.h"
+#include "tests/support/ProcessorTime.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QApplication>
@@ -22,6 +23,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <chrono>
 #include <vector>
 
 namespace
@@ -615,6 +618,31 @@ TEST_F(KivNotificationReceiverTest, CountsTheBytesKeptOfEarlierAnswers)
     EXPECT_TRUE(wasCancelled());
     receive();
     EXPECT_EQ(sink.ids, (Ids{"1"}));
+}
+
+TEST_F(KivNotificationReceiverTest, LeavesTheDecodingOfALongDocumentToAnotherThread)
+{
+    QByteArray document = "<supportMessages><supportMessage><messageId>1</messageId></supportMessage>";
+    document += ("<x>" + QByteArray(1000, ' ') + "</x>").repeated(8000);
+    document += "<supportMessage><messageId>2</messageId></supportMessage></supportMessages>";
+    serve({answerWith(document)});
+    std::chrono::nanoseconds longestTurn{};
+    auto before = processorTimeOfThisThread();
+    QTimer turn;
+    turn.callOnTimeout([&] {
+        const auto now = processorTimeOfThisThread();
+        longestTurn = receiver->connection() ? longestTurn : std::max(longestTurn, now - before);
+        before = now;
+    });
+    turn.start(0);
+    receive();
+    ASSERT_TRUE(waitUntil([this] { return sink.ends == 1; }));
+    EXPECT_EQ(sink.ids, (Ids{"1", "2"}));
+    // The same work done here, so that it does not matter how slow the machine or the build is.
+    const auto beforeOpening = processorTimeOfThisThread();
+    ASSERT_TRUE(FeedParser::open(document));
+    const auto opening = processorTimeOfThisThread() - beforeOpening;
+    EXPECT_LT(longestTurn - KivNotificationReceiver::maxShareOfATurn, opening);
 }
 
 TEST_F(KivNotificationReceiverTest, FetchesAtOnceAndThenAtEveryInterval)

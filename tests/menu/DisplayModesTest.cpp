@@ -40,8 +40,11 @@ QJsonObject mode(int width, int height)
 TEST(DisplayModes, BecomeTheSizesThatTheDataFilesExpect)
 {
     const QDir folder(QStringLiteral(KIV_MODE_LISTS));
-    const QStringList files = folder.entryList({QStringLiteral("*.json")});
+    QStringList files = folder.entryList({QStringLiteral("*.json")});
     ASSERT_GE(files.size(), 9);
+#ifdef Q_OS_MACOS
+    files.removeAll(QStringLiteral("missing-elements.json")); // No array that retains its elements has such there.
+#endif
     for (const QString &file : files) {
         const QJsonObject data = readData(folder.filePath(file));
         const CFArrayRef modes = newModeList(data.value(QStringLiteral("modes")).toArray());

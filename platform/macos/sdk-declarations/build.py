@@ -18,6 +18,7 @@ HERE = Path(__file__).resolve().parent
 SOURCE = HERE.parents[2]
 PROGRAMS = 'bin/kivmenua.app/Contents/MacOS'
 TESTS = ('tests', 'fuzz')
+STAMP = 'sysroot.made-of'
 TESTED = 'arm64'
 MIN_CLANG = 16 # As in tools/kiv/mac.bash. The libc++ of an older one lacks parts of the ranges.
 
@@ -40,7 +41,11 @@ def configure(folder, architecture, root, clang):
     """In the folder of that name, the tests with it on one of the two processors. Returns it."""
     build = folder / architecture
     tests = 'ON' if architecture == TESTED else 'OFF'
-    subprocess.run(['cmake', '-S', SOURCE, '-B', build, '-G', 'Ninja', '--log-level=WARNING',
+    # What was found by an older toolchain is looked for again.
+    cache = build / 'CMakeCache.txt'
+    fresh = cache.exists() and cache.stat().st_mtime < (folder / STAMP).stat().st_mtime
+    subprocess.run(['cmake', *(['--fresh'] if fresh else []),
+                    '-S', SOURCE, '-B', build, '-G', 'Ninja', '--log-level=WARNING',
                     '-D', f'CMAKE_TOOLCHAIN_FILE={HERE / "toolchain.cmake"}', '-D', f'KIV_SYSROOT={root}',
                     '-D', f'KIV_ARCHITECTURE={architecture}', '-D', f'KIV_CLANG={clang}', '-D', 'CMAKE_BUILD_TYPE=',
                     '-D', 'CMAKE_UNITY_BUILD=ON', '-D', f'KIV_BUILD_TESTS={tests}', '-D', 'KIV_WARNINGS_AS_ERRORS=ON'],
@@ -50,13 +55,10 @@ def configure(folder, architecture, root, clang):
 
 def make_sysroot(folder, clang):
     """Anew only when what it is made of has changed, for all that is compiled depends on it. Returns it."""
-    root, stamp = folder / 'sysroot', folder / 'sysroot.made-of'
+    root, stamp = folder / 'sysroot', folder / STAMP
     parts = [path for path in HERE.rglob('*') if path.is_file()]
     made_of = '\n'.join([clang, sysroot.qt('QT_VERSION'), *sorted(f'{path} {path.stat().st_mtime_ns}' for path in parts)])
     if not stamp.exists() or stamp.read_text() != made_of:
-        # What was configured by the old toolchain is asked again.
-        for cache in folder.glob('*/CMakeCache.txt'):
-            cache.unlink()
         subprocess.run([sys.executable, '-B', HERE / 'sysroot.py', root, clang], check=True)
         stamp.write_text(made_of)
     return root

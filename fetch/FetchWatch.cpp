@@ -40,15 +40,19 @@ void FetchWatch::giveUp(const char *reason) const noexcept
 
 void FetchWatch::watch() const noexcept
 {
+    pollfd asker{STDIN_FILENO, POLLIN, 0};
     for (;;) {
         const Clock::time_point silenceEnds = m_silentSince.load() + m_limits.silence;
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(std::min(silenceEnds, m_end) - Clock::now());
         if (left.count() <= 0) {
             giveUp(m_end < silenceEnds ? "it takes too long" : "the server is silent");
         }
-        pollfd asker{STDIN_FILENO, POLLIN, 0};
-        if (::poll(&asker, 1, static_cast<int>(left.count())) > 0) {
+        if (::poll(&asker, 1, static_cast<int>(left.count())) <= 0) {
+            continue;
+        }
+        if ((asker.revents & POLLNVAL) == 0) {
             giveUp("who asked has gone");
         }
+        asker.fd = -1; // macOS cannot tell of a device, as a terminal is, and would say so again at once.
     }
 }

@@ -14,7 +14,8 @@ public:
     };
 
     /// Watches from now on to the end of the process, which this object must not outlive otherwise. What standard input
-    /// has, or its end, means that who asked has gone. With `isTalkative` the reason goes to standard error.
+    /// has, or its end, means that who asked has gone; one that cannot be watched means nothing. With `isTalkative` the
+    /// reason goes to standard error.
     FetchWatch(Limits limits, bool isTalkative);
     ~FetchWatch() = delete;
 

@@ -3,9 +3,26 @@
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <fcntl.h>
 #include <poll.h>
 #include <string>
 #include <unistd.h>
+
+namespace
+{
+
+/// macOS cannot tell of a device, as a terminal is, and says of it what it says of a closed descriptor.
+bool agentTakesALine()
+{
+    pollfd output{STDERR_FILENO, POLLOUT, 0};
+    if (::poll(&output, 1, 0) != 1) {
+        return false;
+    }
+    return (output.revents & POLLOUT) != 0 ||
+           ((output.revents & POLLNVAL) != 0 && ::fcntl(STDERR_FILENO, F_GETFD) >= 0);
+}
+
+} // namespace
 
 void writeToStandardOutput(std::string_view bytes) noexcept
 {
@@ -22,8 +39,7 @@ void writeToStandardOutput(std::string_view bytes) noexcept
 void sayOnStandardError(std::string_view text)
 {
     const std::string line = ("kivfetch: " + std::string(text)).substr(0, PIPE_BUF - 1) + '\n';
-    pollfd output{STDERR_FILENO, POLLOUT, 0};
-    if (::poll(&output, 1, 0) == 1 && (output.revents & POLLOUT) != 0) {
+    if (agentTakesALine()) {
         [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
     }
 }

@@ -21,10 +21,15 @@ void fillStandardDescriptors()
     }
 }
 
+/// macOS cannot tell of a device, as a terminal is, and says of it what it says of a closed descriptor.
 bool takesALine()
 {
     pollfd output{STDERR_FILENO, POLLOUT, 0};
-    return ::poll(&output, 1, 0) == 1 && (output.revents & POLLOUT) != 0;
+    if (::poll(&output, 1, 0) != 1) {
+        return false;
+    }
+    return (output.revents & POLLOUT) != 0 ||
+           ((output.revents & POLLNVAL) != 0 && ::fcntl(STDERR_FILENO, F_GETFD) >= 0);
 }
 
 void writeLine(QtMsgType type, const QMessageLogContext &context, const QString &message)

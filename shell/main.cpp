@@ -64,6 +64,7 @@ int main(int, char **argv)
     GraphicalSession::settle();
     startUp();
     const TerminationSignals signalsEndTheLoop;
+    qCDebug(agentLog, "has started");
     GraphicalSession::run();
     qCDebug(agentLog, "ends");
     tearDown();

@@ -20,7 +20,8 @@ namespace NativeWindows
 void orderFront(WId window);
 
 /// Makes the program the active one, which the system may refuse, and gives the window the keyboard all the same: a
-/// panel can have it in a program that is not active.
+/// panel of a style of its own can have it in a program that is not active. Whether it takes Return and Escape then is
+/// unproved, and doubtful, for Qt has made the panel before it gets that style: a Mac must show this first.
 void activate(WId window);
 
 /// On the level of the status items, above the windows of all programs and above their panels.

@@ -76,7 +76,11 @@ TEST(UserDatabase, ListsTheMembersOfEveryGroupOfTheGroupFile)
 {
     std::ifstream file("/etc/group");
     int groups = 0;
-    for (std::string line; std::getline(file, line); ++groups) {
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with('#')) {
+            continue; // macOS begins the file with a few.
+        }
+        ++groups;
         const QStringList fields = QString::fromStdString(line).split(u':');
         ASSERT_EQ(fields.size(), 4) << line;
         Names expected;

@@ -2,6 +2,7 @@
 #include "menu/MenuCommands.h"
 #include "platform/GraphicalSession.h"
 #include "platform/screen/MenuPopUp.h"
+#include "shell/TerminationSignals.h"
 #include "tests/platform/macos/FakeCoreGraphics.h"
 #include "tests/platform/macos/FakeNativeWindows.h"
 #include "tests/support/LogLines.h"
@@ -12,6 +13,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
 
 namespace
 {
@@ -59,6 +63,18 @@ protected:
     Bundle bundle{empty.path()};
     KIVMenuObj menu{bundle};
 };
+
+using MacMenuDeathTest = MacMenu;
+
+/// The status with which the event loop ends when this happens while a menu is open.
+int endedWhileOpen(const std::function<void()> &happens)
+{
+    QMenu menu;
+    whileNativeMenuIsOpen() = happens;
+    QTimer::singleShot(0, &menu, [&] { popUpMenu(menu, QPoint(708, 29)); });
+    QTimer::singleShot(std::chrono::seconds(10), &menu, [] { QCoreApplication::exit(1); });
+    return QCoreApplication::exec();
+}
 
 } // namespace
 
@@ -124,6 +140,31 @@ TEST_F(MacMenu, ClosesWhenTheAgentIsToEnd)
     QTimer::singleShot(0, &other, [&] { popUpMenu(other, QPoint(708, 29)); });
     QCoreApplication::exec();
     EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 871", "close menu"));
+}
+
+TEST_F(MacMenu, ClosesWhenTheSystemAsksTheAgentToQuit)
+{
+    EXPECT_EQ(endedWhileOpen([] {
+                  QEvent quit(QEvent::Quit);
+                  QCoreApplication::sendEvent(qApp, &quit);
+              }),
+              0);
+    EXPECT_THAT(toldNativeWindows(), ElementsAre("menu at 708, 871", "close menu"));
+}
+
+/// In a process of its own, for the request stays with a process.
+TEST_F(MacMenuDeathTest, ClosesAtTheSignalThatEndsTheAgent)
+{
+    const auto agent = [] {
+        const TerminationSignals endTheLoop;
+        const int status = endedWhileOpen([] {
+            ::raise(SIGTERM);
+            QCoreApplication::processEvents(); // As the system's loop of a menu has Qt do.
+        });
+        const bool isClosed = toldNativeWindows() == std::vector<std::string>{"menu at 708, 871", "close menu"};
+        std::_Exit(isClosed ? status : 2);
+    };
+    EXPECT_EXIT(agent(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(MacMenu, HasTheDisplaysSizesOnceTheSystemSaysThatItOpens)

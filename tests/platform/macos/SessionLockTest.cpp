@@ -7,9 +7,13 @@
 #include <gtest/gtest.h>
 
 #include <bsm/audit_session.h>
+#include <cerrno>
+#include <sys/file.h>
+#include <sys/syscall.h>
 #include <unistd.h>
+#include <vector>
 
-// The two calls by which the lock finds its file.
+// The two calls by which the lock finds its file, and the one that locks it.
 
 namespace
 {
@@ -17,6 +21,7 @@ namespace
 std::string cacheFolder;
 int auditSession = 0;
 bool auditWorks = true;
+std::vector<int> flockErrors; ///< The next calls fail by these.
 
 } // namespace
 
@@ -31,10 +36,21 @@ extern "C" int getaudit_addr(auditinfo_addr_t *info, int length)
 
 extern "C" std::size_t confstr(int name, char *buffer, std::size_t size) noexcept
 {
-    if (name != _CS_DARWIN_USER_CACHE_DIR || cacheFolder.empty() || cacheFolder.size() >= size) {
+    if (name != _CS_DARWIN_USER_CACHE_DIR || cacheFolder.empty()) {
         return 0;
     }
-    return cacheFolder.copy(buffer, size) + (buffer[cacheFolder.size()] = '\0') + 1;
+    buffer[cacheFolder.copy(buffer, size - 1)] = '\0';
+    return cacheFolder.size() + 1; // What it takes, however much of it has been given.
+}
+
+extern "C" int flock(int file, int operation) noexcept
+{
+    if (!flockErrors.empty()) {
+        errno = flockErrors.front();
+        flockErrors.erase(flockErrors.begin());
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_flock, file, operation));
 }
 
 namespace
@@ -48,6 +64,7 @@ protected:
         cacheFolder = (folder.path() + u'/').toStdString();
         auditSession = 100'003;
         auditWorks = true;
+        flockErrors.clear();
     }
 
     [[nodiscard]] QStringList files() const { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden); }
@@ -99,4 +116,31 @@ TEST_F(MacSessionLock, KeepsNobodyOutWhenItCannotBeMade)
     auditWorks = false;
     SessionLock unknown;
     EXPECT_TRUE(unknown.tryAcquire());
+}
+
+TEST_F(MacSessionLock, IsNeverAFileBelowTheBeginningOfAPathThatIsTooLong)
+{
+    const std::size_t mostOfIt = 1023;
+    cacheFolder = folder.path().toStdString();
+    cacheFolder += std::string(mostOfIt - cacheFolder.size(), '/') + "further/";
+    SessionLock lock;
+    EXPECT_TRUE(lock.tryAcquire());
+    EXPECT_EQ(files(), QStringList());
+}
+
+TEST_F(MacSessionLock, IsTriedAgainWhenASignalInterruptsIt)
+{
+    SessionLock first;
+    EXPECT_TRUE(first.tryAcquire());
+    SessionLock second;
+    flockErrors = {EINTR, EINTR};
+    EXPECT_FALSE(second.tryAcquire());
+    EXPECT_TRUE(flockErrors.empty());
+}
+
+TEST_F(MacSessionLock, KeepsNobodyOutWhereTheFileSystemKnowsNoLocks)
+{
+    SessionLock lock;
+    flockErrors = {ENOTSUP};
+    EXPECT_TRUE(lock.tryAcquire());
 }

@@ -19,13 +19,17 @@ public:
         if (sizes.open(QIODevice::ReadOnly)) {
             limit.rlim_cur =
                 static_cast<rlim_t>(sizes.readAll().split(' ').value(0).toLongLong() * ::sysconf(_SC_PAGESIZE) + bytes);
-            ::setrlimit(RLIMIT_AS, &limit);
+            m_isSet = ::setrlimit(RLIMIT_AS, &limit) == 0;
         }
     }
     ~MemoryLimit() { ::setrlimit(RLIMIT_AS, &m_before); }
     MemoryLimit(const MemoryLimit &) = delete;
     MemoryLimit &operator=(const MemoryLimit &) = delete;
 
+    /// Not where the system does not tell what a process has.
+    [[nodiscard]] bool isSet() const noexcept { return m_isSet; }
+
 private:
+    bool m_isSet = false;
     rlimit m_before{};
 };

@@ -49,7 +49,8 @@ def configure(folder, architecture, root, clang):
                     '-D', f'CMAKE_TOOLCHAIN_FILE={HERE / "toolchain.cmake"}', '-D', f'KIV_SYSROOT={root}',
                     '-D', f'KIV_ARCHITECTURE={architecture}', '-D', f'KIV_CLANG={clang}', '-D', 'CMAKE_BUILD_TYPE=',
                     '-D', 'CMAKE_UNITY_BUILD=ON', '-D', f'KIV_BUILD_TESTS={tests}', '-D', 'KIV_WARNINGS_AS_ERRORS=ON'],
-                   check=True)
+                   # A compiler cache would tell of the folders that headers came from in another tree.
+                   env=os.environ | {'CCACHE_DISABLE': '1'}, check=True)
     return build
 
 

@@ -279,7 +279,10 @@ TEST_F(NotificationCacheTest, KeepsAsideWhatThereWasNoMemoryToRead)
     ASSERT_TRUE(NotificationCache(home.path()).write(theirs));
     {
         const MemoryLimit limit(qint64{8} * 1024 * 1024);
-        EXPECT_THROW(cache.read(), std::bad_alloc);
+        if (!limit.isSet()) {
+            GTEST_SKIP() << "the system does not say how much a process has";
+        }
+        EXPECT_THROW(static_cast<void>(cache.read()), std::bad_alloc);
     }
     EXPECT_TRUE(cache.write(listWith("1")));
     EXPECT_EQ(PropertyList::readFile(cache.pathOfUnreadable()), QVariant(theirs));

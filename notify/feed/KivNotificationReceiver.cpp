@@ -117,7 +117,10 @@ bool KivNotificationReceiver::hasBegunThread()
 
 void KivNotificationReceiver::parseOpened()
 {
+    // There may have been no memory for it: the delivery must not stay open, for nothing is saved until its end.
+    auto atAnException = qScopeGuard([this] { endParse(); });
     m_parser.begin(m_opened.get());
+    atAnException.dismiss();
     parseOn();
 }
 

@@ -275,7 +275,7 @@ TEST_F(NotificationCacheTest, KeepsAsideWhatThereWasNoMemoryToRead)
 #ifdef __SANITIZE_ADDRESS__
     GTEST_SKIP() << "the sanitizer takes more memory than can be left";
 #endif
-    const QVariantList theirs{QVariantMap{{QStringLiteral("text"), QString(14 * 1024 * 1024, u'x')}}};
+    const QVariantList theirs{QVariantMap{{QStringLiteral("text"), QString(qsizetype{14} * 1024 * 1024, u'x')}}};
     ASSERT_TRUE(NotificationCache(home.path()).write(theirs));
     {
         const MemoryLimit limit(qint64{8} * 1024 * 1024);

@@ -67,7 +67,7 @@ QImage XView::grab(const QRect &area) const
         return {};
     }
     if (reply->depth == 8) {
-        QImage pixels(xcb_get_image_data(reply.get()), area.width(), area.height(), (area.width() + 3) / 4 * 4,
+        QImage pixels(xcb_get_image_data(reply.get()), area.width(), area.height(), qsizetype{area.width() + 3} / 4 * 4,
                       QImage::Format_Indexed8);
         pixels.setColorTable(coloursOfCells());
         return pixels.convertToFormat(QImage::Format_RGB32);

@@ -20,6 +20,8 @@ PROGRAMS = 'bin/kivmenua.app/Contents/MacOS'
 TESTS = ('tests', 'fuzz')
 STAMP = 'sysroot.made-of'
 TESTED = 'arm64'
+# However a compiler cache is set up, it is not to tell of the folders that headers came from in another tree.
+ENVIRONMENT = os.environ | {'CCACHE_BASEDIR': '', 'CCACHE_HASHDIR': 'true'}
 MIN_CLANG = 16 # As in tools/kiv/mac.bash. The libc++ of an older one lacks parts of the ranges.
 
 
@@ -49,8 +51,7 @@ def configure(folder, architecture, root, clang):
                     '-D', f'CMAKE_TOOLCHAIN_FILE={HERE / "toolchain.cmake"}', '-D', f'KIV_SYSROOT={root}',
                     '-D', f'KIV_ARCHITECTURE={architecture}', '-D', f'KIV_CLANG={clang}', '-D', 'CMAKE_BUILD_TYPE=',
                     '-D', 'CMAKE_UNITY_BUILD=ON', '-D', f'KIV_BUILD_TESTS={tests}', '-D', 'KIV_WARNINGS_AS_ERRORS=ON'],
-                   # A compiler cache would tell of the folders that headers came from in another tree.
-                   env=os.environ | {'CCACHE_DISABLE': '1'}, check=True)
+                   env=ENVIRONMENT, check=True)
     return build
 
 
@@ -73,7 +74,7 @@ def build(folder, architecture='arm64', targets=()):
                  './kiv mac installs them.')
     root = make_sysroot(folder, clang)
     tree = configure(folder, architecture, root, clang)
-    subprocess.run(['ninja', '-C', tree, '--quiet', *targets], check=True)
+    subprocess.run(['ninja', '-C', tree, '--quiet', *targets], env=ENVIRONMENT, check=True)
     strangers = foreign(headers_of(tree), root, tree, clang)
     for header in strangers:
         print(f'{header}: no Mac has this header, or it is for Linux', file=sys.stderr)

@@ -636,7 +636,7 @@ TEST_F(KivNotificationReceiverTest, LeavesTheDecodingOfALongDocumentToAnotherThr
     });
     turn.start(0);
     receive();
-    ASSERT_TRUE(waitUntil([this] { return sink.ends == 1; }));
+    ASSERT_TRUE(waitUntil([this] { return sink.ends == 1; }, 60s)) << "so much takes long under a sanitizer";
     EXPECT_EQ(sink.ids, (Ids{"1", "2"}));
     // The same work done here, so that it does not matter how slow the machine or the build is.
     const auto beforeOpening = processorTimeOfThisThread();

@@ -1454,7 +1454,7 @@ TEST_F(LongCache, KeepsAllItsRecordsThoughHintsComeMeanwhile)
     }
     EXPECT_EQ(shownHints, QueueLimits::maxHints);
     EXPECT_FALSE(isImported());
-    ASSERT_TRUE(waitUntil([this] { return isImported(); }));
+    ASSERT_TRUE(waitUntil([this] { return isImported(); }, 60s));
     Ids imported = queued();
     EXPECT_EQ(std::erase(imported, ""), QueueLimits::maxHints);
     EXPECT_EQ(imported, idsFrom(1, static_cast<int>(QueueLimits::maxRecords)));

@@ -84,9 +84,15 @@ def build(folder, architecture='arm64', targets=()):
 
 
 def headers_of(tree):
-    """What the compiler has read, for all that has been compiled."""
+    """What the compiler has read, for all that has been compiled; and not what CMake has."""
     lines = subprocess.run(['ninja', '-C', tree, '-t', 'deps'], check=True, capture_output=True, text=True).stdout
-    return {line.strip() for line in lines.splitlines() if line.startswith(' ')}
+    headers, is_compiled = set(), False
+    for line in lines.splitlines():
+        if not line.startswith(' '):
+            is_compiled = line.partition(':')[0].endswith('.o')
+        elif is_compiled:
+            headers.add(line.strip())
+    return headers
 
 
 def foreign(headers, root, tree, clang):

@@ -5,6 +5,7 @@
 #include "platform/alert/AlertIcon.h"
 #include "platform/alert/AlertMessage.h"
 #include "platform/screen/WindowStacking.h"
+#include "platform/text/SystemFont.h"
 
 #include <QDialogButtonBox>
 #include <QEventLoop>
@@ -81,6 +82,8 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
     setWindowTitle(QString::fromUtf16(ProductTexts::panelTitle));
     setAccessibleName(texts.title);
     setAccessibleDescription(alertWords(texts.message));
+    setFont(
+        fontFor(texts.title + texts.message + texts.defaultButton + texts.alternateButton + texts.otherButton, font()));
 
     auto *icon = new QLabel(this);
     const AlertSign sign = style == Style::Critical ? AlertSign::Critical : AlertSign::Information;

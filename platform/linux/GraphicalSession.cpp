@@ -11,11 +11,13 @@
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
 #include "platform/linux/workarounds/SuddenExit.h"
+#include "platform/linux/workarounds/ThreadHeaps.h"
 #include "platform/linux/workarounds/bus/AccessibilityBridge.h"
 #include "platform/linux/workarounds/bus/LibdbusWarnings.h"
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
 #include "platform/linux/workarounds/bus/SilentBus.h"
 #include "platform/screen/MenuPopUp.h"
+#include "platform/text/SystemFont.h"
 
 #include <QApplication>
 
@@ -31,6 +33,7 @@ std::atomic<bool> isEndRequested = false;
 
 QString GraphicalSession::prepare()
 {
+    keepThreadsOnOneHeap();
     // Who ignores its children hands that down, and Qt then never learns how one has ended: to it each has crashed.
     std::signal(SIGCHLD, SIG_DFL);
     // Who reads standard error may be gone; a warning that nobody reads is no reason to die.
@@ -78,6 +81,7 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
+    setApplicationFont(QGuiApplication::font());
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

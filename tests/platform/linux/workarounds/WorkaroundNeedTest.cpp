@@ -8,6 +8,7 @@
 #include "tests/support/FakePortal.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"
+#include "tests/support/ProcessMemory.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"
@@ -31,6 +32,7 @@
 #include <dlfcn.h>
 #include <malloc.h>
 #include <memory>
+#include <thread>
 #include <unistd.h>
 #include <vector>
 
@@ -173,6 +175,13 @@ TEST_F(WorkaroundNeed, FreedMemoryOfXlib)
     const std::size_t after = heapInUse();
     constexpr std::size_t ofFewWindows = 2'000;
     tell("FreedMemoryOfXlib", before > after + ofFewWindows);
+}
+
+TEST_F(WorkaroundNeed, ThreadHeaps)
+{
+    std::unique_ptr<QByteArray> ofThread;
+    std::thread([&] { ofThread = std::make_unique<QByteArray>(100, '.'); }).join();
+    tell("ThreadHeaps", ProcessMemory::heapsOfThreads(getpid()) > 0);
 }
 
 TEST_F(WorkaroundNeed, PixmapCache)

@@ -2,6 +2,8 @@
 
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/workarounds/CompiledPatterns.h"
+#include "platform/linux/workarounds/FlatButtons.h"
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
@@ -56,6 +58,7 @@ QString GraphicalSession::prepare()
                                       probeBus(bus).state == BusState::Unusable ? BusUse::Hopeless : BusUse::Possible);
     PortalQuestion::avoid();
     keepQtFromLookingForLargerImages();
+    keepQtFromCompilingPatterns();
 
     if (!needsDisplay) {
         return {};
@@ -82,6 +85,7 @@ void GraphicalSession::settle()
 {
     PortalQuestion::allow();
     setApplicationFont(QGuiApplication::font());
+    FlatButtons::use();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/CompiledPatterns.h"
+#include "platform/linux/workarounds/memory/CompiledPatterns.h"
 
 #include <QByteArray>
 

@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/FlatButtons.h"
+#include "platform/linux/workarounds/memory/FlatButtons.h"
 
 #include <QApplication>
 #include <QPainter>

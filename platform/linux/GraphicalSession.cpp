@@ -17,7 +17,6 @@
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
 #include "platform/linux/workarounds/bus/SilentBus.h"
 #include "platform/screen/MenuPopUp.h"
-#include "platform/text/SystemFont.h"
 
 #include <QApplication>
 
@@ -81,7 +80,6 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
-    setApplicationFont(QGuiApplication::font());
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

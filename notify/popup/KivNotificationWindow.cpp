@@ -360,6 +360,7 @@ void KivNotificationWindow::watchScreens()
     });
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, screensChanged);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, screensChanged);
+    connect(m_text, &KivTextView::fontChanged, this, screensChanged);
 }
 
 void KivNotificationWindow::watchScreen(QScreen *screen)

@@ -107,21 +107,22 @@ KivTextView::KivTextView(QWidget *parent)
 void KivTextView::setMessage(const QString &text, int width)
 {
     setDocumentWidth(width);
-    m_html = isHtml(text) ? text : QString();
-    if (m_html.isNull()) {
-        setPlainMessage(text);
-    } else {
+    m_message = text;
+    m_isHtml = isHtml(text);
+    if (m_isHtml) {
         setHtmlMessage(width);
+    } else {
+        setPlainMessage(text);
     }
     setDocumentWidth(width);
 }
 
 void KivTextView::setTextWidth(int width)
 {
-    if (m_html.isNull() || document()->textWidth() == width) {
+    if (!m_isHtml || document()->textWidth() == width) {
         setDocumentWidth(width);
     } else {
-        setMessage(m_html, width); // Tables fit or do not fit by that width.
+        setMessage(m_message, width); // Tables fit or do not fit by that width.
     }
 }
 
@@ -146,6 +147,18 @@ QVariant KivTextView::loadResource(int, const QUrl &)
     QImage nothing(1, 1, QImage::Format_ARGB32_Premultiplied);
     nothing.fill(Qt::transparent);
     return nothing;
+}
+
+void KivTextView::changeEvent(QEvent *event)
+{
+    QTextBrowser::changeEvent(event); // Which gives the document the font of widgets.
+    const bool isFont = event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::FontChange;
+    if (!m_message.isNull() && (isFont || event->type() == QEvent::PaletteChange)) {
+        setMessage(m_message, static_cast<int>(document()->textWidth()));
+    }
+    if (isFont) {
+        Q_EMIT fontChanged();
+    }
 }
 
 void KivTextView::contextMenuEvent(QContextMenuEvent *event)
@@ -188,12 +201,12 @@ void KivTextView::setPlainMessage(const QString &text)
 void KivTextView::setHtmlMessage(int width)
 {
     const HtmlGround ground{palette().color(QPalette::Text), palette().color(QPalette::Window)};
-    const QString html = cleanHtml(m_html, ground, HtmlTables::Kept);
+    const QString html = cleanHtml(m_message, ground, HtmlTables::Kept);
     document()->setDefaultFont(systemFont(QFont::Normal, html));
     setHtml(html);
     setDocumentWidth(width); // Qt has laid it out at the width of the view, which may still have another.
     if (document()->size().width() > width) {
-        setHtml(cleanHtml(m_html, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.
+        setHtml(cleanHtml(m_message, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.
     }
 }
 

@@ -9,11 +9,12 @@
 namespace
 {
 
-/// The whole text is the widget's accessible name.
+/// The whole text is the widget's accessible name. The desktop may have another font since the last time.
 template <typename Widget>
-void place(Widget &widget, const QRect &frame, int padding)
+void place(Widget &widget, const QRect &frame, int padding, QFont::Weight weight)
 {
     widget.setGeometry(frame);
+    widget.setFont(systemFont(weight, widget.accessibleName()));
     widget.setText(widget.fontMetrics().elidedText(widget.accessibleName(), Qt::ElideRight, frame.width() - padding));
 }
 
@@ -22,7 +23,6 @@ void place(Widget &widget, const QRect &frame, int padding)
 QPushButton *newPopUpButton(const QString &text, QWidget *parent)
 {
     auto *button = new QPushButton(parent);
-    button->setFont(systemFont(QFont::Normal, text));
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoDefault(false);
     button->setAccessibleName(text);
@@ -32,7 +32,7 @@ QPushButton *newPopUpButton(const QString &text, QWidget *parent)
 void placePopUpButton(QPushButton &button, const QRect &frame)
 {
     constexpr int padding = 12;
-    place(button, frame, padding);
+    place(button, frame, padding, QFont::Normal);
 }
 
 QLabel *newPopUpIcon(QWidget *parent)
@@ -52,7 +52,6 @@ QLabel *newPopUpTitle(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(parent);
     label->setTextFormat(Qt::PlainText);
-    label->setFont(systemFont(QFont::Bold, text));
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setAccessibleName(text);
     return label;
@@ -60,5 +59,5 @@ QLabel *newPopUpTitle(const QString &text, QWidget *parent)
 
 void placePopUpTitle(QLabel &title, const QRect &frame)
 {
-    place(title, frame, 0);
+    place(title, frame, 0, QFont::Bold);
 }

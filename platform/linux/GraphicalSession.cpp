@@ -19,7 +19,6 @@
 #include "platform/linux/workarounds/memory/PixmapCache.h"
 #include "platform/linux/workarounds/memory/ThreadHeaps.h"
 #include "platform/screen/MenuPopUp.h"
-#include "platform/text/SystemFont.h"
 
 #include <QApplication>
 
@@ -84,7 +83,6 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
-    setApplicationFont(QGuiApplication::font());
     FlatButtons::use();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();

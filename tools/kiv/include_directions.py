@@ -34,6 +34,7 @@ ALLOWED = {
     'platform/linux/corefoundation': LINUX,
     'platform/linux/screen': LINUX,
     'platform/linux/processes': LINUX,
+    'platform/linux/desktop': LINUX + ['platform/linux/screen', 'platform/text'],
     'platform/linux/events': LINUX + ['platform/linux/processes'],
     'platform/linux/workarounds': LINUX,
     'platform/linux/item': LINUX + ['platform/images', 'platform/linux/screen', 'platform/linux/workarounds'],

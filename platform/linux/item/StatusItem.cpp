@@ -12,7 +12,9 @@
 #include "platform/linux/item/TrayIconWindow.h"
 #include "platform/linux/item/menu/MenuRequests.h"
 
+#include <QEvent>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QScreen>
 #include <QTimer>
 
@@ -59,6 +61,7 @@ class StatusItem::Private final : public QObject
 public:
     explicit Private(StatusItem *owner);
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void update(Settling settling);
     void apply();
     void setMenu(QMenu *offered);
@@ -112,6 +115,7 @@ StatusItem::Private::Private(StatusItem *owner)
     connect(&m_notifiers, &NotifierHostWatch::changed, this,
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
 
+    qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::watchScreen);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::placeStrip);
     const QList<QScreen *> screens = QGuiApplication::screens();
@@ -120,6 +124,14 @@ StatusItem::Private::Private(StatusItem *owner)
     }
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
+}
+
+bool StatusItem::Private::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
+        apply();
+    }
+    return false;
 }
 
 void StatusItem::Private::update(Settling settling)
@@ -242,6 +254,7 @@ void StatusItem::Private::placeStrip()
 
 void StatusItem::Private::apply()
 {
+    look.plate = QGuiApplication::palette().color(QPalette::Window).rgb();
     for (TrayIconWindow *const each : {m_window.get(), m_standIn.get()}) {
         if (each) {
             each->setLook(look);

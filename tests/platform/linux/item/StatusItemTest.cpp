@@ -399,7 +399,12 @@ TEST_F(StatusItemTest, StandsInTheCornerAtOnceWhereNoTrayIs)
     EXPECT_EQ(qtPlace(item), stripPlace);
     EXPECT_TRUE(waitUntil([] { return screenColour({1269, 11}) == QColor(Qt::red); }));
     item.setImage(QIcon());
-    EXPECT_TRUE(waitUntil([] { return screenColour({1269, 11}) == QColor(0xec, 0xec, 0xec); })) << "its own plate";
+    EXPECT_TRUE(waitUntil([] {
+        return screenColour({1269, 11}) == QGuiApplication::palette().color(QPalette::Window);
+    })) << "its own plate";
+    QApplication::setPalette(QPalette(Qt::darkGray));
+    EXPECT_TRUE(waitUntil([] { return screenColour({1269, 11}) == QColor(Qt::darkGray); })) << "by the desktop's look";
+    QApplication::setPalette(QPalette());
     PressCounter presses(item);
     FakeInput::click(stripPlace.center());
     EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));

@@ -1,5 +1,7 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/linux/accessibility/AccessibilityBus.h"
+#include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/workarounds/FreedMemory.h"
@@ -78,6 +80,8 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
+    AccessibleApplication::install();
+    new AccessibilityBus(SessionBus::instance(), QCoreApplication::instance());
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

@@ -105,7 +105,6 @@ KivTextView::KivTextView(QWidget *parent)
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(0);
     document()->setUndoRedoEnabled(false);
-    document()->setDefaultFont(systemFont(QFont::Normal));
     connect(this, &QTextEdit::selectionChanged, this, &KivTextView::setSelectedRange);
 }
 
@@ -202,6 +201,7 @@ void KivTextView::setPlainMessage(const QString &text)
 {
     const auto [shown, hasEndlessWord] = shortened(cleaned(text));
     setWordWrapMode(hasEndlessWord ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    document()->setDefaultFont(systemFont(QFont::Normal, shown));
     setPlainText(shown);
     QTextCharFormat linkFormat;
     linkFormat.setForeground(linkColour());
@@ -221,7 +221,9 @@ void KivTextView::setPlainMessage(const QString &text)
 void KivTextView::setHtmlMessage(int width)
 {
     const HtmlGround ground{palette().color(QPalette::Text), palette().color(QPalette::Window)};
-    setHtml(cleanHtml(m_html, ground, HtmlTables::Kept));
+    const QString html = cleanHtml(m_html, ground, HtmlTables::Kept);
+    document()->setDefaultFont(systemFont(QFont::Normal, html));
+    setHtml(html);
     setDocumentWidth(width); // Qt has laid it out at the width of the view, which may still have another.
     if (document()->size().width() > width) {
         setHtml(cleanHtml(m_html, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.

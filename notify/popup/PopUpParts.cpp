@@ -23,7 +23,7 @@ void place(Widget &widget, const QRect &frame, int padding)
 QPushButton *newPopUpButton(const QString &text, QWidget *parent)
 {
     auto *button = new QPushButton(parent);
-    button->setFont(systemFont(QFont::Normal));
+    button->setFont(systemFont(QFont::Normal, text));
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoDefault(false);
     button->setAccessibleName(text);
@@ -54,7 +54,7 @@ QLabel *newPopUpTitle(const QString &text, QWidget *parent)
     auto *label = new QLabel(parent);
     AccessiblePopUp::makeHeading(*label);
     label->setTextFormat(Qt::PlainText);
-    label->setFont(systemFont(QFont::Bold));
+    label->setFont(systemFont(QFont::Bold, text));
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setAccessibleName(text);
     return label;

@@ -6,6 +6,7 @@
 #include "platform/alert/AlertIcon.h"
 #include "platform/alert/AlertMessage.h"
 #include "platform/screen/WindowStacking.h"
+#include "platform/text/SystemFont.h"
 
 #include <QDialogButtonBox>
 #include <QEventLoop>
@@ -83,6 +84,8 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
     setWindowTitle(QString::fromUtf16(ProductTexts::panelTitle));
     setAccessibleName(texts.title);
     setAccessibleDescription(alertWords(texts.message));
+    setFont(
+        fontFor(texts.title + texts.message + texts.defaultButton + texts.alternateButton + texts.otherButton, font()));
 
     auto *icon = new QLabel(this);
     const AlertSign sign = style == Style::Critical ? AlertSign::Critical : AlertSign::Information;
@@ -90,9 +93,7 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
 
     QLabel *title = newLabel(texts.title, this);
     title->setWordWrap(true);
-    QFont bold = title->font();
-    bold.setBold(true);
-    title->setFont(bold);
+    title->setFont(boldOf(title->font()));
 
     auto *buttons = new QDialogButtonBox(this);
     const auto addButton = [&](const QString &text, QDialogButtonBox::ButtonRole role, Response response) {

@@ -4,6 +4,8 @@
 #include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/workarounds/CompiledPatterns.h"
+#include "platform/linux/workarounds/FlatButtons.h"
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
@@ -13,11 +15,13 @@
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
 #include "platform/linux/workarounds/SuddenExit.h"
+#include "platform/linux/workarounds/ThreadHeaps.h"
 #include "platform/linux/workarounds/bus/AccessibilityBridge.h"
 #include "platform/linux/workarounds/bus/LibdbusWarnings.h"
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
 #include "platform/linux/workarounds/bus/SilentBus.h"
 #include "platform/screen/MenuPopUp.h"
+#include "platform/text/SystemFont.h"
 
 #include <QApplication>
 
@@ -33,6 +37,7 @@ std::atomic<bool> isEndRequested = false;
 
 QString GraphicalSession::prepare()
 {
+    keepThreadsOnOneHeap();
     // Who ignores its children hands that down, and Qt then never learns how one has ended: to it each has crashed.
     std::signal(SIGCHLD, SIG_DFL);
     // Who reads standard error may be gone; a warning that nobody reads is no reason to die.
@@ -55,6 +60,7 @@ QString GraphicalSession::prepare()
                                       probeBus(bus).state == BusState::Unusable ? BusUse::Hopeless : BusUse::Possible);
     PortalQuestion::avoid();
     keepQtFromLookingForLargerImages();
+    keepQtFromCompilingPatterns();
 
     if (!needsDisplay) {
         return {};
@@ -82,6 +88,8 @@ void GraphicalSession::settle()
     PortalQuestion::allow();
     AccessibleApplication::install();
     new AccessibilityBus(SessionBus::instance(), QCoreApplication::instance());
+    setApplicationFont(QGuiApplication::font());
+    FlatButtons::use();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

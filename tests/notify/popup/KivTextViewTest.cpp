@@ -361,3 +361,16 @@ TEST_F(KivTextViewTest, ShowsAllOfATextOfSixtyFourKilobytesAndThenAnEllipsis)
 }
 
 } // namespace
+
+TEST_F(KivTextViewTest, FormsTheLettersOfScriptsThatNeedItHoweverTheyAreWritten)
+{
+    for (const QString &text : {QStringLiteral("السلام"), QStringLiteral("<p><b>السلام</b></p>"),
+                                QStringLiteral("<p>&#1575;&#1604;&#1587;</p>")}) {
+        view.setMessage(text, width);
+        EXPECT_EQ(view.document()->defaultFont().styleStrategy(), QFont::PreferDefault) << text.toStdString();
+    }
+    for (const QString &text : {QStringLiteral("Peace"), QStringLiteral("<p>Peace &eacute;</p>")}) {
+        view.setMessage(text, width);
+        EXPECT_EQ(view.document()->defaultFont().styleStrategy(), QFont::PreferNoShaping) << text.toStdString();
+    }
+}

@@ -182,3 +182,16 @@ TEST(AlertPanel, StaysAboveOtherWindowsAndTellsAssistiveTechnologyItsText)
     EXPECT_EQ(panel.accessibleName(), QStringLiteral("Title"));
     EXPECT_EQ(panel.accessibleDescription(), QStringLiteral("Message"));
 }
+
+TEST(AlertPanel, FormsTheLettersOfScriptsThatNeedIt)
+{
+    const AlertPanel panel(AlertPanel::Style::Informational,
+                           {QStringLiteral("Title"), QStringLiteral("السلام"), QStringLiteral("Ok"), {}, {}});
+    for (const QLabel *label : panel.findChildren<QLabel *>()) {
+        EXPECT_EQ(label->font().styleStrategy(), QFont::PreferDefault);
+    }
+    const AlertPanel plain(AlertPanel::Style::Informational, oneButton);
+    for (const QLabel *label : plain.findChildren<QLabel *>()) {
+        EXPECT_EQ(label->font().styleStrategy(), QFont::PreferNoShaping);
+    }
+}

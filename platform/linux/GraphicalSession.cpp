@@ -1,5 +1,7 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/linux/accessibility/AccessibilityBus.h"
+#include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/workarounds/LargerImages.h"
@@ -83,6 +85,8 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
+    AccessibleApplication::install();
+    new AccessibilityBus(SessionBus::instance(), QCoreApplication::instance());
     FlatButtons::use();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();

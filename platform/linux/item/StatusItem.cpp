@@ -1,10 +1,10 @@
 #include "platform/StatusItem.h"
 
 #include "platform/LogCategories.h"
+#include "platform/linux/accessibility/AccessibleItem.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/item/AccessibleItem.h"
 #include "platform/linux/item/NotifierHostWatch.h"
 #include "platform/linux/item/NotifierRegistration.h"
 #include "platform/linux/item/StatusItemForm.h"

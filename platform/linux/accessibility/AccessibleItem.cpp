@@ -1,4 +1,4 @@
-#include "platform/linux/item/AccessibleItem.h"
+#include "platform/linux/accessibility/AccessibleItem.h"
 
 #include "platform/MainScreen.h"
 #include "platform/StatusItem.h"

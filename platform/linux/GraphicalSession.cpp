@@ -1,6 +1,7 @@
 #include "platform/GraphicalSession.h"
 
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/desktop/StartScale.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
@@ -64,10 +65,14 @@ QString GraphicalSession::prepare()
     if (display.isEmpty()) {
         return QStringLiteral("no graphical session: DISPLAY is not set");
     }
-    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    int screen = 0;
+    xcb_connection_t *connection = xcb_connect(nullptr, &screen);
     const bool answers = xcb_connection_has_error(connection) == 0;
     // Without it Qt gives up in the middle of its start, and trays cannot be watched.
     const bool hasXFixes = answers && xcb_get_extension_data(connection, &xcb_xfixes_id)->present;
+    if (hasXFixes) {
+        StartScale::announce(connection, screen);
+    }
     xcb_disconnect(connection);
     if (hasXFixes) {
         return {};
@@ -80,6 +85,7 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
+    StartScale::withdraw();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

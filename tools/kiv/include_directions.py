@@ -38,7 +38,7 @@ ALLOWED = {
     'platform/linux/events': LINUX + ['platform/linux/processes'],
     'platform/linux/workarounds': LINUX,
     'platform/linux/item': LINUX + ['platform/images', 'platform/linux/screen', 'platform/linux/workarounds'],
-    'platform/linux': LINUX + ['platform/text', 'platform/linux/bus', 'platform/linux/workarounds'],
+    'platform/linux': LINUX + ['platform/linux/bus', 'platform/linux/desktop', 'platform/linux/workarounds'],
     'menu': PLATFORM,
     'notify/record': ['notify', 'platform/data', 'platform/text'],
     'notify/text': PLATFORM + TEXT,

@@ -11,6 +11,7 @@
 int main(int argc, char **argv)
 {
     LogOutput::useStandardError();
+    DesktopLook::prepareScale();
     const QApplication application(argc, argv);
     QApplication::setDesktopFileName(ProductTexts::desktopEntry);
 

@@ -3,6 +3,7 @@
 #include "platform/linux/accessibility/AccessibilityBus.h"
 #include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/desktop/StartScale.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
@@ -69,10 +70,14 @@ QString GraphicalSession::prepare()
     if (display.isEmpty()) {
         return QStringLiteral("no graphical session: DISPLAY is not set");
     }
-    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    int screen = 0;
+    xcb_connection_t *connection = xcb_connect(nullptr, &screen);
     const bool answers = xcb_connection_has_error(connection) == 0;
     // Without it Qt gives up in the middle of its start, and trays cannot be watched.
     const bool hasXFixes = answers && xcb_get_extension_data(connection, &xcb_xfixes_id)->present;
+    if (hasXFixes) {
+        StartScale::announce(connection, screen);
+    }
     xcb_disconnect(connection);
     if (hasXFixes) {
         return {};
@@ -85,6 +90,7 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
+    StartScale::withdraw();
     AccessibleApplication::install();
     new AccessibilityBus(SessionBus::instance(), QCoreApplication::instance());
     FlatButtons::use();

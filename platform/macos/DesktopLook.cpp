@@ -1,6 +1,7 @@
 #include "platform/screen/DesktopLook.h"
 
-void DesktopLook::follow(Part)
-{
-    // Qt asks the system itself.
-}
+// On macOS Qt asks the system for all of it.
+
+void DesktopLook::prepareScale() {}
+
+void DesktopLook::follow(Part) {}

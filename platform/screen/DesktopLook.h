@@ -10,6 +10,10 @@ enum class Part {
     ColoursAndFonts ///< And the font of the application, with its size.
 };
 
+/// Before the application object is made: has its windows be as large as the desktop's others, from the start to the
+/// end. What GraphicalSession::prepare does for the agent.
+void prepareScale();
+
 /// From now on, as long as the application object lives: windows that are on the screen change with the desktop. To be
 /// called once, when the application object is there. Waits for nobody but the X server. Main thread only.
 void follow(Part part);

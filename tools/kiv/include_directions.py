@@ -40,7 +40,7 @@ ALLOWED = {
     'platform/linux/accessibility': LINUX + ['platform/linux/workarounds'],
     'platform/linux/item': LINUX + ['platform/images', 'platform/linux/accessibility', 'platform/linux/screen',
                                     'platform/linux/workarounds'],
-    'platform/linux': LINUX + ['platform/text', 'platform/linux/accessibility', 'platform/linux/bus',
+    'platform/linux': LINUX + ['platform/linux/accessibility', 'platform/linux/bus', 'platform/linux/desktop',
                                'platform/linux/workarounds'],
     'menu': PLATFORM,
     'notify/record': ['notify', 'platform/data', 'platform/text'],

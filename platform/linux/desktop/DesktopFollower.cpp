@@ -3,6 +3,7 @@
 #include "platform/LogCategories.h"
 #include "platform/linux/desktop/DarkPalette.h"
 #include "platform/linux/desktop/FontDescription.h"
+#include "platform/linux/desktop/StartScale.h"
 #include "platform/text/SystemFont.h"
 
 #include <QApplication>
@@ -29,6 +30,16 @@ void keepMenusOnScreen()
 }
 
 } // namespace
+
+void DesktopLook::prepareScale()
+{
+    int screen = 0;
+    xcb_connection_t *const x = xcb_connect(nullptr, &screen);
+    if (xcb_connection_has_error(x) == 0) {
+        StartScale::announce(x, screen);
+    }
+    xcb_disconnect(x);
+}
 
 void DesktopLook::follow(Part part)
 {

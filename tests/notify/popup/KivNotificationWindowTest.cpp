@@ -1,5 +1,6 @@
 #include "notify/popup/KivNotificationWindow.h"
 
+#include "notify/popup/MessageTypeIcon.h"
 #include "platform/Bundle.h"
 #include "platform/MainScreen.h"
 #include "platform/images/IcnsReader.h"
@@ -785,6 +786,26 @@ TEST_F(KivNotificationWindowTest, ShowsTheIconOfItsType)
         ASSERT_TRUE(waitUntil([this] { return isGone(); }));
     }
     EXPECT_NE(pictureIn("update"), pictureIn("warning"));
+}
+
+TEST(MessageTypeIcon, HasItsPictureInThePixelsOfTheScreen)
+{
+    QFile file(Bundle::main().pathForResource(QStringLiteral("update"), QStringLiteral("icns")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray pictures = file.readAll();
+    const std::pair<qreal, int> table[] = {{1, 50}, {1.25, 63}, {1.5, 75}, {2, 100}};
+    for (const auto &[ratio, pixels] : table) {
+        const QPixmap icon = messageTypeIcon(0, 50, ratio);
+        EXPECT_EQ(icon.devicePixelRatio(), ratio);
+        QImage shown = icon.toImage();
+        shown.setDevicePixelRatio(1);
+        const QImage best = readIcns(pictures, pixels);
+        EXPECT_GE(best.width(), pixels) << "none is made larger";
+        EXPECT_EQ(
+            shown,
+            QPixmap::fromImage(best.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation)).toImage())
+            << ratio;
+    }
 }
 
 } // namespace

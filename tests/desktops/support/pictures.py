@@ -1,0 +1,58 @@
+"""Pictures of a screen: what has changed from one to the next, and what of one goes into the page."""
+
+import subprocess
+
+from PIL import Image, ImageChops
+
+from tests.desktops.support.rules import Box, clusters
+
+BLOCK = 4          # Changes are looked for in squares of this size.
+MIN_CHANGE = 12    # Of 255, in one colour: less is shading.
+PAGE_SIZE = 480, 280
+MAX_BYTES = 40_000
+
+
+def whole(picture):
+    return Box(0, 0, *picture.size)
+
+
+def changes(before, after, reach, of=None):
+    """Boxes around what differs and lies together, so far apart at most, in the part that is asked for."""
+    of = of or whole(before)
+    corners = (of.x, of.y, of.right, of.bottom)
+    difference = ImageChops.difference(before.crop(corners), after.crop(corners))
+    red, green, blue = difference.split()
+    strongest = ImageChops.lighter(ImageChops.lighter(red, green), blue)
+    marked = strongest.point(lambda value: 255 if value >= MIN_CHANGE else 0)
+    if not marked.getbbox():
+        return []
+    blocks = []
+    for y in range(0, of.height, BLOCK):
+        row = marked.crop((0, y, of.width, y + BLOCK))
+        if not row.getbbox():
+            continue
+        for x in range(0, of.width, BLOCK):
+            box = row.crop((x, 0, x + BLOCK, BLOCK)).getbbox()
+            if box:
+                blocks.append(Box(of.x + x + box[0], of.y + y + box[1], box[2] - box[0], box[3] - box[1]))
+    return clusters(blocks, reach)
+
+
+def save_for_page(picture, path, around):
+    """The part of the picture around that box, small enough for a page."""
+    width, height = PAGE_SIZE
+    x = min(max(0, around.centre[0] - width // 2), max(0, picture.width - width))
+    y = min(max(0, around.centre[1] - height // 2), max(0, picture.height - height))
+    part = picture.crop((x, y, min(x + width, picture.width), min(y + height, picture.height)))
+    for colours in (128, 64, 32, 16, 8):
+        part.quantize(colours, dither=Image.Dither.NONE).save(path, optimize=True)
+        if path.stat().st_size <= MAX_BYTES:
+            return
+    part.resize((width // 2, height // 2)).quantize(16).save(path, optimize=True)
+
+
+def taken_by(command, path, environment):
+    """What a program takes of the screen, and writes to that file."""
+    subprocess.run([*command, path], env=environment, check=True)
+    with Image.open(path) as picture:
+        return picture.convert("RGB")

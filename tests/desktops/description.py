@@ -14,6 +14,7 @@ class Description:
     files: dict = dataclasses.field(default_factory=dict)        # Text by path in the home, before anything starts.
     environment: dict = dataclasses.field(default_factory=dict)
     setup: tuple = ()               # Commands to run to their end before the programs.
+    first_keys: tuple = ()          # What to press once the panel is up.
     bars: tuple = ()                # Boxes of panels of which the X server does not know.
     session: type = Session
     # Why something cannot be, by question: what the desktop does. It is asked all the same.

@@ -32,7 +32,7 @@ PANEL = """<?xml version="1.0" encoding="UTF-8"?>
 DESKTOPS = {"xfce": Description(
     title="Xfce",
     packages=("xfce4-panel", "xfwm4", "xfce4-settings", "xfconf"),
-    programs={"xfsettingsd": ["xfsettingsd", "--no-daemon"], "xfwm4": ["xfwm4"], "xfce4-panel": ["xfce4-panel"]},
+    programs={"xfsettingsd": ["xfsettingsd", "--no-daemon"], "window-manager": ["xfwm4"], "xfce4-panel": ["xfce4-panel"]},
     panel=("xfce4-panel",),
     files={".config/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml": PANEL},
     environment={"XDG_CURRENT_DESKTOP": "XFCE"},

@@ -20,6 +20,14 @@ MINIMIZE = ("Down", "Down", "Right", "Return") # From the top of the menu.
 MINIMIZED = "meoa 32793 Minimize"
 
 
+# Where entries are, of the menu's height: the second one of six with four lines between, the first one of five with one.
+WORKSPACE, FIRST = 0.24, 0.1
+
+
+def down(box, part):
+    return box.centre[0], box.y + round(box.height * part)
+
+
 class AtWork:
     """A session in which the questions are asked, and what has been found out."""
 
@@ -48,10 +56,20 @@ class AtWork:
             self.drawn_by.add(menu.drawn_by)
         return menu
 
-    def chooses(self):
-        """Whether what is chosen by keys, in the menu that is open, reaches the service."""
+    def chooses_by_keys(self):
+        return self._chooses(lambda: self.session.keys(*MINIMIZE))
+
+    def chooses_by_pointer(self, menu):
+        def act():
+            submenu = self.screen.open_menu(lambda: self.session.click(*down(menu.place, WORKSPACE)))
+            if submenu:
+                self.session.click(*down(submenu.place, FIRST))
+        return self._chooses(act)
+
+    def _chooses(self, act):
+        """Whether what is chosen so in the open menu reaches the service."""
         before = self.session.log("service").count(MINIMIZED)
-        self.session.keys(*MINIMIZE)
+        act()
         return self.session.wait(lambda: self.session.log("service").count(MINIMIZED) > before, 5) is not None
 
 
@@ -76,7 +94,7 @@ def left(work):
     work.menu = menu
     picture, part = work.screen.picture_with(rules.around([menu.place, work.item]))
     save_for_page(picture, work.picture, part)
-    work.screen.close_menu()
+    work.screen.close_menu(menu, work.item)
     return ""
 
 
@@ -85,8 +103,8 @@ def right(work):
     menu = work.menu_at(3)
     if not menu:
         return "no menu opens"
-    chosen = work.chooses()
-    work.screen.close_menu()
+    chosen = work.chooses_by_pointer(menu)
+    work.screen.close_menu(menu, work.item)
     distance = rules.menu_fault(menu.place, work.item)
     return distance or ("" if chosen else "what is chosen in it does not reach the service")
 
@@ -99,10 +117,11 @@ def near(work):
 
 def choice(work):
     work.the_item()
-    if not work.menu_at(1):
+    menu = work.menu_at(1)
+    if not menu:
         return "no menu opens"
-    chosen = work.chooses()
-    work.screen.close_menu()
+    chosen = work.chooses_by_pointer(menu)
+    work.screen.close_menu(menu, work.item)
     return "" if chosen else "nothing reaches the service"
 
 
@@ -113,8 +132,8 @@ def keyboard(work):
     menu = work.screen.open_menu(work.session.show_menu)
     if not menu:
         return "no menu opens"
-    chosen = work.chooses()
-    work.screen.close_menu()
+    chosen = work.chooses_by_keys()
+    work.screen.close_menu(menu, work.item)
     distance = rules.menu_fault(menu.place, work.item)
     return distance or ("" if chosen else "the menu takes no keys")
 

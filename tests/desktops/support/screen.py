@@ -2,6 +2,8 @@
 
 import typing
 
+from PIL import Image
+
 from tests.desktops.support.pictures import changes, whole
 from tests.desktops.support.rules import Box
 from tests.desktops.support.session import ACTIVE, SHOWN
@@ -13,7 +15,8 @@ MIN_MENU = 100
 
 class Menu(typing.NamedTuple):
     place: Box
-    drawn_by: str  # "the agent", "the panel" in a window of its own, or "the shell" without one.
+    drawn_by: str          # "the agent", "the panel" in a window of its own, or "the shell" without one.
+    before: Image.Image    # The screen without it.
 
 
 class Screen:
@@ -52,33 +55,38 @@ class Screen:
                 if window.is_agents == of_agent and (of_agent or window.is_top)
                 and window.place.width >= MIN_MENU and window.place.height >= MIN_MENU}
 
-    def open_menu(self, act, seconds=8):
-        """Does what ought to open the menu, and returns it; nothing when none comes."""
+    def open_menu(self, act):
+        """Does what ought to open a menu, and returns it; nothing when none comes."""
         before = self._session.still_picture()
         windows = {of_agent: self.big_windows(of_agent) for of_agent in (True, False)}
 
         def new(of_agent):
             return [place for number, place in self.big_windows(of_agent).items() if number not in windows[of_agent]]
 
-        def drawn():
-            return [box for box in changes(before, self._session.picture(), PARTS_OF_MENU)
-                    if box.width >= MIN_MENU and box.height >= MIN_MENU]
-
+        looks = {"the agent": lambda: new(True), "the panel": lambda: new(False),
+                 "the shell": lambda: self._big_changes(before)}
         act()
-        for drawn_by, look in (("the agent", lambda: new(True)), ("the panel", lambda: new(False)),
-                               ("the shell", drawn)):
-            places = self._session.wait(look, seconds if drawn_by == "the agent" else 1)
-            if places:
-                self._session.still_picture()
-                return Menu((look() or places)[0], drawn_by)
+        self._session.wait(lambda: new(True) or new(False), 4)
+        self._session.still_picture()
+        for drawn_by, look in looks.items():
+            if places := look():
+                return Menu(places[0], drawn_by, before)
         return None
 
-    def close_menu(self):
+    def _big_changes(self, before):
+        return [box for box in changes(before, self._session.picture(), PARTS_OF_MENU)
+                if box.width >= MIN_MENU and box.height >= MIN_MENU]
+
+    def close_menu(self, menu, item):
+        """By a key; where that does not help, by a click beside it, and then by one on the item. Whether it has closed."""
+        def is_closed():
+            return not self.big_windows() and not self._big_changes(menu.before)
+
         self._session.keys("Escape", "Escape")
-        if self._session.wait(lambda: not self.big_windows(), 2) is None:
-            self._session.click(*self.free_place())
-            self._session.wait(lambda: not self.big_windows(), 5)
-        self._session.still_picture()
+        for place in (self.free_place(), item.centre):
+            if self._session.wait(is_closed, 2) is None:
+                self._session.click(*place)
+        return self._session.wait(is_closed, 2) is not None
 
     def new_agent_window(self, act, seconds=10):
         """Where a window of the agent's comes up after that; nothing when none does."""

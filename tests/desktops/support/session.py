@@ -26,8 +26,8 @@ class Session(RunningDesktop):
         self._running = {}
         super().__init__("desktop-", beside)
         try:
-            self._start_desktop()
             self.windows = self._connect()
+            self._start_desktop()
         except BaseException:
             self.close()
             raise
@@ -49,6 +49,7 @@ class Session(RunningDesktop):
             self.run(*command)
         for name in self.description.programs:
             self.start_program(name)
+        self._press_first_keys()
 
     def _connect(self):
         # The library knows only cookies that name the host.
@@ -72,6 +73,8 @@ class Session(RunningDesktop):
 
     def start_program(self, name):
         self._running[name] = self.logged(name, self.description.programs[name])
+        if name == "window-manager": # Some panels do not wait for it.
+            self.wait(self.windows.are_managed, 20, "the window manager")
 
     def kill_panel(self):
         for name in self.description.panel:
@@ -83,6 +86,14 @@ class Session(RunningDesktop):
     def start_panel(self):
         for name in self.description.panel:
             self.start_program(name)
+        self._press_first_keys()
+
+    def _press_first_keys(self):
+        if self.description.first_keys:
+            self.wait(self.panels, 30, "the panel")
+            self.still_picture()
+            self.keys(*self.description.first_keys)
+            self.still_picture()
 
     def start_agent(self):
         bundle = self.folder("bundle")

@@ -3,6 +3,7 @@
 import typing
 
 from Xlib import X, Xatom, display, error
+from Xlib.protocol import display as protocol, event
 
 from tests.desktops.support.rules import Box
 
@@ -24,6 +25,8 @@ class Windows:
     """A connection to a display that lets this user in without a cookie."""
 
     def __init__(self, environment):
+        # The library keeps the events of extensions for all displays, though servers number them differently.
+        protocol.Display.event_classes = event.event_class.copy()
         self._display = display.Display(environment["DISPLAY"])
         self._root = self._display.screen().root
 
@@ -62,6 +65,9 @@ class Windows:
     def set_focus(self, number):
         self._display.create_resource_object("window", number).set_input_focus(X.RevertToParent, X.CurrentTime)
         self._display.sync()
+
+    def are_managed(self):
+        return bool(self._cardinals(self._root, "_NET_SUPPORTING_WM_CHECK", Xatom.WINDOW))
 
     def tray_owner(self):
         """The window of the tray; 0 where there is none."""

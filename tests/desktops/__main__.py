@@ -21,7 +21,7 @@ import traceback
 from tests.desktops.support import page
 from tests.desktops.support.questions import QUESTIONS, AtWork, Fault
 
-FILES = ("none", "icewm", "i3", "fluxbox", "polybar", "xfce", "mate", "lxqt")
+FILES = ("none", "icewm", "i3", "fluxbox", "polybar", "xfce", "mate", "lxqt", "cinnamon", "plasma", "gnome", "sway")
 
 
 def all_desktops():

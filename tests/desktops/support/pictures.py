@@ -16,16 +16,22 @@ def whole(picture):
     return Box(0, 0, *picture.size)
 
 
+def _difference(before, after, of):
+    """White where they differ in that part, black elsewhere."""
+    corners = (of.x, of.y, of.right, of.bottom)
+    red, green, blue = ImageChops.difference(before.crop(corners), after.crop(corners)).split()
+    strongest = ImageChops.lighter(ImageChops.lighter(red, green), blue)
+    return strongest.point(lambda value: 255 if value >= MIN_CHANGE else 0)
+
+
+def differ(before, after):
+    return _difference(before, after, whole(before)).getbbox() is not None
+
+
 def changes(before, after, reach, of=None):
     """Boxes around what differs and lies together, so far apart at most, in the part that is asked for."""
     of = of or whole(before)
-    corners = (of.x, of.y, of.right, of.bottom)
-    difference = ImageChops.difference(before.crop(corners), after.crop(corners))
-    red, green, blue = difference.split()
-    strongest = ImageChops.lighter(ImageChops.lighter(red, green), blue)
-    marked = strongest.point(lambda value: 255 if value >= MIN_CHANGE else 0)
-    if not marked.getbbox():
-        return []
+    marked = _difference(before, after, of)
     blocks = []
     for y in range(0, of.height, BLOCK):
         row = marked.crop((0, y, of.width, y + BLOCK))
@@ -36,6 +42,14 @@ def changes(before, after, reach, of=None):
             if box:
                 blocks.append(Box(of.x + x + box[0], of.y + y + box[1], box[2] - box[0], box[3] - box[1]))
     return clusters(blocks, reach)
+
+
+def without(picture, box):
+    """The same with nothing there."""
+    picture = picture.copy()
+    if box:
+        picture.paste((0, 0, 0), (box.x, box.y, box.right, box.bottom))
+    return picture
 
 
 def save_for_page(picture, path, around):

@@ -20,8 +20,9 @@ MINIMIZE = ("Down", "Down", "Right", "Return") # From the top of the menu.
 MINIMIZED = "meoa 32793 Minimize"
 
 
-# Where entries are, of the menu's height: the second one of six with four lines between, the first one of five with one.
-WORKSPACE, FIRST = 0.24, 0.1
+# Where entries are, of the menu's height: the second and the last one of six with four lines between, the first one of
+# five with one.
+WORKSPACE, ABOUT, FIRST = 0.24, 0.92, 0.1
 
 
 def down(box, part):
@@ -34,20 +35,23 @@ class AtWork:
     def __init__(self, session, picture):
         self.session = session
         self.screen = Screen(session)
-        self.in_panel = bool(session.description.panel)
         self.picture = picture   # The file that a picture goes to, as soon as there is a good one.
         self.item = None
         self.menu = None
         self.drawn_by = set()
 
     def the_item(self):
-        """Where it is now."""
-        self.item = self.screen.item()
-        if not self.item:
-            raise Fault(rules.count_fault(self.screen.items()) or "the item comes and goes")
-        fault = self.in_panel and rules.panel_fault(self.item, self.session.panels())
-        if fault:
-            raise Fault(fault)
+        """Where it is now, once it is there as it ought to be."""
+        faults = [""]
+        def found():
+            items = self.screen.items()
+            faults[0] = rules.count_fault(items) or (
+                rules.panel_fault(items[0], self.session.panels()) if self.session.description.panel else "")
+            return not faults[0] and items
+        items = self.session.wait(found, 30)
+        if not items:
+            raise Fault(faults[0])
+        self.item = items[0]
         return self.item
 
     def menu_at(self, button):
@@ -61,7 +65,7 @@ class AtWork:
 
     def chooses_by_pointer(self, menu):
         def act():
-            submenu = self.screen.open_menu(lambda: self.session.click(*down(menu.place, WORKSPACE)))
+            submenu = self.screen.open_menu(lambda: self.session.click(*down(menu.place, WORKSPACE)), menu)
             if submenu:
                 self.session.click(*down(submenu.place, FIRST))
         return self._chooses(act)
@@ -140,18 +144,17 @@ def keyboard(work):
 
 def alert(work):
     """About, which is the last entry."""
-    if not work.session.show_menu() or not work.session.wait(work.screen.big_windows, 5):
+    work.the_item()
+    menu = work.screen.open_menu(work.session.show_menu)
+    if not menu:
         return "no menu opens"
-    menu = set(work.screen.big_windows())
-    work.session.keys("Up", "Return")
-    found = work.session.wait(lambda: [place for number, place in work.screen.big_windows().items()
-                                       if number not in menu], 10)
-    work.session.still_picture()
-    work.session.keys("Escape")
-    if not found:
+    shown = work.screen.new_agent_window(lambda: work.session.click(*down(menu.place, ABOUT)))
+    if not shown:
+        work.screen.close_menu(menu, work.item)
         return "none is seen"
+    work.session.keys("Escape")
     if work.session.wait(lambda: not work.screen.big_windows(), 5) is None:
-        work.session.keys("Return")
+        work.session.click(*down(shown, 0.9))
         return "it takes no keys"
     return ""
 

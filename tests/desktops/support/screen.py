@@ -4,7 +4,7 @@ import typing
 
 from PIL import Image
 
-from tests.desktops.support.pictures import changes, whole
+from tests.desktops.support.pictures import changes, whole, without
 from tests.desktops.support.rules import Box
 from tests.desktops.support.session import ACTIVE, SHOWN
 
@@ -39,11 +39,6 @@ class Screen:
                 break
         return found
 
-    def item(self, seconds=30):
-        """Where it is, once it is there; nothing when it does not come or is there several times."""
-        found = self._session.wait(self.items, seconds) or []
-        return found[0] if len(found) == 1 else None
-
     def free_place(self):
         """Where the pointer is over no panel."""
         screen = self._session.windows.screen()
@@ -55,8 +50,8 @@ class Screen:
                 if window.is_agents == of_agent and (of_agent or window.is_top)
                 and window.place.width >= MIN_MENU and window.place.height >= MIN_MENU}
 
-    def open_menu(self, act):
-        """Does what ought to open a menu, and returns it; nothing when none comes."""
+    def open_menu(self, act, parent=None):
+        """Does what ought to open a menu, below the parent if there is one, and returns it; nothing when none comes."""
         before = self._session.still_picture()
         windows = {of_agent: self.big_windows(of_agent) for of_agent in (True, False)}
 
@@ -64,7 +59,7 @@ class Screen:
             return [place for number, place in self.big_windows(of_agent).items() if number not in windows[of_agent]]
 
         looks = {"the agent": lambda: new(True), "the panel": lambda: new(False),
-                 "the shell": lambda: self._big_changes(before)}
+                 "the shell": lambda: self._big_changes(before, parent and parent.place)}
         act()
         self._session.wait(lambda: new(True) or new(False), 4)
         self._session.still_picture()
@@ -73,8 +68,8 @@ class Screen:
                 return Menu(places[0], drawn_by, before)
         return None
 
-    def _big_changes(self, before):
-        return [box for box in changes(before, self._session.picture(), PARTS_OF_MENU)
+    def _big_changes(self, before, beside=None):
+        return [box for box in changes(without(before, beside), without(self._session.picture(), beside), PARTS_OF_MENU)
                 if box.width >= MIN_MENU and box.height >= MIN_MENU]
 
     def close_menu(self, menu, item):

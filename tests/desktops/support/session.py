@@ -49,7 +49,7 @@ class Session(RunningDesktop):
             self.run(*command)
         for name in self.description.programs:
             self.start_program(name)
-        self._press_first_keys()
+        self._wait_for_panel()
 
     def _connect(self):
         # The library knows only cookies that name the host.
@@ -86,12 +86,13 @@ class Session(RunningDesktop):
     def start_panel(self):
         for name in self.description.panel:
             self.start_program(name)
-        self._press_first_keys()
+        self._wait_for_panel()
 
-    def _press_first_keys(self):
-        if self.description.first_keys:
-            self.wait(self.panels, 30, "the panel")
+    def _wait_for_panel(self):
+        if self.description.panel:
+            self.wait(self.panels, 40, "the panel")
             self.still_picture()
+        if self.description.first_keys:
             self.keys(*self.description.first_keys)
             self.still_picture()
 
@@ -140,7 +141,7 @@ class Session(RunningDesktop):
         for _ in range(8):
             time.sleep(0.3)
             present = self.picture()
-            if not pictures.changes(last, present, 8):
+            if not pictures.differ(last, present):
                 return present
             last = present
         return last

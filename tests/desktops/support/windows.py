@@ -36,9 +36,9 @@ class Windows:
 
     def seen(self):
         """All windows that are mapped, with all above them, and are on the screen."""
-        return list(self._below(self._root, 0, 0, is_top=True))
+        return list(self._below(self._root, 0, 0, self.screen(), is_top=True))
 
-    def _below(self, parent, x, y, is_top=False):
+    def _below(self, parent, x, y, screen, is_top=False):
         try:
             children = parent.query_tree().children
         except error.XError:
@@ -52,9 +52,9 @@ class Windows:
             except error.XError:
                 continue # It has gone since.
             place = Box(x + size.x + size.border_width, y + size.y + size.border_width, size.width, size.height)
-            if place.overlaps(self.screen()):
+            if place.overlaps(screen):
                 yield Window(child.id, place, program, is_top)
-            yield from self._below(child, place.x, place.y)
+            yield from self._below(child, place.x, place.y, screen)
 
     def focus(self):
         """What has the keyboard: by the server, and by the window manager."""

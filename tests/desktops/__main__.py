@@ -50,7 +50,7 @@ def answer(work, name, description):
         reason = str(error)
     word = "yes" if not reason else "no"
     if reason and name in description.cannot:
-        word, reason = "cannot", description.cannot[name]
+        word, reason = "cannot", f"{description.cannot[name]} (seen: {reason})"
     print(f"   {QUESTIONS[name][0]}: {page.said(word, reason)} ({time.monotonic() - began:.0f} s)", flush=True)
     return [word, reason]
 

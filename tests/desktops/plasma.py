@@ -11,7 +11,7 @@ COMMON = {
 PROGRAMS = {"window-manager": ["kwin_x11"], "kded": ["kded6"], "plasmashell": ["plasmashell"]}
 
 POINTER = {"keyboard": "the panel tells where the item is only with a click, so that kivshowmenu opens the menu at the "
-                       "pointer; it takes keys there"}
+                       "pointer"}
 
 DESKTOPS = {
     "plasma": Description(title="Plasma", programs=PROGRAMS, cannot=POINTER, **COMMON),

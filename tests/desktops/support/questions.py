@@ -138,8 +138,8 @@ def keyboard(work):
         return "no menu opens"
     chosen = work.chooses_by_keys()
     work.screen.close_menu(menu, work.item)
-    distance = rules.menu_fault(menu.place, work.item)
-    return distance or ("" if chosen else "the menu takes no keys")
+    faults = [rules.menu_fault(menu.place, work.item), "" if chosen else "the menu takes no keys"]
+    return " and ".join(filter(None, faults))
 
 
 def alert(work):

@@ -41,8 +41,10 @@ class PageTest(unittest.TestCase):
         self.assertIn("The menu is drawn by the agent and by the panel.\nBy itself.\n", text)
         self.assertIn("![The menu in One](images/desktops/one.png)", text)
 
-    def test_has_no_picture_where_none_could_be_taken(self):
-        self.assertNotIn("![", page({"one": desktop("One", {})}, QUESTIONS))
+    def test_has_no_picture_and_no_packages_where_there_are_none(self):
+        text = page({"one": desktop("One", {})}, QUESTIONS)
+        self.assertNotIn("![", text)
+        self.assertTrue(text.endswith("## One\n\nRun on 1 May 2026.\n"))
 
 
 if __name__ == "__main__":

@@ -15,7 +15,8 @@ class BoxTest(unittest.TestCase):
         self.assertEqual(Box(5, 700, 20, 95).grown(10, SCREEN), Box(0, 690, 35, 110))
 
     def test_overlaps_only_what_has_a_pixel_in_common(self):
-        for other, overlaps in ((Box(19, 19, 5, 5), True), (Box(20, 0, 5, 20), False), (Box(0, 20, 20, 1), False)):
+        for other, overlaps in ((Box(19, 19, 5, 5), True), (Box(20, 0, 5, 20), False), (Box(0, 20, 20, 1), False),
+                                (Box(-5, 0, 5, 20), False), (Box(0, -5, 20, 5), False)):
             self.assertEqual(Box(0, 0, 20, 20).overlaps(other), overlaps, other)
 
     def test_gap_is_the_longer_way_across_or_down(self):
@@ -27,6 +28,8 @@ class BoxTest(unittest.TestCase):
         blocks = [Box(0, 0, 4, 4), Box(100, 0, 4, 4), Box(10, 0, 4, 4), Box(5, 5, 4, 4)]
         self.assertEqual(rules.clusters(blocks, 6), [Box(0, 0, 14, 9), Box(100, 0, 4, 4)])
         self.assertEqual(len(rules.clusters(blocks, 0)), 4)
+        for reach, number in ((5, 2), (6, 1)):
+            self.assertEqual(len(rules.clusters([Box(0, 0, 4, 4), Box(10, 0, 4, 4)], reach)), number)
 
 
 class ItemTest(unittest.TestCase):

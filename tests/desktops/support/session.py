@@ -133,7 +133,7 @@ class Session(RunningDesktop):
         return value
 
     def picture(self):
-        return pictures.taken_by(self.camera, self.folder("screen.png"), self.environment())
+        return pictures.taken_by(self.camera, self.folder("screen.ppm"), self.environment())
 
     def still_picture(self):
         """Once nothing moves any more, or something has moved for so long that it never stops."""

@@ -16,7 +16,7 @@ WANTED = ("DISPLAY", "WAYLAND_DISPLAY", "SWAYSOCK")
 
 
 class SwaySession(Session):
-    camera = ("grim",)
+    camera = ("grim", "-t", "ppm")
     _variables = {}
     _pointer = None
 

@@ -4,9 +4,10 @@ import subprocess
 
 from PIL import Image, ImageChops
 
-from tests.desktops.support.rules import Box, clusters
+from tests.desktops.support.rules import Box, around, clusters
 
 BLOCK = 4          # Changes are looked for in squares of this size.
+MAX_BLOCKS = 4000  # When more have changed, the screen is another one as a whole.
 MIN_CHANGE = 12    # Of 255, in one colour: less is shading.
 PAGE_SIZE = 480, 280
 MAX_BYTES = 40_000
@@ -41,7 +42,7 @@ def changes(before, after, reach, of=None):
             box = row.crop((x, 0, x + BLOCK, BLOCK)).getbbox()
             if box:
                 blocks.append(Box(of.x + x + box[0], of.y + y + box[1], box[2] - box[0], box[3] - box[1]))
-    return clusters(blocks, reach)
+    return clusters(blocks, reach) if len(blocks) <= MAX_BLOCKS else [around(blocks)]
 
 
 def without(picture, box):
@@ -52,17 +53,17 @@ def without(picture, box):
     return picture
 
 
-def save_for_page(picture, path, around):
+def save_for_page(picture, path, part):
     """The part of the picture around that box, small enough for a page."""
     width, height = PAGE_SIZE
-    x = min(max(0, around.centre[0] - width // 2), max(0, picture.width - width))
-    y = min(max(0, around.centre[1] - height // 2), max(0, picture.height - height))
-    part = picture.crop((x, y, min(x + width, picture.width), min(y + height, picture.height)))
+    x = min(max(0, part.centre[0] - width // 2), max(0, picture.width - width))
+    y = min(max(0, part.centre[1] - height // 2), max(0, picture.height - height))
+    cut = picture.crop((x, y, min(x + width, picture.width), min(y + height, picture.height)))
     for colours in (128, 64, 32, 16, 8):
-        part.quantize(colours, dither=Image.Dither.NONE).save(path, optimize=True)
+        cut.quantize(colours, dither=Image.Dither.NONE).save(path, optimize=True)
         if path.stat().st_size <= MAX_BYTES:
             return
-    part.resize((width // 2, height // 2)).quantize(16).save(path, optimize=True)
+    cut.resize((width // 2, height // 2)).quantize(16).save(path, optimize=True)
 
 
 def taken_by(command, path, environment):

@@ -160,6 +160,7 @@ void StatusItem::Private::update(Settling settling)
 
 void StatusItem::Private::setForm(StatusItemForm form)
 {
+    tellOfFocus(false);
     // The old form goes first: the item is never seen twice.
     m_dockTimeout.stop();
     m_standIn.reset();

@@ -10,6 +10,7 @@
 #include "tests/support/PrivateBus.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QAccessible>
 #include <QCoreApplication>
 #include <QDBusPendingCall>
 #include <QGuiApplication>
@@ -112,8 +113,12 @@ TEST_F(StatusItemKeyboardInATray, IsSeenToHaveTheFocusAndPassesItOnWithTab)
     ASSERT_NE(colourAt(trayPlace), frame);
     tray.tell(icon, FakeTray::Word::FocusIn);
     EXPECT_TRUE(waitUntil([&] { return colourAt(trayPlace) == frame; }));
+    const QAccessibleInterface *const toReaders = QAccessible::queryAccessibleInterface(&item);
+    ASSERT_TRUE(toReaders);
+    EXPECT_TRUE(toReaders->state().focused);
     tray.tell(icon, FakeTray::Word::FocusOut);
     EXPECT_TRUE(waitUntil([&] { return colourAt(trayPlace) != frame; }));
+    EXPECT_FALSE(toReaders->state().focused);
 
     tray.passKey(icon, FakeInput::keyOf(tab));
     tray.passKey(icon, FakeInput::keyOf(tab), XCB_MOD_MASK_SHIFT);

@@ -13,8 +13,9 @@ from tools.desktop import private_desktop
 class Desktop:
     """Up from its making until close(). Nothing in it reaches the desktop in which the measuring itself runs."""
 
-    def __init__(self, place, panel=True):
+    def __init__(self, place, panel=True, environment=None):
         self.place = place
+        self._environment = environment or {}
         self._work = tempfile.mkdtemp(prefix="bench-")
         self._started = []
         self._display = ""
@@ -43,7 +44,7 @@ class Desktop:
 
     def environment(self):
         own = {"PATH": os.environ["PATH"], "LANG": "C.UTF-8"}
-        return own | private_desktop.environment(self._work, self._display)
+        return own | private_desktop.environment(self._work, self._display) | self._environment
 
     def start(self, command, **options):
         """Starts a program in this desktop (subprocess.Popen), to be ended by end() or by close()."""

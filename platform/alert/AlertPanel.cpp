@@ -91,9 +91,7 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
 
     QLabel *title = newLabel(texts.title, this);
     title->setWordWrap(true);
-    QFont bold = title->font();
-    bold.setBold(true);
-    title->setFont(bold);
+    title->setFont(boldOf(title->font()));
 
     auto *buttons = new QDialogButtonBox(this);
     const auto addButton = [&](const QString &text, QDialogButtonBox::ButtonRole role, Response response) {

@@ -3,20 +3,22 @@
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/desktop/StartScale.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
 #include "platform/linux/workarounds/LostWindows.h"
 #include "platform/linux/workarounds/MenuMouse.h"
-#include "platform/linux/workarounds/PixmapCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
 #include "platform/linux/workarounds/SuddenExit.h"
-#include "platform/linux/workarounds/ThreadHeaps.h"
 #include "platform/linux/workarounds/bus/AccessibilityBridge.h"
 #include "platform/linux/workarounds/bus/LibdbusWarnings.h"
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
 #include "platform/linux/workarounds/bus/SilentBus.h"
+#include "platform/linux/workarounds/memory/CompiledPatterns.h"
+#include "platform/linux/workarounds/memory/FlatButtons.h"
+#include "platform/linux/workarounds/memory/FreedMemory.h"
+#include "platform/linux/workarounds/memory/PixmapCache.h"
+#include "platform/linux/workarounds/memory/ThreadHeaps.h"
 #include "platform/screen/MenuPopUp.h"
 
 #include <QApplication>
@@ -56,6 +58,7 @@ QString GraphicalSession::prepare()
                                       probeBus(bus).state == BusState::Unusable ? BusUse::Hopeless : BusUse::Possible);
     PortalQuestion::avoid();
     keepQtFromLookingForLargerImages();
+    keepQtFromCompilingPatterns();
 
     if (!needsDisplay) {
         return {};
@@ -86,6 +89,7 @@ void GraphicalSession::settle()
 {
     PortalQuestion::allow();
     StartScale::withdraw();
+    FlatButtons::use();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

@@ -9,13 +9,20 @@ QFont systemFont(QFont::Weight weight, QStringView text)
     constexpr int size = 12;
     QFont font = fontFor(text, QGuiApplication::font());
     font.setPixelSize(size);
-    font.setWeight(weight);
-    return font;
+    font.setWeight(weight); // Whatever the desktop's has.
+    return weight >= QFont::Bold ? boldOf(font) : font;
 }
 
 QFont fontFor(QStringView text, QFont font)
 {
     font.setStyleStrategy(needsShaping(text) ? QFont::PreferDefault : QFont::PreferNoShaping);
+    return font;
+}
+
+QFont boldOf(QFont font)
+{
+    font.setBold(true);
+    font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
 

@@ -47,3 +47,8 @@ int ProcessMemory::heapsOfThreads(qint64 pid)
     }
     return heaps;
 }
+
+bool ProcessMemory::hasCodeThatItWrote(qint64 pid)
+{
+    return contentOf(pid, "maps").contains(" rwx");
+}

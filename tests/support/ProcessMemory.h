@@ -16,4 +16,7 @@ namespace ProcessMemory
 /// reservation of that size.
 [[nodiscard]] int heapsOfThreads(qint64 pid);
 
+/// Whether it has memory that it can both write to and run.
+[[nodiscard]] bool hasCodeThatItWrote(qint64 pid);
+
 } // namespace ProcessMemory

@@ -94,3 +94,10 @@ TEST(SystemFont, DoesNotShapeTheApplicationsOwnTexts)
     EXPECT_EQ(systemFont(QFont::Bold, u"Remind Me Later").styleStrategy(), QFont::PreferNoShaping);
     EXPECT_EQ(systemFont(QFont::Bold, u"عليكم").styleStrategy(), QFont::PreferDefault);
 }
+
+TEST(SystemFont, DoesNotHintItsBoldFace)
+{
+    EXPECT_EQ(systemFont(QFont::Bold, u"Title").hintingPreference(), QFont::PreferNoHinting);
+    EXPECT_EQ(systemFont(QFont::Bold, u"Title").weight(), QFont::Bold);
+    EXPECT_EQ(systemFont(QFont::Normal, u"Text").hintingPreference(), QApplication::font().hintingPreference());
+}

@@ -1,103 +1,29 @@
+#include "tests/platform/linux/workarounds/WorkaroundNeed.h"
+
 #include "platform/linux/include/XConnection.h"
-#include "tests/platform/linux/workarounds/MenuWithMouse.h"
 #include "tests/session/support/SessionManager.h"
 #include "tests/session/support/XInput.h"
 #include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/FakePortal.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"
-#include "tests/support/ProcessMemory.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/TestXServer.h"
-#include "tests/support/WaitUntil.h"
 
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
-#include <QFile>
 #include <QImage>
-#include <QPixmapCache>
 #include <QTemporaryDir>
-#include <QTextBrowser>
 #include <QWidget>
 #include <QWindow>
 
-#include <gtest/gtest.h>
-
-#include <X11/Xlib.h>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
-#include <malloc.h>
 #include <memory>
-#include <thread>
-#include <unistd.h>
-#include <vector>
-
-// Each of these shows somebody else's bug as it is without our cure (platform/linux/workarounds/), and tells whether it
-// is still there. None fails when it has gone: the line that it then prints, which ./kiv test repeats at its end, says
-// that the cure can be taken out once no supported system needs it.
-//
-// A program to itself, for the cures cannot be taken back once they are at work.
-
-namespace
-{
 
 using namespace std::chrono_literals;
-
-void tell(const char *workaround, bool isNeeded)
-{
-    std::printf("workaround %s: %s with Qt %s\n", workaround, isNeeded ? "still needed" : "no longer needed",
-                qVersion());
-    testing::Test::RecordProperty("isNeeded", isNeeded ? "yes" : "no");
-}
-
-std::size_t heapInUse()
-{
-    return mallinfo2().uordblks;
-}
-
-/// In bytes.
-qint64 residentMemory()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
-}
-
-/// A program without cures (workaround_subject.cpp) on the X server of these tests.
-class Subject final
-{
-public:
-    Subject() { m_process.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")); }
-
-    [[nodiscard]] QProcessEnvironment &environment() { return m_process.environment; }
-    [[nodiscard]] ChildProcess &process() { return m_process; }
-    [[nodiscard]] bool start(const QStringList &arguments)
-    {
-        return m_process.start(QStringLiteral(KIV_WORKAROUND_SUBJECT), arguments);
-    }
-    /// Whether its event loop has begun.
-    [[nodiscard]] bool isUp()
-    {
-        return waitUntil([this] { return m_process.output().contains("up\n"); });
-    }
-    [[nodiscard]] bool endsWithin(std::chrono::milliseconds timeout)
-    {
-        return waitUntil([this] { return !m_process.isRunning(); }, timeout);
-    }
-
-private:
-    ChildProcess m_process;
-};
-
-class WorkaroundNeed : public MenuWithMouse
-{
-};
-
-} // namespace
 
 TEST_F(WorkaroundNeed, RootProperties)
 {
@@ -137,69 +63,6 @@ TEST_F(WorkaroundNeed, LateMouseEvents)
     other.show();
     ASSERT_TRUE(waitUntil([&] { return other.isExposed(); }));
     tell("LateMouseEvents", window.presses > 1);
-}
-
-TEST_F(WorkaroundNeed, FreedMemory)
-{
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer has an allocator of its own";
-#endif
-    constexpr int pieces = 32 * 1024;
-    constexpr std::size_t size = 1000; // Small enough to come from the heap.
-    std::vector<std::unique_ptr<char[]>> memory(pieces);
-    for (auto &piece : memory) {
-        piece = std::make_unique<char[]>(size);
-    }
-    const auto above = std::make_unique<char[]>(size);
-    const qint64 before = residentMemory();
-    memory.clear();
-    tell("FreedMemory", residentMemory() > before - qint64(pieces * size) / 2);
-}
-
-TEST_F(WorkaroundNeed, FreedMemoryOfXlib)
-{
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer has an allocator of its own";
-#endif
-    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    ASSERT_TRUE(x11);
-    constexpr int windows = 100;
-    for (int i = 0; i < windows; ++i) {
-        QTextBrowser window;
-        window.setWindowTitle(QStringLiteral("Window"));
-        window.show();
-        ASSERT_TRUE(waitUntil([&] { return window.windowHandle()->isExposed(); }));
-    }
-    const std::size_t before = heapInUse();
-    XSync(x11->display(), False);
-    const std::size_t after = heapInUse();
-    constexpr std::size_t ofFewWindows = 2'000;
-    tell("FreedMemoryOfXlib", before > after + ofFewWindows);
-}
-
-TEST_F(WorkaroundNeed, ThreadHeaps)
-{
-    std::unique_ptr<QByteArray> ofThread;
-    std::thread([&] { ofThread = std::make_unique<QByteArray>(100, '.'); }).join();
-    tell("ThreadHeaps", ProcessMemory::heapsOfThreads(getpid()) > 0);
-}
-
-TEST_F(WorkaroundNeed, PixmapCache)
-{
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer has an allocator of its own";
-#endif
-    open();
-    for (int i = 0; i < 200; ++i) {
-        menu.setActiveAction(i % 2 == 0 ? submenu->menuAction() : enabled);
-        const QPixmap picture = menu.grab();
-        ASSERT_FALSE(picture.isNull());
-    }
-    const std::size_t before = heapInUse();
-    QPixmapCache::clear();
-    const std::size_t after = heapInUse();
-    constexpr std::size_t ofFewPictures = 20'000;
-    tell("PixmapCache", before > after + ofFewPictures);
 }
 
 TEST_F(WorkaroundNeed, MenuFocus)

@@ -7,5 +7,5 @@
 /// Of: Qt 6.4 to 6.11, QCommonStyle and QPixmapCache. No report found.
 /// Left out: up to 10 MB a session, and 2 wake-ups a minute while there are pixmaps in the cache. Nothing that is drawn
 ///   here is worth keeping.
-/// Still needed? WorkaroundNeed.PixmapCache tells.
+/// Still needed? WorkaroundMemory.PixmapCache tells.
 void keepQtFromCachingPixmaps();

@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/FreedMemory.h"
+#include "platform/linux/workarounds/memory/FreedMemory.h"
 
 #include <QEvent>
 #include <QGuiApplication>

@@ -10,7 +10,7 @@
 ///   waits for.
 /// Of: the GNU C library and libX11 as Qt uses it (6.4 to 6.11), by their design. No report found.
 /// Left out: 120 kB after a menu, an alert and a few pop-ups, in every session and for good.
-/// Still needed? WorkaroundNeed.FreedMemory tells of the one, and WorkaroundNeed.FreedMemoryOfXlib of the other.
+/// Still needed? WorkaroundMemory.FreedMemory tells of the one, and WorkaroundNeed.FreedMemoryOfXlib of the other.
 ///
 /// Main thread only.
 class FreedMemory final : public QObject

@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/ThreadHeaps.h"
+#include "platform/linux/workarounds/memory/ThreadHeaps.h"
 
 #include <malloc.h>
 

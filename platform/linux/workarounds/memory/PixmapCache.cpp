@@ -1,4 +1,4 @@
-#include "platform/linux/workarounds/PixmapCache.h"
+#include "platform/linux/workarounds/memory/PixmapCache.h"
 
 #include <QPixmapCache>
 

@@ -9,6 +9,7 @@ QFont systemFont(QFont::Weight weight, QStringView text)
     constexpr int size = 12;
     QFont font = fontFor(text, QGuiApplication::font());
     font.setPixelSize(size);
+    font.setWeight(weight); // Whatever the desktop's has.
     return weight >= QFont::Bold ? boldOf(font) : font;
 }
 

@@ -4,8 +4,8 @@
 
 #include <xcb/xcb.h>
 
-/// Has Qt know the desktop's whole scale (Gdk/WindowScalingFactor), of which it takes the dots per inch alone. It counts
-/// for as long as the application object lives: Qt has no way to be told of another. Main thread only.
+/// Has Qt know the desktop's whole scale (Gdk/WindowScalingFactor), of which it takes the dots per inch alone. It
+/// counts for as long as the application object lives: Qt has no way to be told of another. Main thread only.
 namespace StartScale
 {
 

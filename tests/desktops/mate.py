@@ -8,5 +8,6 @@ DESKTOPS = {"mate": Description(
     programs={"mate-settings-daemon": ["/usr/libexec/mate-settings-daemon"], "window-manager": ["marco"],
               "mate-panel": ["mate-panel"]},
     panel=("mate-panel",),
+    setup=(["gsettings", "set", "org.mate.Marco.general", "compositing-manager", "false"],),
     environment={"XDG_CURRENT_DESKTOP": "MATE"},
 )}

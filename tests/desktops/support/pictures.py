@@ -1,7 +1,5 @@
 """Pictures of a screen: what has changed from one to the next, and what of one goes into the page."""
 
-import subprocess
-
 from PIL import Image, ImageChops
 
 from tests.desktops.support.rules import Box, around, clusters
@@ -64,10 +62,3 @@ def save_for_page(picture, path, part):
         if path.stat().st_size <= MAX_BYTES:
             return
     cut.resize((width // 2, height // 2)).quantize(16).save(path, optimize=True)
-
-
-def taken_by(command, path, environment):
-    """What a program takes of the screen, and writes to that file."""
-    subprocess.run([*command, path], env=environment, check=True)
-    with Image.open(path) as picture:
-        return picture.convert("RGB")

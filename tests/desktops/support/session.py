@@ -18,8 +18,6 @@ SHOWN, ACTIVE = 2, 4
 
 
 class Session(RunningDesktop):
-    camera = ("import", "-silent", "-window", "root")
-
     def __init__(self, description, build, beside=None):
         self.description = description
         self.build = pathlib.Path(build)
@@ -133,7 +131,7 @@ class Session(RunningDesktop):
         return value
 
     def picture(self):
-        return pictures.taken_by(self.camera, self.folder("screen.ppm"), self.environment())
+        return self.windows.picture()
 
     def still_picture(self):
         """Once nothing moves any more, or something has moved for so long that it never stops."""

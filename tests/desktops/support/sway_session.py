@@ -2,6 +2,8 @@
 
 import time
 
+from PIL import Image
+
 from tests.desktops.support.session import Session
 from tests.desktops.support.wayland_pointer import WaylandPointer
 
@@ -16,7 +18,6 @@ WANTED = ("DISPLAY", "WAYLAND_DISPLAY", "SWAYSOCK")
 
 
 class SwaySession(Session):
-    camera = ("grim", "-t", "ppm")
     _variables = {}
     _pointer = None
 
@@ -34,6 +35,12 @@ class SwaySession(Session):
 
     def environment(self):
         return super().environment() | {"XDG_SESSION_TYPE": "wayland"} | self._variables
+
+    def picture(self):
+        file = self.folder("screen.ppm")
+        self.run("grim", "-t", "ppm", str(file))
+        with Image.open(file) as picture:
+            return picture.convert("RGB")
 
     def point(self, x, y):
         screen = self.windows.screen()

@@ -2,6 +2,7 @@
 
 import typing
 
+from PIL import Image
 from Xlib import X, Xatom, display, error
 from Xlib.protocol import display as protocol, event
 
@@ -55,6 +56,12 @@ class Windows:
             if place.overlaps(screen):
                 yield Window(child.id, place, program, is_top)
             yield from self._below(child, place.x, place.y, screen)
+
+    def picture(self):
+        """What the screen shows."""
+        screen = self.screen()
+        image = self._root.get_image(0, 0, screen.width, screen.height, X.ZPixmap, 0xffffffff)
+        return Image.frombytes("RGB", (screen.width, screen.height), image.data, "raw", "BGRX")
 
     def focus(self):
         """What has the keyboard: by the server, and by the window manager."""

@@ -136,8 +136,9 @@ bool BusMenu::catchUp()
 
 bool BusMenu::prepareToShow()
 {
-    // A menu that is open has been made ready, and must not change under the mouse.
-    if (m_menu && !m_menu->isVisible()) {
+    // A menu that is open has been made ready, and must not change under the mouse. And what has been chosen is carried
+    // out from the event loop: its entry must live until then, and a menu that is filled anew has others.
+    if (m_menu && !m_menu->isVisible() && !m_isChoosing) {
         Q_EMIT m_menu->aboutToShow();
     }
     return catchUp();
@@ -226,6 +227,9 @@ bool BusMenu::handleEvent(int id, const QString &event)
         qCDebug(itemLog) << "chosen where the host draws the menu:" << entry->label;
         if (QAction *action = actionOf(id)) {
             action->trigger();
+            m_isChoosing = true;
+            QMetaObject::invokeMethod(
+                this, [this] { m_isChoosing = false; }, Qt::QueuedConnection);
         }
     }
     return true;

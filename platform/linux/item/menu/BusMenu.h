@@ -62,5 +62,6 @@ private:
     MenuTree m_tree;
     int m_lastId = 0;
     uint m_revision = 0;
-    bool m_isBehind = false; ///< catchUp() is to follow.
+    bool m_isBehind = false;   ///< catchUp() is to follow.
+    bool m_isChoosing = false; ///< What has been chosen is about to be carried out.
 };

@@ -224,6 +224,35 @@ TEST_F(BusMenuTest, HasTheMenuMadeReadyWhenAnyPartOfItIsAboutToBeShown)
     EXPECT_EQ(preparations, 4);
 }
 
+TEST_F(BusMenuTest, CarriesOutWhatWasChosenThoughTheHostAnnouncesTheMenuAgainBefore)
+{
+    std::vector<std::string> chosen;
+    int fillings = 0;
+    const auto fill = [&] {
+        ++fillings;
+        sizes.clear();
+        for (const char *title : {"Wide", "Narrow"}) {
+            QAction *size = sizes.addAction(QLatin1String(title));
+            // As the menu's owner does, for a command may run an event loop of its own.
+            const auto carryOut = [&chosen, size = QPointer<QAction>(size)] {
+                chosen.push_back(size ? size->text().toStdString() : "nothing");
+            };
+            QObject::connect(size, &QAction::triggered, &menu, carryOut, Qt::QueuedConnection);
+        }
+    };
+    fill();
+    QObject::connect(&menu, &QMenu::aboutToShow, &menu, fill);
+    const QDBusVariant noData(QVariant(0));
+    const BusMenuEvents events{{3, QStringLiteral("clicked"), noData, 0}, {0, QStringLiteral("opened"), noData, 0}};
+    static_cast<void>(call(QStringLiteral("EventGroup"), {QVariant::fromValue(events)}));
+    EXPECT_TRUE(waitUntil([&] { return !chosen.empty(); }));
+    EXPECT_THAT(chosen, ElementsAre("Narrow"));
+
+    EXPECT_EQ(fillings, 1);
+    EXPECT_FALSE(aboutToShow(0));
+    EXPECT_EQ(fillings, 2);
+}
+
 TEST_F(BusMenuTest, TellsAMenuThatIsFilledAnewOnlyIfItHasOtherEntriesThen)
 {
     std::vector<QString> titles{QStringLiteral("Wide"), QStringLiteral("Narrow")};

@@ -277,6 +277,8 @@ void KIVMenuObj::createStatusItem()
     m_tray->setMenu(m_menu.get());
     // Queued: the service may remove the item while its menu is open, that is from within this very call.
     connect(m_tray.get(), &StatusItem::pressed, this, &KIVMenuObj::menuTrayPressed, Qt::QueuedConnection);
+    // Else it would be held to be where it was.
+    connect(m_tray.get(), &StatusItem::moved, this, &KIVMenuObj::saveTrayX);
     QTimer::singleShot(m_surroundings.settling, Qt::PreciseTimer, this, &KIVMenuObj::saveTrayX);
 }
 

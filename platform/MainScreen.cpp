@@ -9,12 +9,12 @@ namespace
 int holders = 0;
 ScreenCoordinates held;
 
+} // namespace
+
 ScreenCoordinates coordinates()
 {
     return holders > 0 ? held : askWindowSystem();
 }
-
-} // namespace
 
 std::optional<NSRect> frame()
 {

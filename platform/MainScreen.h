@@ -20,6 +20,9 @@ namespace MainScreen
 /// Where the mouse is, on whichever screen.
 [[nodiscard]] NSPoint mouseLocation();
 
+/// How the coordinates meet on the main screen.
+[[nodiscard]] ScreenCoordinates coordinates();
+
 /// The same point in Qt's global coordinates (device-independent pixels, top-left origin).
 [[nodiscard]] QPoint toQt(NSPoint point);
 

@@ -16,8 +16,8 @@ class QScreen;
 /// One item of the desktop's status bar: an image that can be pressed.
 ///
 /// The item exists from construction to destruction. Where it is drawn is this class's business: in the desktop's tray,
-/// or, where there is none, in the top-right corner of the main screen. It moves by itself when a tray comes, goes or
-/// is replaced. Main thread only.
+/// or, where there is none, by itself at the top of the main screen, where the user can drag it along the edge. It
+/// moves by itself when a tray comes, goes or is replaced. Main thread only.
 class StatusItem final : public QObject
 {
     Q_OBJECT
@@ -63,6 +63,9 @@ Q_SIGNALS:
     /// that is known better than by the mouse's position. Or it was chosen by the keyboard, or another program asks for
     /// its menu. Sent from the event loop, never from inside a host's call.
     void pressed(std::optional<NSPoint> place);
+
+    /// The user has put it elsewhere. From the event loop. Not on macOS, where the system tells nobody.
+    void moved();
 
 private:
     class Private;

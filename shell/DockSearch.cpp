@@ -47,7 +47,7 @@ void __wait_dock(SleepFunction sleep)
 {
     for (int attempt = 1; attempt <= maxAttempts; ++attempt) {
         if (__find_dock()) {
-            qCDebug(itemLog, "attempt %d: a panel runs", attempt);
+            qCDebug(itemLog, "attempt %d: the item has a place", attempt);
             return;
         }
         qCDebug(itemLog, "attempt %d of %d: no panel runs", attempt, maxAttempts);

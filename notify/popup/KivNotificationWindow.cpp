@@ -5,12 +5,15 @@
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
 #include "notify/popup/PopUpParts.h"
+#include "notify/popup/PopUpPlacement.h"
+#include "notify/popup/WholePixels.h"
 #include "notify/popup/accessible/AccessiblePopUp.h"
 #include "notify/text/OpenableLink.h"
 #include "platform/Compositor.h"
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
 #include "platform/Workspace.h"
+#include "platform/screen/TopEdge.h"
 #include "platform/screen/WindowStacking.h"
 
 #include <QCloseEvent>
@@ -22,7 +25,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <utility>
 
 namespace
@@ -44,28 +46,6 @@ NSSize mainScreenSize()
     return screen ? screen->size : fallbackScreen;
 }
 
-/// In whole pixels, as Qt has it.
-int textWidth(const NSSize &contentSize)
-{
-    return static_cast<int>(std::lround(contentSize.width));
-}
-
-/// A frame within the window in Qt's coordinates, which count from the top.
-QRect inWindow(const NSRect &frame, const NSSize &window)
-{
-    const auto rounded = [](float length) { return static_cast<int>(std::lround(length)); };
-    const int left = rounded(frame.origin.x);
-    const int top = rounded(window.height - frame.origin.y - frame.size.height);
-    const int right = rounded(frame.origin.x + frame.size.width);
-    const int bottom = rounded(window.height - frame.origin.y);
-    return QRect(left, top, right - left, bottom - top);
-}
-
-QSize sizeInWindows(const NSSize &size)
-{
-    return {static_cast<int>(std::lround(size.width)), static_cast<int>(std::lround(size.height))};
-}
-
 } // namespace
 
 KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> record)
@@ -75,6 +55,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
 {
     AccessiblePopUp::makeFor(*this);
     Compositor::Question compositor;
+    TopEdge::Question topEdge;
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_MacAlwaysShowToolWindow);
     setAttribute(Qt::WA_X11NetWmWindowTypeNotification);
@@ -107,7 +88,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     }
     // Without a compositor what is to be translucent would be black.
     setAttribute(Qt::WA_TranslucentBackground, compositor.isRunning());
-    layOut();
+    layOut(topEdge);
     watchScreens();
 }
 
@@ -122,7 +103,7 @@ NSSize KivNotificationWindow::contentSize(NSSize screen) const
     return boundedContentSize({m_notification->contentWidth(), m_notification->contentHeight()}, screen);
 }
 
-void KivNotificationWindow::layOut()
+void KivNotificationWindow::layOut(TopEdge::Question &topEdge)
 {
     const NSSize screen = mainScreenSize();
     PopUpContents contents{
@@ -133,7 +114,9 @@ void KivNotificationWindow::layOut()
     };
     m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_text->setTextWidth(textWidth(contents.contentSize));
-    const float visibleHeight = maxTextHeight(contents, screen);
+    const float right = screen.width - popUpSideMargin;
+    m_topReach = topEdge.reach(right - popUpLayout(contents).window.size.width, right);
+    const float visibleHeight = maxTextHeight(contents, screen, m_topReach);
     if (m_text->textHeight() > visibleHeight) {
         m_text->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     }
@@ -161,7 +144,8 @@ void KivNotificationWindow::layOut()
 
 void KivNotificationWindow::layOutAnew()
 {
-    layOut();
+    TopEdge::Question topEdge;
+    layOut(topEdge);
     // What it measures on the screen is another thing after the screen's scale has changed, of which Qt's widgets,
     // whose sizes do not count in pixels, see nothing.
     if (QWindow *const window = windowHandle()) {

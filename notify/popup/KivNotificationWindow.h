@@ -12,6 +12,11 @@
 #include <memory>
 #include <optional>
 
+namespace TopEdge
+{
+class Question;
+}
+
 class KivNotificationView;
 class KivTextView;
 class QLabel;
@@ -34,6 +39,10 @@ public:
 
     /// Null for none. Must outlive the pop-up, or be taken back.
     void setDelegate(NotificationWindowDelegate *delegate) noexcept { m_delegate = delegate; }
+
+    /// How far from the main screen's top something reaches that the pop-up would cover there, when it was last laid
+    /// out.
+    [[nodiscard]] float topReach() const noexcept { return m_topReach; }
 
     /// Places (bottom-left corner, points of the main screen), shows, fades in, arms the auto-close timer: theTimeout
     /// in seconds, 0 for the default of 15, negative for never.
@@ -75,7 +84,7 @@ private:
 
     [[nodiscard]] NSSize contentSize(NSSize screen) const;
     /// For the main screen as it is; its top-left corner stays.
-    void layOut();
+    void layOut(TopEdge::Question &topEdge);
     /// The same once it is shown.
     void layOutAnew();
     void startFade(Fade direction);
@@ -100,6 +109,7 @@ private:
 
     NotificationWindowDelegate *m_delegate = nullptr;
     NSRect m_frame; ///< Where it was last put.
+    float m_topReach = 0;
     bool m_shown = false;
     bool m_closed = false;
     bool m_screensChanged = false;

@@ -56,7 +56,7 @@ NSSize boundedContentSize(NSSize asked, NSSize screen)
     return {width, height};
 }
 
-float maxTextHeight(const PopUpContents &contents, NSSize screen)
+float maxTextHeight(const PopUpContents &contents, NSSize screen, float reach)
 {
-    return std::max(iconSize, screen.height - popUpTopMargin - popUpBottomMargin - heightAroundText(contents));
+    return std::max(iconSize, screen.height - popUpTop(reach) - popUpBottomMargin - heightAroundText(contents));
 }

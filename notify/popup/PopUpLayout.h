@@ -37,7 +37,7 @@ struct PopUpLayout {
 /// height that is no positive number is 0, and it is at most maxMeasuredHeight.
 [[nodiscard]] NSSize boundedContentSize(NSSize asked, NSSize screen);
 
-/// How much of the text can be seen at once: as much as leaves the window its margins at the top and at the bottom
-/// of the main screen, since the buttons are at its lower end. At least 50, even if the screen is too small.
-/// `contents` are bounded.
-[[nodiscard]] float maxTextHeight(const PopUpContents &contents, NSSize screen);
+/// How much of the text can be seen at once: as much as leaves the window its margins at the top, where something may
+/// reach `reach` down, and at the bottom of the main screen, since the buttons are at its lower end. At least 50, even
+/// if the screen is too small. `contents` are bounded.
+[[nodiscard]] float maxTextHeight(const PopUpContents &contents, NSSize screen, float reach);

@@ -1,6 +1,13 @@
 #include "notify/popup/PopUpPlacement.h"
 
-NSPoint popUpOrigin(NSSize mainScreen, NSSize popUp) noexcept
+#include <algorithm>
+
+float popUpTop(float reach) noexcept
 {
-    return {mainScreen.width - popUp.width - popUpSideMargin, mainScreen.height - popUp.height - popUpTopMargin};
+    return std::max(popUpTopMargin, reach);
+}
+
+NSPoint popUpOrigin(NSSize mainScreen, NSSize popUp, float reach) noexcept
+{
+    return {mainScreen.width - popUp.width - popUpSideMargin, mainScreen.height - popUp.height - popUpTop(reach)};
 }

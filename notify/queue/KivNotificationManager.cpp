@@ -123,7 +123,8 @@ void KivNotificationManager::displayNotification(const std::shared_ptr<KivNotifi
 NSPoint KivNotificationManager::getWindowPoint()
 {
     prevScreenSize = mainScreen().size;
-    return popUpOrigin(prevScreenSize, m_notificationWindow ? m_notificationWindow->frame().size : NSSize());
+    const KivNotificationWindow *window = m_notificationWindow;
+    return popUpOrigin(prevScreenSize, window ? window->frame().size : NSSize(), window ? window->topReach() : 0);
 }
 
 void KivNotificationManager::enqueueNotification(const std::shared_ptr<KivNotification> &record)

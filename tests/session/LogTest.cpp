@@ -67,7 +67,7 @@ TEST_F(Log, TellsEachDecisionWhenAsked)
     askForDecisions();
     ASSERT_NO_FATAL_FAILURE(letMuchHappen());
     expectLines({
-        QStringLiteral("kiv\\.item: attempt 1: a panel runs"),
+        QStringLiteral("kiv\\.item: attempt 1: the item has a place"),
         QStringLiteral("kiv\\.item: the item is in the tray: there is a tray and no StatusNotifierItem host"),
         QStringLiteral("kiv\\.item: the tray has taken the item in"),
         QStringLiteral("kiv\\.item: opens the menu at \\(\\d+, \\d+\\), pressed at .*; the item's place is known"),

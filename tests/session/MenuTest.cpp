@@ -1,6 +1,7 @@
 #include "tests/session/support/Agent.h"
 #include "tests/session/support/Desktop.h"
 #include "tests/session/support/HostileClient.h"
+#include "tests/session/support/MenuOffPanel.h"
 #include "tests/session/support/Service.h"
 #include "tests/support/WaitUntil.h"
 
@@ -10,8 +11,6 @@
 
 namespace
 {
-
-constexpr int gapBelowThePanel = 5;
 
 class Menu : public testing::Test
 {
@@ -101,21 +100,7 @@ TEST_P(MenuOfAnyPanel, OpensAtTheItemFivePointsOffThePanel)
     const QRect item = agent->dockedItem()->geometry;
     const std::optional<XWindow> opened = agent->openMenu();
     ASSERT_TRUE(opened);
-    const QRect menu = opened->geometry;
-    switch (GetParam().edge) {
-    case Desktop::PanelEdge::Top:
-        EXPECT_EQ(menu.topLeft(), QPoint(item.left(), panel.bottom() + 1 + gapBelowThePanel));
-        break;
-    case Desktop::PanelEdge::Bottom:
-        EXPECT_EQ(menu.bottomLeft(), QPoint(item.left(), panel.top() - 1 - gapBelowThePanel));
-        break;
-    case Desktop::PanelEdge::Left:
-        EXPECT_EQ(menu.topLeft(), QPoint(panel.right() + 1 + gapBelowThePanel, item.top()));
-        break;
-    case Desktop::PanelEdge::Right:
-        EXPECT_EQ(menu.topRight(), QPoint(panel.left() - 1 - gapBelowThePanel, item.top()));
-        break;
-    }
+    expectMenuOffPanel(opened->geometry, item, panel, GetParam().edge);
 }
 
 INSTANTIATE_TEST_SUITE_P(Panels, MenuOfAnyPanel,

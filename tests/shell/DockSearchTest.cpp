@@ -116,7 +116,7 @@ TEST_F(DockSearch, SaysWhetherAPanelRunsAtEachAttempt)
     EXPECT_EQ(lines.back(), "kiv.item: goes on without a panel");
     fakeProcesses = {realDock};
     __wait_dock(recordSleep);
-    EXPECT_EQ(log.take(), std::vector<std::string>{"kiv.item: attempt 1: a panel runs"});
+    EXPECT_EQ(log.take(), std::vector<std::string>{"kiv.item: attempt 1: the item has a place"});
 }
 
 TEST_F(DockSearch, EndsTheWaitAsSoonAsTheDockAppears)

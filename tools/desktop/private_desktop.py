@@ -13,9 +13,10 @@ watch, to stop and to start again. A part needs those above it:
                             in its place, one without viewers that lists sizes at several refresh rates, as a screen does
     bus                     a message bus at the socket FOLDER/bus; prints a line once it listens
     window-manager
-    panel [SIDE [EDGE [GAP]]]
+    panel [SIDE [EDGE [GAP [THICKNESS [MONITOR]]]]]
                             the panel of resources/demo, with its tray at the right end or at the left, along the top
-                            edge or another, with so many pixels between
+                            edge or another, with so many pixels between; so many pixels thick; on the main monitor
+                            (primary) or that of the number
 
 Two words start nothing:
 
@@ -110,14 +111,16 @@ def window_manager(_):
     return ["openbox", "--sm-disable"]
 
 
-def panel(folder, side="right", edge="top", gap="0"):
+def panel(folder, side="right", edge="top", gap="0", thickness="30", monitor="primary"):
     """At the left end of the panel, the open menu of an item has room to its right, and leaves pop-ups in sight."""
     place = f"{edge} center horizontal" if edge in ("top", "bottom") else f"center {edge} vertical"
     with open(PANEL, encoding="utf-8") as file:
         text = file.read()
     for line, changed in (("panel_items = TFSC", "panel_items = SFTC" if side == "left" else "panel_items = TFSC"),
                           ("panel_position = top center horizontal", f"panel_position = {place}"),
-                          ("panel_margin = 0 0", f"panel_margin = {gap} {gap}")):
+                          ("panel_margin = 0 0", f"panel_margin = {gap} {gap}"),
+                          ("panel_size = 100% 30", f"panel_size = 100% {thickness}"),
+                          ("panel_monitor = primary", f"panel_monitor = {monitor}")):
         if text.count(f"\n{line}\n") != 1:
             sys.exit(f"{PANEL}: there is no line {line}")
         text = text.replace(f"\n{line}\n", f"\n{changed}\n")

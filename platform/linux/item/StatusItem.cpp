@@ -12,6 +12,7 @@
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
 #include "platform/linux/item/menu/MenuRequests.h"
+#include "platform/linux/item/strip/Strip.h"
 
 #include <QEvent>
 #include <QGuiApplication>
@@ -33,13 +34,6 @@ int deviceSide(const ScreenCoordinates &screen)
     return static_cast<int>(std::lround(sideInPoints * screen.ratio));
 }
 
-/// The top-right corner of the main screen.
-QRect stripPlace(const ScreenCoordinates &screen)
-{
-    const int side = deviceSide(screen);
-    return {screen.mainScreen.x() + screen.mainScreen.width() - side, screen.mainScreen.y(), side, side};
-}
-
 const char *description(StatusItemForm form)
 {
     switch (form) {
@@ -50,7 +44,7 @@ const char *description(StatusItemForm form)
     case StatusItemForm::Notifier:
         return "with the StatusNotifierItem host";
     case StatusItemForm::Strip:
-        return "by itself in the corner of the screen";
+        return "by itself at the top of the screen";
     }
     return "";
 }
@@ -69,17 +63,18 @@ public:
     void showMenu() { m_requests.ShowMenu(); }
 
     /// The window that the user sees, or shall see; null when there is none.
-    [[nodiscard]] TrayIconWindow *window() const { return m_standIn ? m_standIn.get() : m_window.get(); }
+    [[nodiscard]] TrayIconWindow *window() const { return m_strip ? &m_strip->window() : m_docked.get(); }
 
     StatusItemLook look;
 
 private:
     void setForm(StatusItemForm form);
-    void setWindow(std::unique_ptr<TrayIconWindow> made);
+    void dock();
+    void standAlone();
+    void listenTo(TrayIconWindow &window);
     void handleLoss();
     void standIn();
-    void watchScreen(QScreen *screen);
-    void placeStrip();
+    void makeStripAgain();
     void handlePress(std::optional<QPoint> place);
     void handleKey();
     void tellOfFocus(bool focused) { AccessibleItem::tellOfFocus(*m_owner, focused); }
@@ -91,9 +86,9 @@ private:
     NotifierHostWatch m_notifiers;
     bool m_isNew = true; ///< Until all has been asked for the first time.
     StatusItemForm m_form = StatusItemForm::None;
-    std::unique_ptr<TrayIconWindow> m_window;  ///< In the forms Tray and Strip.
-    std::unique_ptr<TrayIconWindow> m_standIn; ///< In the form Tray, while a tray that was asked does nothing.
-    xcb_window_t m_tray = XCB_NONE;            ///< The one that `m_window` was made for, in the form Tray.
+    std::unique_ptr<TrayIconWindow> m_docked; ///< In the form Tray.
+    std::unique_ptr<Strip> m_strip;           ///< In the form Strip, and in the form Tray while the tray does nothing.
+    xcb_window_t m_tray = XCB_NONE;           ///< The one that `m_docked` was made for.
     QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
     std::unique_ptr<StatusNotifierItem> m_notifierItem;
     std::unique_ptr<NotifierRegistration> m_registration;
@@ -119,12 +114,8 @@ StatusItem::Private::Private(StatusItem *owner)
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
 
     qGuiApp->installEventFilter(this);
-    connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::watchScreen);
-    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::placeStrip);
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    for (QScreen *screen : screens) {
-        watchScreen(screen);
-    }
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::makeStripAgain);
+    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
 }
@@ -163,8 +154,8 @@ void StatusItem::Private::setForm(StatusItemForm form)
     tellOfFocus(false);
     // The old form goes first: the item is never seen twice.
     m_dockTimeout.stop();
-    m_standIn.reset();
-    m_window.reset();
+    m_strip.reset();
+    m_docked.reset();
     m_registration.reset();
     m_notifierItem.reset();
     m_form = form;
@@ -175,8 +166,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
         break;
     case StatusItemForm::Tray:
         m_tray = m_trays.tray();
-        setWindow(TrayIconWindow::dockedIn(m_tray, deviceSide(screenCoordinates())));
-        m_dockTimeout.start();
+        dock();
         break;
     case StatusItemForm::Notifier:
         m_watcher = m_notifiers.watcher();
@@ -185,29 +175,45 @@ void StatusItem::Private::setForm(StatusItemForm form)
         m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
         break;
     case StatusItemForm::Strip:
-        if (const ScreenCoordinates screen = screenCoordinates(); !screen.mainScreen.isEmpty()) {
-            setWindow(TrayIconWindow::standingAt(stripPlace(screen)));
-        } else {
-            qCDebug(itemLog, "no item: there is no screen to stand on");
-        }
+        standAlone();
         break;
     }
     apply();
 }
 
-void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
+void StatusItem::Private::dock()
 {
-    m_window = std::move(made);
-    if (m_window) {
-        connect(m_window.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
-        connect(m_window.get(), &TrayIconWindow::chosenByKey, this, &Private::handleKey);
-        connect(m_window.get(), &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
-        connect(m_window.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
-        connect(m_window.get(), &TrayIconWindow::docked, this, [this] {
+    m_docked = TrayIconWindow::dockedIn(m_tray, deviceSide(screenCoordinates()));
+    m_dockTimeout.start();
+    if (m_docked) {
+        listenTo(*m_docked);
+        connect(m_docked.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
+        connect(m_docked.get(), &TrayIconWindow::docked, this, [this] {
             m_dockTimeout.stop();
-            m_standIn.reset();
+            m_strip.reset();
         });
     }
+}
+
+void StatusItem::Private::standAlone()
+{
+    m_strip = Strip::make();
+    if (m_strip) {
+        listenTo(m_strip->window());
+        connect(m_strip.get(), &Strip::moved, m_owner, &StatusItem::moved);
+        if (m_form == StatusItemForm::Tray) {
+            connect(&m_strip->window(), &TrayIconWindow::lost, &m_dockTimeout, qOverload<>(&QTimer::start));
+        } else {
+            connect(&m_strip->window(), &TrayIconWindow::lost, this, &Private::handleLoss);
+        }
+    }
+}
+
+void StatusItem::Private::listenTo(TrayIconWindow &window)
+{
+    connect(&window, &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+    connect(&window, &TrayIconWindow::chosenByKey, this, &Private::handleKey);
+    connect(&window, &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
 }
 
 /// The tray has gone, or has put the icon out while it rebuilds itself, or another program has destroyed the window. In
@@ -220,40 +226,18 @@ void StatusItem::Private::handleLoss()
     m_settling.start();
 }
 
-/// The tray that was asked may never answer. The item waits for it in the corner, where the user has it meanwhile.
+/// The tray that was asked may never answer. The item waits for it by itself, where the user has it meanwhile.
 void StatusItem::Private::standIn()
 {
-    const ScreenCoordinates screen = screenCoordinates();
-    if (screen.mainScreen.isEmpty()) {
-        return;
-    }
-    qCDebug(itemLog, "the tray does not take the item in: it waits in the corner of the screen");
-    m_standIn = TrayIconWindow::standingAt(stripPlace(screen));
-    if (m_standIn) {
-        connect(m_standIn.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
-        connect(m_standIn.get(), &TrayIconWindow::chosenByKey, this, &Private::handleKey);
-        connect(m_standIn.get(), &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
-        connect(m_standIn.get(), &TrayIconWindow::lost, &m_dockTimeout, qOverload<>(&QTimer::start));
-        apply();
-    }
+    qCDebug(itemLog, "the tray does not take the item in: it waits at the top of the screen");
+    standAlone();
+    apply();
 }
 
-void StatusItem::Private::watchScreen(QScreen *screen)
+/// Where there was no screen to stand on, there may be one now.
+void StatusItem::Private::makeStripAgain()
 {
-    connect(screen, &QScreen::geometryChanged, this, &Private::placeStrip);
-}
-
-void StatusItem::Private::placeStrip()
-{
-    if (m_form != StatusItemForm::Strip && !m_standIn) {
-        return;
-    }
-    const ScreenCoordinates screen = screenCoordinates();
-    if (window() && !screen.mainScreen.isEmpty()) {
-        const QRect place = stripPlace(screen);
-        qCDebug(itemLog, "the screen has changed: the item goes to (%d, %d)", place.x(), place.y());
-        window()->moveTo(place);
-    } else if (m_form == StatusItemForm::Strip) {
+    if (m_form == StatusItemForm::Strip && !m_strip) {
         setForm(StatusItemForm::Strip);
     }
 }
@@ -261,7 +245,7 @@ void StatusItem::Private::placeStrip()
 void StatusItem::Private::apply()
 {
     look.plate = QGuiApplication::palette().color(QPalette::Window).rgb();
-    for (TrayIconWindow *const each : {m_window.get(), m_standIn.get()}) {
+    for (TrayIconWindow *const each : {m_docked.get(), m_strip ? &m_strip->window() : nullptr}) {
         if (each) {
             each->setLook(look);
         }

@@ -7,7 +7,7 @@
 #include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/item/WindowPicture.h"
 #include "platform/linux/item/menu/OpenPopUps.h"
-#include "platform/linux/screen/WindowNames.h"
+#include "platform/linux/screen/windows/WindowNames.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -82,8 +82,10 @@ TrayIconWindow::TrayIconWindow(Kind kind, const XVisual &visual, const QRect &pl
     // manager shall make a framed window of ours then.
     // A docked window hears of the keyboard from its embedder. With the panel's window in focus the server would send
     // it every key pressed while the mouse is over it, if it asked for keys.
-    const std::uint32_t keyboard =
-        kind == Kind::Alone ? XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE : XCB_EVENT_MASK_NO_EVENT;
+    const std::uint32_t keyboard = kind == Kind::Alone
+                                       ? XCB_EVENT_MASK_KEY_PRESS | XCB_EVENT_MASK_FOCUS_CHANGE |
+                                             XCB_EVENT_MASK_BUTTON_RELEASE | XCB_EVENT_MASK_BUTTON_1_MOTION
+                                       : XCB_EVENT_MASK_NO_EVENT;
     const std::array<std::uint32_t, 5> values = {
         parentRelative ? static_cast<std::uint32_t>(XCB_BACK_PIXMAP_PARENT_RELATIVE) : 0U, 0, true,
         XCB_EVENT_MASK_EXPOSURE | XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_BUTTON_PRESS |
@@ -218,8 +220,8 @@ void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
         break;
     case XCB_BUTTON_PRESS: {
         const auto *press = reinterpret_cast<const xcb_button_press_event_t *>(event);
-        if (press->event == m_window) {
-            handlePress(*press);
+        if (press->event == m_window && m_kind == Kind::Docked) {
+            takePress(*press);
         }
         break;
     }
@@ -286,7 +288,7 @@ void TrayIconWindow::tellOfLoss()
     QMetaObject::invokeMethod(this, &TrayIconWindow::lost, Qt::QueuedConnection);
 }
 
-void TrayIconWindow::handlePress(const xcb_button_press_event_t &press)
+void TrayIconWindow::takePress(const xcb_button_press_event_t &press)
 {
     hideToolTip();
     if (press.detail > XCB_BUTTON_INDEX_3) {

@@ -33,6 +33,9 @@ public:
     void setLook(const StatusItemLook &look);
     /// Moves a window that stands alone.
     void moveTo(const QRect &place);
+    /// A press of a button on it. Only a docked one hears of them by itself.
+    void takePress(const xcb_button_press_event_t &press);
+    void hideToolTip();
 
     /// The window itself; it lives as long as this object, unless the server ends it.
     [[nodiscard]] xcb_window_t id() const { return m_window; }
@@ -63,11 +66,9 @@ private:
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
     void handleEvent(const xcb_generic_event_t *event);
     void handleReparent(xcb_window_t parent);
-    void handlePress(const xcb_button_press_event_t &press);
     void handleKey(const xcb_key_press_event_t &press);
     void setFocused(bool focused);
     void showToolTip();
-    void hideToolTip();
     void tellOfLoss();
     void setNames();
     void paint();

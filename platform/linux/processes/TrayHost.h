@@ -1,8 +1,13 @@
 #pragma once
 
+#include <chrono>
 #include <sys/types.h>
 
 /// The process that shows the status items of this session: the owner of the X display's tray selection, or else of
-/// the bus name org.kde.StatusNotifierWatcher; 0 when there is neither. What was found is trusted for a tenth of a
-/// second, so that going through all processes asks only once. Main thread only.
+/// the bus name org.kde.StatusNotifierWatcher; hostInPlace() when there is neither. What was found is trusted for a
+/// tenth of a second, so that going through all processes asks only once. Main thread only.
 [[nodiscard]] pid_t trayHost();
+
+/// The same, after `found` (0 for none) has been missing for so long: from the third second on it is this process. It
+/// shows the item by itself then, at the top of the X screen, which needs nobody else.
+[[nodiscard]] pid_t hostInPlace(pid_t found, std::chrono::milliseconds missing) noexcept;

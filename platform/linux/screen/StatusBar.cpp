@@ -2,7 +2,7 @@
 
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/screen/PanelBar.h"
+#include "platform/linux/screen/windows/PanelBar.h"
 
 #include <xcb/randr.h>
 

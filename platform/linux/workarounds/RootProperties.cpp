@@ -40,6 +40,19 @@ void RootProperties::catchUpAndShow(QObject *context, std::function<void()> show
     }
 }
 
+void RootProperties::hear(QObject *listener)
+{
+    if (!theInstance) {
+        return; // They are heard all the time.
+    }
+    ++theInstance->m_listeners;
+    setHeard(true);
+    connect(listener, &QObject::destroyed, theInstance, [instance = theInstance.data()] {
+        --instance->m_listeners;
+        instance->update();
+    });
+}
+
 RootProperties::RootProperties(QObject *parent)
     : QObject(parent)
     , m_window([this] { catchUpAgain(); })
@@ -112,7 +125,7 @@ void RootProperties::proceed()
 
 void RootProperties::update()
 {
-    setHeard(isAnythingShown() || !m_waiting.empty());
+    setHeard(isAnythingShown() || !m_waiting.empty() || m_listeners > 0);
 }
 
 void RootProperties::setHeard(bool heard)

@@ -18,8 +18,8 @@
 /// Left out: wake-ups in every session whenever a window opens, closes or is renamed in it.
 /// Still needed? WorkaroundNeed.RootProperties tells.
 ///
-/// So they are heard only while a window of this program is on the screen; and what is about to show one has Qt catch
-/// up with them first. Main thread only.
+/// So they are heard only while a window of this program is on the screen, or something of its own goes by them; and
+/// what is about to show a window has Qt catch up with them first. Main thread only.
 class RootProperties final : public QObject, private QAbstractNativeEventFilter
 {
     Q_OBJECT
@@ -27,6 +27,9 @@ class RootProperties final : public QObject, private QAbstractNativeEventFilter
 public:
     /// From now on, as long as the application object lives, which owns this. Without an X server nothing is done.
     static void hearOnlyWhileShown();
+
+    /// For what itself hears of them, without a window that is shown: from now on, as long as `listener` lives.
+    static void hear(QObject *listener);
 
     /// For what shows a window: has Qt catch up, and calls `show` from the event loop when it has; not at all when
     /// `context` has gone by then.
@@ -51,4 +54,5 @@ private:
 
     HiddenWindow m_window; ///< What this sends to itself goes there.
     std::vector<Waiting> m_waiting;
+    int m_listeners = 0;
 };

@@ -120,12 +120,14 @@ TEST(PopUpLayout, KeepsAPopUpOnTheScreen)
 {
     for (const bool hasTitle : {true, false}) {
         for (const float asked : {0.F, 30.F, 100.F, 20000.F}) {
-            const PopUpContents contents = planned({320, asked}, hasTitle);
-            const PopUpLayout layout = grown({320, asked}, hasTitle, maxTextHeight(contents, screen));
-            EXPECT_EQ(layout.window.size.height, 760) << asked;
+            for (const float reach : {0.F, 22.F, 48.F}) {
+                const PopUpContents contents = planned({320, asked}, hasTitle);
+                const PopUpLayout layout = grown({320, asked}, hasTitle, maxTextHeight(contents, screen, reach));
+                EXPECT_EQ(layout.window.size.height, 790 - std::max(30.F, reach)) << asked;
+            }
         }
     }
-    EXPECT_EQ(maxTextHeight(planned({320, 0}, true), {320, 100}), 50);
+    EXPECT_EQ(maxTextHeight(planned({320, 0}, true), {320, 100}, 0), 50);
 }
 
 } // namespace

@@ -8,7 +8,7 @@
 
 #include <vector>
 
-// On Linux keepAtStatusLevel() has nothing to do: the linker leads its callers here instead.
+// What keepAtStatusLevel() does cannot be seen without a window system: the linker leads its callers here instead.
 
 namespace
 {

@@ -63,6 +63,6 @@ int main(int argc, char **argv)
     record->setMessageText(sample->second.text);
     auto *window = new KivNotificationWindow(record);
     QObject::connect(window, &QObject::destroyed, &application, &QApplication::quit);
-    window->showAtScreenPoint(popUpOrigin(screen->size, window->frame().size), -1);
+    window->showAtScreenPoint(popUpOrigin(screen->size, window->frame().size, window->topReach()), -1);
     return QApplication::exec();
 }

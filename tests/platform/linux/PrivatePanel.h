@@ -4,7 +4,7 @@
 
 #include <QTemporaryDir>
 
-/// The panel of a private desktop, with a tray, on the X server of these tests: a bar of 32 pixels along the top edge.
+/// The panel of a private desktop, with a tray, on the X server of these tests: a bar of 30 pixels along the top edge.
 class PrivatePanel final
 {
 public:

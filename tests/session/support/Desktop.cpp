@@ -1,5 +1,6 @@
 #include "tests/session/support/Desktop.h"
 
+#include "tests/session/support/Viewer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -97,18 +98,18 @@ bool Desktop::stopWindowManager()
     return gone;
 }
 
-bool Desktop::startPanel(TraySide side, PanelEdge edge, int gap)
+bool Desktop::startPanel(TraySide side, PanelEdge edge, int gap, int thickness, const QString &monitor)
 {
     const QString end = side == TraySide::Left ? QStringLiteral("left") : QStringLiteral("right");
     const std::map<PanelEdge, QString> edges = {{PanelEdge::Top, QStringLiteral("top")},
                                                 {PanelEdge::Bottom, QStringLiteral("bottom")},
                                                 {PanelEdge::Left, QStringLiteral("left")},
                                                 {PanelEdge::Right, QStringLiteral("right")}};
-    const bool ready =
-        startPart(m_panel, {QStringLiteral("panel"), m_folder.path(), end, edges.at(edge), QString::number(gap)}) &&
-        waitUntil([this] { return m_view->selectionOwnerPid("_NET_SYSTEM_TRAY_S0") == m_panel.pid(); },
-                  // It waits ten seconds or so for a window manager before it goes on without.
-                  std::chrono::seconds(30));
+    const bool ready = startPart(m_panel, {QStringLiteral("panel"), m_folder.path(), end, edges.at(edge),
+                                           QString::number(gap), QString::number(thickness), monitor}) &&
+                       waitUntil([this] { return m_view->selectionOwnerPid("_NET_SYSTEM_TRAY_S0") == m_panel.pid(); },
+                                 // It waits ten seconds or so for a window manager before it goes on without.
+                                 std::chrono::seconds(30));
     EXPECT_TRUE(ready) << "tint2 did not start";
     return ready;
 }
@@ -118,16 +119,39 @@ void Desktop::stopPanel()
     m_panel.kill();
 }
 
-bool Desktop::switchTo(QSize size)
+bool Desktop::runXrandr(const QStringList &arguments)
 {
     ChildProcess xrandr;
     xrandr.environment = environment();
+    return xrandr.start(QStringLiteral("xrandr"), arguments) && waitUntil([&] { return !xrandr.isRunning(); }) &&
+           xrandr.exitCode() == 0;
+}
+
+bool Desktop::switchTo(QSize size)
+{
     const bool switched =
-        xrandr.start(QStringLiteral("xrandr"),
-                     {QStringLiteral("--size"), QStringLiteral("%1x%2").arg(size.width()).arg(size.height())}) &&
-        waitUntil([&] { return !xrandr.isRunning(); }) && xrandr.exitCode() == 0;
+        runXrandr({QStringLiteral("--size"), QStringLiteral("%1x%2").arg(size.width()).arg(size.height())});
     EXPECT_TRUE(switched) << "the screen does not switch its size";
     return switched;
+}
+
+bool Desktop::showOn(const QList<QRect> &monitors, int main)
+{
+    QRect all;
+    for (const QRect &monitor : monitors) {
+        all |= monitor;
+    }
+    Viewer viewer;
+    if (!viewer.connectTo(m_server.rfbSocket())) {
+        return false;
+    }
+    viewer.ask(monitors);
+    // The X server numbers its outputs as they come.
+    const bool shown =
+        waitUntil([&] { return view().screenSize() == all.size(); }) &&
+        runXrandr({QStringLiteral("--output"), QStringLiteral("VNC-%1").arg(main), QStringLiteral("--primary")});
+    EXPECT_TRUE(shown) << "there are no such monitors";
+    return shown;
 }
 
 bool Desktop::panelIsFramed() const

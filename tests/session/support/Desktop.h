@@ -43,9 +43,14 @@ public:
     /// Ends the window manager; returns once the X server has none.
     bool stopWindowManager();
     /// Starts a panel along that edge and returns once it takes status items.
-    bool startPanel(TraySide side = TraySide::Right, PanelEdge edge = PanelEdge::Top, int gap = 0);
+    bool startPanel(TraySide side = TraySide::Right, PanelEdge edge = PanelEdge::Top, int gap = 0, int thickness = 30,
+                    const QString &monitor = QStringLiteral("primary"));
     /// Kills the panel, as a crash would.
     void stopPanel();
+
+    /// Has a viewer ask for these monitors, with the upper left corner of all at (0, 0), and makes that of the index
+    /// the main one.
+    bool showOn(const QList<QRect> &monitors, int main);
 
     /// Has the screen switched to another size, as another program would.
     bool switchTo(QSize size);
@@ -64,6 +69,7 @@ public:
 
 private:
     bool startServer(Server server);
+    bool runXrandr(const QStringList &arguments);
     [[nodiscard]] bool panelIsFramed() const;
     bool makeEnvironment();
     bool startPart(ChildProcess &part, const QStringList &arguments);

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 OtherWindow::OtherWindow(const PrivateXServer &server, const QRect &geometry)
     : XClient(server)
     , m_window(xcb_generate_id(connection()))
@@ -12,9 +14,10 @@ OtherWindow::OtherWindow(const PrivateXServer &server, const QRect &geometry)
                       static_cast<std::int16_t>(geometry.y()), static_cast<std::uint16_t>(geometry.width()),
                       static_cast<std::uint16_t>(geometry.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
                       XCB_COPY_FROM_PARENT, 0, nullptr);
-    xcb_map_window(connection(), m_window);
-    raise();
     const bool shown = waitUntil([this] {
+        // Not just once: a window manager that has only just started loses it.
+        raise();
+        xcb_map_window(connection(), m_window);
         const XReply<xcb_get_window_attributes_reply_t> attributes(
             xcb_get_window_attributes_reply(connection(), xcb_get_window_attributes(connection(), m_window), nullptr));
         return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
@@ -26,6 +29,14 @@ void OtherWindow::raise()
 {
     constexpr std::uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(connection(), m_window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    waitForServer();
+}
+
+void OtherWindow::keepOthersBelow(std::uint32_t pixels)
+{
+    const std::uint32_t edges[] = {0, 0, pixels, 0}; // Left, right, top, bottom.
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, m_window, atom("_NET_WM_STRUT"), XCB_ATOM_CARDINAL, 32,
+                        std::size(edges), edges);
     waitForServer();
 }
 

@@ -12,8 +12,10 @@ public:
     OtherWindow(const PrivateXServer &server, const QRect &geometry);
 
     [[nodiscard]] xcb_window_t id() const { return m_window; }
-    // Both return once the server has done it.
+    // All return once the server has done it.
     void raise();
+    /// Asks the window manager to keep other windows so far below the top of the screen, as a panel does.
+    void keepOthersBelow(std::uint32_t pixels);
     /// Takes the keyboard without asking any window manager.
     void takeKeyboard();
 

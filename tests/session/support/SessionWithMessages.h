@@ -32,7 +32,7 @@ protected:
         agent->feed = feed.address(QStringLiteral("/messages"));
         clock.addTo(agent->environment);
         browser.addTo(agent->environment);
-        return agent->startAndDock();
+        return desktop.hasPanel() ? agent->startAndDock() : agent->start();
     }
 
     [[nodiscard]] MessageCache cacheFile() const

@@ -17,7 +17,7 @@ constexpr qint32 extendedDesktopSizeEncoding = -308;
 enum ServerMessage : quint8 { FramebufferUpdate = 0, Bell = 2, ServerCutText = 3 };
 
 /// What a viewer sends.
-enum ClientMessage : quint8 { SetEncodings = 2, FramebufferUpdateRequest = 3 };
+enum ClientMessage : quint8 { SetEncodings = 2, FramebufferUpdateRequest = 3, SetDesktopSize = 251 };
 
 /// Waits until `read` finds all that it wants, and takes that off the stream.
 bool receive(QDataStream &stream, const std::function<void()> &read)
@@ -77,6 +77,23 @@ bool Viewer::connectTo(const QString &socket)
              << desktopSizeEncoding;
     requestUpdate(false);
     return true;
+}
+
+void Viewer::ask(const QList<QRect> &monitors)
+{
+    QRect all;
+    for (const QRect &monitor : monitors) {
+        all |= monitor;
+    }
+    const auto number = [](int length) { return static_cast<quint16>(length); };
+    m_stream << SetDesktopSize << quint8{} << number(all.width()) << number(all.height())
+             << static_cast<quint8>(monitors.size()) << quint8{};
+    quint32 id = 0;
+    for (const QRect &monitor : monitors) {
+        m_stream << id++ << number(monitor.x()) << number(monitor.y()) << number(monitor.width())
+                 << number(monitor.height()) << quint32{};
+    }
+    m_socket.flush();
 }
 
 void Viewer::requestUpdate(bool incremental)

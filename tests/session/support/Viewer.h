@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QDataStream>
+#include <QList>
 #include <QLocalSocket>
+#include <QRect>
 #include <QSize>
 
 /// Somebody who looks at a desktop from afar: the least client of the Remote Framebuffer Protocol (RFC 6143) that
@@ -12,6 +14,9 @@ public:
     /// Connects to the X server's socket for viewers; returns once the server has said how large its desktop is. False,
     /// with a test failure, when it does not.
     bool connectTo(const QString &socket);
+
+    /// Asks for monitors, with the upper left corner of all at (0, 0), in place of those that there are.
+    void ask(const QList<QRect> &monitors);
 
     [[nodiscard]] bool isConnected() const { return m_socket.state() == QLocalSocket::ConnectedState; }
     /// The desktop's size as the server has told it last.

@@ -29,7 +29,7 @@
 namespace
 {
 
-constexpr NSRect stripFrame{{1258, 778}, {22, 22}};
+constexpr NSRect stripFrame{{1098, 778}, {22, 22}};
 const QPoint trayPlace(100, 50);
 /// The top-left corner of the item in that tray, in points from below.
 constexpr NSPoint trayCorner{100, 750};
@@ -137,10 +137,10 @@ TEST_F(StatusItemKeyboard, OpensTheMenuOfTheStripThatHasTheFocus)
                         XCB_CURRENT_TIME);
     xcb_flush(XConnection::get());
     const QRgb frame = QGuiApplication::palette().color(QPalette::Highlight).rgb();
-    EXPECT_TRUE(waitUntil([&] { return colourAt({1258, 0}) == frame; }));
+    EXPECT_TRUE(waitUntil([&] { return colourAt({1098, 0}) == frame; }));
     FakeInput::tapKey(FakeInput::keyOf(returnKey));
     EXPECT_TRUE(waitUntil([&] { return !presses.empty(); }));
-    EXPECT_THAT(presses, testing::ElementsAre(NSPoint{1258, 800}));
+    EXPECT_THAT(presses, testing::ElementsAre(NSPoint{1098, 800}));
 }
 
 /// From other programs, over a bus.
@@ -187,7 +187,7 @@ TEST_F(MenuRequest, IsAPressAtTheItem)
     FakeInput::moveTo({600, 400});
     EXPECT_TRUE(showMenu());
     EXPECT_TRUE(waitUntil([&] { return !presses.empty(); }));
-    EXPECT_THAT(presses, testing::ElementsAre(NSPoint{1258, 800}));
+    EXPECT_THAT(presses, testing::ElementsAre(NSPoint{1098, 800}));
 }
 
 TEST_F(MenuRequest, WaitsWhileAnotherProgramHasTheKeyboard)

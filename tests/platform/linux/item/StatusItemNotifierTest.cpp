@@ -24,7 +24,7 @@
 namespace
 {
 
-constexpr NSRect stripFrame{{1258, 778}, {22, 22}};
+constexpr NSRect stripFrame{{1098, 778}, {22, 22}};
 const QString activate = QStringLiteral("Activate");
 
 QIcon redIcon()

@@ -30,7 +30,7 @@ namespace
 
 using namespace std::chrono_literals;
 
-const QRect stripPlace(1258, 0, 22, 22);
+const QRect usualStrip(1098, 0, 22, 22);
 
 QIcon iconOf(const QColor &colour)
 {
@@ -185,7 +185,7 @@ TEST_F(DockedStatusItemTest, IsOneWindowInsideThePanelAndItsFrameIsThatWindows)
     EXPECT_EQ(item.getWindow(), windows[0]);
     EXPECT_EQ(item.getScreen(), QGuiApplication::primaryScreen());
     EXPECT_TRUE(QRect(0, 0, 1280, 32).contains(qtPlace(item)));
-    EXPECT_FALSE(qtPlace(item).intersects(stripPlace) && qtPlace(item).top() == 0);
+    EXPECT_FALSE(qtPlace(item).intersects(usualStrip) && qtPlace(item).top() == 0);
 }
 
 TEST_F(DockedStatusItemTest, TellsEachPressOfThePrimaryAndTheRightButtonOnce)
@@ -241,7 +241,7 @@ TEST_F(DockedStatusItemTest, SurvivesItsPanelAndReturnsWithItWithoutAStripInBetw
     startPanel();
     bool stripSeen = false;
     EXPECT_TRUE(waitUntil([&] {
-        stripSeen = stripSeen || qtPlace(item) == stripPlace;
+        stripSeen = stripSeen || qtPlace(item) == usualStrip;
         return item.frame() && screenColour(qtPlace(item).center()) == QColor(Qt::red);
     }));
     EXPECT_FALSE(stripSeen);
@@ -251,10 +251,10 @@ TEST_F(DockedStatusItemTest, SurvivesItsPanelAndReturnsWithItWithoutAStripInBetw
     EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));
 }
 
-TEST_F(DockedStatusItemTest, StandsInTheCornerWhenItsPanelStaysAway)
+TEST_F(DockedStatusItemTest, StandsAloneWhenItsPanelStaysAway)
 {
     stopPanel();
-    EXPECT_TRUE(waitUntil([this] { return qtPlace(item) == stripPlace; }));
+    EXPECT_TRUE(waitUntil([this] { return qtPlace(item) == usualStrip; }));
     EXPECT_EQ(itemWindows().size(), 1U);
 }
 
@@ -336,7 +336,7 @@ TEST_F(StatusItemMenuTest, ChoosesTheEntryOnWhichADragFromTheItemEnds)
     FakeInput::moveTo(entry - QPoint(5, 0));
     settleEvents();
     FakeInput::moveTo(entry);
-    settleEvents();
+    ASSERT_TRUE(waitUntil([this] { return menu.activeAction() == menu.actions().at(0); }));
     FakeInput::release();
     EXPECT_TRUE(waitUntil([&] { return chosen == menu.actions().at(0); }));
     EXPECT_TRUE(waitUntil([this] { return closed == 1; }));
@@ -362,7 +362,7 @@ TEST_F(StatusItemMenuTest, StaysOpenWhenThePanelDies)
     stopPanel();
     ASSERT_TRUE(waitUntil([this] { return !item.frame(); }));
     EXPECT_TRUE(menu.isVisible());
-    EXPECT_TRUE(waitUntil([this] { return qtPlace(item) == stripPlace; }));
+    EXPECT_TRUE(waitUntil([this] { return qtPlace(item) == usualStrip; }));
     FakeInput::click({400, 600});
     EXPECT_TRUE(waitUntil([this] { return closed == 1; }));
 }
@@ -392,33 +392,33 @@ TEST_F(StatusItemMenuTest, StaysOpenWhenTwoPressesInOneTurnAreADoubleClick)
     menu.close();
 }
 
-TEST_F(StatusItemTest, StandsInTheCornerAtOnceWhereNoTrayIs)
+TEST_F(StatusItemTest, StandsAloneAtOnceWhereNoTrayIs)
 {
     StatusItem item;
     item.setImage(iconOf(Qt::red));
-    EXPECT_EQ(qtPlace(item), stripPlace);
-    EXPECT_TRUE(waitUntil([] { return screenColour({1269, 11}) == QColor(Qt::red); }));
+    EXPECT_EQ(qtPlace(item), usualStrip);
+    EXPECT_TRUE(waitUntil([] { return screenColour({1109, 11}) == QColor(Qt::red); }));
     item.setImage(QIcon());
     EXPECT_TRUE(waitUntil([] {
-        return screenColour({1269, 11}) == QGuiApplication::palette().color(QPalette::Window);
+        return screenColour({1109, 11}) == QGuiApplication::palette().color(QPalette::Window);
     })) << "its own plate";
     QApplication::setPalette(QPalette(Qt::darkGray));
-    EXPECT_TRUE(waitUntil([] { return screenColour({1269, 11}) == QColor(Qt::darkGray); })) << "by the desktop's look";
+    EXPECT_TRUE(waitUntil([] { return screenColour({1109, 11}) == QColor(Qt::darkGray); })) << "by the desktop's look";
     QApplication::setPalette(QPalette());
     PressCounter presses(item);
-    FakeInput::click(stripPlace.center());
+    FakeInput::click(usualStrip.center());
     EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));
     ASSERT_EQ(itemWindows().size(), 1U);
-    EXPECT_EQ(placeOf(itemWindows()[0]), stripPlace);
+    EXPECT_EQ(placeOf(itemWindows()[0]), usualStrip);
 }
 
-TEST_F(StatusItemTest, StaysInTheCornerWhenTheScreenChangesItsSize)
+TEST_F(StatusItemTest, StaysAtTheTopWhenTheScreenChangesItsSize)
 {
     StatusItem item;
     ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")}));
-    EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{842, 746}, {22, 22}}; }));
     ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
-    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == usualStrip; }));
 }
 
 TEST_F(StatusItemTest, SaysWhereItGoesAndWhichTrayThereIs)
@@ -428,16 +428,16 @@ TEST_F(StatusItemTest, SaysWhereItGoesAndWhichTrayThereIs)
     StatusItem item;
     LogLines log;
     ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")}));
-    EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{1002, 746}, {22, 22}}; }));
-    EXPECT_THAT(log.take(), Contains("kiv.item: the screen has changed: the item goes to (1002, 0)"));
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == NSRect{{842, 746}, {22, 22}}; }));
+    EXPECT_THAT(log.take(), Contains("kiv.item: the screen has changed: the item goes to (842, 0)"));
     ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
-    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == usualStrip; }));
 
     std::optional<FakeTray> tray(std::in_place, QPoint(100, 50));
-    ASSERT_TRUE(waitUntil([&] { return tray->serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    ASSERT_TRUE(waitUntil([&] { return tray->serve(), item.frame() && qtPlace(item) != usualStrip; }));
     EXPECT_THAT(log.take(), Contains(MatchesRegex("kiv.item: there is a new tray, of window 0x[0-9a-f]+")));
     tray.reset();
-    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }));
+    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == usualStrip; }));
     EXPECT_THAT(log.take(), Contains(MatchesRegex("kiv.item: the tray of window 0x[0-9a-f]+ has gone")));
 }
 
@@ -445,9 +445,9 @@ TEST_F(StatusItemTest, MovesIntoATrayThatComesLater)
 {
     StatusItem item;
     item.setImage(iconOf(Qt::red));
-    ASSERT_EQ(qtPlace(item), stripPlace);
+    ASSERT_EQ(qtPlace(item), usualStrip);
     startPanel();
-    EXPECT_TRUE(waitUntil([&] { return item.frame() && qtPlace(item) != stripPlace; }));
+    EXPECT_TRUE(waitUntil([&] { return item.frame() && qtPlace(item) != usualStrip; }));
     ASSERT_EQ(itemWindows().size(), 1U);
     EXPECT_NE(parentOf(itemWindows()[0]), XConnection::screen()->root);
 }
@@ -466,30 +466,30 @@ TEST_F(StatusItemTest, FollowsTheSelectionFromOneTrayStraightToTheNext)
     EXPECT_EQ(second.icons().size(), 1U);
 }
 
-TEST_F(StatusItemTest, WaitsInTheCornerForATrayThatDoesNotTakeItIn)
+TEST_F(StatusItemTest, StandsAloneForATrayThatDoesNotTakeItIn)
 {
     FakeTray tray({100, 100});
     StatusItem item;
     item.setImage(iconOf(Qt::red));
-    ASSERT_TRUE(waitUntil([&] { return qtPlace(item) == stripPlace; }, 20s));
+    ASSERT_TRUE(waitUntil([&] { return qtPlace(item) == usualStrip; }, 20s));
     const PressCounter presses(item);
-    FakeInput::click(stripPlace.center());
+    FakeInput::click(usualStrip.center());
     EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));
 
     const std::vector<xcb_window_t> waiting = itemWindows();
-    EXPECT_EQ(waiting.size(), 2u) << "one that the tray was asked to take in, and one in the corner";
+    EXPECT_EQ(waiting.size(), 2u) << "one that the tray was asked to take in, and one that stands alone";
     ASSERT_TRUE(waitUntil([&] {
         tray.serve();
         return qtPlace(item) == QRect(100, 100, FakeTray::side, FakeTray::side);
     }));
-    EXPECT_TRUE(waitUntil([] { return itemWindows().size() == 1; })) << "it is still in the corner, too";
+    EXPECT_TRUE(waitUntil([] { return itemWindows().size() == 1; })) << "it still stands alone, too";
 }
 
 TEST_F(StatusItemTest, AsksATrayAgainThatHasPutItOut)
 {
     StatusItem item;
     FakeTray tray({100, 50});
-    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != usualStrip; }));
     tray.putOut();
     ASSERT_TRUE(waitUntil([&] { return !item.frame(); }));
     EXPECT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value(); }));
@@ -528,7 +528,7 @@ TEST_F(StatusItemTest, IsTransparentAroundTheIconInATranslucentTray)
     StatusItem item;
     item.setImage(iconOf(Qt::red));
     FakeTray tray({100, 50}, FakeTray::Visual::Translucent);
-    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != usualStrip; }));
     const xcb_window_t window = itemWindows().at(0);
     // The icon of 22 pixels has one pixel of the tray's 24 around it.
     EXPECT_TRUE(waitUntil([&] { return windowPixel(window, {12, 12}) == 0xffff0000; }));
@@ -543,7 +543,7 @@ TEST_F(StatusItemTest, HasTheTraysBackgroundAroundTheIconInAPlainTray)
     half.fill(QColor(255, 0, 0, 128));
     item.setImage(QIcon(QPixmap::fromImage(half)));
     FakeTray tray({100, 50});
-    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != stripPlace; }));
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame() && qtPlace(item) != usualStrip; }));
     EXPECT_TRUE(waitUntil([] { return screenColour({112, 62}).red() > 0x9e; }));
     const QColor mixed = screenColour({112, 62});
     EXPECT_NEAR(mixed.red(), (255 + 0x40) / 2.0, 2);
@@ -577,7 +577,7 @@ TEST_F(StatusItemTest, MayBeDestroyedByWhoeverItTellsOfAPress)
         // The loop of a menu or an alert runs on after that.
         done = waitUntil([] { return itemWindows().empty(); });
     });
-    FakeInput::click(stripPlace.center());
+    FakeInput::click(usualStrip.center());
     EXPECT_TRUE(waitUntil([&] { return done; }));
 }
 
@@ -585,7 +585,7 @@ TEST_F(StatusItemTest, ShowsItsToolTipUnderTheMouse)
 {
     StatusItem item;
     item.setToolTip(QStringLiteral("Kivune Menu"));
-    FakeInput::moveTo(stripPlace.center());
+    FakeInput::moveTo(usualStrip.center());
     EXPECT_TRUE(waitUntil([] { return QToolTip::isVisible() && QToolTip::text() == QLatin1String("Kivune Menu"); }));
     FakeInput::moveTo({640, 400});
     EXPECT_TRUE(waitUntil([] { return !QToolTip::isVisible(); }));

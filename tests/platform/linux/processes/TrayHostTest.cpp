@@ -23,7 +23,6 @@ bool isDock(qint64 pid)
 
 TEST(TrayHost, IsThePanelThatOwnsTheTraySelection)
 {
-    EXPECT_EQ(trayHost(), 0);
     PrivatePanel panel;
     ASSERT_TRUE(panel.start());
     EXPECT_TRUE(waitUntil([&] { return trayHost() == panel.pid(); }));
@@ -31,11 +30,20 @@ TEST(TrayHost, IsThePanelThatOwnsTheTraySelection)
     EXPECT_FALSE(isDock(QCoreApplication::applicationPid()));
 
     panel.stop();
-    EXPECT_TRUE(waitUntil([] { return trayHost() == 0; }));
+    EXPECT_TRUE(waitUntil([&] { return !isDock(panel.pid()); }));
 
     PrivatePanel next;
     ASSERT_TRUE(next.start());
     EXPECT_TRUE(waitUntil([&] { return isDock(next.pid()); }));
+}
+
+TEST(TrayHost, IsThisProgramFromTheThirdSecondWithoutAnyOn)
+{
+    using namespace std::chrono_literals;
+    EXPECT_EQ(hostInPlace(0, 0ms), 0);
+    EXPECT_EQ(hostInPlace(0, 2999ms), 0);
+    EXPECT_EQ(hostInPlace(0, 3000ms), QCoreApplication::applicationPid());
+    EXPECT_EQ(hostInPlace(7, 3000ms), 7);
 }
 
 TEST(TrayHost, IsFoundInOnePassOverAllProcesses)

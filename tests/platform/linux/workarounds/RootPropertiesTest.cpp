@@ -102,6 +102,12 @@ protected:
         RootProperties::hearOnlyWhileShown();
         m_receiver.create();
     }
+    ~RootPropertiesTest() override
+    {
+        // Items of other tests go by it.
+        xcb_delete_property(XConnection::get(), XConnection::screen()->root, XConnection::atom("_NET_WORKAREA"));
+        xcb_flush(XConnection::get());
+    }
 
     /// How many changes of the root window this program is told of when another client makes one.
     int heard()

@@ -1,4 +1,4 @@
-#include "platform/linux/screen/PanelBar.h"
+#include "platform/linux/screen/windows/PanelBar.h"
 
 #include <algorithm>
 

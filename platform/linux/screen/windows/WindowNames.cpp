@@ -1,4 +1,4 @@
-#include "platform/linux/screen/WindowNames.h"
+#include "platform/linux/screen/windows/WindowNames.h"
 
 #include "platform/linux/include/XConnection.h"
 

@@ -1,6 +1,7 @@
 #include "platform/screen/WindowStacking.h"
 
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/screen/windows/WindowsOfOthers.h"
 
 void bringToFront(QWidget &window)
 {
@@ -17,7 +18,10 @@ void bringToFrontWithKeyboard(QWidget &window)
     window.activateWindow();
 }
 
-void keepAtStatusLevel(QWidget &)
+void keepAtStatusLevel(QWidget &window)
 {
     // A window that no window manager knows lies above those that one manages.
+    if (XConnection::get() && !WindowsOfOthers::areManaged()) {
+        new WindowsOfOthers(window);
+    }
 }

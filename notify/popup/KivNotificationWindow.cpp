@@ -5,6 +5,7 @@
 #include "notify/popup/KivTextView.h"
 #include "notify/popup/PopUpLayout.h"
 #include "notify/popup/PopUpParts.h"
+#include "notify/popup/accessible/AccessiblePopUp.h"
 #include "notify/text/OpenableLink.h"
 #include "platform/Compositor.h"
 #include "platform/LogCategories.h"
@@ -12,7 +13,6 @@
 #include "platform/Workspace.h"
 #include "platform/screen/WindowStacking.h"
 
-#include <QAccessible>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QPushButton>
@@ -73,6 +73,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
                            Qt::WindowDoesNotAcceptFocus)
     , m_notification(std::move(record))
 {
+    AccessiblePopUp::makeFor(*this);
     Compositor::Question compositor;
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_MacAlwaysShowToolWindow);
@@ -89,7 +90,6 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     }
     m_text = new KivTextView(m_view);
     m_text->setMessage(m_notification->messageText(), textWidth(contentSize(mainScreenSize())));
-    m_text->setAccessibleName(QStringLiteral("Message"));
     connect(m_text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
 
     const auto newActionButton = [this](const QString &label, void (KivNotificationWindow::*action)()) {
@@ -182,10 +182,6 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
     m_shown = true;
     m_screensChanged = false; // It has been put where it belongs on the screens that there are now.
     fadeIn();
-    if (QAccessible::isActive()) {
-        QAccessibleEvent alert(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&alert);
-    }
 
     if (theTimeout >= 0) {
         const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, maxTimeout));

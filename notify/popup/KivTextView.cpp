@@ -1,5 +1,6 @@
 #include "notify/popup/KivTextView.h"
 
+#include "notify/popup/accessible/AccessibleMessage.h"
 #include "notify/record/MessageText.h"
 #include "notify/text/CleanHtml.h"
 #include "notify/text/LinkScan.h"
@@ -10,8 +11,10 @@
 
 #include <QContextMenuEvent>
 #include <QImage>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextFragment>
 
 #include <algorithm>
 #include <cmath>
@@ -92,6 +95,7 @@ ShownText shortened(const QString &text)
 KivTextView::KivTextView(QWidget *parent)
     : QTextBrowser(parent)
 {
+    AccessibleMessage::makeFor(*this);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setOpenLinks(false);
@@ -137,6 +141,35 @@ void KivTextView::setDocumentWidth(int width)
 float KivTextView::textHeight() const
 {
     return static_cast<float>(std::ceil(document()->size().height()));
+}
+
+QList<KivTextView::Link> KivTextView::links() const
+{
+    QList<Link> links;
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        bool goesOn = false; // A link has a fragment for each of its formats.
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const QUrl address(fragment.charFormat().anchorHref());
+            if (address.isEmpty()) {
+                goesOn = false;
+            } else if (goesOn && links.last().address == address) {
+                links.last().length += fragment.length();
+            } else {
+                links.append({fragment.position(), fragment.length(), address});
+                goesOn = true;
+            }
+        }
+    }
+    return links;
+}
+
+QRect KivTextView::placeOf(int position) const
+{
+    QTextCursor cursor(document());
+    cursor.setPosition(std::min(position, document()->characterCount() - 1));
+    const QRect place = cursorRect(cursor);
+    return {viewport()->mapToGlobal(place.topLeft()), place.size()};
 }
 
 QVariant KivTextView::loadResource(int, const QUrl &)

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QList>
 #include <QTextBrowser>
+#include <QUrl>
 
 /// The text of a pop-up, without frame or background. Nothing in it can be selected, and nothing that it refers to is
 /// ever loaded: the text comes from elsewhere and may name any file of the user's or address of the network.
@@ -25,6 +27,18 @@ public:
 
     /// The height of all the text at that width, in points.
     [[nodiscard]] float textHeight() const;
+
+    struct Link {
+        int start;
+        int length;
+        QUrl address;
+    };
+    /// The links in it, in their order, by their place in shownText().
+    [[nodiscard]] QList<Link> links() const;
+    /// The text without its formats.
+    [[nodiscard]] QString shownText() const { return document()->toPlainText(); }
+    /// Where on the screen the gap before that character is, as high as its line.
+    [[nodiscard]] QRect placeOf(int position) const;
 
     /// An empty image, whatever is asked for.
     [[nodiscard]] QVariant loadResource(int type, const QUrl &name) override;

@@ -1,6 +1,7 @@
 #include "notify/popup/PopUpParts.h"
 
 #include "notify/popup/MessageTypeIcon.h"
+#include "notify/popup/accessible/AccessiblePopUp.h"
 #include "platform/text/SystemFont.h"
 
 #include <QLabel>
@@ -51,6 +52,7 @@ void placePopUpIcon(QLabel &icon, std::int32_t messageType, const QRect &frame)
 QLabel *newPopUpTitle(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(parent);
+    AccessiblePopUp::makeHeading(*label);
     label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setAccessibleName(text);

@@ -2,6 +2,7 @@
 
 #include "platform/LogCategories.h"
 #include "platform/ProductTexts.h"
+#include "platform/alert/AccessibleAlert.h"
 #include "platform/alert/AlertIcon.h"
 #include "platform/alert/AlertMessage.h"
 #include "platform/screen/WindowStacking.h"
@@ -79,6 +80,7 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint)
     , m_escape(!texts.alternateButton.isNull() && texts.otherButton.isNull() ? Alternate : Default)
 {
+    AccessibleAlert::makeFor(*this);
     setWindowTitle(QString::fromUtf16(ProductTexts::panelTitle));
     setAccessibleName(texts.title);
     setAccessibleDescription(alertWords(texts.message));

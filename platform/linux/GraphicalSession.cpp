@@ -1,5 +1,7 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/linux/accessibility/AccessibilityBus.h"
+#include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/desktop/StartScale.h"
 #include "platform/linux/include/XConnection.h"
@@ -89,6 +91,8 @@ void GraphicalSession::settle()
 {
     PortalQuestion::allow();
     StartScale::withdraw();
+    AccessibleApplication::install();
+    new AccessibilityBus(SessionBus::instance(), QCoreApplication::instance());
     FlatButtons::use();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();

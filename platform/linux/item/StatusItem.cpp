@@ -1,6 +1,7 @@
 #include "platform/StatusItem.h"
 
 #include "platform/LogCategories.h"
+#include "platform/linux/accessibility/AccessibleItem.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
@@ -65,6 +66,7 @@ public:
     void update(Settling settling);
     void apply();
     void setMenu(QMenu *offered);
+    void showMenu() { m_requests.ShowMenu(); }
 
     /// The window that the user sees, or shall see; null when there is none.
     [[nodiscard]] TrayIconWindow *window() const { return m_standIn ? m_standIn.get() : m_window.get(); }
@@ -80,6 +82,7 @@ private:
     void placeStrip();
     void handlePress(std::optional<QPoint> place);
     void handleKey();
+    void tellOfFocus(bool focused) { AccessibleItem::tellOfFocus(*m_owner, focused); }
 
     StatusItem *const m_owner;
     QMenu *m_menu = nullptr;
@@ -197,6 +200,7 @@ void StatusItem::Private::setWindow(std::unique_ptr<TrayIconWindow> made)
     if (m_window) {
         connect(m_window.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
         connect(m_window.get(), &TrayIconWindow::chosenByKey, this, &Private::handleKey);
+        connect(m_window.get(), &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
         connect(m_window.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
         connect(m_window.get(), &TrayIconWindow::docked, this, [this] {
             m_dockTimeout.stop();
@@ -227,6 +231,7 @@ void StatusItem::Private::standIn()
     if (m_standIn) {
         connect(m_standIn.get(), &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
         connect(m_standIn.get(), &TrayIconWindow::chosenByKey, this, &Private::handleKey);
+        connect(m_standIn.get(), &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
         connect(m_standIn.get(), &TrayIconWindow::lost, &m_dockTimeout, qOverload<>(&QTimer::start));
         apply();
     }
@@ -263,6 +268,7 @@ void StatusItem::Private::apply()
     if (m_notifierItem) {
         m_notifierItem->setLook(look);
     }
+    AccessibleItem::tellOfChange(*m_owner);
 }
 
 void StatusItem::Private::setMenu(QMenu *offered)
@@ -294,9 +300,13 @@ StatusItem::StatusItem(QObject *parent)
     : QObject(parent)
     , d(std::make_unique<Private>(this))
 {
+    AccessibleItem::makeFor(*this, [this] { d->showMenu(); });
 }
 
-StatusItem::~StatusItem() = default;
+StatusItem::~StatusItem()
+{
+    AccessibleItem::tellOfEnd(*this);
+}
 
 void StatusItem::setEnabled(bool enabled)
 {
@@ -335,6 +345,19 @@ void StatusItem::setTitle(const QString &title)
 QString StatusItem::title() const
 {
     return d->look.title;
+}
+
+void StatusItem::setStateText(const QString &text)
+{
+    if (d->look.stateText != text) {
+        d->look.stateText = text;
+        d->apply();
+    }
+}
+
+QString StatusItem::stateText() const
+{
+    return d->look.stateText;
 }
 
 void StatusItem::setImage(const QIcon &image)

@@ -13,6 +13,7 @@ struct StatusItemLook {
     bool enabled = true;
     QString toolTip;
     QString title;
+    QString stateText;
 
     [[nodiscard]] IconLook iconLook() const noexcept { return enabled ? IconLook::Normal : IconLook::Faded; }
 };

@@ -335,6 +335,7 @@ void TrayIconWindow::setFocused(bool focused)
     if (m_focused != focused) {
         m_focused = focused;
         paint();
+        Q_EMIT focusChanged(focused);
     }
 }
 

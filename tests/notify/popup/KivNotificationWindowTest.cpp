@@ -17,6 +17,7 @@
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMultiHash>
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
@@ -655,21 +656,22 @@ TEST_F(KivNotificationWindowTest, ClosesItsOwnWayWhenQtCloses)
     EXPECT_EQ(owner.closes, 1);
 }
 
-TEST_F(KivNotificationWindowTest, NamesItsPartsForScreenReaders)
+TEST_F(KivNotificationWindowTest, IsANotificationToScreenReadersAndNamesItsParts)
 {
     show();
-    EXPECT_EQ(window->accessibleName(), QStringLiteral("Warning"));
-    const auto nameOf = [](QWidget *widget) {
-        QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(widget);
-        return interface ? interface->text(QAccessible::Name) : QString();
-    };
-    QStringList names;
+    const auto interfaceOf = [](QWidget *widget) { return QAccessible::queryAccessibleInterface(widget); };
+    EXPECT_EQ(interfaceOf(window)->role(), QAccessible::Notification);
+    EXPECT_EQ(interfaceOf(window)->text(QAccessible::Name), QStringLiteral("Warning"));
+    QMultiHash<QString, QAccessible::Role> parts;
     for (QWidget *widget : window->findChildren<QWidget *>()) {
-        names.append(nameOf(widget));
+        parts.insert(interfaceOf(widget)->text(QAccessible::Name), interfaceOf(widget)->role());
     }
-    for (const char *name : {"Message type", "Warning", "Message", "Remind Me Later", "Do Not Remind Me Later"}) {
-        EXPECT_TRUE(names.contains(QLatin1String(name))) << name;
-    }
+    EXPECT_EQ(parts.value(QStringLiteral("Message type")), QAccessible::Graphic);
+    EXPECT_EQ(parts.value(QStringLiteral("Warning")), QAccessible::Heading)
+        << "a label would be read after the same name";
+    EXPECT_EQ(parts.value(record->messageText()), QAccessible::StaticText);
+    EXPECT_EQ(parts.value(QStringLiteral("Remind Me Later")), QAccessible::Button);
+    EXPECT_EQ(parts.value(QStringLiteral("Do Not Remind Me Later")), QAccessible::Button);
 }
 
 TEST_F(KivNotificationWindowTest, KeepsItsButtonsOnTheScreenWhateverTheMessageAsks)

@@ -1,5 +1,6 @@
 #include "notify/queue/KivNotificationManager.h"
 
+#include "notify/popup/KivNotificationWindow.h"
 #include "notify/queue/QueueLimits.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/KivNotification.h"

@@ -6,6 +6,7 @@
 #include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/FakePortal.h"
+#include "tests/support/FakeScreenReader.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"
 #include "tests/support/SilentSocket.h"
@@ -174,6 +175,34 @@ TEST_F(WorkaroundNeed, AccessibilityBridgeBesideABusThatHangs)
     ASSERT_TRUE(subject.start({QStringLiteral("run")}));
     const bool goesOn = waitUntil([&] { return subject.process().output().contains("goes on\n"); }, 3s);
     tell("AccessibilityBridgeBesideABusThatHangs", !goesOn);
+}
+
+TEST_F(WorkaroundNeed, LateScreenReader)
+{
+    PrivateBus bus;
+    ASSERT_TRUE(bus.start());
+    FakeScreenReader reader(bus);
+    ASSERT_TRUE(reader.come());
+    Subject subject;
+    subject.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    ASSERT_TRUE(subject.start({QStringLiteral("run")}));
+    ASSERT_TRUE(waitUntil([&] { return subject.process().output().contains("goes on\n"); }));
+    ASSERT_TRUE(reader.isAsked());
+    reader.begin();
+    tell("LateScreenReader", !waitUntil([&] { return reader.isSought(); }, 3s));
+}
+
+TEST_F(WorkaroundNeed, ScreenReaderThatHangs)
+{
+    PrivateBus bus;
+    ASSERT_TRUE(bus.start());
+    FakeScreenReader reader(bus);
+    reader.fallSilent();
+    ASSERT_TRUE(reader.come());
+    Subject subject;
+    subject.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    ASSERT_TRUE(subject.start({QStringLiteral("run")}));
+    tell("ScreenReaderThatHangs", !waitUntil([&] { return subject.process().output().contains("goes on\n"); }, 3s));
 }
 
 TEST_F(WorkaroundNeed, PortalQuestion)

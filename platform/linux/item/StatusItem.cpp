@@ -25,7 +25,6 @@
 
 namespace
 {
-
 constexpr double sideInPoints = 22;
 
 int deviceSide(const ScreenCoordinates &screen)
@@ -62,7 +61,13 @@ class StatusItem::Private final : public QObject
 public:
     explicit Private(StatusItem *owner);
 
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
+            apply();
+        }
+        return false;
+    }
     void update(Settling settling);
     void apply();
     void setMenu(QMenu *offered);
@@ -127,14 +132,6 @@ StatusItem::Private::Private(StatusItem *owner)
     }
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
-}
-
-bool StatusItem::Private::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
-        apply();
-    }
-    return false;
 }
 
 void StatusItem::Private::update(Settling settling)

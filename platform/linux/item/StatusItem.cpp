@@ -26,7 +26,6 @@
 
 namespace
 {
-
 constexpr double sideInPoints = 22;
 
 int deviceSide(const ScreenCoordinates &screen)
@@ -56,7 +55,13 @@ class StatusItem::Private final : public QObject
 public:
     explicit Private(StatusItem *owner);
 
-    bool eventFilter(QObject *watched, QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
+            apply();
+        }
+        return false;
+    }
     void update(Settling settling);
     void apply();
     void setMenu(QMenu *offered);
@@ -118,14 +123,6 @@ StatusItem::Private::Private(StatusItem *owner)
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
-}
-
-bool StatusItem::Private::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
-        apply();
-    }
-    return false;
 }
 
 void StatusItem::Private::update(Settling settling)

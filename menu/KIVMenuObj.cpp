@@ -24,6 +24,8 @@
 #include <QScopeGuard>
 #include <QTimer>
 
+#include <utility>
+
 namespace
 {
 constexpr char anchorKey[] = "FakeWindow";
@@ -115,7 +117,14 @@ QAction *KIVMenuObj::newItem(QMenu &menu, const QString &title, const QString &k
     // Queued: a command may run an event loop of its own, and the menu's has to have ended by then.
     const auto carryOut = [this, chosen = QPointer<QAction>(item)] {
         // A host that draws the menu itself may send a second choice before the first one's panel has come up.
-        if (chosen && (!m_tray || m_tray->isEnabled())) {
+        if (!chosen || (m_tray && !m_tray->isEnabled())) {
+            return;
+        }
+        if (m_menu->isVisible()) {
+            // Screen readers choose past the menu, which does not close by that: first it has to.
+            m_chosenInOpenMenu = chosen;
+            m_menu->close();
+        } else {
             onMenuAction(chosen);
         }
     };
@@ -250,8 +259,10 @@ void KIVMenuObj::setFlags(std::uint32_t flags)
     if (m_tray && (flags ^ m_flags) & kMenuFlagActive) {
         if (flags & kMenuFlagActive) {
             showImage(m_imgOn, QStringLiteral("statuson"));
+            m_tray->setStateText(QStringLiteral("Active"));
         } else {
             showImage(m_imgOff, QStringLiteral("statusoff"));
+            m_tray->setStateText(QStringLiteral("Not active"));
         }
     }
     m_flags = flags;
@@ -370,4 +381,7 @@ void KIVMenuObj::menuTrayPressed(std::optional<NSPoint> place)
     DoubleClickGuard guard(*m_menu, MainScreen::toQt(pressed));
     m_guard = &guard;
     popUpContextMenu(*m_menu, press, anchor, menuPlace.edge);
+    if (QAction *const chosen = std::exchange(m_chosenInOpenMenu, nullptr)) {
+        chosen->trigger(); // Queued, as any choice.
+    }
 }

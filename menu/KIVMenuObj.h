@@ -118,5 +118,6 @@ private:
     QIcon m_imgOff;
     std::optional<std::vector<KIVDspRes>> m_dmods; ///< In menu order; nothing while the placeholder stands there.
     float m_trayX = 0;
+    QPointer<QAction> m_chosenInOpenMenu;
     QPointer<DoubleClickGuard> m_guard; ///< While the menu is open.
 };

@@ -23,6 +23,9 @@ inline constexpr QLatin1String helperFolder("../libexec/kivmenua");
 /// The X selection, with the screen's number after it, by which one agent keeps another out of the same display.
 inline constexpr char lockSelection[] = "_KIVMENUA_S";
 
+/// The property of the root window that keeps where the user has put an item that stands by itself.
+inline constexpr char itemProperty[] = "_KIVMENUA_ITEM";
+
 /// Where on the session bus a process receives events: the bus name, to which its process ID is added, and the object.
 inline constexpr QLatin1String eventBusName("com.tamborel.kivune.p");
 inline constexpr QLatin1String eventObjectPath("/com/tamborel/kivune/AppleEvents");

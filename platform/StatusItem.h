@@ -37,6 +37,10 @@ public:
     void setTitle(const QString &title);
     [[nodiscard]] QString title() const;
 
+    /// What the item stands for at present, for assistive technology; never drawn. Nothing comes of it on macOS.
+    void setStateText(const QString &text);
+    [[nodiscard]] QString stateText() const;
+
     void setImage(const QIcon &image);
     [[nodiscard]] QIcon image() const;
 

@@ -5,6 +5,7 @@
 #include "platform/LogCategories.h"
 #include "platform/LogOutput.h"
 #include "platform/SessionLock.h"
+#include "platform/screen/DesktopLook.h"
 #include "shell/Application.h"
 #include "shell/DockSearch.h"
 #include "shell/MenuProcedure.h"
@@ -62,6 +63,7 @@ int main(int, char **argv)
         return EXIT_SUCCESS;
     }
     GraphicalSession::settle();
+    DesktopLook::follow(DesktopLook::Part::ColoursAndFonts);
     startUp();
     const TerminationSignals signalsEndTheLoop;
     qCDebug(agentLog, "has started");

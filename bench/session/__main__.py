@@ -17,7 +17,7 @@ from bench.session.place import Place
 SECTIONS = {
     "A session": ["memory", "start", "wakeups", "menu"],
     "Pop-ups": ["popups"],
-    "After use": ["growth", "cache"],
+    "After use": ["used", "growth", "cache"],
     "The event link": ["link"],
     "A hundred sessions": ["many"],
     "Single functions": ["functions"],

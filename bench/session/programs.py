@@ -5,7 +5,7 @@ import enum
 import glob
 import shutil
 
-from bench.session.children import wait_until
+from tools.desktop.children import wait_until
 
 
 class Kind(enum.Enum):

@@ -1,7 +1,5 @@
 #include "notify/feed/FeedRequest.h"
 
-#include <QRegularExpression>
-
 #include <array>
 
 const QString KivNotificationRequest =
@@ -22,19 +20,34 @@ QString filledIn(const QString &format, const std::array<QString, 10> &values)
     return text;
 }
 
+bool beginsEscape(QStringView text)
+{
+    const QStringView digits = u"0123456789ABCDEFabcdef";
+    return text.size() > 2 && digits.contains(text[1]) && digits.contains(text[2]);
+}
+
+/// One '%' that begins no escape would make QUrl take every other one literally, too.
+QString withEscapedPercents(const QString &text)
+{
+    QString escaped;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        escaped += text[i];
+        if (text[i] == u'%' && !beginsEscape(QStringView(text).sliced(i))) {
+            escaped += QLatin1String("25");
+        }
+    }
+    return escaped;
+}
+
 } // namespace
 
 QUrl feedAddress(const FeedRequest &request)
 {
-    QString text = filledIn(KivNotificationRequest,
-                            {request.baseAddress, request.productCode, request.productVersion, request.buildDate,
-                             request.systemCode, request.systemVersion, request.messageLevel, request.licenseType,
-                             request.lastMesID, QStringLiteral("5")});
-    // One '%' that begins no escape makes QUrl take every other one literally, too.
-    static const QRegularExpression strayPercent(QStringLiteral("%(?![0-9A-Fa-f]{2})"));
-    text.replace(strayPercent, QStringLiteral("%25"));
-
-    const QUrl url(text, QUrl::TolerantMode);
+    const QString text = filledIn(KivNotificationRequest,
+                                  {request.baseAddress, request.productCode, request.productVersion, request.buildDate,
+                                   request.systemCode, request.systemVersion, request.messageLevel, request.licenseType,
+                                   request.lastMesID, QStringLiteral("5")});
+    const QUrl url(withEscapedPercents(text), QUrl::TolerantMode);
     const bool isWeb = url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     return url.isValid() && isWeb && !url.host().isEmpty() ? url : QUrl();
 }

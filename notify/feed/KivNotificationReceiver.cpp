@@ -133,7 +133,7 @@ void KivNotificationReceiver::parseOn()
         QMetaObject::invokeMethod(this, &KivNotificationReceiver::parseOn, Qt::QueuedConnection);
     } else if (outcome == FeedParser::Outcome::EndOfDocument) {
         qCDebug(feedLog) << "the document of" << m_parsedBytes << "bytes has been read";
-        m_data.remove(0, m_parsedBytes);
+        m_data = m_data.sliced(m_parsedBytes); // In memory of its own: a day passes before the next answer.
     } else {
         qCDebug(feedLog) << "the" << m_data.size() << "bytes are kept, and the next answer is added to them";
     }

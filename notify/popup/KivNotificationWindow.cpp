@@ -7,15 +7,15 @@
 #include "notify/popup/PopUpParts.h"
 #include "notify/popup/PopUpPlacement.h"
 #include "notify/popup/WholePixels.h"
+#include "notify/popup/accessible/AccessiblePopUp.h"
 #include "notify/text/OpenableLink.h"
 #include "platform/Compositor.h"
 #include "platform/LogCategories.h"
 #include "platform/MainScreen.h"
-#include "platform/TopEdge.h"
 #include "platform/Workspace.h"
+#include "platform/screen/TopEdge.h"
 #include "platform/screen/WindowStacking.h"
 
-#include <QAccessible>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QPushButton>
@@ -53,6 +53,7 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
                            Qt::WindowDoesNotAcceptFocus)
     , m_notification(std::move(record))
 {
+    AccessiblePopUp::makeFor(*this);
     Compositor::Question compositor;
     TopEdge::Question topEdge;
     setAttribute(Qt::WA_ShowWithoutActivating);
@@ -70,7 +71,6 @@ KivNotificationWindow::KivNotificationWindow(std::shared_ptr<KivNotification> re
     }
     m_text = new KivTextView(m_view);
     m_text->setMessage(m_notification->messageText(), textWidth(contentSize(mainScreenSize())));
-    m_text->setAccessibleName(QStringLiteral("Message"));
     connect(m_text, &QTextBrowser::anchorClicked, this, &KivNotificationWindow::clickedOnLink);
 
     const auto newActionButton = [this](const QString &label, void (KivNotificationWindow::*action)()) {
@@ -166,10 +166,6 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
     m_shown = true;
     m_screensChanged = false; // It has been put where it belongs on the screens that there are now.
     fadeIn();
-    if (QAccessible::isActive()) {
-        QAccessibleEvent alert(this, QAccessible::Alert);
-        QAccessible::updateAccessibility(&alert);
-    }
 
     if (theTimeout >= 0) {
         const std::chrono::seconds timeout(theTimeout == 0 ? defaultTimeout : std::min(theTimeout, maxTimeout));
@@ -344,6 +340,7 @@ void KivNotificationWindow::watchScreens()
     });
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, screensChanged);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, screensChanged);
+    connect(m_text, &KivTextView::fontChanged, this, screensChanged);
 }
 
 void KivNotificationWindow::watchScreen(QScreen *screen)

@@ -1,5 +1,6 @@
 #include "notify/popup/KivTextView.h"
 
+#include "notify/popup/accessible/AccessibleMessage.h"
 #include "notify/record/MessageText.h"
 #include "notify/text/CleanHtml.h"
 #include "notify/text/LinkScan.h"
@@ -10,8 +11,10 @@
 
 #include <QContextMenuEvent>
 #include <QImage>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextFragment>
 
 #include <algorithm>
 #include <cmath>
@@ -92,6 +95,7 @@ ShownText shortened(const QString &text)
 KivTextView::KivTextView(QWidget *parent)
     : QTextBrowser(parent)
 {
+    AccessibleMessage::makeFor(*this);
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::NoFocus);
     setOpenLinks(false);
@@ -101,28 +105,28 @@ KivTextView::KivTextView(QWidget *parent)
     viewport()->setAutoFillBackground(false);
     document()->setDocumentMargin(0);
     document()->setUndoRedoEnabled(false);
-    document()->setDefaultFont(systemFont(QFont::Normal));
     connect(this, &QTextEdit::selectionChanged, this, &KivTextView::setSelectedRange);
 }
 
 void KivTextView::setMessage(const QString &text, int width)
 {
     setDocumentWidth(width);
-    m_html = isHtml(text) ? text : QString();
-    if (m_html.isNull()) {
-        setPlainMessage(text);
-    } else {
+    m_message = text;
+    m_isHtml = isHtml(text);
+    if (m_isHtml) {
         setHtmlMessage(width);
+    } else {
+        setPlainMessage(text);
     }
     setDocumentWidth(width);
 }
 
 void KivTextView::setTextWidth(int width)
 {
-    if (m_html.isNull() || document()->textWidth() == width) {
+    if (!m_isHtml || document()->textWidth() == width) {
         setDocumentWidth(width);
     } else {
-        setMessage(m_html, width); // Tables fit or do not fit by that width.
+        setMessage(m_message, width); // Tables fit or do not fit by that width.
     }
 }
 
@@ -139,6 +143,35 @@ float KivTextView::textHeight() const
     return static_cast<float>(std::ceil(document()->size().height()));
 }
 
+QList<KivTextView::Link> KivTextView::links() const
+{
+    QList<Link> links;
+    for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+        bool goesOn = false; // A link has a fragment for each of its formats.
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const QUrl address(fragment.charFormat().anchorHref());
+            if (address.isEmpty()) {
+                goesOn = false;
+            } else if (goesOn && links.last().address == address) {
+                links.last().length += fragment.length();
+            } else {
+                links.append({fragment.position(), fragment.length(), address});
+                goesOn = true;
+            }
+        }
+    }
+    return links;
+}
+
+QRect KivTextView::placeOf(int position) const
+{
+    QTextCursor cursor(document());
+    cursor.setPosition(std::min(position, document()->characterCount() - 1));
+    const QRect place = cursorRect(cursor);
+    return {viewport()->mapToGlobal(place.topLeft()), place.size()};
+}
+
 QVariant KivTextView::loadResource(int, const QUrl &)
 {
     // A null answer would make Qt open the name as a file. So would, where an image is wanted, anything that is none;
@@ -147,6 +180,18 @@ QVariant KivTextView::loadResource(int, const QUrl &)
     QImage nothing(1, 1, QImage::Format_ARGB32_Premultiplied);
     nothing.fill(Qt::transparent);
     return nothing;
+}
+
+void KivTextView::changeEvent(QEvent *event)
+{
+    QTextBrowser::changeEvent(event); // Which gives the document the font of widgets.
+    const bool isFont = event->type() == QEvent::ApplicationFontChange || event->type() == QEvent::FontChange;
+    if (!m_message.isNull() && (isFont || event->type() == QEvent::PaletteChange)) {
+        setMessage(m_message, static_cast<int>(document()->textWidth()));
+    }
+    if (isFont) {
+        Q_EMIT fontChanged();
+    }
 }
 
 void KivTextView::contextMenuEvent(QContextMenuEvent *event)
@@ -169,6 +214,7 @@ void KivTextView::setPlainMessage(const QString &text)
 {
     const auto [shown, hasEndlessWord] = shortened(cleaned(text));
     setWordWrapMode(hasEndlessWord ? QTextOption::WrapAnywhere : QTextOption::WrapAtWordBoundaryOrAnywhere);
+    document()->setDefaultFont(systemFont(QFont::Normal, shown));
     setPlainText(shown);
     QTextCharFormat linkFormat;
     linkFormat.setForeground(linkColour());
@@ -188,10 +234,12 @@ void KivTextView::setPlainMessage(const QString &text)
 void KivTextView::setHtmlMessage(int width)
 {
     const HtmlGround ground{palette().color(QPalette::Text), palette().color(QPalette::Window)};
-    setHtml(cleanHtml(m_html, ground, HtmlTables::Kept));
+    const QString html = cleanHtml(m_message, ground, HtmlTables::Kept);
+    document()->setDefaultFont(systemFont(QFont::Normal, html));
+    setHtml(html);
     setDocumentWidth(width); // Qt has laid it out at the width of the view, which may still have another.
     if (document()->size().width() > width) {
-        setHtml(cleanHtml(m_html, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.
+        setHtml(cleanHtml(m_message, ground, HtmlTables::Dissolved)); // A table would be cut off at the right.
     }
 }
 

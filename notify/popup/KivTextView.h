@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QList>
 #include <QTextBrowser>
+#include <QUrl>
 
 /// The text of a pop-up, without frame or background. Nothing in it can be selected, and nothing that it refers to is
 /// ever loaded: the text comes from elsewhere and may name any file of the user's or address of the network.
+/// When the desktop gets other colours or another font, the text has them at once.
 /// A click on a link is told by anchorClicked() and does nothing else.
 class KivTextView final : public QTextBrowser
 {
@@ -25,10 +28,27 @@ public:
     /// The height of all the text at that width, in points.
     [[nodiscard]] float textHeight() const;
 
+    struct Link {
+        int start;
+        int length;
+        QUrl address;
+    };
+    /// The links in it, in their order, by their place in shownText().
+    [[nodiscard]] QList<Link> links() const;
+    /// The text without its formats.
+    [[nodiscard]] QString shownText() const { return document()->toPlainText(); }
+    /// Where on the screen the gap before that character is, as high as its line.
+    [[nodiscard]] QRect placeOf(int position) const;
+
     /// An empty image, whatever is asked for.
     [[nodiscard]] QVariant loadResource(int type, const QUrl &name) override;
 
+Q_SIGNALS:
+    /// The text has another font, and may take more or less room than before.
+    void fontChanged();
+
 protected:
+    void changeEvent(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
@@ -38,5 +58,6 @@ private:
     void setDocumentWidth(int width);
     [[nodiscard]] QColor linkColour() const;
 
-    QString m_html; ///< As it came; null for a plain text.
+    QString m_message; ///< As it came; null before the first.
+    bool m_isHtml = false;
 };

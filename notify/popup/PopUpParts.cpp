@@ -1,6 +1,7 @@
 #include "notify/popup/PopUpParts.h"
 
 #include "notify/popup/MessageTypeIcon.h"
+#include "notify/popup/accessible/AccessiblePopUp.h"
 #include "platform/text/SystemFont.h"
 
 #include <QLabel>
@@ -9,11 +10,12 @@
 namespace
 {
 
-/// The whole text is the widget's accessible name.
+/// The whole text is the widget's accessible name. The desktop may have another font since the last time.
 template <typename Widget>
-void place(Widget &widget, const QRect &frame, int padding)
+void place(Widget &widget, const QRect &frame, int padding, QFont::Weight weight)
 {
     widget.setGeometry(frame);
+    widget.setFont(systemFont(weight, widget.accessibleName()));
     widget.setText(widget.fontMetrics().elidedText(widget.accessibleName(), Qt::ElideRight, frame.width() - padding));
 }
 
@@ -22,7 +24,6 @@ void place(Widget &widget, const QRect &frame, int padding)
 QPushButton *newPopUpButton(const QString &text, QWidget *parent)
 {
     auto *button = new QPushButton(parent);
-    button->setFont(systemFont(QFont::Normal));
     button->setFocusPolicy(Qt::NoFocus);
     button->setAutoDefault(false);
     button->setAccessibleName(text);
@@ -32,7 +33,7 @@ QPushButton *newPopUpButton(const QString &text, QWidget *parent)
 void placePopUpButton(QPushButton &button, const QRect &frame)
 {
     constexpr int padding = 12;
-    place(button, frame, padding);
+    place(button, frame, padding, QFont::Normal);
 }
 
 QLabel *newPopUpIcon(QWidget *parent)
@@ -51,8 +52,8 @@ void placePopUpIcon(QLabel &icon, std::int32_t messageType, const QRect &frame)
 QLabel *newPopUpTitle(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(parent);
+    AccessiblePopUp::makeHeading(*label);
     label->setTextFormat(Qt::PlainText);
-    label->setFont(systemFont(QFont::Bold));
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setAccessibleName(text);
     return label;
@@ -60,5 +61,5 @@ QLabel *newPopUpTitle(const QString &text, QWidget *parent)
 
 void placePopUpTitle(QLabel &title, const QRect &frame)
 {
-    place(title, frame, 0);
+    place(title, frame, 0, QFont::Bold);
 }

@@ -1,13 +1,16 @@
 #include "platform/alert/AlertMessage.h"
 
-#include <QRegularExpression>
+#include <algorithm>
 
 std::vector<QStringList> alertColumns(const QString &message)
 {
-    static const QRegularExpression tabs(QStringLiteral("\t+"));
     std::vector<QStringList> lines;
     for (const QString &line : message.split(u'\n')) {
-        lines.push_back(line.split(tabs));
+        QStringList cells = line.split(u'\t');
+        if (cells.size() > 2) { // Between tabs that follow one another there is no column.
+            cells.erase(std::remove(cells.begin() + 1, cells.end() - 1, QString()), cells.end() - 1);
+        }
+        lines.push_back(cells);
     }
     return lines;
 }

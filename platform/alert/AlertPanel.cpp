@@ -2,9 +2,11 @@
 
 #include "platform/LogCategories.h"
 #include "platform/ProductTexts.h"
+#include "platform/alert/AccessibleAlert.h"
 #include "platform/alert/AlertIcon.h"
 #include "platform/alert/AlertMessage.h"
 #include "platform/screen/WindowStacking.h"
+#include "platform/text/SystemFont.h"
 
 #include <QDialogButtonBox>
 #include <QEventLoop>
@@ -78,9 +80,12 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint)
     , m_escape(!texts.alternateButton.isNull() && texts.otherButton.isNull() ? Alternate : Default)
 {
+    AccessibleAlert::makeFor(*this);
     setWindowTitle(QString::fromUtf16(ProductTexts::panelTitle));
     setAccessibleName(texts.title);
     setAccessibleDescription(alertWords(texts.message));
+    setFont(
+        fontFor(texts.title + texts.message + texts.defaultButton + texts.alternateButton + texts.otherButton, font()));
 
     auto *icon = new QLabel(this);
     const AlertSign sign = style == Style::Critical ? AlertSign::Critical : AlertSign::Information;
@@ -88,9 +93,7 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
 
     QLabel *title = newLabel(texts.title, this);
     title->setWordWrap(true);
-    QFont bold = title->font();
-    bold.setBold(true);
-    title->setFont(bold);
+    title->setFont(boldOf(title->font()));
 
     auto *buttons = new QDialogButtonBox(this);
     const auto addButton = [&](const QString &text, QDialogButtonBox::ButtonRole role, Response response) {

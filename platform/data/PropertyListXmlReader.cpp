@@ -28,6 +28,21 @@ QString decoded(const QByteArray &bytes)
     return decoder.hasError() || !text.isValidUtf16() ? QString() : text;
 }
 
+/// `type` ends with its first '>'.
+bool isPlainDocumentType(QStringView type)
+{
+    const QStringView start = u"<!DOCTYPE";
+    const QStringView name = u"plist";
+    if (!type.startsWith(start) || !type.endsWith(u'>')) {
+        return false;
+    }
+    const QStringView behind = type.sliced(start.size()).chopped(1);
+    const QStringView words = behind.trimmed();
+    return behind.size() > words.size() && behind.front().isSpace() && words.startsWith(name) &&
+           (words.size() == name.size() || words[name.size()].isSpace()) && !words.contains(u'[') &&
+           !words.contains(u'<');
+}
+
 // QXmlStreamReader expands the entities that an internal subset declares, and declarations that refer to one another
 // exhaust its stack.
 bool hasOnlyPlainDocumentType(QStringView text)
@@ -36,10 +51,9 @@ bool hasOnlyPlainDocumentType(QStringView text)
     if (type.isEmpty()) {
         return true;
     }
-    static const QRegularExpression plain(QStringLiteral("\\A<!DOCTYPE\\s+plist(?:\\s[^\\[<>]*)?>\\z"));
     const qsizetype length = type.indexOf(u'>') + 1;
     const QStringView rest = type.sliced(length);
-    return plain.match(type.first(length).toString()).hasMatch() && lengthBeforeDocumentType(rest) == rest.size();
+    return isPlainDocumentType(type.first(length)) && lengthBeforeDocumentType(rest) == rest.size();
 }
 
 /// [white space] [sign] digits, or hexadecimal digits behind 0x [white space]; from -2^63 to 2^64-1.

@@ -1,13 +1,14 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/linux/accessibility/AccessibilityBus.h"
+#include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
+#include "platform/linux/desktop/StartScale.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/workarounds/FreedMemory.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
 #include "platform/linux/workarounds/LostWindows.h"
 #include "platform/linux/workarounds/MenuMouse.h"
-#include "platform/linux/workarounds/PixmapCache.h"
 #include "platform/linux/workarounds/RootProperties.h"
 #include "platform/linux/workarounds/SessionManagerDeath.h"
 #include "platform/linux/workarounds/SuddenExit.h"
@@ -15,6 +16,11 @@
 #include "platform/linux/workarounds/bus/LibdbusWarnings.h"
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
 #include "platform/linux/workarounds/bus/SilentBus.h"
+#include "platform/linux/workarounds/memory/CompiledPatterns.h"
+#include "platform/linux/workarounds/memory/FlatButtons.h"
+#include "platform/linux/workarounds/memory/FreedMemory.h"
+#include "platform/linux/workarounds/memory/PixmapCache.h"
+#include "platform/linux/workarounds/memory/ThreadHeaps.h"
 #include "platform/screen/MenuPopUp.h"
 
 #include <QApplication>
@@ -31,6 +37,7 @@ std::atomic<bool> isEndRequested = false;
 
 QString GraphicalSession::prepare()
 {
+    keepThreadsOnOneHeap();
     // Who ignores its children hands that down, and Qt then never learns how one has ended: to it each has crashed.
     std::signal(SIGCHLD, SIG_DFL);
     // Who reads standard error may be gone; a warning that nobody reads is no reason to die.
@@ -53,6 +60,7 @@ QString GraphicalSession::prepare()
                                       probeBus(bus).state == BusState::Unusable ? BusUse::Hopeless : BusUse::Possible);
     PortalQuestion::avoid();
     keepQtFromLookingForLargerImages();
+    keepQtFromCompilingPatterns();
 
     if (!needsDisplay) {
         return {};
@@ -62,10 +70,14 @@ QString GraphicalSession::prepare()
     if (display.isEmpty()) {
         return QStringLiteral("no graphical session: DISPLAY is not set");
     }
-    xcb_connection_t *connection = xcb_connect(nullptr, nullptr);
+    int screen = 0;
+    xcb_connection_t *connection = xcb_connect(nullptr, &screen);
     const bool answers = xcb_connection_has_error(connection) == 0;
     // Without it Qt gives up in the middle of its start, and trays cannot be watched.
     const bool hasXFixes = answers && xcb_get_extension_data(connection, &xcb_xfixes_id)->present;
+    if (hasXFixes) {
+        StartScale::announce(connection, screen);
+    }
     xcb_disconnect(connection);
     if (hasXFixes) {
         return {};
@@ -78,6 +90,10 @@ QString GraphicalSession::prepare()
 void GraphicalSession::settle()
 {
     PortalQuestion::allow();
+    StartScale::withdraw();
+    AccessibleApplication::install();
+    new AccessibilityBus(SessionBus::instance(), QCoreApplication::instance());
+    FlatButtons::use();
     RootProperties::hearOnlyWhileShown();
     FreedMemory::giveBackAfterWindows();
     LateMouseEvents::keepFromQt();

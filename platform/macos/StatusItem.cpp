@@ -39,6 +39,7 @@ public:
     QIcon image;
     QString toolTip;
     QString title;
+    QString stateText;
     bool enabled = true;
 };
 
@@ -88,6 +89,17 @@ void StatusItem::setTitle(const QString &title)
 QString StatusItem::title() const
 {
     return d->title;
+}
+
+// Qt has no way to hand it to the system.
+void StatusItem::setStateText(const QString &text)
+{
+    d->stateText = text;
+}
+
+QString StatusItem::stateText() const
+{
+    return d->stateText;
 }
 
 void StatusItem::setImage(const QIcon &image)

@@ -1,4 +1,4 @@
-#include "platform/TopEdge.h"
+#include "platform/screen/TopEdge.h"
 
 #include "platform/StatusBar.h"
 

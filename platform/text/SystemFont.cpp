@@ -1,12 +1,31 @@
 #include "platform/text/SystemFont.h"
 
-#include <QFontDatabase>
+#include "platform/text/TextShaping.h"
 
-QFont systemFont(QFont::Weight weight)
+#include <QApplication>
+
+QFont systemFont(QFont::Weight weight, QStringView text)
 {
     constexpr int size = 12;
-    QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
+    QFont font = fontFor(text, QGuiApplication::font());
     font.setPixelSize(size);
-    font.setWeight(weight);
+    return weight >= QFont::Bold ? boldOf(font) : font;
+}
+
+QFont fontFor(QStringView text, QFont font)
+{
+    font.setStyleStrategy(needsShaping(text) ? QFont::PreferDefault : QFont::PreferNoShaping);
     return font;
+}
+
+QFont boldOf(QFont font)
+{
+    font.setBold(true);
+    font.setHintingPreference(QFont::PreferNoHinting);
+    return font;
+}
+
+void setApplicationFont(QFont font)
+{
+    QApplication::setFont(fontFor({}, std::move(font)));
 }

@@ -49,7 +49,7 @@ float textHeight(const QString &text, float width)
     const QStringView measured = firstScriptRuns(QStringView(text).first(std::min(text.size(), maxLength)));
     const QString lines = withoutPiledUpMarks(withLineSeparators(measured.toString()));
     const qreal lineWidth = width > 0 ? std::min<qreal>(width, maxWidth) : maxWidth;
-    const QFont font = systemFont(QFont::Normal);
+    const QFont font = systemFont(QFont::Normal, lines);
     qreal height = 0;
     qsizetype start = 0;
     qsizetype length = pieceLength;

@@ -59,6 +59,22 @@ enum { Close, Credits, Home, count };
 
 } // namespace
 
+TEST_F(Alert, HasButtonsOfOneColourEach)
+{
+    const std::optional<XWindow> about = openPanel(Session::About);
+    ASSERT_TRUE(about);
+    const QImage picture = session->desktop.view().grab(about->geometry);
+    const QList<QRect> buttons = MenuPicture::buttons(picture);
+    ASSERT_EQ(buttons.size(), AboutButtons::count);
+    for (const QRect &button : buttons) {
+        constexpr int edge = 3;
+        const QRect inside = button.adjusted(edge, edge, -edge, -edge); // Its text begins further right.
+        for (int y = inside.top(); y <= inside.bottom(); ++y) {
+            EXPECT_EQ(picture.pixelColor(inside.left(), y), picture.pixelColor(inside.topLeft())) << y;
+        }
+    }
+}
+
 TEST_F(Alert, SendsNothingWhenTheUserDoesNotWantToDisconnect)
 {
     std::optional<XWindow> question = openPanel(Session::Disconnect);

@@ -1,6 +1,7 @@
 #include "tests/session/support/DesktopWithAgent.h"
 #include "tests/session/support/HostileClient.h"
 #include "tests/support/FakePortal.h"
+#include "tests/support/ProcessMemory.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/StallingBus.h"
 #include "tests/support/WaitUntil.h"
@@ -155,6 +156,14 @@ TEST_F(Lifetime, StartsNoPortalInASessionWithoutOne)
     ASSERT_TRUE(waitUntil([&] { return agent->isLinked(); }));
     EXPECT_TRUE(agent->openMenu());
     EXPECT_FALSE(portal.isAsked()) << "a bus starts it for whoever asks";
+}
+
+TEST_F(Lifetime, KeepsAllItsThreadsOnOneHeap)
+{
+    ASSERT_TRUE(agent->startAndDock());
+    ASSERT_TRUE(waitUntil([&] { return agent->isLinked(); }));
+    ASSERT_TRUE(agent->openMenu());
+    EXPECT_EQ(ProcessMemory::heapsOfThreads(agent->pid()), 0);
 }
 
 TEST_F(Lifetime, SaysNothingWhenAllIsWell)

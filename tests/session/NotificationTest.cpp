@@ -3,6 +3,7 @@
 #include "tests/session/support/OtherWindow.h"
 #include "tests/session/support/Service.h"
 #include "tests/session/support/SessionWithMessages.h"
+#include "tests/support/ProcessMemory.h"
 #include "tests/support/SmallDisk.h"
 
 #include <QCoreApplication>
@@ -187,6 +188,13 @@ TEST_F(Notification, OpensALinkWithTheDefaultHandlerAndGoesASecondLater)
     EXPECT_TRUE(agent->waitUntilClosed()) << "the pop-up stays longer";
     EXPECT_EQ(cache(), Entries{"2x1"});
     EXPECT_EQ(browser.opened().size(), 1);
+}
+
+TEST_F(Notification, BringsNoMachineCodeOfItsOwnForItsPatterns)
+{
+    ASSERT_TRUE(start({{{.id = "1", .text = "<p style='font-size: 12px'>A notice.</p>"}}}));
+    ASSERT_TRUE(popUp());
+    EXPECT_FALSE(ProcessMemory::hasCodeThatItWrote(agent->pid()));
 }
 
 TEST_F(Notification, SelectsNothingWhenTheMouseIsDraggedAcrossIt)

@@ -30,3 +30,25 @@ qint64 ProcessMemory::privateKilobytes(qint64 pid)
 {
     return kilobytes(contentOf(pid, "smaps_rollup"), "Private_Dirty");
 }
+
+int ProcessMemory::heapsOfThreads(qint64 pid)
+{
+    constexpr qulonglong reservation = 64 * 1024 * 1024;
+    const QList<QByteArray> lines = contentOf(pid, "maps").split('\n');
+    int heaps = 0;
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+        const QByteArrayList used = lines[i].split(' ');
+        const QByteArrayList reserved = lines[i + 1].split(' ');
+        const qulonglong begin = used.value(0).split('-').value(0).toULongLong(nullptr, 16);
+        const QByteArrayList rest = reserved.value(0).split('-');
+        const bool isHeap = begin % reservation == 0 && used.value(1) == "rw-p" && reserved.value(1) == "---p" &&
+                            rest.value(1).toULongLong(nullptr, 16) == begin + reservation;
+        heaps += isHeap ? 1 : 0;
+    }
+    return heaps;
+}
+
+bool ProcessMemory::hasCodeThatItWrote(qint64 pid)
+{
+    return contentOf(pid, "maps").contains(" rwx");
+}

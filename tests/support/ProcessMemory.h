@@ -12,4 +12,11 @@ namespace ProcessMemory
 /// programs that run.
 [[nodiscard]] qint64 privateKilobytes(qint64 pid);
 
+/// How many heaps its threads have beside the main one, by the GNU C library: each lies at a multiple of 64 MB, in a
+/// reservation of that size.
+[[nodiscard]] int heapsOfThreads(qint64 pid);
+
+/// Whether it has memory that it can both write to and run.
+[[nodiscard]] bool hasCodeThatItWrote(qint64 pid);
+
 } // namespace ProcessMemory

@@ -22,10 +22,7 @@ clean_room() { # RELEASE --remove | RELEASE [--fresh] COMMAND...
     esac
     [[ $option == --remove || $# -gt 0 ]] || fail "clean-room wants a command; see ./kiv help"
     [[ $EUID -eq 0 ]] || fail "only root can make and enter a clean room"
-    if [[ $option != --remove ]] && ! may_mount; then
-        echo 'kiv: root may not mount here, as in most containers: no clean room' >&2
-        exit "$no_clean_rooms_here"
-    fi
+    [[ $option == --remove ]] || may_mount || exit_without_clean_room
     room=$clean_rooms/$release
     mkdir -p "$clean_rooms"
     exec {lock}>"$room.lock"
@@ -39,6 +36,11 @@ clean_room() { # RELEASE --remove | RELEASE [--fresh] COMMAND...
         make_room "$suite" "$room"
     fi
     use_room "$release" "$room" "$option" "$@" {lock}>&-
+}
+
+exit_without_clean_room() {
+    echo 'kiv: root may not mount here, as in most containers: no clean room' >&2
+    exit "$no_clean_rooms_here"
 }
 
 # All that in_room() mounts, tried where it is gone again at once.
@@ -78,19 +80,25 @@ debian_mirror() {
     echo "${mirror:-http://deb.debian.org/debian}"
 }
 
-use_room() { # RELEASE ROOM OPTION COMMAND...
-    local release=$1 room=$2 option=$3 clone=$2/root/kivmenua commit status=0 begin
-    shift 3
+# Clones what is committed into the room, or brings its clone up to that; sets commit.
+take_commit_into() { # ROOM
+    local clone=$1/root/kivmenua
     commit=$(git rev-parse HEAD) || fail "no git clone to take into the clean room"
     [[ -z $(git status --porcelain) ]] || say "Uncommitted changes are not in the clean room"
     [[ -d $clone ]] || git clone --quiet --no-hardlinks --no-checkout . "$clone"
     git -C "$clone" fetch --quiet "$PWD" HEAD
     git -C "$clone" checkout --quiet --force --detach "$commit"
     git -C "$clone" clean --quiet --force -d
-    rm -rf "$clone/build/shot"
     # A link to a service of the host would lead nowhere.
-    rm -f "$room/etc/resolv.conf"
-    cp /etc/resolv.conf "$room/etc/resolv.conf"
+    rm -f "$1/etc/resolv.conf"
+    cp /etc/resolv.conf "$1/etc/resolv.conf"
+}
+
+use_room() { # RELEASE ROOM OPTION COMMAND...
+    local release=$1 room=$2 option=$3 clone=$2/root/kivmenua commit status=0 begin
+    shift 3
+    take_commit_into "$room"
+    rm -rf "$clone/build/shot"
 
     say "In a clean room of Debian $release, commit ${commit:0:12}: ./kiv $*"
     begin=$SECONDS

@@ -1,4 +1,4 @@
-"""What use leaves behind in memory."""
+"""What use goes on adding to memory."""
 
 import contextlib
 import time
@@ -6,21 +6,11 @@ import time
 from bench.session import cost, programs, use
 from bench.session.desktop import Desktop
 from bench.session.figure import Figure
-from bench.session.figures.memory import SETTLE, memory_of_third
+from bench.session.figures.memory import SETTLE
 from bench.session.use import Hints, Questions
 
 FEW = 5
 MANY = 500
-
-
-def _use_everything(place):
-    def act(desktop, running):
-        use.open_and_close_menu(desktop, 1)
-        use.show_about(desktop)
-        hints = Hints(place, desktop, running.process.pid)
-        for number in range(FEW):
-            hints.show_and_close(f"This is hint {number}")
-    return act
 
 
 def _growth(place, program, make_act):
@@ -62,16 +52,11 @@ def _question(place):
 def measure(place):
     everyone = {program.name: program for program in programs.all_programs(place)}
     ours = everyone[programs.OURS]
-    used = Figure(
-        "Memory after use", "kB", "As above, after the menu, an alert and five pop-ups were shown and closed again; "
-        "beside it the floor, which was not used.",
-        {programs.OURS: memory_of_third(place, ours, _use_everything(place)),
-         programs.FLOOR: memory_of_third(place, everyone[programs.FLOOR])})
 
     def growth(what, make_act):
         return Figure(f"Memory added from the {FEW}th to the {MANY}th {what}", "kB",
                       "Private memory, clean and dirty, of the third of three, as above.",
                       {programs.OURS: _growth(place, ours, make_act)}).require("100 kB", 100)
 
-    return [used.require_times(1.6, programs.FLOOR), growth("pop-up", _pop_up(place)), growth("menu", _menu),
+    return [growth("pop-up", _pop_up(place)), growth("menu", _menu),
             growth("question before a disconnect", _question(place))]

@@ -11,10 +11,11 @@ from bench.session.programs import Kind
 SETTLE = 5  # Seconds from docking to the look at its memory.
 
 
-def memory_of_third(place, program, use=None):
-    """In kB: the private memory of the third of three copies, after `use` of each if there is one."""
+def memory_of_third(place, program, use=None, environment=None):
+    """In kB: the private memory of the third of three copies, after `use` of each if there is one, in desktops with
+    that environment beside their own."""
     with contextlib.ExitStack() as stack:
-        desktops = [stack.enter_context(Desktop(place)) for _ in range(3)]
+        desktops = [stack.enter_context(Desktop(place, environment=environment)) for _ in range(3)]
         running = [programs.start(desktop, program) for desktop in desktops]
         if use:
             for desktop, one in zip(desktops, running):

@@ -1,6 +1,7 @@
 #include "platform/StatusItem.h"
 
 #include "platform/LogCategories.h"
+#include "platform/linux/accessibility/AccessibleItem.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
@@ -13,7 +14,9 @@
 #include "platform/linux/item/menu/MenuRequests.h"
 #include "platform/linux/item/strip/Strip.h"
 
+#include <QEvent>
 #include <QGuiApplication>
+#include <QPalette>
 #include <QScreen>
 #include <QTimer>
 
@@ -53,9 +56,11 @@ class StatusItem::Private final : public QObject
 public:
     explicit Private(StatusItem *owner);
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void update(Settling settling);
     void apply();
     void setMenu(QMenu *offered);
+    void showMenu() { m_requests.ShowMenu(); }
 
     /// The window that the user sees, or shall see; null when there is none.
     [[nodiscard]] TrayIconWindow *window() const { return m_strip ? &m_strip->window() : m_docked.get(); }
@@ -72,6 +77,7 @@ private:
     void makeStripAgain();
     void handlePress(std::optional<QPoint> place);
     void handleKey();
+    void tellOfFocus(bool focused) { AccessibleItem::tellOfFocus(*m_owner, focused); }
 
     StatusItem *const m_owner;
     QMenu *m_menu = nullptr;
@@ -108,10 +114,19 @@ StatusItem::Private::Private(StatusItem *owner)
     connect(&m_notifiers, &NotifierHostWatch::changed, this,
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
 
+    qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::makeStripAgain);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
+}
+
+bool StatusItem::Private::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == qGuiApp && event->type() == QEvent::ApplicationPaletteChange) {
+        apply();
+    }
+    return false;
 }
 
 void StatusItem::Private::update(Settling settling)
@@ -198,6 +213,7 @@ void StatusItem::Private::listenTo(TrayIconWindow &window)
 {
     connect(&window, &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
     connect(&window, &TrayIconWindow::chosenByKey, this, &Private::handleKey);
+    connect(&window, &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
 }
 
 /// The tray has gone, or has put the icon out while it rebuilds itself, or another program has destroyed the window. In
@@ -228,6 +244,7 @@ void StatusItem::Private::makeStripAgain()
 
 void StatusItem::Private::apply()
 {
+    look.plate = QGuiApplication::palette().color(QPalette::Window).rgb();
     for (TrayIconWindow *const each : {m_docked.get(), m_strip ? &m_strip->window() : nullptr}) {
         if (each) {
             each->setLook(look);
@@ -236,6 +253,7 @@ void StatusItem::Private::apply()
     if (m_notifierItem) {
         m_notifierItem->setLook(look);
     }
+    AccessibleItem::tellOfChange(*m_owner);
 }
 
 void StatusItem::Private::setMenu(QMenu *offered)
@@ -267,9 +285,13 @@ StatusItem::StatusItem(QObject *parent)
     : QObject(parent)
     , d(std::make_unique<Private>(this))
 {
+    AccessibleItem::makeFor(*this, [this] { d->showMenu(); });
 }
 
-StatusItem::~StatusItem() = default;
+StatusItem::~StatusItem()
+{
+    AccessibleItem::tellOfEnd(*this);
+}
 
 void StatusItem::setEnabled(bool enabled)
 {
@@ -308,6 +330,19 @@ void StatusItem::setTitle(const QString &title)
 QString StatusItem::title() const
 {
     return d->look.title;
+}
+
+void StatusItem::setStateText(const QString &text)
+{
+    if (d->look.stateText != text) {
+        d->look.stateText = text;
+        d->apply();
+    }
+}
+
+QString StatusItem::stateText() const
+{
+    return d->look.stateText;
 }
 
 void StatusItem::setImage(const QIcon &image)

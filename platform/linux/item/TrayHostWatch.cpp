@@ -5,10 +5,6 @@
 #include "platform/linux/include/ProcessOfWindow.h"
 #include "platform/linux/include/XConnection.h"
 
-#include <QCoreApplication>
-
-#include <xcb/xfixes.h>
-
 namespace
 {
 
@@ -22,42 +18,9 @@ bool isNameOfProxy(const QByteArray &program)
 
 TrayHostWatch::TrayHostWatch(QObject *parent)
     : QObject(parent)
+    , m_selection(XConnection::traySelection(), [this](xcb_window_t owner) { handleOwner(owner); })
 {
-    xcb_connection_t *x = XConnection::get();
-    const xcb_query_extension_reply_t *xfixes = x ? xcb_get_extension_data(x, &xcb_xfixes_id) : nullptr;
-    if (!xfixes || !xfixes->present) {
-        return;
-    }
-    const auto versionCookie = xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);
-    const XcbReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(x, versionCookie, nullptr));
-    m_selectionNotify = xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY;
-    m_window.emplace([this] { handleOwner(watchSelection()); });
-    QCoreApplication::instance()->installNativeEventFilter(this);
-    setTray(watchSelection());
-}
-
-TrayHostWatch::~TrayHostWatch() = default;
-
-xcb_window_t TrayHostWatch::watchSelection()
-{
-    xcb_xfixes_select_selection_input(
-        XConnection::get(), m_window->id(), XConnection::atom(XConnection::traySelection()),
-        XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER | XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_WINDOW_DESTROY |
-            XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
-    // After the selecting, so that no change falls between.
-    return XConnection::selectionOwner(XConnection::traySelection());
-}
-
-bool TrayHostWatch::nativeEventFilter(const QByteArray &, void *message, qintptr *)
-{
-    const auto *event = static_cast<const xcb_generic_event_t *>(message);
-    if (XConnection::eventType(*event) == m_selectionNotify) {
-        const auto *notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t *>(event);
-        if (notify->window == m_window->id()) {
-            handleOwner(notify->owner);
-        }
-    }
-    return false;
+    setTray(m_selection.firstOwner());
 }
 
 void TrayHostWatch::setTray(xcb_window_t owner)

@@ -23,8 +23,6 @@
 namespace
 {
 
-/// Alone, the icon may lie on any picture; on a plate of its own it can be told from it.
-constexpr QRgb plateColour = 0xffececec;
 const QByteArray className(ProductTexts::itemName.data(), ProductTexts::itemName.size());
 
 /// The tray's windows may be gone before a request about them arrives; that is no error worth Qt's log.
@@ -124,7 +122,8 @@ TrayIconWindow::~TrayIconWindow()
 
 void TrayIconWindow::setLook(const StatusItemLook &look)
 {
-    const bool repaint = look.image.cacheKey() != m_look.image.cacheKey() || look.enabled != m_look.enabled;
+    const bool repaint = look.image.cacheKey() != m_look.image.cacheKey() || look.enabled != m_look.enabled ||
+                         look.plate != m_look.plate;
     const bool rename = look.title != m_look.title || look.toolTip != m_look.toolTip;
     m_look = look;
     if (rename) {
@@ -338,6 +337,7 @@ void TrayIconWindow::setFocused(bool focused)
     if (m_focused != focused) {
         m_focused = focused;
         paint();
+        Q_EMIT focusChanged(focused);
     }
 }
 
@@ -394,6 +394,7 @@ QImage TrayIconWindow::background(const QRect &area) const
         return m_cells ? m_cells->coloured(picture) : picture;
     }
     QImage canvas(area.size(), m_cells ? QImage::Format_RGB32 : m_visual.format);
-    canvas.fill(m_kind == Kind::Alone ? QColor::fromRgba(plateColour) : Qt::transparent);
+    // Alone, the icon may lie on any picture; on a plate of its own it can be told from it.
+    canvas.fill(m_kind == Kind::Alone ? QColor::fromRgba(m_look.plate) : Qt::transparent);
     return canvas;
 }

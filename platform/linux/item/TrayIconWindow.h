@@ -50,6 +50,8 @@ Q_SIGNALS:
     void pressed();
     /// A key that opens the menu was pressed while it had the keyboard. From the event loop.
     void chosenByKey();
+    /// It has the keyboard, or no longer.
+    void focusChanged(bool focused);
     /// The tray has taken the window in. From the event loop.
     void docked();
     /// The tray no longer embeds the window, or has ended, and the window with it; or another program has destroyed it.

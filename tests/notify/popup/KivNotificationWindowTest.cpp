@@ -1,5 +1,6 @@
 #include "notify/popup/KivNotificationWindow.h"
 
+#include "notify/popup/MessageTypeIcon.h"
 #include "platform/Bundle.h"
 #include "platform/MainScreen.h"
 #include "platform/images/IcnsReader.h"
@@ -16,6 +17,7 @@
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMultiHash>
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
@@ -654,21 +656,22 @@ TEST_F(KivNotificationWindowTest, ClosesItsOwnWayWhenQtCloses)
     EXPECT_EQ(owner.closes, 1);
 }
 
-TEST_F(KivNotificationWindowTest, NamesItsPartsForScreenReaders)
+TEST_F(KivNotificationWindowTest, IsANotificationToScreenReadersAndNamesItsParts)
 {
     show();
-    EXPECT_EQ(window->accessibleName(), QStringLiteral("Warning"));
-    const auto nameOf = [](QWidget *widget) {
-        QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(widget);
-        return interface ? interface->text(QAccessible::Name) : QString();
-    };
-    QStringList names;
+    const auto interfaceOf = [](QWidget *widget) { return QAccessible::queryAccessibleInterface(widget); };
+    EXPECT_EQ(interfaceOf(window)->role(), QAccessible::Notification);
+    EXPECT_EQ(interfaceOf(window)->text(QAccessible::Name), QStringLiteral("Warning"));
+    QMultiHash<QString, QAccessible::Role> parts;
     for (QWidget *widget : window->findChildren<QWidget *>()) {
-        names.append(nameOf(widget));
+        parts.insert(interfaceOf(widget)->text(QAccessible::Name), interfaceOf(widget)->role());
     }
-    for (const char *name : {"Message type", "Warning", "Message", "Remind Me Later", "Do Not Remind Me Later"}) {
-        EXPECT_TRUE(names.contains(QLatin1String(name))) << name;
-    }
+    EXPECT_EQ(parts.value(QStringLiteral("Message type")), QAccessible::Graphic);
+    EXPECT_EQ(parts.value(QStringLiteral("Warning")), QAccessible::Heading)
+        << "a label would be read after the same name";
+    EXPECT_EQ(parts.value(record->messageText()), QAccessible::StaticText);
+    EXPECT_EQ(parts.value(QStringLiteral("Remind Me Later")), QAccessible::Button);
+    EXPECT_EQ(parts.value(QStringLiteral("Do Not Remind Me Later")), QAccessible::Button);
 }
 
 TEST_F(KivNotificationWindowTest, KeepsItsButtonsOnTheScreenWhateverTheMessageAsks)
@@ -783,6 +786,26 @@ TEST_F(KivNotificationWindowTest, ShowsTheIconOfItsType)
         ASSERT_TRUE(waitUntil([this] { return isGone(); }));
     }
     EXPECT_NE(pictureIn("update"), pictureIn("warning"));
+}
+
+TEST(MessageTypeIcon, HasItsPictureInThePixelsOfTheScreen)
+{
+    QFile file(Bundle::main().pathForResource(QStringLiteral("update"), QStringLiteral("icns")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray pictures = file.readAll();
+    const std::pair<qreal, int> table[] = {{1, 50}, {1.25, 63}, {1.5, 75}, {2, 100}};
+    for (const auto &[ratio, pixels] : table) {
+        const QPixmap icon = messageTypeIcon(0, 50, ratio);
+        EXPECT_EQ(icon.devicePixelRatio(), ratio);
+        QImage shown = icon.toImage();
+        shown.setDevicePixelRatio(1);
+        const QImage best = readIcns(pictures, pixels);
+        EXPECT_GE(best.width(), pixels) << "none is made larger";
+        EXPECT_EQ(
+            shown,
+            QPixmap::fromImage(best.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation)).toImage())
+            << ratio;
+    }
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "notify/popup/KivTextView.h"
 
-#include <QCoreApplication>
+#include "tests/support/WaitUntil.h"
+
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QMouseEvent>
@@ -361,3 +363,58 @@ TEST_F(KivTextViewTest, ShowsAllOfATextOfSixtyFourKilobytesAndThenAnEllipsis)
 }
 
 } // namespace
+
+TEST_F(KivTextViewTest, FormsTheLettersOfScriptsThatNeedItHoweverTheyAreWritten)
+{
+    for (const QString &text : {QStringLiteral("السلام"), QStringLiteral("<p><b>السلام</b></p>"),
+                                QStringLiteral("<p>&#1575;&#1604;&#1587;</p>")}) {
+        view.setMessage(text, width);
+        EXPECT_EQ(view.document()->defaultFont().styleStrategy(), QFont::PreferDefault) << text.toStdString();
+    }
+    for (const QString &text : {QStringLiteral("Peace"), QStringLiteral("<p>Peace &eacute;</p>")}) {
+        view.setMessage(text, width);
+        EXPECT_EQ(view.document()->defaultFont().styleStrategy(), QFont::PreferNoShaping) << text.toStdString();
+    }
+}
+
+TEST_F(KivTextViewTest, KeepsItsSizeAndTakesTheFamilyWhenTheApplicationsFontChanges)
+{
+    for (const QString &text : {QStringLiteral("A text"), QStringLiteral("<p>A <b>text</b></p>")}) {
+        view.setMessage(text, width);
+        const QFont before = QApplication::font();
+        int changes = 0;
+        const auto counting = QObject::connect(&view, &KivTextView::fontChanged, [&] { ++changes; });
+        QFont other = before;
+        other.setFamilies({QStringLiteral("DejaVu Serif")});
+        other.setPointSizeF(40);
+        QApplication::setFont(other);
+        EXPECT_TRUE(waitUntil([&] { return changes > 0; }));
+        EXPECT_EQ(view.document()->defaultFont().families(), other.families()) << text.toStdString();
+        EXPECT_EQ(view.document()->defaultFont().pixelSize(), 12) << text.toStdString();
+        changes = 0;
+        QApplication::setFont(before);
+        EXPECT_TRUE(waitUntil([&] { return changes > 0; }));
+        EXPECT_EQ(view.document()->defaultFont().pixelSize(), 12) << text.toStdString();
+        QObject::disconnect(counting);
+    }
+}
+
+TEST_F(KivTextViewTest, TakesTheColoursOfAnotherPaletteAtOnce)
+{
+    view.setMessage(QStringLiteral("See https://example.com/ now"), width);
+    const auto linkColour = [&] {
+        for (const Piece &piece : pieces(view)) {
+            if (piece.format.isAnchor()) {
+                return piece.format.foreground().color();
+            }
+        }
+        return QColor();
+    };
+    const QColor onLight = linkColour();
+    ASSERT_TRUE(onLight.isValid());
+    QPalette dark = view.palette();
+    dark.setColor(QPalette::Window, QColor(0x20, 0x20, 0x20));
+    dark.setColor(QPalette::Text, Qt::white);
+    view.setPalette(dark);
+    EXPECT_GT(linkColour().lightness(), onLight.lightness());
+}

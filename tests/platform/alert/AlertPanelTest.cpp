@@ -1,5 +1,6 @@
 #include "platform/alert/AlertPanel.h"
 
+#include "platform/alert/AlertIcon.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"
 
@@ -181,4 +182,31 @@ TEST(AlertPanel, StaysAboveOtherWindowsAndTellsAssistiveTechnologyItsText)
     EXPECT_TRUE(panel.windowFlags() & Qt::WindowStaysOnTopHint);
     EXPECT_EQ(panel.accessibleName(), QStringLiteral("Title"));
     EXPECT_EQ(panel.accessibleDescription(), QStringLiteral("Message"));
+}
+
+TEST(AlertPanel, FormsTheLettersOfScriptsThatNeedIt)
+{
+    const AlertPanel panel(AlertPanel::Style::Informational,
+                           {QStringLiteral("Title"), QStringLiteral("السلام"), QStringLiteral("Ok"), {}, {}});
+    for (const QLabel *label : panel.findChildren<QLabel *>()) {
+        EXPECT_EQ(label->font().styleStrategy(), QFont::PreferDefault);
+    }
+    const AlertPanel plain(AlertPanel::Style::Informational, oneButton);
+    for (const QLabel *label : plain.findChildren<QLabel *>()) {
+        EXPECT_EQ(label->font().styleStrategy(), QFont::PreferNoShaping);
+    }
+}
+
+TEST(AlertIcon, IsDrawnInThePixelsOfTheScreen)
+{
+    const std::pair<qreal, int> table[] = {{1, 48}, {1.25, 60}, {1.5, 72}, {2, 96}};
+    for (const auto &[ratio, pixels] : table) {
+        const QPixmap icon = alertIcon(AlertSign::Information, 48, ratio);
+        EXPECT_EQ(icon.size(), QSize(pixels, pixels));
+        EXPECT_EQ(icon.devicePixelRatio(), ratio);
+        const QImage middle = icon.toImage().copy(pixels * 21 / 48 + 1, pixels * 22 / 48, pixels * 4 / 48, pixels / 4);
+        for (int x = 0; x < middle.width(); ++x) {
+            EXPECT_EQ(middle.pixelColor(x, middle.height() / 2), QColor(Qt::white)) << "the stem, with hard edges";
+        }
+    }
 }

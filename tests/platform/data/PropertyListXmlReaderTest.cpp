@@ -117,6 +117,8 @@ TEST(PropertyListXmlReader, RefusesEveryOtherDocumentTypeAndItsEntities)
     const char *heads[] = {
         "<!DOCTYPE html>",
         "<!DOCTYPE plists>",
+        "<!DOCTYPEplist>",
+        "<!DOCTYPE plist <a>",
         "<!DOCTYPE plist []>",
         "<!DOCTYPE plist [<!ENTITY e \"x\">]>",
         "<!DOCTYPE plist PUBLIC \"a\" \"b\" [<!ENTITY e \"x\">]>",

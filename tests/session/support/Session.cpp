@@ -24,6 +24,9 @@ bool Session::start(const Setting &setting)
         !desktop.startPanel(Desktop::TraySide::Left)) {
         return false;
     }
+    if (setting.beforeTheAgent && !setting.beforeTheAgent()) {
+        return false;
+    }
     agent.emplace(desktop, setting.program);
     agent->environment.insert(setting.agentsEnvironment);
     agent->feed = setting.feed;

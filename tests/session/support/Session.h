@@ -5,6 +5,7 @@
 #include "tests/session/support/Desktop.h"
 #include "tests/session/support/Service.h"
 
+#include <functional>
 #include <optional>
 
 /// A whole session at work: a desktop with window manager and panel, the agent in it, and its service, which allows
@@ -23,8 +24,9 @@ public:
     struct Setting {
         Desktop::Server server = Desktop::Server::RemoteDesktop;
         Agent::Program program = Agent::Program::AsBuilt;
-        QProcessEnvironment agentsEnvironment; ///< Added to what the agent has of the desktop.
-        QString feed;                          ///< The address of the agent's message feed.
+        QProcessEnvironment agentsEnvironment;     ///< Added to what the agent has of the desktop.
+        QString feed;                              ///< The address of the agent's message feed.
+        std::function<bool()> beforeTheAgent = {}; ///< Done once the desktop is there; false when it cannot be done.
     };
 
     /// False, with a test failure, when not all of it starts.

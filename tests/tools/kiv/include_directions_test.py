@@ -24,7 +24,7 @@ PLATFORM = {
     'platform/data': ['platform/files'],
     'platform/images': [],
     'platform/text': [],
-    'platform/alert': [],
+    'platform/alert': ['platform/text'],
 }
 LINUX = {
     'platform/linux/include': [],

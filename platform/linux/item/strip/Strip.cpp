@@ -1,11 +1,12 @@
 #include "platform/linux/item/strip/Strip.h"
 
 #include "platform/LogCategories.h"
+#include "platform/ProductTexts.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/item/strip/StripPlacement.h"
-#include "platform/linux/screen/StandingItem.h"
-#include "platform/linux/screen/WorkArea.h"
+#include "platform/linux/screen/free/StandingItem.h"
+#include "platform/linux/screen/free/WorkArea.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -18,14 +19,13 @@ namespace
 {
 
 constexpr double sideInPoints = 22;
-constexpr char distanceProperty[] = "_KIVMENUA_ITEM";
 
 /// Where the user has put it before, whichever copy of this program it was.
 std::optional<int> rememberedDistance()
 {
     xcb_connection_t *x = XConnection::get();
-    const auto cookie = xcb_get_property(x, false, XConnection::screen()->root, XConnection::atom(distanceProperty),
-                                         XCB_ATOM_CARDINAL, 0, 1);
+    const auto cookie = xcb_get_property(x, false, XConnection::screen()->root,
+                                         XConnection::atom(ProductTexts::itemProperty), XCB_ATOM_CARDINAL, 0, 1);
     const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x, cookie, nullptr));
     if (!reply || reply->format != 32 || reply->value_len != 1 || reply->bytes_after != 0) {
         return std::nullopt;
@@ -39,8 +39,8 @@ void rememberDistance(int distance)
 {
     const auto value = static_cast<std::uint32_t>(distance);
     xcb_connection_t *x = XConnection::get();
-    xcb_change_property(x, XCB_PROP_MODE_REPLACE, XConnection::screen()->root, XConnection::atom(distanceProperty),
-                        XCB_ATOM_CARDINAL, 32, 1, &value);
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, XConnection::screen()->root,
+                        XConnection::atom(ProductTexts::itemProperty), XCB_ATOM_CARDINAL, 32, 1, &value);
     xcb_flush(x);
 }
 

@@ -41,9 +41,9 @@ private:
     void stand(const QRect &place);
 
     std::unique_ptr<TrayIconWindow> m_window;
-    QRect m_place;   ///< Where it is, be it under the mouse.
-    QRect m_settled; ///< Where it is while nobody drags it.
+    QRect m_place;                                   ///< Where it is, be it under the mouse.
+    QRect m_settled;                                 ///< Where it is while nobody drags it.
     std::optional<xcb_button_press_event_t> m_press; ///< Of the primary button, while it is down.
-    QRect m_area; ///< In which it is dragged.
+    QRect m_area;                                    ///< In which it is dragged.
     bool m_isDragged = false;
 };

@@ -399,7 +399,12 @@ TEST_F(StatusItemTest, StandsAloneAtOnceWhereNoTrayIs)
     EXPECT_EQ(qtPlace(item), usualStrip);
     EXPECT_TRUE(waitUntil([] { return screenColour({1109, 11}) == QColor(Qt::red); }));
     item.setImage(QIcon());
-    EXPECT_TRUE(waitUntil([] { return screenColour({1109, 11}) == QColor(0xec, 0xec, 0xec); })) << "its own plate";
+    EXPECT_TRUE(waitUntil([] {
+        return screenColour({1109, 11}) == QGuiApplication::palette().color(QPalette::Window);
+    })) << "its own plate";
+    QApplication::setPalette(QPalette(Qt::darkGray));
+    EXPECT_TRUE(waitUntil([] { return screenColour({1109, 11}) == QColor(Qt::darkGray); })) << "by the desktop's look";
+    QApplication::setPalette(QPalette());
     PressCounter presses(item);
     FakeInput::click(usualStrip.center());
     EXPECT_TRUE(waitUntil([&] { return presses.count == 1; }));

@@ -18,8 +18,8 @@
 namespace
 {
 
-const QString interface = QStringLiteral("org.kde.StatusNotifierItem");
-const QString path = QStringLiteral("/StatusNotifierItem");
+const QString itemInterface = QStringLiteral("org.kde.StatusNotifierItem");
+const QString itemPath = QStringLiteral("/StatusNotifierItem");
 
 QIcon iconOf(Qt::GlobalColor colour)
 {
@@ -36,7 +36,7 @@ class SignalRecorder final : public QObject
 public:
     SignalRecorder(QDBusConnection connection, const QString &sender)
     {
-        connection.connect(sender, path, interface, QString(), this, SLOT(record(QDBusMessage)));
+        connection.connect(sender, itemPath, itemInterface, QString(), this, SLOT(record(QDBusMessage)));
     }
 
     std::vector<std::string> heard;
@@ -61,12 +61,12 @@ protected:
         look.image = iconOf(Qt::red);
         look.toolTip = QStringLiteral("Kivune Menu");
         item.setLook(look);
-        ASSERT_TRUE(server.connection().registerObject(path, &item, QDBusConnection::ExportAdaptors));
+        ASSERT_TRUE(server.connection().registerObject(itemPath, &item, QDBusConnection::ExportAdaptors));
     }
 
     [[nodiscard]] QDBusMessage call(const QString &ofInterface, const QString &member, const QVariantList &arguments)
     {
-        QDBusMessage message = QDBusMessage::createMethodCall(server.name(), path, ofInterface, member);
+        QDBusMessage message = QDBusMessage::createMethodCall(server.name(), itemPath, ofInterface, member);
         message.setArguments(arguments);
         const QDBusPendingCall pending = host.connection().asyncCall(message);
         EXPECT_TRUE(waitUntil([&] { return pending.isFinished(); }));
@@ -76,7 +76,7 @@ protected:
     [[nodiscard]] QVariant property(const QString &name)
     {
         const QDBusMessage answer =
-            call(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"), {interface, name});
+            call(QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"), {itemInterface, name});
         EXPECT_EQ(answer.type(), QDBusMessage::ReplyMessage) << qPrintable(name);
         return answer.arguments().value(0).value<QDBusVariant>().variant();
     }
@@ -179,10 +179,10 @@ TEST_F(StatusNotifierItemTest, IsPressedWhereItsHostSays)
     std::vector<std::optional<QPoint>> presses;
     QObject::connect(&item, &StatusNotifierItem::pressed, &item,
                      [&](std::optional<QPoint> place) { presses.push_back(place); });
-    EXPECT_EQ(call(interface, QStringLiteral("Activate"), {300, 20}).type(), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(call(interface, QStringLiteral("ContextMenu"), {310, -20}).type(), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(call(interface, QStringLiteral("SecondaryActivate"), {7, 8}).type(), QDBusMessage::ReplyMessage);
-    EXPECT_EQ(call(interface, QStringLiteral("Activate"), {0, 0}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call(itemInterface, QStringLiteral("Activate"), {300, 20}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call(itemInterface, QStringLiteral("ContextMenu"), {310, -20}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call(itemInterface, QStringLiteral("SecondaryActivate"), {7, 8}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call(itemInterface, QStringLiteral("Activate"), {0, 0}).type(), QDBusMessage::ReplyMessage);
     EXPECT_TRUE(waitUntil([&] { return presses.size() >= 4; }));
     EXPECT_THAT(presses, testing::ElementsAre(QPoint(300, 20), QPoint(310, -20), QPoint(7, 8), std::nullopt));
 }
@@ -202,10 +202,10 @@ TEST_F(StatusNotifierItemTest, TakesTheWheelForNothing)
 {
     int presses = 0;
     QObject::connect(&item, &StatusNotifierItem::pressed, &item, [&] { ++presses; });
-    EXPECT_EQ(call(interface, QStringLiteral("Scroll"), {120, QStringLiteral("vertical")}).type(),
+    EXPECT_EQ(call(itemInterface, QStringLiteral("Scroll"), {120, QStringLiteral("vertical")}).type(),
               QDBusMessage::ReplyMessage);
     // Presses are told in the order of the calls.
-    EXPECT_EQ(call(interface, QStringLiteral("Activate"), {1, 1}).type(), QDBusMessage::ReplyMessage);
+    EXPECT_EQ(call(itemInterface, QStringLiteral("Activate"), {1, 1}).type(), QDBusMessage::ReplyMessage);
     EXPECT_TRUE(waitUntil([&] { return presses > 0; }));
     EXPECT_EQ(presses, 1);
 }

@@ -1,101 +1,30 @@
+#include "tests/platform/linux/workarounds/WorkaroundNeed.h"
+
 #include "platform/linux/include/XConnection.h"
-#include "tests/platform/linux/workarounds/MenuWithMouse.h"
 #include "tests/session/support/SessionManager.h"
 #include "tests/session/support/XInput.h"
 #include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
-#include "tests/support/ChildProcess.h"
 #include "tests/support/FakePortal.h"
+#include "tests/support/FakeScreenReader.h"
 #include "tests/support/PrivateBus.h"
 #include "tests/support/PrivateXServer.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/TestXServer.h"
-#include "tests/support/WaitUntil.h"
 
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
-#include <QFile>
 #include <QImage>
-#include <QPixmapCache>
 #include <QTemporaryDir>
-#include <QTextBrowser>
 #include <QWidget>
 #include <QWindow>
 
-#include <gtest/gtest.h>
-
-#include <X11/Xlib.h>
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <dlfcn.h>
-#include <malloc.h>
 #include <memory>
-#include <unistd.h>
-#include <vector>
-
-// Each of these shows somebody else's bug as it is without our cure (platform/linux/workarounds/), and tells whether it
-// is still there. None fails when it has gone: the line that it then prints, which ./kiv test repeats at its end, says
-// that the cure can be taken out once no supported system needs it.
-//
-// A program to itself, for the cures cannot be taken back once they are at work.
-
-namespace
-{
 
 using namespace std::chrono_literals;
-
-void tell(const char *workaround, bool isNeeded)
-{
-    std::printf("workaround %s: %s with Qt %s\n", workaround, isNeeded ? "still needed" : "no longer needed",
-                qVersion());
-    testing::Test::RecordProperty("isNeeded", isNeeded ? "yes" : "no");
-}
-
-std::size_t heapInUse()
-{
-    return mallinfo2().uordblks;
-}
-
-/// In bytes.
-qint64 residentMemory()
-{
-    QFile file(QStringLiteral("/proc/self/statm"));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
-}
-
-/// A program without cures (workaround_subject.cpp) on the X server of these tests.
-class Subject final
-{
-public:
-    Subject() { m_process.environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")); }
-
-    [[nodiscard]] QProcessEnvironment &environment() { return m_process.environment; }
-    [[nodiscard]] ChildProcess &process() { return m_process; }
-    [[nodiscard]] bool start(const QStringList &arguments)
-    {
-        return m_process.start(QStringLiteral(KIV_WORKAROUND_SUBJECT), arguments);
-    }
-    /// Whether its event loop has begun.
-    [[nodiscard]] bool isUp()
-    {
-        return waitUntil([this] { return m_process.output().contains("up\n"); });
-    }
-    [[nodiscard]] bool endsWithin(std::chrono::milliseconds timeout)
-    {
-        return waitUntil([this] { return !m_process.isRunning(); }, timeout);
-    }
-
-private:
-    ChildProcess m_process;
-};
-
-class WorkaroundNeed : public MenuWithMouse
-{
-};
-
-} // namespace
 
 TEST_F(WorkaroundNeed, RootProperties)
 {
@@ -135,62 +64,6 @@ TEST_F(WorkaroundNeed, LateMouseEvents)
     other.show();
     ASSERT_TRUE(waitUntil([&] { return other.isExposed(); }));
     tell("LateMouseEvents", window.presses > 1);
-}
-
-TEST_F(WorkaroundNeed, FreedMemory)
-{
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer has an allocator of its own";
-#endif
-    constexpr int pieces = 32 * 1024;
-    constexpr std::size_t size = 1000; // Small enough to come from the heap.
-    std::vector<std::unique_ptr<char[]>> memory(pieces);
-    for (auto &piece : memory) {
-        piece = std::make_unique<char[]>(size);
-    }
-    const auto above = std::make_unique<char[]>(size);
-    const qint64 before = residentMemory();
-    memory.clear();
-    tell("FreedMemory", residentMemory() > before - qint64(pieces * size) / 2);
-}
-
-TEST_F(WorkaroundNeed, FreedMemoryOfXlib)
-{
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer has an allocator of its own";
-#endif
-    const auto *x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    ASSERT_TRUE(x11);
-    constexpr int windows = 100;
-    for (int i = 0; i < windows; ++i) {
-        QTextBrowser window;
-        window.setWindowTitle(QStringLiteral("Window"));
-        window.show();
-        ASSERT_TRUE(waitUntil([&] { return window.windowHandle()->isExposed(); }));
-    }
-    const std::size_t before = heapInUse();
-    XSync(x11->display(), False);
-    const std::size_t after = heapInUse();
-    constexpr std::size_t ofFewWindows = 2'000;
-    tell("FreedMemoryOfXlib", before > after + ofFewWindows);
-}
-
-TEST_F(WorkaroundNeed, PixmapCache)
-{
-#ifdef __SANITIZE_ADDRESS__
-    GTEST_SKIP() << "the sanitizer has an allocator of its own";
-#endif
-    open();
-    for (int i = 0; i < 200; ++i) {
-        menu.setActiveAction(i % 2 == 0 ? submenu->menuAction() : enabled);
-        const QPixmap picture = menu.grab();
-        ASSERT_FALSE(picture.isNull());
-    }
-    const std::size_t before = heapInUse();
-    QPixmapCache::clear();
-    const std::size_t after = heapInUse();
-    constexpr std::size_t ofFewPictures = 20'000;
-    tell("PixmapCache", before > after + ofFewPictures);
 }
 
 TEST_F(WorkaroundNeed, MenuFocus)
@@ -302,6 +175,34 @@ TEST_F(WorkaroundNeed, AccessibilityBridgeBesideABusThatHangs)
     ASSERT_TRUE(subject.start({QStringLiteral("run")}));
     const bool goesOn = waitUntil([&] { return subject.process().output().contains("goes on\n"); }, 3s);
     tell("AccessibilityBridgeBesideABusThatHangs", !goesOn);
+}
+
+TEST_F(WorkaroundNeed, LateScreenReader)
+{
+    PrivateBus bus;
+    ASSERT_TRUE(bus.start());
+    FakeScreenReader reader(bus);
+    ASSERT_TRUE(reader.come());
+    Subject subject;
+    subject.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    ASSERT_TRUE(subject.start({QStringLiteral("run")}));
+    ASSERT_TRUE(waitUntil([&] { return subject.process().output().contains("goes on\n"); }));
+    ASSERT_TRUE(reader.isAsked());
+    reader.begin();
+    tell("LateScreenReader", !waitUntil([&] { return reader.isSought(); }, 3s));
+}
+
+TEST_F(WorkaroundNeed, ScreenReaderThatHangs)
+{
+    PrivateBus bus;
+    ASSERT_TRUE(bus.start());
+    FakeScreenReader reader(bus);
+    reader.fallSilent();
+    ASSERT_TRUE(reader.come());
+    Subject subject;
+    subject.environment().insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
+    ASSERT_TRUE(subject.start({QStringLiteral("run")}));
+    tell("ScreenReaderThatHangs", !waitUntil([&] { return subject.process().output().contains("goes on\n"); }, 3s));
 }
 
 TEST_F(WorkaroundNeed, PortalQuestion)

@@ -1,5 +1,7 @@
 #include <QApplication>
 #include <QDBusConnection>
+#include <QFile>
+#include <QRegularExpression>
 #include <QTextBrowser>
 #include <QTimer>
 
@@ -16,6 +18,7 @@
 //   connect ADDRESS   asks a bus for a connection
 //   run [ADDRESS]     says "up" once its event loop runs, "goes on" when it still does a moment later, and "left" after
 //                     it; with an object on a bus until its end
+//   pattern           matches a regular expression, and names the parts of its memory
 //   image FILE        shows a text with that image, and names the files of that kind that Qt looks for
 
 namespace
@@ -97,6 +100,17 @@ int show(const QString &image)
     return view.grab().isNull() ? EXIT_FAILURE : EXIT_SUCCESS;
 }
 
+int match()
+{
+    const bool isMatch = QRegularExpression(QStringLiteral("a+b")).match(QStringLiteral("aab")).hasMatch();
+    QFile memory(QStringLiteral("/proc/self/maps"));
+    if (!isMatch || !memory.open(QIODevice::ReadOnly)) {
+        return EXIT_FAILURE;
+    }
+    std::puts(memory.readAll().constData());
+    return EXIT_SUCCESS;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -108,6 +122,9 @@ int main(int argc, char **argv)
     const QString argument = arguments.value(1);
     if (arguments.value(0) == QLatin1String("connect")) {
         return connectTo(argument);
+    }
+    if (arguments.value(0) == QLatin1String("pattern")) {
+        return match();
     }
     return arguments.value(0) == QLatin1String("image") ? show(argument) : run(argument);
 }

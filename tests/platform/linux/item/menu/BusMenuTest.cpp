@@ -16,8 +16,8 @@ namespace
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const QString interface = QStringLiteral("com.canonical.dbusmenu");
-const QString path = QStringLiteral("/Menu");
+const QString busMenuInterface = QStringLiteral("com.canonical.dbusmenu");
+const QString busMenuPath = QStringLiteral("/Menu");
 
 /// Hears the signals that a menu sends on the bus, one line each.
 class MenuSignals final : public QObject
@@ -27,7 +27,7 @@ class MenuSignals final : public QObject
 public:
     MenuSignals(QDBusConnection connection, const QString &sender)
     {
-        connection.connect(sender, path, interface, QString(), this, SLOT(record(QDBusMessage)));
+        connection.connect(sender, busMenuPath, busMenuInterface, QString(), this, SLOT(record(QDBusMessage)));
     }
 
     std::vector<std::string> heard;
@@ -73,13 +73,13 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(isStarted);
-        ASSERT_TRUE(server.connection().registerObject(path, &busMenu, QDBusConnection::ExportAdaptors));
+        ASSERT_TRUE(server.connection().registerObject(busMenuPath, &busMenu, QDBusConnection::ExportAdaptors));
     }
 
     [[nodiscard]] QDBusMessage call(const QString &member, const QVariantList &arguments,
-                                    const QString &ofInterface = interface)
+                                    const QString &ofInterface = busMenuInterface)
     {
-        QDBusMessage message = QDBusMessage::createMethodCall(server.name(), path, ofInterface, member);
+        QDBusMessage message = QDBusMessage::createMethodCall(server.name(), busMenuPath, ofInterface, member);
         message.setArguments(arguments);
         const QDBusPendingCall pending = host.connection().asyncCall(message);
         EXPECT_TRUE(waitUntil([&] { return pending.isFinished(); }));
@@ -165,12 +165,13 @@ TEST_F(BusMenuTest, TellsThePropertiesOfSomeEntriesOrOfAll)
     const QDBusMessage label = call(QStringLiteral("GetProperty"), {5, QStringLiteral("label")});
     EXPECT_EQ(label.arguments().value(0).value<QDBusVariant>().variant(), QStringLiteral("About"));
     const QString version = QStringLiteral("Version");
-    EXPECT_EQ(call(QStringLiteral("Get"), {interface, version}, QStringLiteral("org.freedesktop.DBus.Properties"))
-                  .arguments()
-                  .value(0)
-                  .value<QDBusVariant>()
-                  .variant(),
-              3U);
+    EXPECT_EQ(
+        call(QStringLiteral("Get"), {busMenuInterface, version}, QStringLiteral("org.freedesktop.DBus.Properties"))
+            .arguments()
+            .value(0)
+            .value<QDBusVariant>()
+            .variant(),
+        3U);
 }
 
 TEST_F(BusMenuTest, FailsForAnEntryThatThereIsNot)

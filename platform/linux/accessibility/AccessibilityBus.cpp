@@ -1,0 +1,151 @@
+#include "platform/linux/accessibility/AccessibilityBus.h"
+
+#include "platform/LogCategories.h"
+#include "platform/linux/workarounds/bus/AccessibilityBridge.h"
+#include "platform/linux/workarounds/bus/SilentBus.h"
+
+#include <QDBusArgument>
+#include <QVariantMap>
+
+namespace
+{
+
+QString a11yName()
+{
+    return QStringLiteral("org.a11y.Bus");
+}
+
+QString a11yPath()
+{
+    return QStringLiteral("/org/a11y/bus");
+}
+
+QString propertiesInterface()
+{
+    return QStringLiteral("org.freedesktop.DBus.Properties");
+}
+
+QString registryName()
+{
+    return QStringLiteral("org.a11y.atspi.Registry");
+}
+
+/// A question to org.a11y.Bus that does not start it.
+QDBusMessage questionTo(const QString &interface, const QString &member)
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(a11yName(), a11yPath(), interface, member);
+    question.setAutoStartService(false);
+    return question;
+}
+
+} // namespace
+
+AccessibilityBus::AccessibilityBus(SessionBus &bus, QObject *parent)
+    : QObject(parent)
+    , m_bus(bus)
+{
+    AccessibilityBridge::makeClosed();
+    if (const QString given = qEnvironmentVariable("AT_SPI_BUS_ADDRESS"); !given.isEmpty()) {
+        connectTo(given);
+        return;
+    }
+    connect(&m_bus, &SessionBus::connected, this, &AccessibilityBus::watchBus);
+    watchBus();
+}
+
+AccessibilityBus::~AccessibilityBus() = default;
+
+void AccessibilityBus::watchBus()
+{
+    if (!m_bus.isConnected()) {
+        return;
+    }
+    QDBusConnection connection = m_bus.connection();
+    m_watcher = std::make_unique<QDBusServiceWatcher>(a11yName(), connection, QDBusServiceWatcher::WatchForOwnerChange);
+    connect(m_watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, &AccessibilityBus::ask);
+    // QtDBus knows no other way to name a slot than by a string.
+    connection.connect(QString(), a11yPath(), propertiesInterface(), QStringLiteral("PropertiesChanged"), this,
+                       SLOT(ask()));
+    ask();
+}
+
+void AccessibilityBus::send(const QDBusConnection &connection, const QDBusMessage &question, Handler handler)
+{
+    m_question = std::make_unique<QDBusPendingCallWatcher>(connection.asyncCall(question));
+    connect(m_question.get(), &QDBusPendingCallWatcher::finished, this, [this, handler] {
+        const QDBusMessage answer = m_question->reply();
+        m_question.release()->deleteLater();
+        (this->*handler)(answer);
+    });
+}
+
+void AccessibilityBus::ask()
+{
+    QDBusMessage question = questionTo(propertiesInterface(), QStringLiteral("GetAll"));
+    question.setArguments({QStringLiteral("org.a11y.Status")});
+    send(m_bus.connection(), question, &AccessibilityBus::hearStatus);
+}
+
+void AccessibilityBus::hearStatus(const QDBusMessage &answer)
+{
+    const bool isThere = answer.type() == QDBusMessage::ReplyMessage;
+    const auto status = qdbus_cast<QVariantMap>(answer.arguments().value(0));
+    const bool isWanted = isThere && (qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON") ||
+                                      status.value(QStringLiteral("IsEnabled")).toBool() ||
+                                      status.value(QStringLiteral("ScreenReaderEnabled")).toBool());
+    if (isWanted == m_isOpen) {
+        return;
+    }
+    if (!isWanted) {
+        qCDebug(agentLog, "there is no screen reader any more");
+        AccessibilityBridge::close();
+        m_isOpen = false;
+    } else if (m_isRegistered) {
+        open(); // On the connection from before: what Qt serves there it never serves on another.
+    } else {
+        send(m_bus.connection(), questionTo(a11yName(), QStringLiteral("GetAddress")), &AccessibilityBus::hearAddress);
+    }
+}
+
+void AccessibilityBus::hearAddress(const QDBusMessage &answer)
+{
+    if (const QString address = answer.arguments().value(0).toString();
+        answer.type() == QDBusMessage::ReplyMessage && !address.isEmpty()) {
+        connectTo(address);
+    }
+}
+
+void AccessibilityBus::connectTo(const QString &address)
+{
+    const ProbedBus bus = probeBus(address);
+    const QString connection = bus.state == BusState::Answers ? AccessibilityBridge::connectTo(bus.address) : QString();
+    if (connection.isEmpty()) {
+        qCWarning(agentLog) << "a screen reader is told nothing: no answer of the accessibility bus at" << address;
+        return;
+    }
+    // Qt waits for the registry, which may have to be started by that bus first, or may hang.
+    send(QDBusConnection(connection),
+         QDBusMessage::createMethodCall(registryName(), QStringLiteral("/org/a11y/atspi/registry"), registryName(),
+                                        QStringLiteral("GetRegisteredEvents")),
+         &AccessibilityBus::hearRegistry);
+}
+
+void AccessibilityBus::hearRegistry(const QDBusMessage &answer)
+{
+    if (answer.type() != QDBusMessage::ReplyMessage) {
+        qCWarning(agentLog) << "a screen reader is told nothing: no answer of its registry:" << answer.errorMessage();
+        return;
+    }
+    open();
+}
+
+void AccessibilityBus::open()
+{
+    m_isOpen = AccessibilityBridge::open();
+    m_isRegistered = m_isOpen;
+    if (m_isOpen) {
+        qCDebug(agentLog, "tells a screen reader what is shown");
+    } else {
+        qCWarning(agentLog, "a screen reader is told nothing: this version of Qt keeps its bridge to itself");
+    }
+}

@@ -1,8 +1,0 @@
-#include "platform/linux/workarounds/PixmapCache.h"
-
-#include <QPixmapCache>
-
-void keepQtFromCachingPixmaps()
-{
-    QPixmapCache::setCacheLimit(0);
-}

@@ -1,0 +1,230 @@
+#include "tests/session/support/ScreenReader.h"
+
+#include "tests/session/support/FeedMessages.h"
+#include "tests/session/support/Session.h"
+#include "tests/support/FeedServer.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+#include <X11/keysym.h>
+
+namespace
+{
+
+using namespace std::chrono_literals;
+
+/// A session in which a screen reader is at work when the agent comes.
+class ScreenReaderTest : public testing::Test
+{
+protected:
+    bool start(const QString &feed = {})
+    {
+        Session::Setting setting;
+        setting.feed = feed;
+        setting.beforeTheAgent = [this] {
+            reader.emplace(session.desktop);
+            return reader->startBus() && (!isReading || (reader->listen() && reader->announce(true)));
+        };
+        return session.start(setting);
+    }
+
+    [[nodiscard]] std::optional<Accessible> find(ScreenReader::Role role, const QString &name = {})
+    {
+        const std::optional<Accessible> application = reader->application(session.agent->pid());
+        std::optional<Accessible> found;
+        const bool isThere = application && waitUntil([&] {
+                                 found = reader->find(*application, role, name);
+                                 return found.has_value();
+                             });
+        EXPECT_TRUE(isThere) << "nothing has role " << role << " and name " << qPrintable(name);
+        return found;
+    }
+    [[nodiscard]] std::optional<Accessible> item()
+    {
+        return find(ScreenReader::PushButton, QStringLiteral("Kivune Menu"));
+    }
+    [[nodiscard]] bool isFocused(const char *entry) const
+    {
+        const QList<ScreenReader::Event> events =
+            reader->events(QStringLiteral("state-changed:focused"), ScreenReader::MenuItem);
+        return !events.isEmpty() && events.last().detail == 1 && events.last().name == QLatin1String(entry);
+    }
+
+    bool isReading = true;
+    Session session;
+    std::optional<ScreenReader> reader;
+};
+
+const QString press = QStringLiteral("Press");
+
+TEST_F(ScreenReaderTest, SeesTheItemAsAButtonWithItsNameAndItsState)
+{
+    ASSERT_TRUE(start());
+    const std::optional<Accessible> button = item();
+    ASSERT_TRUE(button);
+    EXPECT_EQ(reader->description(*button), QStringLiteral("Active"));
+    EXPECT_TRUE(reader->has(ScreenReader::Enabled, *button));
+    EXPECT_EQ(reader->place(*button), session.agent->dockedItem()->geometry);
+    session.service->send("flags 2");
+    EXPECT_TRUE(waitUntil([&] { return reader->description(*button) == QStringLiteral("Not active"); }));
+    EXPECT_TRUE(waitUntil([&] {
+        return !reader->events(QStringLiteral("property-change:accessible-description"), ScreenReader::PushButton)
+                    .isEmpty();
+    }));
+}
+
+TEST_F(ScreenReaderTest, OpensTheMenuAndSeesWhichEntriesCanBeChosenAndWhichOneIsChecked)
+{
+    ASSERT_TRUE(start());
+    session.service->send("actions 32791 32793");
+    ASSERT_TRUE(session.settle());
+    ASSERT_TRUE(reader->perform(press, *item()));
+    ASSERT_TRUE(session.topWindow(1));
+    const std::optional<Accessible> menu = find(ScreenReader::PopupMenu);
+    ASSERT_TRUE(menu);
+
+    QStringList choosable;
+    for (const Accessible &entry : reader->children(*menu)) {
+        if (reader->role(entry) == ScreenReader::MenuItem && reader->has(ScreenReader::Enabled, entry)) {
+            choosable.append(reader->name(entry));
+        }
+    }
+    EXPECT_FALSE(choosable.contains(QStringLiteral("Disconnect the Session")));
+    EXPECT_TRUE(choosable.contains(QStringLiteral("Server Preferences")));
+
+    const std::optional<Accessible> size = find(ScreenReader::MenuItem, QStringLiteral("1280 x 800"));
+    const std::optional<Accessible> other = find(ScreenReader::MenuItem, QStringLiteral("1024 x 768"));
+    ASSERT_TRUE(size && other);
+    EXPECT_TRUE(reader->has(ScreenReader::Checked, *size));
+    EXPECT_FALSE(reader->has(ScreenReader::Checked, *other));
+    EXPECT_TRUE(session.closeEverything());
+}
+
+TEST_F(ScreenReaderTest, IsToldWhichEntryTheKeysHaveGoneTo)
+{
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(session.agent->openMenu());
+    session.desktop.input().key(XK_Up);
+    EXPECT_TRUE(waitUntil([this] { return isFocused("About Kivune Server"); }));
+    session.desktop.input().key(XK_Up);
+    EXPECT_TRUE(waitUntil([this] { return isFocused("Online Support"); }));
+    EXPECT_TRUE(session.closeEverything());
+}
+
+TEST_F(ScreenReaderTest, ChoosesAnEntryWhichClosesTheMenuAndReadsTheAlertThatItBrings)
+{
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(reader->perform(press, *item()));
+    const std::optional<Accessible> entry = find(ScreenReader::MenuItem, QStringLiteral("About Kivune Server"));
+    ASSERT_TRUE(entry);
+    ASSERT_TRUE(reader->perform(press, *entry));
+    ASSERT_TRUE(session.panel()) << "the menu stays beside the panel, or the panel does not come";
+
+    const std::optional<Accessible> alert = find(ScreenReader::Alert);
+    ASSERT_TRUE(alert);
+    EXPECT_TRUE(reader->has(ScreenReader::Modal, *alert));
+    EXPECT_FALSE(reader->name(*alert).isEmpty());
+    const QString description = reader->description(*alert);
+    EXPECT_TRUE(description.contains(QStringLiteral("Version"))) << qPrintable(description);
+    EXPECT_FALSE(description.contains(QLatin1Char('\t'))) << qPrintable(description);
+    EXPECT_FALSE(reader->has(ScreenReader::Enabled, *item())) << "the item cannot be pressed until it is answered";
+    EXPECT_FALSE(reader->perform(press, *item()));
+
+    const std::optional<Accessible> button = find(ScreenReader::PushButton, QStringLiteral("Close"));
+    ASSERT_TRUE(button);
+    EXPECT_TRUE(reader->perform(press, *button));
+    EXPECT_TRUE(session.agent->waitUntilClosed());
+}
+
+class ScreenReaderWithMessage : public ScreenReaderTest
+{
+protected:
+    bool start(const QByteArray &text)
+    {
+        const FeedMessage message{.id = "1", .type = "warning", .text = text};
+        return feed.start({{.body = feedDocument({message})}, {.body = feedDocument({})}}) &&
+               ScreenReaderTest::start(feed.address(QStringLiteral("/messages")));
+    }
+
+    FeedServer feed;
+};
+
+TEST_F(ScreenReaderWithMessage, IsToldOnceOfAPopUpWithItsTitleAndItsTextAndLeavesTheKeyboardWhereItIs)
+{
+    ASSERT_TRUE(start("The server restarts at noon."));
+    const std::optional<Accessible> popUp = find(ScreenReader::Notification);
+    ASSERT_TRUE(popUp);
+    EXPECT_EQ(reader->announcement(*popUp),
+              (QStringList{QStringLiteral("Warning"), QStringLiteral("The server restarts at noon.")}));
+    EXPECT_TRUE(waitUntil([this] { return session.desktop.view().focusOwnerPid() != session.agent->pid(); }));
+    ASSERT_TRUE(session.settle());
+    const QList<ScreenReader::Event> shown =
+        reader->events(QStringLiteral("state-changed:showing"), ScreenReader::Notification);
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_EQ(shown.first().detail, 1);
+    EXPECT_TRUE(reader->events(QStringLiteral("state-changed:focused"), ScreenReader::Notification).isEmpty());
+    EXPECT_NE(session.desktop.view().focusOwnerPid(), session.agent->pid());
+}
+
+TEST_F(ScreenReaderWithMessage, PressesTheLinkOfAPopUpAndItsButton)
+{
+    ASSERT_TRUE(start("Read https://www.example.com/news and more."));
+    const std::optional<Accessible> link = find(ScreenReader::Link, QStringLiteral("https://www.example.com/news"));
+    const std::optional<Accessible> popUp = find(ScreenReader::Notification);
+    ASSERT_TRUE(link && popUp);
+    EXPECT_TRUE(reader->place(*popUp).contains(reader->place(*link))) << "the link is not in the pop-up";
+    EXPECT_FALSE(reader->place(*link).isEmpty());
+    EXPECT_TRUE(reader->perform(press, *link));
+    EXPECT_TRUE(
+        waitUntil([this] { return session.browser.opened() == QByteArrayList{"https://www.example.com/news"}; }));
+
+    const std::optional<Accessible> button = find(ScreenReader::PushButton, QStringLiteral("Remind Me Later"));
+    ASSERT_TRUE(button);
+    EXPECT_TRUE(reader->perform(press, *button));
+    EXPECT_TRUE(session.agent->waitUntilClosed());
+}
+
+TEST_F(ScreenReaderTest, MayComeAfterTheAgentAndGoAndComeAgain)
+{
+    isReading = false;
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(reader->listen() && reader->announce(true));
+    ASSERT_TRUE(item());
+    ASSERT_TRUE(reader->announce(false));
+    EXPECT_TRUE(waitUntil([this] {
+        const qsizetype before = reader->events().size();
+        return session.settle() && reader->events().size() == before;
+    })) << "it goes on being told";
+    const qsizetype before = reader->events().size();
+    ASSERT_TRUE(reader->announce(true));
+    session.service->send("flags 2");
+    EXPECT_TRUE(waitUntil([&] { return reader->events().size() > before; }));
+}
+
+TEST_F(ScreenReaderTest, WhoseBusHangsDoesNotHoldUpTheAgent)
+{
+    isReading = false;
+    ASSERT_TRUE(start());
+    reader->suspendBus(true);
+    QElapsedTimer sinceThen;
+    sinceThen.start();
+    ASSERT_TRUE(reader->announce(true));
+    ASSERT_TRUE(session.agent->openMenu());
+    EXPECT_LT(sinceThen.elapsed(), 3000);
+    EXPECT_TRUE(session.closeEverything());
+    reader->suspendBus(false);
+}
+
+TEST(ScreenReaderBus, IsNotStartedByTheAgent)
+{
+    Session session;
+    ASSERT_TRUE(session.start());
+    ASSERT_TRUE(session.settle());
+    ScreenReader reader(session.desktop);
+    EXPECT_FALSE(reader.hasBus());
+}
+
+} // namespace

@@ -139,6 +139,17 @@ TEST_F(ScreenReaderTest, ChoosesAnEntryWhichClosesTheMenuAndReadsTheAlertThatItB
     EXPECT_TRUE(session.agent->waitUntilClosed());
 }
 
+TEST_F(ScreenReaderTest, ChoosesAnEntryOfWhichNothingComesUpAndTheMenuIsClosed)
+{
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(reader->perform(press, *item()));
+    const std::optional<Accessible> entry = find(ScreenReader::MenuItem, QStringLiteral("Online Support"));
+    ASSERT_TRUE(entry);
+    ASSERT_TRUE(reader->perform(press, *entry));
+    EXPECT_TRUE(session.agent->waitUntilClosed());
+    EXPECT_TRUE(waitUntil([this] { return session.browser.opened().size() == 1; }));
+}
+
 class ScreenReaderWithMessage : public ScreenReaderTest
 {
 protected:
@@ -195,8 +206,10 @@ TEST_F(ScreenReaderTest, MayComeAfterTheAgentAndGoAndComeAgain)
     ASSERT_TRUE(item());
     ASSERT_TRUE(reader->announce(false));
     EXPECT_TRUE(waitUntil([this] {
+        // What is told of the first comes in the course of the second at the latest.
+        const bool settled = session.settle();
         const qsizetype before = reader->events().size();
-        return session.settle() && reader->events().size() == before;
+        return settled && session.settle() && reader->events().size() == before;
     })) << "it goes on being told";
     const qsizetype before = reader->events().size();
     ASSERT_TRUE(reader->announce(true));

@@ -95,7 +95,7 @@ OSErr GetProcessInformation(const ProcessSerialNumber *psn, ProcessInfoRec *info
     if (!pid) {
         return procNotFound;
     }
-    const bool isDock = *pid == trayHost();
+    const bool isDock = *pid == itemHost();
     info->processNumber = *psn;
     info->processType = isDock ? fourCharCode("APPL") : 0;
     info->processSignature = isDock ? fourCharCode("dock") : 0;
@@ -111,7 +111,7 @@ CFDictionaryRef ProcessInformationCopyDictionary(const ProcessSerialNumber *psn,
     }
     const void *key = CFSTR("CFBundleIdentifier");
     const void *value = CFSTR("com.apple.dock");
-    const CFIndex count = *pid == trayHost() ? 1 : 0;
+    const CFIndex count = *pid == itemHost() ? 1 : 0;
     return CFDictionaryCreate(kCFAllocatorDefault, &key, &value, count, &kCFTypeDictionaryKeyCallBacks,
                               &kCFTypeDictionaryValueCallBacks);
 }

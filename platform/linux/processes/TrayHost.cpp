@@ -34,15 +34,21 @@ pid_t hostInPlace(pid_t found, std::chrono::milliseconds missing) noexcept
 pid_t trayHost()
 {
     static QElapsedTimer age;
-    static QElapsedTimer sinceTheLast; ///< Or since the first question, before there was one.
     static pid_t found = 0;
     constexpr qint64 trustedMilliseconds = 100;
     if (!age.isValid() || age.hasExpired(trustedMilliseconds)) {
         found = findTrayHost();
         age.start();
-        if (found != 0 || !sinceTheLast.isValid()) {
-            sinceTheLast.start();
-        }
     }
-    return hostInPlace(found, std::chrono::milliseconds(sinceTheLast.elapsed()));
+    return found;
+}
+
+pid_t itemHost()
+{
+    static QElapsedTimer missing;
+    const pid_t found = trayHost();
+    if (found != 0 || !missing.isValid()) {
+        missing.start();
+    }
+    return hostInPlace(found, std::chrono::milliseconds(missing.elapsed()));
 }

@@ -29,7 +29,7 @@ TEST_F(AccessibleItemTest, IsAButtonWithAMenuAtTheHeadOfTheApplication)
     EXPECT_EQ(interface().role(), QAccessible::Button);
     EXPECT_TRUE(interface().state().hasPopup);
     EXPECT_EQ(AccessibleApplication().child(0), &interface());
-    EXPECT_EQ(interface().rect(), QRect(1258, 0, 22, 22));
+    EXPECT_EQ(interface().rect(), QRect(1098, 0, 22, 22));
 }
 
 TEST_F(AccessibleItemTest, HasTheNameThatHostsShowAndTheStateThatNobodySees)

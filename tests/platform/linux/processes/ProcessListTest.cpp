@@ -150,7 +150,8 @@ TEST(GetProcessInformation, RefusesWhatIsNotThere)
 
 TEST(GetProcessInformation, KnowsNoDockWithoutATray)
 {
-    const ProcessSerialNumber psn = numberOf(::getpid());
+    // This process counts as the Dock once there has been none for three seconds.
+    const ProcessSerialNumber psn = numberOf(::getppid());
     ProcessInfoRec info{};
     info.processInfoLength = sizeof info;
     info.processType = info.processSignature = info.processMode = 4711;
@@ -159,7 +160,7 @@ TEST(GetProcessInformation, KnowsNoDockWithoutATray)
     EXPECT_EQ(info.processType, 0u);
     EXPECT_EQ(info.processSignature, 0u);
     EXPECT_EQ(info.processMode, 0u);
-    const Dictionary dictionary = dictionaryOf(::getpid());
+    const Dictionary dictionary = dictionaryOf(::getppid());
     EXPECT_EQ(CFDictionaryGetValue(dictionary.get(), CFSTR("CFBundleIdentifier")), nullptr);
     EXPECT_EQ(trayHost(), 0);
 }

@@ -112,6 +112,7 @@ void KivTextView::setMessage(const QString &text, int width)
 {
     setDocumentWidth(width);
     m_message = text;
+    m_links.reset();
     m_isHtml = isHtml(text);
     if (m_isHtml) {
         setHtmlMessage(width);
@@ -143,7 +144,16 @@ float KivTextView::textHeight() const
     return static_cast<float>(std::ceil(document()->size().height()));
 }
 
-QList<KivTextView::Link> KivTextView::links() const
+const QList<KivTextView::Link> &KivTextView::links() const
+{
+    // A screen reader asks for each of them many times over.
+    if (!m_links) {
+        m_links = linksOfDocument().mid(0, maxLinks);
+    }
+    return *m_links;
+}
+
+QList<KivTextView::Link> KivTextView::linksOfDocument() const
 {
     QList<Link> links;
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {

@@ -4,6 +4,8 @@
 #include <QTextBrowser>
 #include <QUrl>
 
+#include <optional>
+
 /// The text of a pop-up, without frame or background. Nothing in it can be selected, and nothing that it refers to is
 /// ever loaded: the text comes from elsewhere and may name any file of the user's or address of the network.
 /// When the desktop gets other colours or another font, the text has them at once.
@@ -33,8 +35,8 @@ public:
         int length;
         QUrl address;
     };
-    /// The links in it, in their order, by their place in shownText().
-    [[nodiscard]] QList<Link> links() const;
+    /// The first 200 links in it, in their order, by their place in shownText().
+    [[nodiscard]] const QList<Link> &links() const;
     /// The text without its formats.
     [[nodiscard]] QString shownText() const { return document()->toPlainText(); }
     /// Where on the screen the gap before that character is, as high as its line.
@@ -57,7 +59,9 @@ private:
     void setHtmlMessage(int width);
     void setDocumentWidth(int width);
     [[nodiscard]] QColor linkColour() const;
+    [[nodiscard]] QList<Link> linksOfDocument() const;
 
     QString m_message; ///< As it came; null before the first.
     bool m_isHtml = false;
+    mutable std::optional<QList<Link>> m_links; ///< Once somebody has asked for those of the message.
 };

@@ -26,7 +26,7 @@ QFont boldOf(QFont font)
     return font;
 }
 
-void setApplicationFont(QFont font)
+void setApplicationFont(const QFont &font)
 {
-    QApplication::setFont(fontFor({}, std::move(font)));
+    QApplication::setFont(fontFor({}, font));
 }

@@ -17,4 +17,4 @@
 
 /// Makes that the application's font, for texts that need no shaping: all of our own. A text from outside is given
 /// its font by fontFor(). Main thread only.
-void setApplicationFont(QFont font);
+void setApplicationFont(const QFont &font);

@@ -46,6 +46,11 @@ protected:
     {
         return find(ScreenReader::PushButton, QStringLiteral("Kivune Menu"));
     }
+    [[nodiscard]] bool pressItem()
+    {
+        const std::optional<Accessible> button = item();
+        return button && reader->perform(QStringLiteral("Press"), *button);
+    }
     [[nodiscard]] bool isFocused(const char *entry) const
     {
         const QList<ScreenReader::Event> events =
@@ -81,7 +86,7 @@ TEST_F(ScreenReaderTest, OpensTheMenuAndSeesWhichEntriesCanBeChosenAndWhichOneIs
     ASSERT_TRUE(start());
     session.service->send("actions 32791 32793");
     ASSERT_TRUE(session.settle());
-    ASSERT_TRUE(reader->perform(press, *item()));
+    ASSERT_TRUE(pressItem());
     ASSERT_TRUE(session.topWindow(1));
     const std::optional<Accessible> menu = find(ScreenReader::PopupMenu);
     ASSERT_TRUE(menu);
@@ -117,7 +122,7 @@ TEST_F(ScreenReaderTest, IsToldWhichEntryTheKeysHaveGoneTo)
 TEST_F(ScreenReaderTest, ChoosesAnEntryWhichClosesTheMenuAndReadsTheAlertThatItBrings)
 {
     ASSERT_TRUE(start());
-    ASSERT_TRUE(reader->perform(press, *item()));
+    ASSERT_TRUE(pressItem());
     const std::optional<Accessible> entry = find(ScreenReader::MenuItem, QStringLiteral("About Kivune Server"));
     ASSERT_TRUE(entry);
     ASSERT_TRUE(reader->perform(press, *entry));
@@ -130,8 +135,10 @@ TEST_F(ScreenReaderTest, ChoosesAnEntryWhichClosesTheMenuAndReadsTheAlertThatItB
     const QString description = reader->description(*alert);
     EXPECT_TRUE(description.contains(QStringLiteral("Version"))) << qPrintable(description);
     EXPECT_FALSE(description.contains(QLatin1Char('\t'))) << qPrintable(description);
-    EXPECT_FALSE(reader->has(ScreenReader::Enabled, *item())) << "the item cannot be pressed until it is answered";
-    EXPECT_FALSE(reader->perform(press, *item()));
+    const std::optional<Accessible> disabled = item();
+    ASSERT_TRUE(disabled);
+    EXPECT_FALSE(reader->has(ScreenReader::Enabled, *disabled)) << "the item cannot be pressed until it is answered";
+    EXPECT_FALSE(reader->perform(QStringLiteral("Press"), *disabled));
 
     const std::optional<Accessible> button = find(ScreenReader::PushButton, QStringLiteral("Close"));
     ASSERT_TRUE(button);
@@ -142,7 +149,7 @@ TEST_F(ScreenReaderTest, ChoosesAnEntryWhichClosesTheMenuAndReadsTheAlertThatItB
 TEST_F(ScreenReaderTest, ChoosesAnEntryOfWhichNothingComesUpAndTheMenuIsClosed)
 {
     ASSERT_TRUE(start());
-    ASSERT_TRUE(reader->perform(press, *item()));
+    ASSERT_TRUE(pressItem());
     const std::optional<Accessible> entry = find(ScreenReader::MenuItem, QStringLiteral("Online Support"));
     ASSERT_TRUE(entry);
     ASSERT_TRUE(reader->perform(press, *entry));
@@ -180,7 +187,7 @@ TEST_F(ScreenReaderWithMessage, IsToldOnceOfAPopUpWithItsTitleAndItsTextAndLeave
     EXPECT_NE(session.desktop.view().focusOwnerPid(), session.agent->pid());
 }
 
-TEST_F(ScreenReaderWithMessage, PressesTheLinkOfAPopUpAndItsButton)
+TEST_F(ScreenReaderWithMessage, PressesTheLinkOfAPopUp)
 {
     ASSERT_TRUE(start("Read https://www.example.com/news and more."));
     const std::optional<Accessible> link = find(ScreenReader::Link, QStringLiteral("https://www.example.com/news"));
@@ -191,7 +198,11 @@ TEST_F(ScreenReaderWithMessage, PressesTheLinkOfAPopUpAndItsButton)
     EXPECT_TRUE(reader->perform(press, *link));
     EXPECT_TRUE(
         waitUntil([this] { return session.browser.opened() == QByteArrayList{"https://www.example.com/news"}; }));
+}
 
+TEST_F(ScreenReaderWithMessage, PressesTheButtonOfAPopUp)
+{
+    ASSERT_TRUE(start("The server restarts at noon."));
     const std::optional<Accessible> button = find(ScreenReader::PushButton, QStringLiteral("Remind Me Later"));
     ASSERT_TRUE(button);
     EXPECT_TRUE(reader->perform(press, *button));
@@ -226,7 +237,7 @@ TEST_F(ScreenReaderTest, WhoseBusHangsDoesNotHoldUpTheAgent)
     sinceThen.start();
     ASSERT_TRUE(reader->announce(true));
     ASSERT_TRUE(session.agent->openMenu());
-    EXPECT_LT(sinceThen.elapsed(), 3000);
+    EXPECT_LT(sinceThen.elapsed(), 10'000) << "Qt's own patience is 25 s";
     EXPECT_TRUE(session.closeEverything());
     reader->suspendBus(false);
 }

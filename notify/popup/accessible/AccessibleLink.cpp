@@ -31,7 +31,7 @@ QString AccessibleLink::text(QAccessible::Text kind) const
     if (!isValid()) {
         return {};
     }
-    const KivTextView::Link link = m_view->links().at(m_index);
+    const KivTextView::Link &link = m_view->links().at(m_index);
     switch (kind) {
     case QAccessible::Name:
         return m_view->shownText().mid(link.start, link.length);
@@ -47,7 +47,7 @@ QRect AccessibleLink::rect() const
     if (!isValid()) {
         return {};
     }
-    const KivTextView::Link link = m_view->links().at(m_index);
+    const KivTextView::Link &link = m_view->links().at(m_index);
     return m_view->placeOf(link.start).united(m_view->placeOf(link.start + link.length));
 }
 

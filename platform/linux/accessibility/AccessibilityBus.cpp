@@ -141,6 +141,10 @@ void AccessibilityBus::hearRegistry(const QDBusMessage &answer)
 
 void AccessibilityBus::open()
 {
+    if (m_isRegistered && !AccessibilityBridge::isConnected()) {
+        qCWarning(agentLog, "a screen reader is told nothing: the accessibility bus from before has gone");
+        return;
+    }
     m_isOpen = AccessibilityBridge::open();
     m_isRegistered = m_isOpen;
     if (m_isOpen) {

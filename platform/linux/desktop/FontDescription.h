@@ -6,7 +6,7 @@
 /// A font as desktops write it in one line, by the grammar of Pango: "Noto Sans, DejaVu Sans Semi-Bold Italic 10.5".
 /// What it does not say is the font's own.
 struct FontDescription {
-    QStringList families; ///< In order of preference; may be none.
+    QStringList families = {}; ///< In order of preference; may be none.
     QFont::Weight weight = QFont::Normal;
     bool isItalic = false;
     int stretch = QFont::Unstretched;

@@ -27,7 +27,9 @@ QByteArray xResources(xcb_connection_t *x)
 
 void StartScale::announce(xcb_connection_t *x, int screen)
 {
-    if (qEnvironmentVariableIsSet(scaleVariable)) {
+    // What the user has said to Qt counts, and Qt would multiply ours with it.
+    if (qEnvironmentVariableIsSet(scaleVariable) || !qEnvironmentVariableIsEmpty("QT_SCREEN_SCALE_FACTORS") ||
+        qgetenv("QT_ENABLE_HIGHDPI_SCALING") == "0") {
         return;
     }
     const XSettings settings = askForXSettings(x, screen);

@@ -194,6 +194,7 @@ void StatusItem::Private::dock()
 
 void StatusItem::Private::standAlone()
 {
+    m_strip.reset(); // The old one takes back, as it goes, where it said that it stands.
     m_strip = Strip::make();
     if (m_strip) {
         listenTo(m_strip->window());

@@ -164,6 +164,9 @@ bool Strip::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 
 void Strip::handlePress(const xcb_button_press_event_t &press)
 {
+    if (m_press && press.detail != XCB_BUTTON_INDEX_1) {
+        return; // The wheel, say, in the middle of a drag.
+    }
     // What closes a menu does so at once, as everywhere.
     if (press.detail != XCB_BUTTON_INDEX_1 || QApplication::activePopupWidget()) {
         m_press.reset();
@@ -179,7 +182,8 @@ void Strip::handleMotion(const xcb_motion_notify_event_t &motion)
 {
     const QPoint moved(motion.root_x - m_press->root_x, motion.root_y - m_press->root_y);
     if (!m_isDragged) {
-        switch (stripPress(moved, QApplication::startDragDistance())) {
+        const double pixelsPerPoint = m_place.width() / sideInPoints;
+        switch (stripPress(moved, qRound(QApplication::startDragDistance() * pixelsPerPoint))) {
         case StripPress::Undecided:
             return;
         case StripPress::Open:

@@ -34,6 +34,7 @@ std::vector<QRect> windowsAtTheTop(xcb_connection_t *x, const QRect &column)
         }
     }
     std::vector<xcb_get_geometry_cookie_t> questions;
+    questions.reserve(found.size());
     for (const xcb_window_t window : found) {
         questions.push_back(xcb_get_geometry(x, window));
     }

@@ -2,6 +2,8 @@
 
 #include "platform/linux/include/XConnection.h"
 
+#include <algorithm>
+
 namespace
 {
 
@@ -31,6 +33,10 @@ std::optional<QRect> workAreaOf(std::span<const std::uint32_t> areas, std::uint3
         return std::nullopt;
     }
     const auto area = areas.subspan((desktop < count ? desktop : 0) * numbersOfAnArea, numbersOfAnArea);
+    constexpr std::uint32_t maxOfX = 0xffff; // Anybody may write the property; more than that no X screen has.
+    if (std::ranges::any_of(area, [](std::uint32_t number) { return number > maxOfX; })) {
+        return std::nullopt;
+    }
     const auto number = [&](std::size_t index) { return static_cast<int>(area[index]); };
     return QRect(number(0), number(1), number(2), number(3));
 }

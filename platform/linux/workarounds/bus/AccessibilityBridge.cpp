@@ -111,6 +111,11 @@ QString AccessibilityBridge::connectTo(const QString &address)
     return QDBusConnection::connectToBus(address, connectionName()).isConnected() ? connectionName() : QString();
 }
 
+bool AccessibilityBridge::isConnected()
+{
+    return QDBusConnection(connectionName()).isConnected();
+}
+
 bool AccessibilityBridge::open()
 {
     // The address does not count, since the connection is there.

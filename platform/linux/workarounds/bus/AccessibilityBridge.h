@@ -38,6 +38,9 @@ void makeClosed();
 /// QDBusConnection has it; null when there is none. A connection from before is cut.
 [[nodiscard]] QString connectTo(const QString &address);
 
+/// Whether that connection is alive.
+[[nodiscard]] bool isConnected();
+
 /// Registers the agent with the registry on that connection, and serves its accessible objects there. Waits for the
 /// registry, which is to have answered before. False where Qt has no bridge that can be opened.
 [[nodiscard]] bool open();

@@ -107,6 +107,9 @@ TEST_F(StripTest, IsDraggedAlongItsEdge)
     FakeInput::press();
     FakeInput::moveTo({411, 60});
     EXPECT_TRUE(standsAt(400, 0)) << "it does not follow the mouse";
+    constexpr int wheelUp = 4;
+    FakeInput::press(wheelUp);
+    FakeInput::release(wheelUp);
     FakeInput::moveTo({611, 400});
     EXPECT_TRUE(standsAt(600, 0));
     EXPECT_EQ(moves, 0) << "it is still held";

@@ -20,6 +20,15 @@ TEST(WorkArea, IsThatOfTheCurrentDesktop)
     EXPECT_EQ(workAreaOf({}, 0), std::nullopt);
 }
 
+TEST(WorkArea, IsNoneWhereItIsLargerThanAnyScreen)
+{
+    EXPECT_EQ(workAreaOf(AreaNumbers{0, 0, 0xffff, 0xffff}, 0), QRect(0, 0, 0xffff, 0xffff));
+    for (const AreaNumbers &numbers : {AreaNumbers{0x40000000, 0, 1280, 800}, AreaNumbers{0, 0xffffffff, 1280, 800},
+                                       AreaNumbers{0, 0, 0x7fffffff, 800}, AreaNumbers{0, 0, 1280, 0x10000}}) {
+        EXPECT_EQ(workAreaOf(numbers, 0), std::nullopt);
+    }
+}
+
 struct AreaRow {
     const char *what;
     QRect monitor;

@@ -56,6 +56,14 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return agent->isLinked(); }));
         ASSERT_TRUE(agent->openMenu());
     }
+    /// Its anchor would count as a leak of an agent that ends beside it.
+    void TearDown() override
+    {
+        EXPECT_TRUE(waitUntil([&] {
+            desktop.input().key(XK_Escape);
+            return agent->freeWindows().isEmpty();
+        }));
+    }
     [[nodiscard]] QRect menu() const { return agent->freeWindows().value(0).geometry; }
     [[nodiscard]] bool becomesDark() const
     {

@@ -1,6 +1,7 @@
 #include "platform/linux/accessibility/AccessibilityBus.h"
 
 #include "platform/LogCategories.h"
+#include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/workarounds/bus/AccessibilityBridge.h"
 #include "platform/linux/workarounds/bus/SilentBus.h"
 
@@ -149,6 +150,7 @@ void AccessibilityBus::open()
     m_isRegistered = m_isOpen;
     if (m_isOpen) {
         qCDebug(agentLog, "tells a screen reader what is shown");
+        AccessibleApplication::announceNotifications();
     } else {
         qCWarning(agentLog, "a screen reader is told nothing: this version of Qt keeps its bridge to itself");
     }

@@ -57,6 +57,18 @@ void AccessibleApplication::add(QObject *object)
     objectsWithoutWindow().append(object);
 }
 
+void AccessibleApplication::announceNotifications()
+{
+    const QObjectList seen = children();
+    for (QObject *const each : seen) {
+        QAccessibleInterface *const part = QAccessible::queryAccessibleInterface(each);
+        if (part && part->role() == QAccessible::Notification) {
+            QAccessibleEvent shown(part, QAccessible::ObjectShow);
+            QAccessible::updateAccessibility(&shown);
+        }
+    }
+}
+
 int AccessibleApplication::childCount() const
 {
     return static_cast<int>(children().size());

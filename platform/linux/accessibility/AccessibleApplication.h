@@ -16,6 +16,9 @@ public:
     /// Qt must be able to find an interface for it.
     static void add(QObject *object);
 
+    /// Tells of the notifications that are on the screen already, for a screen reader that has only just come.
+    static void announceNotifications();
+
     [[nodiscard]] int childCount() const override;
     [[nodiscard]] QAccessibleInterface *child(int index) const override;
     [[nodiscard]] int indexOfChild(const QAccessibleInterface *child) const override;

@@ -29,7 +29,7 @@
 namespace
 {
 
-constexpr NSRect stripFrame{{1098, 778}, {22, 22}};
+constexpr NSRect frameOfStrip{{1098, 778}, {22, 22}};
 const QPoint trayPlace(100, 50);
 /// The top-left corner of the item in that tray, in points from below.
 constexpr NSPoint trayCorner{100, 750};
@@ -41,7 +41,7 @@ constexpr std::uint32_t tab = 0xff09;
 constexpr std::uint32_t returnKey = 0xff0d;
 constexpr std::uint32_t menuKey = 0xff67;
 
-QIcon redIcon()
+QIcon pictureInRed()
 {
     QPixmap pixmap(22, 22);
     pixmap.fill(Qt::red);
@@ -64,7 +64,7 @@ class StatusItemKeyboard : public testing::Test
 protected:
     StatusItemKeyboard()
     {
-        item.setImage(redIcon());
+        item.setImage(pictureInRed());
         QObject::connect(&item, &StatusItem::pressed, &item,
                          [this](std::optional<NSPoint> place) { presses.push_back(place); });
     }
@@ -131,7 +131,7 @@ TEST_F(StatusItemKeyboardInATray, IsSeenToHaveTheFocusAndPassesItOnWithTab)
 
 TEST_F(StatusItemKeyboard, OpensTheMenuOfTheStripThatHasTheFocus)
 {
-    ASSERT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    ASSERT_TRUE(waitUntil([&] { return item.frame() == frameOfStrip; }));
     FakeInput::moveTo({600, 400});
     xcb_set_input_focus(XConnection::get(), XCB_INPUT_FOCUS_PARENT, static_cast<xcb_window_t>(item.getWindow()),
                         XCB_CURRENT_TIME);
@@ -163,7 +163,7 @@ protected:
 
     void SetUp() override
     {
-        ASSERT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+        ASSERT_TRUE(waitUntil([&] { return item.frame() == frameOfStrip; }));
     }
 
     /// Whether it has been answered without an error.

@@ -178,9 +178,12 @@ TEST_F(ScreenReaderWithMessage, IsToldOnceOfAPopUpWithItsTitleAndItsTextAndLeave
     EXPECT_EQ(reader->announcement(*popUp),
               (QStringList{QStringLiteral("Warning"), QStringLiteral("The server restarts at noon.")}));
     EXPECT_TRUE(waitUntil([this] { return session.desktop.view().focusOwnerPid() != session.agent->pid(); }));
+    const auto showings = [this] {
+        return reader->events(QStringLiteral("state-changed:showing"), ScreenReader::Notification);
+    };
+    ASSERT_TRUE(waitUntil([&] { return !showings().isEmpty(); }));
     ASSERT_TRUE(session.settle());
-    const QList<ScreenReader::Event> shown =
-        reader->events(QStringLiteral("state-changed:showing"), ScreenReader::Notification);
+    const QList<ScreenReader::Event> shown = showings();
     ASSERT_EQ(shown.size(), 1);
     EXPECT_EQ(shown.first().detail, 1);
     EXPECT_TRUE(reader->events(QStringLiteral("state-changed:focused"), ScreenReader::Notification).isEmpty());

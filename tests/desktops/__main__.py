@@ -74,6 +74,7 @@ def ask(name, description, build, folder):
     return {
         "title": description.title,
         "day": f"{datetime.date.today():%-d %B %Y}",
+        "tree": "the tree at " + os.environ["KIV_TREE"],
         "versions": versions(description.packages) if description.packages else {},
         "drawn_by": sorted(work.drawn_by),
         "remarks": description.remarks,

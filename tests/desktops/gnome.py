@@ -29,6 +29,6 @@ DESKTOPS = {
         setup=(["gsettings", "set", "org.gnome.shell", "welcome-dialog-last-shown-version", "99"],),
         cannot={name: "the shell takes all input over its panel, where the item stands; kivshowmenu opens the menu"
                 for name in ("left", "near", "right", "choice")},
-        remarks="The shell shows no items of programs: ours stands in the corner of the screen by itself.",
+        remarks="The shell shows no items of programs: ours stands at the top of the screen by itself.",
         **COMMON),
 }

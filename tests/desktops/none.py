@@ -7,5 +7,5 @@ DESKTOPS = {"none": Description(
     packages=(),
     programs={},
     panel=(),
-    remarks="Nothing but the X server runs: the item stands in the corner of the screen by itself.",
+    remarks="Nothing but the X server runs: the item stands at the top of the screen by itself.",
 )}

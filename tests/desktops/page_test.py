@@ -8,7 +8,7 @@ QUESTIONS = {"once": "the item is there", "left": "a click opens the menu"}
 
 
 def desktop(title, answers, **others):
-    return {"title": title, "day": "1 May 2026", "versions": {}, "drawn_by": [], "remarks": "", "picture": "",
+    return {"title": title, "day": "1 May 2026", "tree": "the tree at abc", "versions": {}, "drawn_by": [], "remarks": "", "picture": "",
             "answers": answers} | others
 
 
@@ -37,14 +37,14 @@ class PageTest(unittest.TestCase):
     def test_tells_of_each_desktop_what_was_run(self):
         text = page({"one": desktop("One", {}, versions={"one-panel": "1.2", "one-wm": "3"}, remarks="By itself.",
                                     drawn_by=["the agent", "the panel"], picture="images/desktops/one.png")}, QUESTIONS)
-        self.assertIn("## One\n\nRun on 1 May 2026, with one-panel 1.2, one-wm 3.\n", text)
+        self.assertIn("## One\n\nRun on 1 May 2026, of the tree at abc, with one-panel 1.2, one-wm 3.\n", text)
         self.assertIn("The menu is drawn by the agent and by the panel.\nBy itself.\n", text)
         self.assertIn("![The menu in One](images/desktops/one.png)", text)
 
     def test_has_no_picture_and_no_packages_where_there_are_none(self):
         text = page({"one": desktop("One", {})}, QUESTIONS)
         self.assertNotIn("![", text)
-        self.assertTrue(text.endswith("## One\n\nRun on 1 May 2026.\n"))
+        self.assertTrue(text.endswith("## One\n\nRun on 1 May 2026, of the tree at abc.\n"))
 
 
 if __name__ == "__main__":

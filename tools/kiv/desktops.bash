@@ -3,7 +3,7 @@
 
 # Apart from the other clean rooms, for in those nothing is installed that a newcomer would not have.
 desktops_room=${KIV_DESKTOPS_ROOM:-/var/cache/kivmenua/desktops}
-packages_desktops=(ccache dbus-x11 passwd python3-pil python3-xlib util-linux)
+packages_desktops=(ccache dbus-x11 git passwd python3-pil python3-xlib util-linux)
 
 desktops() { # [NAME...]
     local clone=$desktops_room/root/kivmenua lock status=0
@@ -32,12 +32,13 @@ desktops() { # [NAME...]
 
 # In the room, as a user: most desktops refuse root.
 ask_desktops() { # [NAME...]
-    local packages folder=$PWD/build/desktops
+    local packages tree folder=$PWD/build/desktops
     # shellcheck disable=SC2154 # ./kiv has them.
     install_missing "${packages_run[@]}" "${packages_desktops[@]}"
     packages=$(python3 -B -m tests.desktops --packages "$@") || return
     # shellcheck disable=SC2086 # Their names have no blanks.
     install_missing $packages
+    tree=$(git rev-parse --short HEAD) || return
     build release
     id -u desktop >/dev/null 2>&1 || useradd --create-home desktop
     chmod 755 /root # The tree lies there.
@@ -48,6 +49,6 @@ ask_desktops() { # [NAME...]
     cp -r docs/images/desktops "$folder/images" 2>/dev/null || true
     chown -R desktop "$folder"
     say "Asking the desktops"
-    setpriv --reuid desktop --regid desktop --init-groups env HOME=/home/desktop \
+    setpriv --reuid desktop --regid desktop --init-groups env HOME=/home/desktop KIV_TREE="$tree" \
         python3 -B -m tests.desktops --build build/release --folder "$folder" "$@"
 }

@@ -1,5 +1,5 @@
 """The page that tells which desktop does what. It is made of a record: of each desktop by name its title, the day, the
-versions of its packages, who draws the menu, the answers, and the picture.
+tree that the agent was built of, the versions of its packages, who draws the menu, the answers, and the picture.
 
 An answer is [word, reason]: "yes", "no", or "cannot" where it is the desktop that stands in the way.
 """
@@ -48,7 +48,7 @@ def anchor(title):
 def _section(desktop):
     versions = ", ".join(f"{name} {version}" for name, version in desktop["versions"].items())
     lines = [f"## {desktop['title']}", ""]
-    lines.append(f"Run on {desktop['day']}" + (f", with {versions}." if versions else "."))
+    lines.append(f"Run on {desktop['day']}, of {desktop['tree']}" + (f", with {versions}." if versions else "."))
     if desktop["drawn_by"]:
         lines.append("The menu is drawn by " + " and by ".join(desktop["drawn_by"]) + ".")
     if desktop["remarks"]:

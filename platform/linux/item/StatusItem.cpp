@@ -11,6 +11,7 @@
 #include "platform/linux/item/StatusNotifierItem.h"
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
+#include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/item/menu/MenuRequests.h"
 #include "platform/linux/item/strip/Strip.h"
 
@@ -80,6 +81,7 @@ private:
     void handleLoss();
     void standIn();
     void makeStripAgain();
+    void askForSize();
     void handlePress(std::optional<QPoint> place);
     void handleKey();
     void tellOfFocus(bool focused) { AccessibleItem::tellOfFocus(*m_owner, focused); }
@@ -121,6 +123,9 @@ StatusItem::Private::Private(StatusItem *owner)
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::makeStripAgain);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
+    if (const QScreen *const screen = QGuiApplication::primaryScreen()) {
+        connect(screen, &QScreen::geometryChanged, this, &Private::askForSize);
+    }
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
 }
@@ -237,6 +242,15 @@ void StatusItem::Private::makeStripAgain()
 {
     if (m_form == StatusItemForm::Strip && !m_strip) {
         setForm(StatusItemForm::Strip);
+    }
+}
+
+/// The desktop may have another scale by now.
+void StatusItem::Private::askForSize()
+{
+    if (m_docked) {
+        const int side = deviceSide(screenCoordinates());
+        TrayProtocol::askForSize(m_docked->id(), {side, side});
     }
 }
 

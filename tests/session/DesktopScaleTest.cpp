@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <X11/keysym.h>
+#include <cstdlib>
 
 namespace
 {
@@ -61,6 +62,20 @@ protected:
 
 class MessagesAtTheDesktopsScale : public SessionWithMessages
 {
+protected:
+    /// What can be seen of it is as large as that, and the same but for the scale.
+    [[nodiscard]] bool looksLike(const QImage &usual)
+    {
+        const QImage present = settledPicture(agent->freeWindows().value(0))
+                                   .scaled(usual.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        int different = 0;
+        for (int y = 0; y < usual.height(); ++y) {
+            for (int x = 0; x < usual.width(); ++x) {
+                different += std::abs(qGray(usual.pixel(x, y)) - qGray(present.pixel(x, y))) > 64 ? 1 : 0;
+            }
+        }
+        return different < usual.width() * usual.height() / 50;
+    }
 };
 
 } // namespace
@@ -153,7 +168,8 @@ TEST_F(ScaleOfABareDesktop, IsThatOfTheItemAtOnce)
     EXPECT_TRUE(itemBecomes(place(44, distance * 2)));
     settings.setNumber(windowScale, 1);
     settings.setDotsPerInch(120);
-    EXPECT_TRUE(itemBecomes(place(28, distance * 5 / 4)));
+    EXPECT_TRUE(itemBecomes(place(28, distance * 5 / 4)))
+        << agent->freeWindows().value(0).geometry.x() << ' ' << agent->freeWindows().value(0).geometry.width();
     settings.setDotsPerInch(96);
     EXPECT_TRUE(itemBecomes(usual));
 }
@@ -177,13 +193,16 @@ TEST_F(MessagesAtTheDesktopsScale, AreInTheirCornerInItsSize)
     const std::optional<XWindow> window = popUp();
     ASSERT_TRUE(window);
     const QRect usual = window->geometry;
+    const QImage picture = settledPicture(*window);
     const auto present = [&] { return agent->freeWindows().value(0).geometry; };
     settings.setNumber(windowScale, 2);
     EXPECT_TRUE(waitUntil([&] { return present().size() == usual.size() * 2; })) << present().width();
     EXPECT_TRUE(waitUntil([&] { return present().right() == 1279 - 20 && present().top() == 60; }))
         << present().x() << ' ' << present().y();
+    EXPECT_TRUE(looksLike(picture));
     settings.setNumber(windowScale, 1);
     EXPECT_TRUE(waitUntil([&] { return present() == usual; })) << present().x() << ' ' << present().y();
+    EXPECT_TRUE(looksLike(picture));
 }
 
 TEST_F(MessagesAtTheDesktopsScale, HaveThatOfXResourcesThatHaveChangedBefore)

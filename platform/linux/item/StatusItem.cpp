@@ -125,6 +125,7 @@ StatusItem::Private::Private(StatusItem *owner)
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
     if (const QScreen *const screen = QGuiApplication::primaryScreen()) {
         connect(screen, &QScreen::geometryChanged, this, &Private::askForSize);
+        connect(screen, &QScreen::logicalDotsPerInchChanged, this, &Private::askForSize);
     }
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
@@ -245,7 +246,6 @@ void StatusItem::Private::makeStripAgain()
     }
 }
 
-/// The desktop may have another scale by now.
 void StatusItem::Private::askForSize()
 {
     if (m_docked) {

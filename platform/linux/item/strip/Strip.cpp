@@ -102,6 +102,8 @@ Strip::~Strip()
 void Strip::watchScreen(QScreen *screen)
 {
     connect(screen, &QScreen::geometryChanged, this, &Strip::follow);
+    // With these Qt may take over another scale without a word of the size.
+    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &Strip::follow);
 }
 
 void Strip::follow()

@@ -45,14 +45,19 @@ class AtWork:
         faults = [""]
         def found():
             items = self.screen.items()
-            faults[0] = rules.count_fault(items) or (
-                rules.panel_fault(items[0], self.session.panels()) if self.session.description.panel else "")
+            faults[0] = rules.count_fault(items) or self.place_fault(items[0])
             return not faults[0] and items
         items = self.session.wait(found, 30)
         if not items:
             raise Fault(faults[0])
         self.item = items[0]
         return self.item
+
+    def place_fault(self, item):
+        windows = self.session.windows
+        if self.session.description.panel or windows.tray_owner():
+            return rules.panel_fault(item, self.session.panels())
+        return rules.standing_fault(item, windows.standing_items())
 
     def menu_at(self, button):
         menu = self.screen.open_menu(lambda: self.session.click(*self.item.centre, button))
@@ -130,7 +135,8 @@ def choice(work):
 
 
 def keyboard(work):
-    """By kivshowmenu, which a key or a launcher runs, and without the pointer from there on."""
+    """By kivshowmenu, which a key or a launcher runs, and without the pointer from there on. The item has been pressed
+    before, without which some panels tell nobody where it is."""
     work.the_item()
     work.session.point(*work.screen.free_place())
     menu = work.screen.open_menu(work.session.show_menu)
@@ -179,7 +185,9 @@ def restart(work):
 def handover(work):
     """Another panel takes over while the desktop's own is away, and goes when that one is to come back."""
     work.session.kill_panel()
-    other = work.session.logged("other-panel", private_desktop.panel(work.session.folder()))
+    # A shell that stays is in front of what stands in the place of its bar.
+    edge = "top" if work.session.description.panel else "bottom"
+    other = work.session.logged("other-panel", private_desktop.panel(work.session.folder(), "right", edge))
     try:
         if work.session.wait(work.session.windows.tray_owner, 30) is None:
             raise Fault("the other panel gets no tray")
@@ -204,7 +212,8 @@ def pop_up(work):
 
 def corner(work):
     with pop_up(work) as place:
-        return rules.pop_up_fault(place, work.session.windows.screen(), work.session.panels())
+        windows = work.session.windows
+        return rules.pop_up_fault(place, windows.screen(), work.session.panels(), windows.standing_items())
 
 
 def focus(work):

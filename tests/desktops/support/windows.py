@@ -6,7 +6,7 @@ from PIL import Image
 from Xlib import X, Xatom, display, error
 from Xlib.protocol import display as protocol, event
 
-from tests.desktops.support.rules import Box
+from tests.desktops.support.rules import MAX_ITEM, Box
 
 AGENT = "kivmenua"
 
@@ -62,6 +62,11 @@ class Windows:
         screen = self.screen()
         image = self._root.get_image(0, 0, screen.width, screen.height, X.ZPixmap, 0xffffffff)
         return Image.frombytes("RGB", (screen.width, screen.height), image.data, "raw", "BGRX")
+
+    def standing_items(self):
+        """Windows of the agent's that stand by themselves and are no larger than an item."""
+        return [window.place for window in self.seen() if window.is_agents and window.is_top
+                and max(window.place.width, window.place.height) <= MAX_ITEM]
 
     def focus(self):
         """What has the keyboard: by the server, and by the window manager."""

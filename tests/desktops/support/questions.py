@@ -8,6 +8,7 @@ from tests.desktops.description import Description
 from tests.desktops.support import rules
 from tests.desktops.support.pictures import changes, save_for_page
 from tests.desktops.support.screen import Screen
+from tests.desktops.support.screen_reader import ScreenReader
 from tests.desktops.support.session import ACTIVE, SHOWN, Session
 from tools.desktop import private_desktop
 
@@ -39,6 +40,7 @@ class AtWork:
         self.item = None
         self.menu = None
         self.drawn_by = set()
+        self.said = {}           # By the screen reader, of what.
 
     def the_item(self):
         """Where it is now, once it is there as it ought to be."""
@@ -165,6 +167,31 @@ def alert(work):
     return ""
 
 
+def reader(work):
+    """Orca, with the keyboard alone; the item gets that as a panel gives it."""
+    work.the_item()
+    keys, windows = work.session.keys, work.session.windows
+    acts = [("the item", "Kivune Menu", lambda: windows.give_keyboard_to_item(True)),
+            ("its menu", "popup menu", lambda: [windows.give_keyboard_to_item(False), work.session.show_menu()]),
+            ("the first entry", "Switch Resolution", lambda: keys("Down")),
+            ("the last one", "About", lambda: keys("Up")),
+            ("the alert", "alert", lambda: keys("Return")),
+            ("its button", "button", lambda: None),
+            ("a pop-up", "Good morning", lambda: [keys("Escape"), work.session.tell("hint Good morning")])]
+    orca = ScreenReader(work.session)
+    try:
+        work.session.wait(lambda: "tells a screen reader" in work.session.log("agent"), 20, "what the agent tells readers")
+        for what, words, act in acts:
+            act()
+            work.said[what] = orca.hears(words)
+    finally:
+        orca.close()
+        for place in work.screen.big_windows().values():
+            work.session.click(place.centre[0], place.bottom - 26)
+    unsaid = [what for what, text in work.said.items() if not text]
+    return "Orca says nothing of " + " and ".join(unsaid) if unsaid else ""
+
+
 def flags(work):
     for number in range(ROUNDS):
         work.session.tell("flags 0")
@@ -264,6 +291,7 @@ QUESTIONS = {
     "alert": ("About, and its end by keyboard", alert),
     "corner": ("the pop-up is in its place", corner),
     "focus": ("it takes no keyboard", focus),
+    "reader": ("Orca reads it all", reader),
     "flags": (f"once after {ROUNDS} rounds of flags", flags),
     "second": ("a second session has its own", second),
     "handover": ("another panel takes over, and gives back", handover),

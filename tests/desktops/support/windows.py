@@ -68,6 +68,16 @@ class Windows:
         return [window.place for window in self.seen() if window.is_agents and window.is_top
                 and max(window.place.width, window.place.height) <= MAX_ITEM]
 
+    def give_keyboard_to_item(self, is_given):
+        """As a panel tells an icon in its tray that it has the keyboard, by the XEmbed protocol, or has it no more."""
+        focus_in, focus_out = 4, 5
+        for window in self.seen():
+            if window.is_agents and not window.is_top and max(window.place[2:]) <= MAX_ITEM:
+                icon = self._display.create_resource_object("window", window.number)
+                icon.send_event(event.ClientMessage(window=icon, client_type=self._display.intern_atom("_XEMBED"),
+                                                    data=(32, [X.CurrentTime, focus_in if is_given else focus_out, 0, 0, 0])))
+        self._display.sync()
+
     def focus(self):
         """What has the keyboard: by the server, and by the window manager."""
         focus = self._display.get_input_focus().focus

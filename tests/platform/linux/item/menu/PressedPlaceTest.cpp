@@ -16,12 +16,9 @@ TEST(PressedPlace, HoldsUntilTheScreensChange)
         QList<QRect> then, now;
         bool holds;
     } rows[] = {
-        {"as they were", {wide}, {wide}, true},
-        {"two as they were", {wide, beside}, {wide, beside}, true},
-        {"another size", {wide}, {small}, false},
-        {"one more", {wide}, {wide, beside}, false},
-        {"one less", {wide, beside}, {wide}, false},
-        {"another main one", {wide, beside}, {beside, wide}, false},
+        {"as they were", {wide}, {wide}, true},      {"two as they were", {wide, beside}, {wide, beside}, true},
+        {"another size", {wide}, {small}, false},    {"one more", {wide}, {wide, beside}, false},
+        {"one less", {wide, beside}, {wide}, false}, {"another main one", {wide, beside}, {beside, wide}, false},
         {"none any more", {wide}, {}, false},
     };
     for (const auto &row : rows) {

@@ -108,6 +108,16 @@ TEST_F(ScreenReaderTest, OpensTheMenuAndSeesWhichEntriesCanBeChosenAndWhichOneIs
     EXPECT_TRUE(session.closeEverything());
 }
 
+TEST_F(ScreenReaderTest, IsToldThatTheMenuHasOpenedBeforeAnEntryIsGoneTo)
+{
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(session.agent->openMenu());
+    EXPECT_TRUE(waitUntil([this] {
+        return !reader->events(QStringLiteral("state-changed:focused"), ScreenReader::PopupMenu).isEmpty();
+    }));
+    EXPECT_TRUE(session.closeEverything());
+}
+
 TEST_F(ScreenReaderTest, IsToldWhichEntryTheKeysHaveGoneTo)
 {
     ASSERT_TRUE(start());

@@ -101,6 +101,8 @@ QAccessible::State AccessibleItem::state() const
     state.disabled = !item().isEnabled();
     state.focusable = true;
     state.focused = m_focused;
+    // Right below the application the item is its own window, and readers say nothing of what is in an inactive one.
+    state.active = m_focused;
     state.hasPopup = true;
     return state;
 }

@@ -12,6 +12,7 @@
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
 #include "platform/linux/item/menu/MenuRequests.h"
+#include "platform/linux/item/menu/PressedPlace.h"
 #include "platform/linux/item/strip/Strip.h"
 
 #include <QEvent>
@@ -97,6 +98,7 @@ private:
     QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
     std::unique_ptr<StatusNotifierItem> m_notifierItem;
     std::unique_ptr<NotifierRegistration> m_registration;
+    std::optional<PressedPlace> m_lastPress; ///< With that registration.
     QTimer m_settling;
     QTimer m_dockTimeout;
 };
@@ -155,6 +157,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
     m_docked.reset();
     m_registration.reset();
     m_notifierItem.reset();
+    m_lastPress.reset();
     m_form = form;
     m_tray = XCB_NONE;
     m_watcher.clear();
@@ -168,7 +171,10 @@ void StatusItem::Private::setForm(StatusItemForm form)
     case StatusItemForm::Notifier:
         m_watcher = m_notifiers.watcher();
         m_notifierItem = std::make_unique<StatusNotifierItem>(m_menu);
-        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, &Private::handlePress);
+        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, [this](std::optional<QPoint> place) {
+            m_lastPress = place ? std::optional(PressedPlace{*place, presentScreens()}) : m_lastPress;
+            handlePress(place);
+        });
         m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
         break;
     case StatusItemForm::Strip:
@@ -272,11 +278,11 @@ void StatusItem::Private::handlePress(std::optional<QPoint> place)
     }
 }
 
-/// As if the item itself had been pressed, wherever the mouse is.
+/// As if the item itself had been pressed, wherever the mouse is: where the item is, or was when it was pressed last.
 void StatusItem::Private::handleKey()
 {
     const std::optional<QRect> place = window() ? window()->place() : std::nullopt;
-    handlePress(place ? std::optional(place->topLeft()) : std::nullopt);
+    handlePress(place ? std::optional(place->topLeft()) : placeSincePress(m_lastPress, presentScreens()));
 }
 
 StatusItem::StatusItem(QObject *parent)

@@ -20,7 +20,7 @@ WindowsOfOthers::WindowsOfOthers(QWidget &stayingAbove)
     stayingAbove.installEventFilter(this);
     QCoreApplication::instance()->installNativeEventFilter(this);
     if (listeners++ == 0) {
-        setHeard(true);
+        XConnection::hearOfRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
     }
 }
 
@@ -32,7 +32,7 @@ WindowsOfOthers::~WindowsOfOthers()
 void WindowsOfOthers::stopHearing()
 {
     if (std::exchange(m_hears, false) && --listeners == 0) {
-        setHeard(false);
+        XConnection::hearOfRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, false);
     }
 }
 
@@ -60,20 +60,4 @@ bool WindowsOfOthers::nativeEventFilter(const QByteArray &, void *message, qintp
         }
     }
     return false;
-}
-
-void WindowsOfOthers::setHeard(bool heard)
-{
-    xcb_connection_t *x = XConnection::get();
-    const xcb_window_t root = XConnection::screen()->root;
-    const auto cookie = xcb_get_window_attributes(x, root);
-    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(x, cookie, nullptr));
-    if (!attributes) {
-        return;
-    }
-    // The rest is what others of this program have asked for.
-    constexpr std::uint32_t mappings = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    const std::uint32_t mask = (attributes->your_event_mask & ~mappings) | (heard ? mappings : 0U);
-    xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(x);
 }

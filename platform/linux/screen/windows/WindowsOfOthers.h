@@ -22,7 +22,6 @@ private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
     void stopHearing();
-    static void setHeard(bool heard);
 
     QWidget &m_window;
     bool m_hears = true;

@@ -1,7 +1,7 @@
 #include "platform/linux/screen/windows/WindowsOfOthers.h"
 
 #include "platform/linux/include/XConnection.h"
-#include "platform/screen/WindowStacking.h"
+#include "platform/linux/screen/windows/StackingRule.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -13,11 +13,12 @@ namespace
 int listeners = 0;
 }
 
-WindowsOfOthers::WindowsOfOthers(QWidget &stayingAbove)
-    : QObject(&stayingAbove)
-    , m_window(stayingAbove)
+WindowsOfOthers::WindowsOfOthers(QObject &owner, std::function<xcb_window_t()> stayingAbove)
+    : QObject(&owner)
+    , m_owner(owner)
+    , m_window(std::move(stayingAbove))
 {
-    stayingAbove.installEventFilter(this);
+    owner.installEventFilter(this);
     QCoreApplication::instance()->installNativeEventFilter(this);
     if (listeners++ == 0) {
         XConnection::hearOfRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
@@ -38,12 +39,17 @@ void WindowsOfOthers::stopHearing()
 
 bool WindowsOfOthers::areManaged()
 {
-    return XConnection::selectionOwner("WM_S" + QByteArray::number(XConnection::screenNumber())) != XCB_NONE;
+    return XConnection::selectionOwner(managersSelection()) != XCB_NONE;
+}
+
+QByteArray WindowsOfOthers::managersSelection()
+{
+    return "WM_S" + QByteArray::number(XConnection::screenNumber());
 }
 
 bool WindowsOfOthers::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == &m_window && event->type() == QEvent::Hide) {
+    if (watched == &m_owner && event->type() == QEvent::Hide) {
         stopHearing();
         deleteLater();
     }
@@ -56,7 +62,7 @@ bool WindowsOfOthers::nativeEventFilter(const QByteArray &, void *message, qintp
     if (XConnection::eventType(*event) == XCB_MAP_NOTIFY) {
         const auto *map = reinterpret_cast<const xcb_map_notify_event_t *>(event);
         if (map->event == XConnection::screen()->root && map->override_redirect == 0 && m_hears) {
-            bringToFront(m_window);
+            riseAboveWindowsOfOthers(m_window());
         }
     }
     return false;

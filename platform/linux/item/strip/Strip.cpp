@@ -5,6 +5,7 @@
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/item/strip/StripPlacement.h"
+#include "platform/linux/screen/windows/StackingRule.h"
 #include "platform/linux/screen/windows/StandingItem.h"
 #include "platform/linux/screen/windows/WorkArea.h"
 #include "platform/linux/workarounds/RootProperties.h"
@@ -83,6 +84,10 @@ std::unique_ptr<Strip> Strip::make()
 
 Strip::Strip(std::unique_ptr<TrayIconWindow> window)
     : m_window(std::move(window))
+    , m_manager(WindowsOfOthers::managersSelection(), [this](xcb_window_t) {
+        // Not from inside Qt's event filters, of which one is added or removed.
+        QMetaObject::invokeMethod(this, &Strip::stayAboveWhatNobodyManages, Qt::QueuedConnection);
+    })
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
     RootProperties::hear(this);
@@ -92,6 +97,7 @@ Strip::Strip(std::unique_ptr<TrayIconWindow> window)
     for (QScreen *screen : screens) {
         watchScreen(screen);
     }
+    stayAboveWhatNobodyManages();
 }
 
 Strip::~Strip()
@@ -112,6 +118,16 @@ void Strip::follow()
         m_press.reset();
         m_settled = place;
         stand(place);
+    }
+}
+
+void Strip::stayAboveWhatNobodyManages()
+{
+    if (WindowsOfOthers::areManaged()) {
+        m_others.reset();
+    } else if (!m_others) {
+        m_others = std::make_unique<WindowsOfOthers>(*this, [this] { return m_window->id(); });
+        riseAboveWindowsOfOthers(m_window->id()); // Of those that the manager has left there.
     }
 }
 

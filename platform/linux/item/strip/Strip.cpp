@@ -47,7 +47,7 @@ void rememberDistance(int distance)
 
 QRect workArea(const ScreenCoordinates &screen)
 {
-    return workAreaOn(screen.mainScreen, WorkAreaQuestion().answer());
+    return workAreaOn(screen.mainScreen, WorkAreaQuestion().answer(screen.mainScreen));
 }
 
 /// Empty when there is no main screen.
@@ -146,6 +146,7 @@ bool Strip::nativeEventFilter(const QByteArray &, void *message, qintptr *)
         const auto *notify = reinterpret_cast<const xcb_property_notify_event_t *>(event);
         if (notify->window == XConnection::screen()->root &&
             (notify->atom == XConnection::atom("_NET_WORKAREA") ||
+             notify->atom == XConnection::atom("_GTK_WORKAREAS_D0") || // All desktops' change together.
              notify->atom == XConnection::atom("_NET_CURRENT_DESKTOP"))) {
             QMetaObject::invokeMethod(this, &Strip::follow, Qt::QueuedConnection);
         }

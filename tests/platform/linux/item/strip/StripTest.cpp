@@ -69,7 +69,8 @@ protected:
 
     static void forget()
     {
-        for (const char *property : {"_NET_WORKAREA", "_NET_CURRENT_DESKTOP", "_KIVMENUA_ITEM"}) {
+        for (const char *property :
+             {"_NET_WORKAREA", "_GTK_WORKAREAS_D0", "_GTK_WORKAREAS_D1", "_NET_CURRENT_DESKTOP", "_KIVMENUA_ITEM"}) {
             xcb_delete_property(XConnection::get(), XConnection::screen()->root, XConnection::atom(property));
         }
         xcb_flush(XConnection::get());
@@ -141,6 +142,17 @@ TEST_F(StripTest, FollowsTheWorkArea)
 TEST_F(StripTest, FollowsTheWorkAreaFromDesktopToDesktop)
 {
     setOnRoot("_NET_WORKAREA", {0, 27, 1280, 773, 0, 50, 1280, 750});
+    EXPECT_TRUE(standsAt(usualX, 27));
+    setOnRoot("_NET_CURRENT_DESKTOP", {1});
+    EXPECT_TRUE(standsAt(usualX, 50));
+}
+
+TEST_F(StripTest, FollowsTheWorkAreaOfItsMonitorWhereEachHasItsOwn)
+{
+    setOnRoot("_NET_WORKAREA", {0, 60, 1280, 740, 0, 60, 1280, 740});
+    EXPECT_TRUE(standsAt(usualX, 60));
+    setOnRoot("_GTK_WORKAREAS_D1", {0, 50, 1280, 750});
+    setOnRoot("_GTK_WORKAREAS_D0", {1280, 60, 1024, 540, 0, 27, 1280, 773});
     EXPECT_TRUE(standsAt(usualX, 27));
     setOnRoot("_NET_CURRENT_DESKTOP", {1});
     EXPECT_TRUE(standsAt(usualX, 50));

@@ -98,6 +98,7 @@ QRect AccessibleItem::rect() const
 QAccessible::State AccessibleItem::state() const
 {
     QAccessible::State state;
+    state.invisible = !item().frame(); // Its host, if it has one, shows it to readers as its own.
     state.disabled = !item().isEnabled();
     state.focusable = true;
     state.focused = m_focused;

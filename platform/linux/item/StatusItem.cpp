@@ -94,6 +94,7 @@ private:
     StatusItemForm m_form = StatusItemForm::None;
     std::unique_ptr<TrayIconWindow> m_docked; ///< In the form Tray.
     std::unique_ptr<Strip> m_strip;           ///< In the form Strip, and in the form Tray while the tray does nothing.
+    bool m_standsIn = false;                  ///< The tray does nothing, be there a strip or no screen for one.
     xcb_window_t m_tray = XCB_NONE;           ///< The one that `m_docked` was made for.
     QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
     std::unique_ptr<StatusNotifierItem> m_notifierItem;
@@ -153,6 +154,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
     tellOfFocus(false);
     // The old form goes first: the item is never seen twice.
     m_dockTimeout.stop();
+    m_standsIn = false;
     m_strip.reset();
     m_docked.reset();
     m_registration.reset();
@@ -193,6 +195,7 @@ void StatusItem::Private::dock()
         connect(m_docked.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
         connect(m_docked.get(), &TrayIconWindow::docked, this, [this] {
             m_dockTimeout.stop();
+            m_standsIn = false;
             m_strip.reset();
         });
     }
@@ -234,6 +237,7 @@ void StatusItem::Private::handleLoss()
 void StatusItem::Private::standIn()
 {
     qCDebug(itemLog, "the tray does not take the item in: it waits at the top of the screen");
+    m_standsIn = true;
     standAlone();
     apply();
 }
@@ -243,6 +247,8 @@ void StatusItem::Private::makeStripAgain()
 {
     if (m_form == StatusItemForm::Strip && !m_strip) {
         setForm(StatusItemForm::Strip);
+    } else if (m_standsIn && !m_strip) {
+        standIn();
     }
 }
 

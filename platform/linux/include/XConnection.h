@@ -31,8 +31,8 @@ namespace XConnection
 [[nodiscard]] QByteArray traySelection();
 
 /// Has the server tell this program of these events of the root window (XCB_EVENT_MASK_...), or no longer. Of the
-/// others it tells as before: they are what Qt and the rest of this program have asked for.
-void hearOfRoot(std::uint32_t events, bool heard);
+/// others it tells as before: they are what Qt and the rest of this program have asked for. Whether that is a change.
+bool hearOfRoot(std::uint32_t events, bool heard);
 
 /// Set in the type of an event that a client has sent, which the server passes on.
 inline constexpr std::uint8_t sentBit = 0x80;

@@ -11,6 +11,7 @@
 #include "platform/linux/item/StatusNotifierItem.h"
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
+#include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/item/menu/MenuRequests.h"
 #include "platform/linux/item/menu/PressedPlace.h"
 #include "platform/linux/item/strip/Strip.h"
@@ -81,6 +82,7 @@ private:
     void handleLoss();
     void standIn();
     void makeStripAgain();
+    void askForSize();
     void handlePress(std::optional<QPoint> place);
     void handleKey();
     void tellOfFocus(bool focused) { AccessibleItem::tellOfFocus(*m_owner, focused); }
@@ -124,6 +126,9 @@ StatusItem::Private::Private(StatusItem *owner)
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::makeStripAgain);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
+    if (const QScreen *const screen = QGuiApplication::primaryScreen()) {
+        connect(screen, &QScreen::geometryChanged, this, &Private::askForSize);
+    }
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
 }
@@ -249,6 +254,15 @@ void StatusItem::Private::makeStripAgain()
         setForm(StatusItemForm::Strip);
     } else if (m_standsIn && !m_strip) {
         standIn();
+    }
+}
+
+/// The desktop may have another scale by now.
+void StatusItem::Private::askForSize()
+{
+    if (m_docked) {
+        const int side = deviceSide(screenCoordinates());
+        TrayProtocol::askForSize(m_docked->id(), {side, side});
     }
 }
 

@@ -33,7 +33,7 @@ qint64 ProcessMemory::privateKilobytes(qint64 pid)
 
 int ProcessMemory::heapsOfThreads(qint64 pid)
 {
-    constexpr qulonglong reservation = 64 * 1024 * 1024;
+    constexpr qulonglong reservation = 64ULL * 1024 * 1024;
     const QList<QByteArray> lines = contentOf(pid, "maps").split('\n');
     int heaps = 0;
     for (qsizetype i = 0; i + 1 < lines.size(); ++i) {

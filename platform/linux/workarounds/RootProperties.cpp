@@ -141,22 +141,8 @@ void RootProperties::update()
 
 void RootProperties::setHeard(bool heard) const
 {
-    xcb_connection_t *x = XConnection::get();
-    const xcb_window_t root = XConnection::screen()->root;
-    const auto cookie = xcb_get_window_attributes(x, root);
-    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(x, cookie, nullptr));
-    if (!attributes) {
-        return;
-    }
-    // The rest is what Qt has asked for.
-    constexpr std::uint32_t changes = XCB_EVENT_MASK_PROPERTY_CHANGE;
-    const std::uint32_t others = attributes->your_event_mask & ~changes;
-    const std::uint32_t mask = others | (heard ? changes : 0U);
-    if (mask != attributes->your_event_mask) {
-        xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &mask);
-        if (heard) {
-            send(resources);
-        }
-        xcb_flush(x);
+    if (XConnection::hearOfRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, heard) && heard) {
+        send(resources);
+        xcb_flush(XConnection::get());
     }
 }

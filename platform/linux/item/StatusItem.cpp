@@ -35,21 +35,6 @@ int deviceSide(const ScreenCoordinates &screen)
     return static_cast<int>(std::lround(sideInPoints * screen.ratio));
 }
 
-const char *description(StatusItemForm form)
-{
-    switch (form) {
-    case StatusItemForm::None:
-        return "nowhere";
-    case StatusItemForm::Tray:
-        return "in the tray";
-    case StatusItemForm::Notifier:
-        return "with the StatusNotifierItem host";
-    case StatusItemForm::Strip:
-        return "by itself at the top of the screen";
-    }
-    return "";
-}
-
 } // namespace
 
 class StatusItem::Private final : public QObject
@@ -260,7 +245,7 @@ void StatusItem::Private::makeStripAgain()
 
 void StatusItem::Private::askForSize()
 {
-    if (m_docked) {
+    if (m_docked) { // The desktop may have another scale by now.
         const int side = deviceSide(screenCoordinates());
         TrayProtocol::askForSize(m_docked->id(), {side, side});
     }

@@ -27,3 +27,6 @@ enum class Settling { Underway, Over };
 /// flicker, and a panel that speaks both protocols may announce its bus name first. Until then the present form stays,
 /// as long as its host is there.
 [[nodiscard]] StatusItemForm pickForm(StatusItemHosts hosts, StatusItemForm present, Settling settling);
+
+/// For a line of the log: "the item is ...".
+[[nodiscard]] const char *description(StatusItemForm form);

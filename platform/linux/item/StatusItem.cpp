@@ -148,6 +148,14 @@ void StatusItem::Private::update(Settling settling)
 
 void StatusItem::Private::setForm(StatusItemForm form)
 {
+    const bool isForHost = form == StatusItemForm::Notifier;
+    const QDBusConnection forItem = isForHost ? SessionBus::instance().connectOnceMore() : QDBusConnection(QString());
+    if (isForHost && !forItem.isConnected()) {
+        qCDebug(itemLog, "the session bus takes no connection for the item: it is tried again");
+        m_notifiers.askAgainLater();
+        update(Settling::Over);
+        return;
+    }
     tellOfFocus(false);
     // The old form goes first: the item is never seen twice.
     m_dockTimeout.stop();
@@ -169,7 +177,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
         m_watcher = m_notifiers.watcher();
         m_notifierItem = std::make_unique<StatusNotifierItem>(m_menu);
         connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, &Private::handlePress);
-        m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
+        m_registration = std::make_unique<NotifierRegistration>(forItem, m_watcher, *m_notifierItem);
         break;
     case StatusItemForm::Strip:
         standAlone();

@@ -142,6 +142,14 @@ void StatusItem::Private::update(Settling settling)
 
 void StatusItem::Private::setForm(StatusItemForm form)
 {
+    const bool isForHost = form == StatusItemForm::Notifier;
+    const QDBusConnection forItem = isForHost ? SessionBus::instance().connectOnceMore() : QDBusConnection(QString());
+    if (isForHost && !forItem.isConnected()) {
+        qCDebug(itemLog, "the session bus takes no connection for the item: it is tried again");
+        m_notifiers.askAgainLater();
+        update(Settling::Over);
+        return;
+    }
     tellOfFocus(false);
     // The old form goes first: the item is never seen twice.
     m_dockTimeout.stop();
@@ -168,7 +176,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
             m_lastPress = place ? std::optional(PressedPlace{*place, presentScreens()}) : m_lastPress;
             handlePress(place);
         });
-        m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
+        m_registration = std::make_unique<NotifierRegistration>(forItem, m_watcher, *m_notifierItem);
         break;
     case StatusItemForm::Strip:
         standAlone();

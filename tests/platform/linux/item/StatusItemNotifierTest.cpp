@@ -12,6 +12,7 @@
 #include "tests/support/Xrandr.h"
 
 #include <QDBusPendingCall>
+#include <QElapsedTimer>
 #include <QMenu>
 #include <QPixmap>
 
@@ -352,6 +353,25 @@ TEST_F(StatusItemNotifierTest, OffersItsMenuToTheHost)
     item.setMenu(nullptr);
     ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
     EXPECT_FALSE(host.chooseEntry(1)) << "there is no such menu any more";
+}
+
+TEST_F(StatusItemNotifierTest, StandsAloneWhileTheBusTakesNoConnectionForItAndIsTriedAgain)
+{
+    FakeNotifierHost host(bus->address());
+    QMenu menu;
+    StatusItem item;
+    item.setImage(redIcon());
+    ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
+    bus->suspend();
+    QElapsedTimer time;
+    time.start();
+    item.setMenu(&menu); // For which it is given to the host anew.
+    EXPECT_LT(time.elapsed(), 2000);
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+
+    bus->resume();
+    EXPECT_TRUE(
+        waitUntil([&] { return item.frame() == std::nullopt && host.items().size() == 1; }, std::chrono::seconds(20)));
 }
 
 TEST_F(StatusItemNotifierTest, SurvivesTheBus)

@@ -28,13 +28,11 @@
 
 namespace
 {
-constexpr double sideInPoints = 22;
-
 int deviceSide(const ScreenCoordinates &screen)
 {
+    constexpr double sideInPoints = 22;
     return static_cast<int>(std::lround(sideInPoints * screen.ratio));
 }
-
 } // namespace
 
 class StatusItem::Private final : public QObject
@@ -131,11 +129,7 @@ void StatusItem::Private::update(Settling settling)
     }
     if (form != m_form || (form == StatusItemForm::Tray && m_tray != m_trays.tray()) ||
         (form == StatusItemForm::Notifier && m_watcher != m_notifiers.watcher())) {
-        qCDebug(itemLog, "the item is %s: there is %s tray and %s StatusNotifierItem host", description(form),
-                hosts.trayIsProxy ? "a proxy for a"
-                : hosts.tray      ? "a"
-                                  : "no",
-                hosts.notifier ? "a" : "no");
+        qCDebug(itemLog, "the item is %s: there is %s", description(form), description(hosts).constData());
         setForm(form);
     }
 }

@@ -52,3 +52,9 @@ const char *description(StatusItemForm form)
     }
     return "";
 }
+
+QByteArray description(StatusItemHosts hosts)
+{
+    const char *const tray = hosts.trayIsProxy ? "a proxy for a" : hosts.tray ? "a" : "no";
+    return QByteArray(tray) + " tray and " + (hosts.notifier ? "a" : "no") + " StatusNotifierItem host";
+}

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QByteArray>
+
 /// Where a status item is drawn. One at a time.
 enum class StatusItemForm {
     None,     ///< Nowhere: not yet placed, or its host has just gone and may come back.
@@ -30,3 +32,5 @@ enum class Settling { Underway, Over };
 
 /// For a line of the log: "the item is ...".
 [[nodiscard]] const char *description(StatusItemForm form);
+/// For that line: "there is ...".
+[[nodiscard]] QByteArray description(StatusItemHosts hosts);

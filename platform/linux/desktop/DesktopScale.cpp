@@ -31,7 +31,8 @@ QWidgetList hiddenDialogs()
 {
     QWidgetList dialogs;
     for (QWidget *const window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && (window->windowType() == Qt::Dialog || window->windowType() == Qt::Window)) {
+        const bool isDialog = window->windowType() == Qt::Dialog || window->windowType() == Qt::Window;
+        if (isDialog && window->isVisible() && !window->testAttribute(Qt::WA_DontShowOnScreen)) {
             window->hide();
             window->setAttribute(Qt::WA_Moved, false); // Where it was is another place by now.
             dialogs.append(window);

@@ -2,6 +2,8 @@
 
 #include "platform/linux/include/XConnection.h"
 
+#include <QList>
+
 QByteArray askForXResources(xcb_connection_t *x)
 {
     constexpr std::uint32_t maxLength = 64 * 1024; // In units of four bytes.

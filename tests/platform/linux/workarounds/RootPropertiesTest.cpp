@@ -94,6 +94,32 @@ public:
     int marks = 0;
 };
 
+/// Has more to be known each time that Qt has caught up, as often as that.
+class MoreToKnow final : private QAbstractNativeEventFilter
+{
+public:
+    explicit MoreToKnow(int times)
+        : m_times(times)
+    {
+        QCoreApplication::instance()->installNativeEventFilter(this);
+    }
+
+    int caughtUp = 0;
+
+private:
+    bool nativeEventFilter(const QByteArray &, void *message, qintptr *) override
+    {
+        const auto *event = static_cast<const xcb_property_notify_event_t *>(message);
+        if (event->response_type == (XCB_PROPERTY_NOTIFY | XConnection::sentBit) &&
+            event->atom == XConnection::atom("_NET_WORKAREA") && ++caughtUp <= m_times) {
+            QMetaObject::invokeMethod(qApp, &RootProperties::catchUpAnew, Qt::QueuedConnection);
+        }
+        return false;
+    }
+
+    const int m_times;
+};
+
 class RootPropertiesTest : public testing::Test
 {
 protected:
@@ -173,6 +199,16 @@ TEST_F(RootPropertiesTest, BringTheWorkAreaThatHasChangedMeanwhile)
         EXPECT_TRUE(waitUntil([&] { return !seen.isNull(); }));
         EXPECT_EQ(seen, belowThePanel);
     }
+}
+
+TEST_F(RootPropertiesTest, AreCaughtUpWithAnewWhereMoreIsToBeKnownBeforeAWindowIsShown)
+{
+    const MoreToKnow more(5);
+    QObject context;
+    int caughtUp = 0;
+    RootProperties::catchUpAndShow(&context, [&] { caughtUp = more.caughtUp; });
+    EXPECT_TRUE(waitUntil([&] { return caughtUp > 0; }));
+    EXPECT_EQ(caughtUp, 6);
 }
 
 TEST_F(RootPropertiesTest, AreOfNoUseToOneThatHasGone)

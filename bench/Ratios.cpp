@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <functional>
 #include <iterator>
 #include <map>
@@ -29,6 +30,12 @@ public:
 };
 
 } // namespace
+
+void giveUp(const char *why)
+{
+    std::fprintf(stderr, "%s\n", why);
+    std::_Exit(2);
+}
 
 int runAndCompare(int argc, char **argv, std::span<const Ratio> ratios)
 {

@@ -6,6 +6,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 
 namespace
 {
@@ -46,7 +47,8 @@ QLabel *newPopUpIcon(QWidget *parent)
 void placePopUpIcon(QLabel &icon, std::int32_t messageType, const QRect &frame)
 {
     icon.setGeometry(frame);
-    icon.setPixmap(messageTypeIcon(messageType, frame.height(), icon.devicePixelRatio()));
+    // The window itself may have that of before for a while yet.
+    icon.setPixmap(messageTypeIcon(messageType, frame.height(), icon.screen()->devicePixelRatio()));
 }
 
 QLabel *newPopUpTitle(const QString &text, QWidget *parent)

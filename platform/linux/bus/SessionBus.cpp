@@ -78,13 +78,16 @@ QDBusConnection SessionBus::connection() const
 
 QDBusConnection SessionBus::connectOnceMore() const
 {
-    if (!isConnected()) {
+    if (!isConnected() || probeBus(m_address).state != BusState::Answers) {
         return noConnection();
     }
-    QDBusConnection connection = QDBusConnection::connectToBus(m_address, freshConnectionName());
-    if (connection.isConnected()) {
-        readWithoutLimit(connection);
+    const QString name = freshConnectionName();
+    QDBusConnection connection = QDBusConnection::connectToBus(m_address, name);
+    if (!connection.isConnected()) {
+        QDBusConnection::disconnectFromBus(name);
+        return noConnection();
     }
+    readWithoutLimit(connection);
     return connection;
 }
 

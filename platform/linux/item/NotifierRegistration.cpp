@@ -22,8 +22,9 @@ bool hasGone(QDBusError::ErrorType error)
 }
 } // namespace
 
-NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString &watcher, StatusNotifierItem &item)
-    : m_connection(bus.connectOnceMore())
+NotifierRegistration::NotifierRegistration(const QDBusConnection &connection, const QString &watcher,
+                                           StatusNotifierItem &item)
+    : m_connection(connection)
 {
     m_connection.registerObject(itemPath, &item, QDBusConnection::ExportAdaptors);
     if (BusMenu *menu = item.busMenu()) {

@@ -6,6 +6,8 @@
 #include <QActionEvent>
 #include <QGuiApplication>
 
+#include <utility>
+
 namespace
 {
 
@@ -114,22 +116,17 @@ bool BusMenu::catchUp()
         watch(*m_menu);
     }
     const MenuChanges changes = numberMenuTree(m_tree, present, m_lastId);
-    m_tree = std::move(present);
+    const MenuTree past = std::exchange(m_tree, std::move(present));
     if (!changes.layouts.empty()) {
         ++m_revision;
         Q_EMIT LayoutUpdated(m_revision, changes.layouts.size() == 1 ? changes.layouts.front() : 0);
     }
     BusMenuEntries updated;
-    BusMenuRemovals removed;
     for (const int id : changes.entries) {
-        const MenuTree &entry = *findInMenuTree(m_tree, id);
-        updated.append({id, menuProperties(entry)});
-        if (!entry.isCheckable) {
-            removed.append({id, {QStringLiteral("toggle-type"), QStringLiteral("toggle-state")}});
-        }
+        updated.append({id, changedProperties(*findInMenuTree(past, id), *findInMenuTree(m_tree, id))});
     }
     if (!updated.isEmpty()) {
-        Q_EMIT ItemsPropertiesUpdated(updated, removed);
+        Q_EMIT ItemsPropertiesUpdated(updated, {});
     }
     return changes != MenuChanges();
 }
@@ -153,6 +150,13 @@ void BusMenu::refuse(int id) const
 {
     if (calledFromDBus()) {
         sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no entry %1").arg(id));
+    }
+}
+
+void BusMenu::refuseIfAll(const QList<int> &unknown, qsizetype asked) const
+{
+    if (!unknown.isEmpty() && unknown.size() == asked) {
+        refuse(unknown.first());
     }
 }
 
@@ -211,6 +215,7 @@ QList<int> BusMenu::EventGroup(const BusMenuEvents &events)
             unknown.append(event.id);
         }
     }
+    refuseIfAll(unknown, events.size());
     return unknown;
 }
 
@@ -252,5 +257,6 @@ QList<int> BusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors
     for (const int id : ids) {
         (findInMenuTree(m_tree, id) ? known : idErrors).append(id);
     }
+    refuseIfAll(idErrors, ids.size());
     return !known.isEmpty() && prepareToShow() ? known : QList<int>();
 }

@@ -1,7 +1,7 @@
 #include "platform/linux/screen/windows/WindowsOfOthers.h"
 
 #include "platform/linux/include/XConnection.h"
-#include "platform/screen/WindowStacking.h"
+#include "platform/linux/screen/windows/StackingRule.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -13,14 +13,15 @@ namespace
 int listeners = 0;
 }
 
-WindowsOfOthers::WindowsOfOthers(QWidget &stayingAbove)
-    : QObject(&stayingAbove)
-    , m_window(stayingAbove)
+WindowsOfOthers::WindowsOfOthers(QObject &owner, std::function<xcb_window_t()> stayingAbove)
+    : QObject(&owner)
+    , m_owner(owner)
+    , m_window(std::move(stayingAbove))
 {
-    stayingAbove.installEventFilter(this);
+    owner.installEventFilter(this);
     QCoreApplication::instance()->installNativeEventFilter(this);
     if (listeners++ == 0) {
-        setHeard(true);
+        XConnection::hearOfRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, true);
     }
 }
 
@@ -32,18 +33,23 @@ WindowsOfOthers::~WindowsOfOthers()
 void WindowsOfOthers::stopHearing()
 {
     if (std::exchange(m_hears, false) && --listeners == 0) {
-        setHeard(false);
+        XConnection::hearOfRoot(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY, false);
     }
 }
 
 bool WindowsOfOthers::areManaged()
 {
-    return XConnection::selectionOwner("WM_S" + QByteArray::number(XConnection::screenNumber())) != XCB_NONE;
+    return XConnection::selectionOwner(managersSelection()) != XCB_NONE;
+}
+
+QByteArray WindowsOfOthers::managersSelection()
+{
+    return "WM_S" + QByteArray::number(XConnection::screenNumber());
 }
 
 bool WindowsOfOthers::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == &m_window && event->type() == QEvent::Hide) {
+    if (watched == &m_owner && event->type() == QEvent::Hide) {
         stopHearing();
         deleteLater();
     }
@@ -56,24 +62,8 @@ bool WindowsOfOthers::nativeEventFilter(const QByteArray &, void *message, qintp
     if (XConnection::eventType(*event) == XCB_MAP_NOTIFY) {
         const auto *map = reinterpret_cast<const xcb_map_notify_event_t *>(event);
         if (map->event == XConnection::screen()->root && map->override_redirect == 0 && m_hears) {
-            bringToFront(m_window);
+            riseAboveWindowsOfOthers(m_window());
         }
     }
     return false;
-}
-
-void WindowsOfOthers::setHeard(bool heard)
-{
-    xcb_connection_t *x = XConnection::get();
-    const xcb_window_t root = XConnection::screen()->root;
-    const auto cookie = xcb_get_window_attributes(x, root);
-    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(x, cookie, nullptr));
-    if (!attributes) {
-        return;
-    }
-    // The rest is what others of this program have asked for.
-    constexpr std::uint32_t mappings = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    const std::uint32_t mask = (attributes->your_event_mask & ~mappings) | (heard ? mappings : 0U);
-    xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(x);
 }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QList>
+#include <QPoint>
+#include <QRect>
+
+#include <optional>
+
+/// Where the item was when it was pressed last. A StatusNotifierItem host tells it with each press, and at no other
+/// time.
+struct PressedPlace {
+    QPoint place;         ///< In device pixels of the root window.
+    QList<QRect> screens; ///< The presentScreens() of that time.
+};
+
+/// Where the screens are, the main one first. Needs X; main thread only.
+[[nodiscard]] QList<QRect> presentScreens();
+
+/// Where the item is held to be while the screens are `screens`: where it was at its last press, unless they have
+/// changed since, and with them the panel. Nothing where it has not been pressed.
+[[nodiscard]] std::optional<QPoint> placeSincePress(const std::optional<PressedPlace> &last,
+                                                    const QList<QRect> &screens);

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-StandingQuestion::StandingQuestion(SessionBus &bus, QDBusMessage question, News news)
+StandingQuestion::StandingQuestion(SessionBus &bus, const QDBusMessage &question, News news)
     : m_bus(bus)
-    , m_question(std::move(question))
+    , m_question(question)
     , m_news(std::move(news))
 {
     connect(&m_bus, &SessionBus::connected, this, &StandingQuestion::watchBus);

@@ -27,7 +27,7 @@ public:
 
     /// `question` is a call; its destination is a well-known name, and its object sends the news. `bus` must outlive
     /// this object. The first answer comes from the event loop.
-    StandingQuestion(SessionBus &bus, QDBusMessage question, News news);
+    StandingQuestion(SessionBus &bus, const QDBusMessage &question, News news);
 
 Q_SIGNALS:
     /// The present answer, or error. No reply either when nobody owns the name. Nothing is told when the bus goes.

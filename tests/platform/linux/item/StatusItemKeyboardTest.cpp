@@ -225,7 +225,7 @@ TEST_F(MenuRequest, LeavesTheEventLoopToOthersHoweverManyThereAre)
         QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
                                        QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
     for (int i = 0; i < 5000; ++i) {
-        ASSERT_TRUE(peer.connection().send(requestOfContract()));
+        static_cast<void>(peer.connection().asyncCall(requestOfContract())); // send() wants no answer.
     }
     const QDBusPendingCall last = peer.connection().asyncCall(requestOfContract());
     peer.connection().call(ping);

@@ -14,7 +14,7 @@
 
 namespace
 {
-constexpr int messagesAtFirst = 1100;
+constexpr int messagesOfAFlood = 1100;
 constexpr std::array messageTypes{"update", "news", "notice", "warning"};
 constexpr std::array messagePriorities{"low", "medium", "high"};
 } // namespace
@@ -59,7 +59,7 @@ const Life::Operation Life::operationsOnAPopUp[] = {
 
 Life::Life(unsigned seed, double days, std::chrono::duration<double> length)
     : m_pace(days * 86400 / length.count())
-    , m_lastMessageId(messagesAtFirst + 150 + static_cast<int>(days) * 10)
+    , m_lastMessageId(messagesOfAFlood + 150 + static_cast<int>(days) * 10)
     , m_seed(seed)
     , m_random(seed)
 {
@@ -72,18 +72,13 @@ bool Life::start()
             m_counts[operation.name] = 0;
         }
     }
-    // More than the agent keeps.
-    QList<FeedMessage> flood;
-    for (int id = 1; id <= messagesAtFirst; ++id) {
-        flood.append({.id = QByteArray::number(id),
-                      .type = oneOf(messageTypes),
-                      .repeat = random(4),
-                      .text = "http://127.0.0.1/news is where to read <b>more</b>."});
-    }
-    QList<ScriptedAnswer> answers{{.body = feedDocument(flood)}};
-    for (int id = messagesAtFirst; id < m_lastMessageId;) {
+    QList<ScriptedAnswer> answers;
+    for (int id = 0; id < m_lastMessageId;) {
+        // Once there is more than the agent keeps, which is also asked for at each log-in. A life of seconds ends
+        // before: in its middle there is not the time to see whether the memory is given back.
+        const bool isFlood = answers.size() == 20;
         QList<FeedMessage> messages;
-        for (int left = random(12); left > 0 && id < m_lastMessageId; --left) {
+        for (int left = isFlood ? messagesOfAFlood : random(12); left > 0 && id < m_lastMessageId; --left) {
             messages.append({.id = QByteArray::number(++id),
                              .type = oneOf(messageTypes),
                              .priority = oneOf(messagePriorities),
@@ -91,8 +86,8 @@ bool Life::start()
                              .text = "http://127.0.0.1/news is where to read <b>more</b>. " +
                                      QByteArray("And more. ").repeated(random(30))});
         }
-        answers.append({.status = random(8) == 0 ? 503 : 200, .body = feedDocument(messages)});
-        if (random(4) == 0) {
+        answers.append({.status = !isFlood && random(8) == 0 ? 503 : 200, .body = feedDocument(messages)});
+        if (!isFlood && random(4) == 0) {
             answers.last().interim = "HTTP/1.1 103 Early Hints\r\nLink: </style.css>\r\n\r\n";
             answers.last().pieces = 100;
             answers.last().pause = 1;

@@ -116,6 +116,28 @@ TEST_F(Docking, IsNotHurtByTheLossOfWindowsThatNobodySees)
     EXPECT_TRUE(agent->openMenu());
 }
 
+TEST_F(Docking, IsNotHurtByTheLossOfTheWindowThatAnOpenMenuHangsOn)
+{
+    // What stays when it has closed is there from now on.
+    ASSERT_TRUE(agent->openMenu());
+    desktop.input().key(XK_Escape);
+    ASSERT_TRUE(agent->waitUntilClosed());
+    HostileClient destroyer(desktop.server());
+    const QList<xcb_window_t> before = destroyer.hiddenWindowsOf(agent->pid());
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(agent->openMenu());
+        QList<xcb_window_t> anchors = destroyer.hiddenWindowsOf(agent->pid());
+        anchors.removeIf([&](xcb_window_t window) { return before.contains(window); });
+        ASSERT_EQ(anchors.size(), 1) << "round " << round;
+        destroyer.destroy(anchors.first());
+        desktop.input().key(XK_Escape);
+        ASSERT_TRUE(agent->waitUntilClosed()) << "round " << round;
+        EXPECT_EQ(destroyer.hiddenWindowsOf(agent->pid()), before) << "round " << round;
+    }
+    EXPECT_TRUE(agent->openMenu());
+    EXPECT_TRUE(agent->process().isRunning());
+}
+
 TEST_F(Docking, ComesBackAfterAnotherProgramHasDestroyedItsWindow)
 {
     HostileClient destroyer(desktop.server());

@@ -228,8 +228,9 @@ TEST(Flood, OfWhatIsNoEventLeavesTheMenuToTheUser)
         EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().isEmpty(); }, 60s)) << "the menu does not close";
         return took;
     };
-    for (const QDBusMessage &kind :
-         {RawCommand::settingsAnnounced(), RawCommand::questionForTheContract(agent.pid())}) {
+    for (const QDBusMessage &kind : {RawCommand::settingsAnnounced(), RawCommand::questionForTheContract(agent.pid()),
+                                     RawCommand::questionForTheMenusContract(agent.pid()),
+                                     RawCommand::newsOfAScreenReader(), RawCommand::newsOfTheColours()}) {
         qint64 longest = 0;
         int rounds = 0;
         Flood flood(session.desktop.bus(), {kind}, floodEvents());

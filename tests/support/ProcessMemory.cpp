@@ -26,6 +26,12 @@ qint64 ProcessMemory::peakKilobytes(qint64 pid)
     return kilobytes(contentOf(pid, "status"), "VmHWM");
 }
 
+bool ProcessMemory::forgetPeak()
+{
+    QFile file(QStringLiteral("/proc/self/clear_refs"));
+    return file.open(QIODevice::WriteOnly) && file.write("5") == 1 && file.flush();
+}
+
 qint64 ProcessMemory::privateKilobytes(qint64 pid)
 {
     return kilobytes(contentOf(pid, "smaps_rollup"), "Private_Dirty");

@@ -8,6 +8,8 @@ namespace ProcessMemory
 
 /// The most that it had in memory at one time so far.
 [[nodiscard]] qint64 peakKilobytes(qint64 pid);
+/// Has the peak of this process count anew, from what is in memory now. False when the kernel does not.
+[[nodiscard]] bool forgetPeak();
 /// What it alone has and has written to. Pages of files are not counted: whether they are private depends on the other
 /// programs that run.
 [[nodiscard]] qint64 privateKilobytes(qint64 pid);

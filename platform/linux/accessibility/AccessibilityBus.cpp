@@ -31,10 +31,18 @@ QString registryName()
     return QStringLiteral("org.a11y.atspi.Registry");
 }
 
-/// A question to org.a11y.Bus that does not start it.
-QDBusMessage questionTo(const QString &interface, const QString &member)
+QDBusMessage questionForTheStatus()
 {
-    QDBusMessage question = QDBusMessage::createMethodCall(a11yName(), a11yPath(), interface, member);
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(a11yName(), a11yPath(), propertiesInterface(), QStringLiteral("GetAll"));
+    question.setArguments({QStringLiteral("org.a11y.Status")});
+    return question;
+}
+
+QDBusMessage questionForTheAddress()
+{
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(a11yName(), a11yPath(), a11yName(), QStringLiteral("GetAddress"));
     question.setAutoStartService(false);
     return question;
 }
@@ -50,25 +58,12 @@ AccessibilityBus::AccessibilityBus(SessionBus &bus, QObject *parent)
         connectTo(given);
         return;
     }
-    connect(&m_bus, &SessionBus::connected, this, &AccessibilityBus::watchBus);
-    watchBus();
+    m_status.emplace(m_bus, questionForTheStatus(),
+                     StandingQuestion::News{propertiesInterface(), QStringLiteral("PropertiesChanged")});
+    connect(&*m_status, &StandingQuestion::answered, this, &AccessibilityBus::hearStatus);
 }
 
 AccessibilityBus::~AccessibilityBus() = default;
-
-void AccessibilityBus::watchBus()
-{
-    if (!m_bus.isConnected()) {
-        return;
-    }
-    QDBusConnection connection = m_bus.connection();
-    m_watcher = std::make_unique<QDBusServiceWatcher>(a11yName(), connection, QDBusServiceWatcher::WatchForOwnerChange);
-    connect(m_watcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, &AccessibilityBus::ask);
-    // QtDBus knows no other way to name a slot than by a string.
-    connection.connect(QString(), a11yPath(), propertiesInterface(), QStringLiteral("PropertiesChanged"), this,
-                       SLOT(ask()));
-    ask();
-}
 
 void AccessibilityBus::send(const QDBusConnection &connection, const QDBusMessage &question, Handler handler)
 {
@@ -80,15 +75,9 @@ void AccessibilityBus::send(const QDBusConnection &connection, const QDBusMessag
     });
 }
 
-void AccessibilityBus::ask()
-{
-    QDBusMessage question = questionTo(propertiesInterface(), QStringLiteral("GetAll"));
-    question.setArguments({QStringLiteral("org.a11y.Status")});
-    send(m_bus.connection(), question, &AccessibilityBus::hearStatus);
-}
-
 void AccessibilityBus::hearStatus(const QDBusMessage &answer)
 {
+    m_question.reset(); // What was on the way began with another answer.
     const bool isThere = answer.type() == QDBusMessage::ReplyMessage;
     const auto status = qdbus_cast<QVariantMap>(answer.arguments().value(0));
     const bool isWanted = isThere && (qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON") ||
@@ -104,7 +93,7 @@ void AccessibilityBus::hearStatus(const QDBusMessage &answer)
     } else if (m_isRegistered) {
         open(); // On the connection from before: what Qt serves there it never serves on another.
     } else {
-        send(m_bus.connection(), questionTo(a11yName(), QStringLiteral("GetAddress")), &AccessibilityBus::hearAddress);
+        send(m_bus.connection(), questionForTheAddress(), &AccessibilityBus::hearAddress);
     }
 }
 

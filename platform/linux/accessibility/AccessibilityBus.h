@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/linux/include/SessionBus.h"
+#include "platform/linux/bus/StandingQuestion.h"
 
 #include <QDBusPendingCallWatcher>
-#include <QDBusServiceWatcher>
 #include <QObject>
 
 #include <memory>
+#include <optional>
 
 /// Opens the agent to screen readers while there are any, and closes it again. Whether there are is what org.a11y.Bus
 /// on the session bus says (AT-SPI's interface org.a11y.Status), and is asked anew whenever that comes, changes its
@@ -23,13 +23,9 @@ public:
     explicit AccessibilityBus(SessionBus &bus, QObject *parent = nullptr);
     ~AccessibilityBus() override;
 
-private Q_SLOTS:
-    void ask();
-
 private:
     using Handler = void (AccessibilityBus::*)(const QDBusMessage &answer);
 
-    void watchBus();
     void send(const QDBusConnection &connection, const QDBusMessage &question, Handler handler);
     void hearStatus(const QDBusMessage &answer);
     void hearAddress(const QDBusMessage &answer);
@@ -38,8 +34,8 @@ private:
     void open();
 
     SessionBus &m_bus;
-    std::unique_ptr<QDBusServiceWatcher> m_watcher;
-    std::unique_ptr<QDBusPendingCallWatcher> m_question; ///< The one that waits for its answer.
+    std::optional<StandingQuestion> m_status;
+    std::unique_ptr<QDBusPendingCallWatcher> m_question; ///< The one on the way there that waits for its answer.
     bool m_isOpen = false;
     bool m_isRegistered = false; ///< It has been open.
 };

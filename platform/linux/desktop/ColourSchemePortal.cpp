@@ -1,6 +1,6 @@
 #include "platform/linux/desktop/ColourSchemePortal.h"
 
-#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDBusVariant>
 
 #include <utility>
@@ -23,55 +23,29 @@ QVariant unwrapped(QVariant value)
     return value;
 }
 
-} // namespace
-
-ColourSchemePortal::ColourSchemePortal(SessionBus &bus)
-    : m_bus(bus)
-{
-    connect(&m_bus, &SessionBus::connected, this, &ColourSchemePortal::watchBus);
-    connect(&m_bus, &SessionBus::disconnected, this, &ColourSchemePortal::leaveBus);
-    watchBus();
-}
-
-void ColourSchemePortal::watchBus()
-{
-    if (!m_bus.isConnected()) {
-        return;
-    }
-    QDBusConnection connection = m_bus.connection();
-    m_presence =
-        std::make_unique<QDBusServiceWatcher>(portalName, connection, QDBusServiceWatcher::WatchForOwnerChange);
-    connect(m_presence.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, &ColourSchemePortal::ask);
-    // From whoever it comes, for Qt would wait for the bus to say who the portal is; what counts is its own answer.
-    // QtDBus knows no other way to name a slot than by a string.
-    connection.connect(QString(), portalPath, settingsInterface, QStringLiteral("SettingChanged"),
-                       {appearance, colourScheme}, QString(), this, SLOT(ask()));
-    ask();
-}
-
-void ColourSchemePortal::leaveBus()
-{
-    m_presence.reset();
-    m_question.reset();
-    setScheme(ColourScheme::NoPreference);
-}
-
-void ColourSchemePortal::ask()
+QDBusMessage questionForTheScheme()
 {
     // Not ReadOne, which older portals lack.
     QDBusMessage question =
         QDBusMessage::createMethodCall(portalName, portalPath, settingsInterface, QStringLiteral("Read"));
-    question.setAutoStartService(false);
     question.setArguments({appearance, colourScheme});
-    m_question = std::make_unique<QDBusPendingCallWatcher>(m_bus.connection().asyncCall(question));
-    connect(m_question.get(), &QDBusPendingCallWatcher::finished, this, &ColourSchemePortal::hearAnswer);
+    return question;
 }
 
-void ColourSchemePortal::hearAnswer()
+} // namespace
+
+ColourSchemePortal::ColourSchemePortal(SessionBus &bus)
+    : m_question(bus, questionForTheScheme(),
+                 {settingsInterface, QStringLiteral("SettingChanged"), {appearance, colourScheme}})
 {
-    const QDBusPendingReply<QDBusVariant> answer = *m_question;
-    m_question.release()->deleteLater();
-    setScheme(answer.isValid() ? colourSchemeOf(unwrapped(answer.value().variant()).toUInt())
+    connect(&m_question, &StandingQuestion::answered, this, &ColourSchemePortal::hearAnswer);
+    connect(&bus, &SessionBus::disconnected, this, [this] { setScheme(ColourScheme::NoPreference); });
+}
+
+void ColourSchemePortal::hearAnswer(const QDBusMessage &answer)
+{
+    const QDBusReply<QDBusVariant> scheme = answer;
+    setScheme(scheme.isValid() ? colourSchemeOf(unwrapped(scheme.value().variant()).toUInt())
                                : ColourScheme::NoPreference);
 }
 

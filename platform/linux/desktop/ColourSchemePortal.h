@@ -1,13 +1,9 @@
 #pragma once
 
+#include "platform/linux/bus/StandingQuestion.h"
 #include "platform/linux/desktop/DesktopRules.h"
-#include "platform/linux/include/SessionBus.h"
 
-#include <QDBusPendingCallWatcher>
-#include <QDBusServiceWatcher>
 #include <QObject>
-
-#include <memory>
 
 /// Asks the desktop's portal whether the user wants light or dark (org.freedesktop.portal.Settings, the namespace
 /// org.freedesktop.appearance), and hears of each change. Never starts a portal, and never waits for one: until it has
@@ -24,17 +20,10 @@ public:
 Q_SIGNALS:
     void changed();
 
-private Q_SLOTS:
-    void ask();
-
 private:
-    void watchBus();
-    void leaveBus();
-    void hearAnswer();
+    void hearAnswer(const QDBusMessage &answer);
     void setScheme(ColourScheme scheme);
 
-    SessionBus &m_bus;
-    std::unique_ptr<QDBusServiceWatcher> m_presence;
-    std::unique_ptr<QDBusPendingCallWatcher> m_question;
+    StandingQuestion m_question;
     ColourScheme m_scheme = ColourScheme::NoPreference;
 };

@@ -1,8 +1,8 @@
 #include "platform/linux/events/AppleEventTransport.h"
 
 #include "platform/LogCategories.h"
+#include "platform/linux/bus/Contracts.h"
 #include "platform/linux/events/AppleEventMessage.h"
-#include "platform/linux/events/AppleEventsContract.h"
 #include "platform/linux/include/EventBusName.h"
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/processes/RunningProcess.h"
@@ -41,21 +41,6 @@ OSErr statusOf(const QDBusMessage &answer)
     }
 }
 
-void refuse(const QDBusMessage &message, const QDBusConnection &connection, QDBusError::ErrorType error,
-            const QString &why)
-{
-    qCDebug(linkLog) << "refused a message of" << message.service() << why;
-    if (message.isReplyRequired()) {
-        connection.send(message.createErrorReply(error, why));
-    }
-}
-
-/// A call need not name its interface.
-bool isCall(const QDBusMessage &message, const QString &interface, const QString &member)
-{
-    return (message.interface().isEmpty() || message.interface() == interface) && message.member() == member;
-}
-
 /// Says why an event has not gone to a process, and is the error for that.
 OSErr notSent(SInt32 pid, OSErr error, const char *why)
 {
@@ -76,10 +61,10 @@ QString ownBusName()
 } // namespace
 
 AppleEventTransport::AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting)
-    : m_bus(bus)
+    : ObjectInTurns(eventInterface(), appleEventsContract, maxWaiting)
+    , m_bus(bus)
     , m_handler(std::move(handler))
     , m_peers(bus)
-    , m_incoming(WorkInTurns::defaultMaxShareOfATurn, maxWaiting)
     , m_receiver(bus)
 {
     connect(&bus, &SessionBus::connected, this, &AppleEventTransport::registerOnBus);
@@ -192,37 +177,13 @@ OSErr AppleEventTransport::sendAndWait(const AppleEventContents &event, std::chr
     return statusOf(m_bus.connection().call(message, QDBus::Block, static_cast<int>(timeout.count())));
 }
 
-QString AppleEventTransport::introspect(const QString &) const
+WorkInTurns::Work AppleEventTransport::workFor(const QDBusMessage &call, const QDBusConnection &connection)
 {
-    return {}; // Qt asks only for messages that handleMessage leaves to it.
-}
-
-bool AppleEventTransport::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
-{
-    // Nothing is left to Qt, which would answer at once, however many questions have come.
-    WorkInTurns::Work work = [message, connection] { answerOther(message, connection); };
-    if (isCall(message, eventInterface(), QStringLiteral("Send"))) {
-        // Asked now, while the sender is likely to be there still.
-        work = [this, message, connection, sender = m_peers.processOf(message.service())] {
-            receive(message, connection, sender);
-        };
+    if (call.member() != QLatin1String("Send")) {
+        return {};
     }
-    // To a blocking call to its own process, Qt wants the answer before this returns.
-    if (message.service() == connection.baseService()) {
-        work();
-    } else if (!m_incoming.carryOut(message.service(), std::move(work))) {
-        refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many messages wait already"));
-    }
-    return true;
-}
-
-void AppleEventTransport::answerOther(const QDBusMessage &message, const QDBusConnection &connection)
-{
-    if (!isCall(message, QStringLiteral("org.freedesktop.DBus.Introspectable"), QStringLiteral("Introspect"))) {
-        refuse(message, connection, QDBusError::UnknownMethod, QStringLiteral("No such method"));
-    } else if (message.isReplyRequired()) {
-        connection.send(message.createReply(QString::fromUtf8(appleEventsContract)));
-    }
+    // The sender's process is asked for now, while it is likely to be there still.
+    return [this, call, connection, sender = m_peers.processOf(call.service())] { receive(call, connection, sender); };
 }
 
 void AppleEventTransport::receive(const QDBusMessage &message, const QDBusConnection &connection,

@@ -1,11 +1,9 @@
 #pragma once
 
+#include "platform/linux/bus/ObjectInTurns.h"
 #include "platform/linux/events/AppleEventContents.h"
 #include "platform/linux/events/KnownReceiver.h"
 #include "platform/linux/events/PeerProcesses.h"
-#include "platform/linux/events/WorkInTurns.h"
-
-#include <QDBusVirtualObject>
 
 #include <chrono>
 #include <functional>
@@ -14,7 +12,7 @@ class SessionBus;
 
 /// Carries events over the session bus, by the contract resources/dbus/com.tamborel.kivune.AppleEvents.xml: an event is
 /// sent to its target, which receives it and then handles it. Main thread only.
-class AppleEventTransport final : public QDBusVirtualObject
+class AppleEventTransport final : public ObjectInTurns
 {
     Q_OBJECT
 
@@ -24,7 +22,7 @@ public:
     using Handler = std::function<OSErr(AppleEventContents event)>;
 
     /// `bus` must outlive this object. When `maxWaiting` messages of one sender wait to be handled, events or not, more
-    /// of them are refused: with the error LimitsExceeded, or without a word when the sender wants no reply.
+    /// of them are refused.
     AppleEventTransport(SessionBus &bus, Handler handler, std::size_t maxWaiting = WorkInTurns::defaultMaxWaiting);
     ~AppleEventTransport() override;
 
@@ -47,25 +45,20 @@ public:
     /// within `timeout`. No other events are handled meanwhile.
     [[nodiscard]] OSErr sendAndWait(const AppleEventContents &event, std::chrono::milliseconds timeout) const;
 
-    [[nodiscard]] QString introspect(const QString &path) const override;
-    bool handleMessage(const QDBusMessage &message, const QDBusConnection &connection) override;
-
 private:
     enum class Reception { Off, On };
 
+    [[nodiscard]] WorkInTurns::Work workFor(const QDBusMessage &call, const QDBusConnection &connection) override;
     void registerOnBus();
     void unregisterFromBus();
     /// Asks the bus for the unique name under which a process receives events.
     [[nodiscard]] OSErr findReceiver(SInt32 pid, QString &uniqueName) const;
     void receive(const QDBusMessage &message, const QDBusConnection &connection, std::optional<qint64> sender);
     [[nodiscard]] OSErr handle(AppleEventContents event);
-    /// Describes the object to who asks for that, and refuses all else.
-    static void answerOther(const QDBusMessage &message, const QDBusConnection &connection);
 
     SessionBus &m_bus;
     Handler m_handler;
     PeerProcesses m_peers;
-    WorkInTurns m_incoming;
     Reception m_reception = Reception::Off;
     KnownReceiver m_receiver;
     bool m_mayBeUnsent = false; ///< Whether an event may still be in this process.

@@ -50,7 +50,7 @@ public:
     void update(Settling settling);
     void apply();
     void setMenu(QMenu *offered);
-    void showMenu() { m_requests.ShowMenu(); }
+    void showMenu() { m_requests.showMenu(); }
 
     /// The window that the user sees, or shall see; null when there is none.
     [[nodiscard]] TrayIconWindow *window() const { return m_strip ? &m_strip->window() : m_docked.get(); }

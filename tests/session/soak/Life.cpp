@@ -14,6 +14,7 @@
 
 namespace
 {
+constexpr int messagesOfAFlood = 1100;
 constexpr std::array messageTypes{"update", "news", "notice", "warning"};
 constexpr std::array messagePriorities{"low", "medium", "high"};
 } // namespace
@@ -23,11 +24,12 @@ using namespace std::chrono_literals;
 const Life::Operation Life::operations[] = {
     {"menu opened and closed", 10, &Life::openAndCloseTheMenu},
     {"command allowed and chosen", 6, &Life::chooseACommand},
-    {"question asked and refused", 3, &Life::askForADisconnect},
+    {"question asked and refused", 3, &Life::refuseToDisconnect},
     {"item removed and shown", 3, &Life::takeTheItemAway},
     {"hint sent", 6, &Life::hint},
     {"settings changed", 4, &Life::changeTheSettings},
     {"screen resized", 3, &Life::changeTheScreen},
+    {"size chosen", 2, &Life::chooseASize},
     {"panel killed and started", 2, &Life::killThePanel},
     {"window manager ended and started", 2, &Life::killTheWindowManager},
     {"bus killed and started", 2, &Life::killTheBus},
@@ -39,6 +41,14 @@ const Life::Operation Life::operations[] = {
     {"flood from a stranger", 1, &Life::flood},
     {"hints without bound", 1, &Life::sendHintsWithoutBound},
     {"link in place of the messages", 1, &Life::putALinkInPlaceOfTheMessages},
+    {"question's window destroyed", 1, &Life::destroyTheQuestion},
+    {"hidden windows destroyed", 1, &Life::destroyWhatNobodySees},
+    {"logged out by the session manager", 1, &Life::logOutByTheSessionManager},
+    {"something else in place of the messages", 1, &Life::putSomethingElseInPlaceOfTheMessages},
+    {"name taken by another program", 1, &Life::takeItsName},
+    {"lock taken and given back", 1, &Life::takeItsLockAwayAndGiveItBack},
+    {"bus stalled", 1, &Life::stallTheBus},
+    {"panel that takes nothing in", 1, &Life::killThePanelForOneThatTakesNothingIn},
 };
 
 const Life::Operation Life::operationsOnAPopUp[] = {
@@ -49,7 +59,7 @@ const Life::Operation Life::operationsOnAPopUp[] = {
 
 Life::Life(unsigned seed, double days, std::chrono::duration<double> length)
     : m_pace(days * 86400 / length.count())
-    , m_lastMessageId(150 + static_cast<int>(days) * 10)
+    , m_lastMessageId(messagesOfAFlood + 150 + static_cast<int>(days) * 10)
     , m_seed(seed)
     , m_random(seed)
 {
@@ -64,8 +74,11 @@ bool Life::start()
     }
     QList<ScriptedAnswer> answers;
     for (int id = 0; id < m_lastMessageId;) {
+        // Once there is more than the agent keeps, which is also asked for at each log-in. A life of seconds ends
+        // before: in its middle there is not the time to see whether the memory is given back.
+        const bool isFlood = answers.size() == 20;
         QList<FeedMessage> messages;
-        for (int left = random(12); left > 0 && id < m_lastMessageId; --left) {
+        for (int left = isFlood ? messagesOfAFlood : random(12); left > 0 && id < m_lastMessageId; --left) {
             messages.append({.id = QByteArray::number(++id),
                              .type = oneOf(messageTypes),
                              .priority = oneOf(messagePriorities),
@@ -73,7 +86,12 @@ bool Life::start()
                              .text = "http://127.0.0.1/news is where to read <b>more</b>. " +
                                      QByteArray("And more. ").repeated(random(30))});
         }
-        answers.append({.status = random(8) == 0 ? 503 : 200, .body = feedDocument(messages)});
+        answers.append({.status = !isFlood && random(8) == 0 ? 503 : 200, .body = feedDocument(messages)});
+        if (!isFlood && random(4) == 0) {
+            answers.last().interim = "HTTP/1.1 103 Early Hints\r\nLink: </style.css>\r\n\r\n";
+            answers.last().pieces = 100;
+            answers.last().pause = 1;
+        }
     }
     answers.append({.body = feedDocument({})});
     if (!m_feed.start(answers)) {
@@ -118,6 +136,21 @@ bool Life::isInItsCorner(const XWindow &popUp) const
 bool Life::isGone(const XWindow &popUp) const
 {
     return std::ranges::none_of(windows(isPopUp), [&](const XWindow &window) { return window.id == popUp.id; });
+}
+
+void Life::letPass(std::chrono::seconds time)
+{
+    m_clock.advance(time);
+    m_lived += time;
+}
+
+QByteArrayList Life::unexpected(QByteArrayList said)
+{
+    said.removeIf([](const QByteArray &line) {
+        return line.isEmpty() || line.contains("another program has the name") ||
+               line.contains("cannot be read and is kept as") || line.contains("what is there cannot be kept aside");
+    });
+    return said;
 }
 
 bool Life::openMenu()
@@ -224,8 +257,7 @@ void Life::letTimePass()
     const auto due = std::chrono::seconds(static_cast<qint64>(static_cast<double>(m_time.elapsed()) * m_pace / 1000));
     do {
         if (const auto leap = std::min(due - m_lived, maxLeap); leap > 0s) {
-            m_clock.advance(leap);
-            m_lived += leap;
+            letPass(leap);
         }
         // The feed is asked at the start and then every day.
         const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - 10min).count();

@@ -34,6 +34,8 @@ public:
     /// How often each operation led to what it must.
     [[nodiscard]] const std::map<std::string, int> &counts() const { return m_counts; }
     [[nodiscard]] Agent &agent() { return *m_session.agent; }
+    /// Those lines of the agent's that are not what it must say of what happened to it.
+    [[nodiscard]] static QByteArrayList unexpected(QByteArrayList said);
 
 private:
     /// An operation: false when there is nothing to do it to just now.
@@ -49,13 +51,14 @@ private:
     // What its user and the service do.
     bool openAndCloseTheMenu();
     bool chooseACommand();
-    bool askForADisconnect();
+    bool refuseToDisconnect();
     bool takeTheItemAway();
     bool hint();
     bool closeThePopUp();
     bool followTheLink();
     bool changeTheSettings();
     bool changeTheScreen();
+    bool chooseASize();
     bool startASecondCopy();
     bool logOutAndIn();
     bool upgrade();
@@ -72,6 +75,16 @@ private:
     bool flood();
     bool sendHintsWithoutBound();
     bool putALinkInPlaceOfTheMessages();
+    bool destroyTheQuestion();
+    bool destroyWhatNobodySees();
+
+    // What seldom happens, but does.
+    bool logOutByTheSessionManager();
+    bool putSomethingElseInPlaceOfTheMessages();
+    bool takeItsName();
+    bool takeItsLockAwayAndGiveItBack();
+    bool stallTheBus();
+    bool killThePanelForOneThatTakesNothingIn();
 
     bool attachTheService();
     const Operation &draw(std::span<const Operation> from);
@@ -94,6 +107,7 @@ private:
     {
         return window.overrideRedirect && window.geometry.height() > 60 && !isPopUp(window);
     }
+    [[nodiscard]] static bool isQuestion(const XWindow &window) { return !window.overrideRedirect; }
     [[nodiscard]] QList<XWindow> windows(bool (*kind)(const XWindow &)) const;
     [[nodiscard]] std::optional<XWindow> popUp() const;
     [[nodiscard]] QPoint fromBelow(const XWindow &window, int x, int y) const
@@ -109,6 +123,15 @@ private:
     bool openMenu();
     [[nodiscard]] bool menuIsOpen() const;
     bool isBack();
+    /// The item by itself, once it is drawn.
+    [[nodiscard]] std::optional<XWindow> strip() const;
+    /// Returns the panel that asks; nothing, with a test failure, when none does.
+    std::optional<XWindow> askForADisconnect();
+    bool settleOnTheScreen();
+    bool logOut();
+    bool hasEnded();
+    bool logIn();
+    void letPass(std::chrono::seconds time);
     bool closeMenu();
     bool tellTheAgent(const QByteArray &line);
 

@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <X11/keysym.h>
+
 bool Life::destroyTheItem()
 {
     if (!isBack()) {
@@ -36,6 +38,33 @@ bool Life::destroyThePopUp()
     return true;
 }
 
+bool Life::destroyTheQuestion()
+{
+    if (const std::optional<XWindow> question = askForADisconnect()) {
+        HostileClient(m_session.desktop.server()).destroy(static_cast<xcb_window_t>(question->id));
+        EXPECT_TRUE(waitUntil([&] { return windows(isQuestion).isEmpty(); }));
+    }
+    return openAndCloseTheMenu(); // It does not open while something is asked.
+}
+
+/// One of them is what an open menu hangs on.
+bool Life::destroyWhatNobodySees()
+{
+    const bool withTheMenu = random(2) == 0;
+    if (withTheMenu && !openMenu()) {
+        return true;
+    }
+    HostileClient destroyer(m_session.desktop.server());
+    for (const xcb_window_t window : destroyer.hiddenWindowsOf(m_session.agent->pid())) {
+        destroyer.destroy(window);
+    }
+    if (withTheMenu) {
+        input().key(XK_Escape);
+        closeMenu();
+    }
+    return openAndCloseTheMenu();
+}
+
 /// Of what would take the item away, announcements and questions; no more than the agent handles in a moment.
 bool Life::flood()
 {
@@ -47,6 +76,9 @@ bool Life::flood()
         stranger.connection().send(RawCommand::event(agent, intrusion));
         stranger.connection().send(RawCommand::settingsAnnounced());
         stranger.connection().send(RawCommand::questionForTheContract(agent));
+        stranger.connection().send(RawCommand::questionForTheMenusContract(agent));
+        stranger.connection().send(RawCommand::newsOfAScreenReader());
+        stranger.connection().send(RawCommand::newsOfTheColours());
     }
     RawCommand::send(stranger, agent, intrusion);
     EXPECT_TRUE(isBack()) << "the agent obeys a stranger";

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <X11/keysym.h>
+#include <algorithm>
 #include <array>
 #include <csignal>
 
@@ -51,22 +52,27 @@ bool Life::chooseACommand()
     return true;
 }
 
-bool Life::askForADisconnect()
+std::optional<XWindow> Life::askForADisconnect()
 {
     if (!tellTheAgent("actions 32792") || !openMenu()) {
-        return true;
+        return std::nullopt;
     }
     input().key(XK_Down, Session::Disconnect + 1);
     input().key(XK_Return);
-    const auto questions = [this] {
-        return windows([](const XWindow &window) { return !window.overrideRedirect; }).size();
-    };
-    const bool asked = waitUntil([&] {
-        return questions() == 1 && view().focusOwnerPid() == m_session.agent->pid() && windows(isMenu).isEmpty();
+    const bool asked = waitUntil([this] {
+        return windows(isQuestion).size() == 1 && view().focusOwnerPid() == m_session.agent->pid() &&
+               windows(isMenu).isEmpty();
     });
     EXPECT_TRUE(asked) << "nothing is asked";
-    input().key(XK_Escape);
-    EXPECT_TRUE(waitUntil([&] { return questions() == 0; })) << "the question stays";
+    return asked ? std::optional(windows(isQuestion).first()) : std::nullopt;
+}
+
+bool Life::refuseToDisconnect()
+{
+    if (askForADisconnect()) {
+        input().key(XK_Escape);
+        EXPECT_TRUE(waitUntil([this] { return windows(isQuestion).isEmpty(); })) << "the question stays";
+    }
     return true;
 }
 
@@ -118,8 +124,7 @@ bool Life::followTheLink()
     if (!isOpened()) {
         return false; // Its time was over before the click.
     }
-    m_clock.advance(2s);
-    m_lived += 2s;
+    letPass(2s);
     EXPECT_TRUE(waitUntil([&] { return isGone(*window); })) << "the pop-up stays";
     return true;
 }
@@ -136,6 +141,36 @@ bool Life::changeTheScreen()
     constexpr std::array sizes{QSize(1280, 800), QSize(1024, 768), QSize(1920, 1200), QSize(1600, 1200)};
     m_screen = oneOf(sizes);
     EXPECT_TRUE(m_session.desktop.switchTo(m_screen));
+    return settleOnTheScreen();
+}
+
+bool Life::chooseASize()
+{
+    QList<QSize> sizes = view().modeSizes();
+    const auto isWider = [](QSize one, QSize other) { return one.width() > other.width(); };
+    std::ranges::sort(sizes, isWider);
+    sizes.erase(std::unique(sizes.begin(), sizes.end()), sizes.end());
+    // The menu lists them widest first.
+    const QSize size(1024, 768);
+    const auto place = std::ranges::find(sizes, size) - sizes.begin();
+    EXPECT_EQ(std::ranges::count(sizes, size.width(), &QSize::width), 1);
+    // The entry follows the item with the next commands that are allowed.
+    if (!tellTheAgent("actions 32792") || !openMenu()) {
+        return true;
+    }
+    input().key(XK_Down, Session::Resolution + 1);
+    input().key(XK_Right);
+    EXPECT_TRUE(waitUntil([this] { return windows(isMenu).size() == 2; })) << "the submenu does not open";
+    input().key(XK_Down, static_cast<int>(place));
+    input().key(XK_Return);
+    closeMenu();
+    EXPECT_TRUE(waitUntil([&] { return view().screenSize() == size; })) << "the screen keeps its size";
+    m_screen = size;
+    return settleOnTheScreen();
+}
+
+bool Life::settleOnTheScreen()
+{
     // The panel starts anew with the screen; one that is just starting may miss that, and is started again.
     if (!waitUntil([this] { return m_session.desktop.panelGeometry().width() == m_screen.width(); }, 5s)) {
         m_session.desktop.stopPanel();
@@ -160,16 +195,31 @@ bool Life::startASecondCopy()
 /// The queue and the last id are all that it has of the session before.
 bool Life::logOutAndIn()
 {
-    Agent &agent = *m_session.agent;
+    if (logOut()) {
+        logIn();
+    }
+    return true;
+}
+
+bool Life::logOut()
+{
     constexpr std::array ends{SIGTERM, SIGHUP, SIGINT, SIGQUIT};
-    ::kill(static_cast<pid_t>(agent.pid()), oneOf(ends));
+    ::kill(static_cast<pid_t>(m_session.agent->pid()), oneOf(ends));
+    return hasEnded();
+}
+
+bool Life::hasEnded()
+{
+    Agent &agent = *m_session.agent;
     const bool ended = waitUntil([&] { return !agent.process().isRunning(); }, 60s);
     EXPECT_TRUE(ended) << "it outlives the session";
     EXPECT_EQ(agent.process().exitCode(), 0) << agent.standardError().constData();
-    if (ended && agent.startAndDock()) {
-        attachTheService();
-    }
-    return true;
+    return ended;
+}
+
+bool Life::logIn()
+{
+    return m_session.agent->startAndDock() && attachTheService();
 }
 
 bool Life::upgrade()

@@ -7,24 +7,24 @@
 
 using namespace std::chrono_literals;
 
+std::optional<XWindow> Life::strip() const
+{
+    const QList<XWindow> found = windows([](const XWindow &window) {
+        return window.geometry.height() < 60 && window.geometry.width() < 60 && window.geometry.top() < 60;
+    });
+    return found.size() == 1 && m_session.agent->isDrawn(found.first()) ? std::optional(found.first()) : std::nullopt;
+}
+
 bool Life::killThePanel()
 {
     m_session.desktop.stopPanel();
-    const auto alone = [this] {
-        return windows([](const XWindow &window) {
-            return window.geometry.height() < 60 && window.geometry.width() < 60 && window.geometry.top() < 60;
-        });
-    };
-    std::optional<XWindow> strip;
+    std::optional<XWindow> alone;
     EXPECT_TRUE(waitUntil([&] {
-        const QList<XWindow> found = alone();
-        if (found.size() == 1 && m_session.agent->isDrawn(found.first())) {
-            strip = found.first();
-        }
-        return strip.has_value();
+        alone = strip();
+        return alone.has_value();
     })) << "the item is lost with the panel";
-    if (strip && random(2) == 0) {
-        input().click(strip->geometry.center());
+    if (alone && random(2) == 0) {
+        input().click(alone->geometry.center());
         EXPECT_TRUE(waitUntil([this] { return menuIsOpen(); })) << "the menu does not open";
         // It opens above the pop-up, through which it looks drawn before it takes keys.
         EXPECT_TRUE(waitUntil([this] {
@@ -55,8 +55,7 @@ bool Life::killTheBus()
     EXPECT_TRUE(m_session.desktop.bus().start());
     EXPECT_TRUE(waitUntil([this] {
         // It tries again every five seconds.
-        m_clock.advance(5s);
-        m_lived += 5s;
+        letPass(5s);
         return m_session.agent->isLinked();
     })) << "the link does not come back";
     attachTheService();

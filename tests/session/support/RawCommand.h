@@ -4,6 +4,8 @@
 #include "tests/support/BusPeer.h"
 
 #include <QDBusReply>
+#include <QDBusVariant>
+#include <QVariantMap>
 
 #include <gtest/gtest.h>
 
@@ -60,6 +62,34 @@ inline QDBusMessage questionForTheContract(qint64 agentPid)
     return QDBusMessage::createMethodCall(agentName(agentPid), QStringLiteral("/com/tamborel/kivune/AppleEvents"),
                                           QStringLiteral("org.freedesktop.DBus.Introspectable"),
                                           QStringLiteral("Introspect"));
+}
+
+inline QDBusMessage questionForTheMenusContract(qint64 agentPid)
+{
+    return QDBusMessage::createMethodCall(agentName(agentPid), QStringLiteral("/com/tamborel/kivune/Menu"),
+                                          QStringLiteral("org.freedesktop.DBus.Introspectable"),
+                                          QStringLiteral("Introspect"));
+}
+
+/// What a screen reader's bus says when there is news of it, but from anybody.
+inline QDBusMessage newsOfAScreenReader()
+{
+    QDBusMessage news =
+        QDBusMessage::createSignal(QStringLiteral("/org/a11y/bus"), QStringLiteral("org.freedesktop.DBus.Properties"),
+                                   QStringLiteral("PropertiesChanged"));
+    news << QStringLiteral("org.a11y.Status") << QVariantMap() << QStringList();
+    return news;
+}
+
+/// What a desktop's portal says when the user wants light or dark, but from anybody.
+inline QDBusMessage newsOfTheColours()
+{
+    QDBusMessage news =
+        QDBusMessage::createSignal(QStringLiteral("/org/freedesktop/portal/desktop"),
+                                   QStringLiteral("org.freedesktop.portal.Settings"), QStringLiteral("SettingChanged"));
+    news << QStringLiteral("org.freedesktop.appearance") << QStringLiteral("color-scheme")
+         << QVariant::fromValue(QDBusVariant(1U));
+    return news;
 }
 
 /// Sends such an event and returns the handler's status, once the agent's main thread has answered. It may stand behind

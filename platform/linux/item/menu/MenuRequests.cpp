@@ -1,6 +1,6 @@
 #include "platform/linux/item/menu/MenuRequests.h"
 
-#include "MenuRequestsAdaptor.h"
+#include "platform/linux/bus/Contracts.h"
 #include "platform/linux/include/MenuObjectPath.h"
 #include "platform/linux/item/menu/KeyboardGrab.h"
 #include "platform/linux/workarounds/RootProperties.h"
@@ -8,9 +8,9 @@
 #include <QApplication>
 
 MenuRequests::MenuRequests(SessionBus &bus)
-    : m_bus(bus)
+    : ObjectInTurns(menuInterface(), menuContract)
+    , m_bus(bus)
 {
-    new MenuRequestsAdaptor(this);
     connect(&m_bus, &SessionBus::connected, this, &MenuRequests::serve);
     serve();
 }
@@ -23,11 +23,28 @@ MenuRequests::~MenuRequests()
 void MenuRequests::serve()
 {
     if (m_bus.isConnected()) {
-        m_bus.connection().registerObject(menuObjectPath(), this, QDBusConnection::ExportAdaptors);
+        m_bus.connection().registerVirtualObject(menuObjectPath(), this);
     }
 }
 
-void MenuRequests::ShowMenu()
+WorkInTurns::Work MenuRequests::workFor(const QDBusMessage &call, const QDBusConnection &connection)
+{
+    if (call.member() != QLatin1String("ShowMenu")) {
+        return {};
+    }
+    return [this, call, connection] {
+        if (!call.signature().isEmpty()) {
+            refuse(call, connection, QDBusError::InvalidArgs, QStringLiteral("ShowMenu has no arguments"));
+            return;
+        }
+        if (call.isReplyRequired()) {
+            connection.send(call.createReply());
+        }
+        showMenu();
+    };
+}
+
+void MenuRequests::showMenu()
 {
     if (m_isPending) {
         return; // A key that is held down asks again and again.

@@ -1,4 +1,4 @@
-#include "platform/linux/events/WorkInTurns.h"
+#include "platform/linux/bus/WorkInTurns.h"
 #include "platform/linux/include/SessionBus.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogLines.h"

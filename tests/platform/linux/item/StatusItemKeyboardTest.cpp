@@ -168,16 +168,28 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return item.frame() == frameOfStrip; }));
     }
 
-    /// Whether it has been answered without an error.
-    [[nodiscard]] static bool showMenu()
+    [[nodiscard]] static QDBusMessage request(const QString &member = QStringLiteral("ShowMenu"),
+                                              const QString &interface = QStringLiteral("com.tamborel.kivune.Menu"))
+    {
+        return QDBusMessage::createMethodCall(SessionBus::instance().connection().baseService(),
+                                              QStringLiteral("/com/tamborel/kivune/Menu"), interface, member);
+    }
+
+    [[nodiscard]] static QDBusMessage requestOfContract()
+    {
+        return request(QStringLiteral("Introspect"), QStringLiteral("org.freedesktop.DBus.Introspectable"));
+    }
+
+    [[nodiscard]] static QDBusMessage answerTo(const QDBusMessage &message)
     {
         const BusPeer peer(*bus);
-        const QDBusPendingCall call = peer.connection().asyncCall(QDBusMessage::createMethodCall(
-            SessionBus::instance().connection().baseService(), QStringLiteral("/com/tamborel/kivune/Menu"),
-            QStringLiteral("com.tamborel.kivune.Menu"), QStringLiteral("ShowMenu")));
+        const QDBusPendingCall call = peer.connection().asyncCall(message);
         EXPECT_TRUE(waitUntil([&] { return call.isFinished(); }));
-        return !call.isError();
+        return call.reply();
     }
+
+    /// Whether it has been answered without an error.
+    [[nodiscard]] static bool showMenu() { return answerTo(request()).type() == QDBusMessage::ReplyMessage; }
 
     static PrivateBus *bus;
 };
@@ -190,6 +202,46 @@ TEST_F(MenuRequest, IsAPressAtTheItem)
     EXPECT_TRUE(showMenu());
     EXPECT_TRUE(waitUntil([&] { return !presses.empty(); }));
     EXPECT_THAT(presses, testing::ElementsAre(NSPoint{1098, 800}));
+}
+
+TEST_F(MenuRequest, IsWhatItsObjectDescribesAndNothingElse)
+{
+    const QString contract = answerTo(requestOfContract()).arguments().value(0).toString();
+    EXPECT_TRUE(contract.contains(QStringLiteral("<interface name=\"com.tamborel.kivune.Menu\">")));
+    EXPECT_TRUE(contract.contains(QStringLiteral("<method name=\"ShowMenu\">")));
+    QDBusMessage withArguments = request();
+    withArguments << 7;
+    EXPECT_EQ(QDBusError(answerTo(withArguments)).type(), QDBusError::InvalidArgs);
+    EXPECT_EQ(QDBusError(answerTo(request(QStringLiteral("HideMenu")))).type(), QDBusError::UnknownMethod);
+    EXPECT_TRUE(presses.empty());
+    EXPECT_EQ(answerTo(request(QStringLiteral("ShowMenu"), QString())).type(), QDBusMessage::ReplyMessage);
+    EXPECT_TRUE(waitUntil([&] { return presses.size() == 1; }));
+}
+
+TEST_F(MenuRequest, LeavesTheEventLoopToOthersHoweverManyThereAre)
+{
+    const BusPeer peer(*bus);
+    const QDBusMessage ping =
+        QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
+                                       QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
+    for (int i = 0; i < 5000; ++i) {
+        static_cast<void>(peer.connection().asyncCall(requestOfContract())); // send() wants no answer.
+    }
+    const QDBusPendingCall last = peer.connection().asyncCall(requestOfContract());
+    peer.connection().call(ping);
+    // All have come when this is answered, and none is handled yet.
+    ASSERT_FALSE(SessionBus::instance().names().isEmpty());
+    std::optional<bool> allWereAnsweredFirst;
+    const auto clickOfTheUser = [&] {
+        // What has been answered by now is here before these two are.
+        SessionBus::instance().flush();
+        peer.connection().call(ping);
+        allWereAnsweredFirst = last.isFinished();
+    };
+    QMetaObject::invokeMethod(qApp, clickOfTheUser, Qt::QueuedConnection);
+    ASSERT_TRUE(waitUntil([&] { return allWereAnsweredFirst && last.isFinished(); }, std::chrono::seconds(60)));
+    EXPECT_FALSE(*allWereAnsweredFirst);
+    EXPECT_FALSE(last.isError());
 }
 
 TEST_F(MenuRequest, WaitsWhileAnotherProgramHasTheKeyboard)

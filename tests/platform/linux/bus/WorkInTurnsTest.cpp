@@ -1,4 +1,4 @@
-#include "platform/linux/events/WorkInTurns.h"
+#include "platform/linux/bus/WorkInTurns.h"
 
 #include "tests/support/LogLines.h"
 #include "tests/support/WaitUntil.h"

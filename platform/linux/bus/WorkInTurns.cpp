@@ -1,4 +1,4 @@
-#include "platform/linux/events/WorkInTurns.h"
+#include "platform/linux/bus/WorkInTurns.h"
 
 #include "platform/LogCategories.h"
 

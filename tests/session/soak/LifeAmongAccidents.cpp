@@ -1,0 +1,118 @@
+#include "tests/session/soak/Life.h"
+#include "tests/session/support/HostileClient.h"
+#include "tests/session/support/MessageCache.h"
+#include "tests/session/support/SessionManager.h"
+#include "tests/support/BusPeer.h"
+#include "tests/support/WaitUntil.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+using namespace std::chrono_literals;
+
+bool Life::logOutByTheSessionManager()
+{
+    Agent &agent = *m_session.agent;
+    if (!logOut()) {
+        return true;
+    }
+    SessionManager manager;
+    const QProcessEnvironment withoutIt = agent.environment;
+    manager.addTo(agent.environment);
+    if (logIn()) {
+        EXPECT_TRUE(manager.logOut());
+        EXPECT_TRUE(hasEnded());
+    }
+    agent.environment = withoutIt;
+    logIn();
+    return true;
+}
+
+/// Neither can be read: one is too large, and from the other nothing ever comes.
+bool Life::putSomethingElseInPlaceOfTheMessages()
+{
+    if (!logOut()) {
+        return true;
+    }
+    const MessageCache messages(m_session.desktop.environment().value(QStringLiteral("HOME")));
+    EXPECT_TRUE(QDir().mkpath(messages.folder()));
+    QFile::remove(messages.path());
+    if (random(2) == 0) {
+        EXPECT_EQ(::mkfifo(QFile::encodeName(messages.path()).constData(), 0600), 0);
+    } else {
+        QFile giant(messages.path());
+        constexpr qint64 gigabyte = 1 << 30;
+        EXPECT_TRUE(giant.open(QIODevice::WriteOnly) && giant.resize(gigabyte));
+    }
+    logIn();
+    // A large file is kept aside; what is no file stays as it is until somebody takes it away.
+    if (!QFileInfo(messages.path()).isFile()) {
+        QFile::remove(messages.path());
+    }
+    return true;
+}
+
+/// Another program has its name when it comes back to the bus.
+bool Life::takeItsName()
+{
+    Desktop &desktop = m_session.desktop;
+    desktop.bus().stop();
+    EXPECT_TRUE(desktop.bus().start());
+    const QByteArray warning = "another program has the name";
+    const qsizetype before = m_session.agent->standardError().count(warning);
+    std::optional<BusPeer> squatter(std::in_place, desktop.bus());
+    EXPECT_TRUE(
+        squatter->connection().registerService(QStringLiteral("com.tamborel.kivune.p%1").arg(m_session.agent->pid())));
+    EXPECT_TRUE(waitUntil([&] {
+        letPass(1s); // It tries again every five seconds.
+        return m_session.agent->standardError().count(warning) > before;
+    })) << "nothing is said of who has its name";
+    openAndCloseTheMenu();
+    squatter.reset();
+    EXPECT_TRUE(waitUntil([this] { return m_session.agent->isLinked(); })) << "the link does not come back";
+    attachTheService();
+    return true;
+}
+
+bool Life::takeItsLockAwayAndGiveItBack()
+{
+    const QByteArray lock = "_KIVMENUA_S0";
+    HostileClient thief(m_session.desktop.server());
+    thief.takeSelection(lock);
+    thief.giveUpSelection(lock);
+    EXPECT_TRUE(waitUntil([&] { return view().selectionOwnerPid(lock) == m_session.agent->pid(); }))
+        << "the display is anybody's";
+    return startASecondCopy();
+}
+
+bool Life::stallTheBus()
+{
+    m_session.desktop.bus().suspend();
+    openAndCloseTheMenu();
+    m_session.desktop.bus().resume();
+    return tellTheAgent("actions 32792");
+}
+
+bool Life::killThePanelForOneThatTakesNothingIn()
+{
+    HostileClient panel(m_session.desktop.server());
+    m_session.desktop.stopPanel();
+    panel.takeSelection("_NET_SYSTEM_TRAY_S0");
+    EXPECT_TRUE(waitUntil(
+        [this] {
+            letPass(1s);
+            return strip().has_value();
+        },
+        30s))
+        << "there is no item";
+    panel.giveUpSelection("_NET_SYSTEM_TRAY_S0");
+    EXPECT_TRUE(m_session.desktop.startPanel(Desktop::TraySide::Left));
+    isBack();
+    EXPECT_TRUE(waitUntil([this] { return !strip(); })) << "the item shows twice";
+    return true;
+}

@@ -186,8 +186,11 @@ protected:
 
     void waitForDocking()
     {
+        // Until then it stands alone, above the panel's window, and is as red there.
         ASSERT_TRUE(waitUntil([this] {
-            return item.frame() && screenColour(qtPlace(item).center()) == QColor(Qt::red);
+            return item.frame() &&
+                   parentOf(static_cast<xcb_window_t>(item.getWindow())) != XConnection::screen()->root &&
+                   screenColour(qtPlace(item).center()) == QColor(Qt::red);
         })) << "not in the tray";
     }
 

@@ -33,9 +33,9 @@ LINUX = {
     'platform/linux/corefoundation': ['platform/linux/include'],
     'platform/linux/screen': ['platform/linux/include'],
     'platform/linux/processes': ['platform/linux/include'],
-    'platform/linux/events': ['platform/linux/include', 'platform/linux/processes'],
-    'platform/linux/item': ['platform/linux/include', 'platform/linux/screen', 'platform/linux/workarounds',
-                            'platform/images'],
+    'platform/linux/events': ['platform/linux/include', 'platform/linux/processes', 'platform/linux/bus'],
+    'platform/linux/item': ['platform/linux/include', 'platform/linux/screen', 'platform/linux/bus',
+                            'platform/linux/workarounds', 'platform/images'],
 }
 OTHERS = {
     'fetch': [],

@@ -1,4 +1,4 @@
-#include "platform/files/FileDescriptor.h"
+#include "tests/session/support/HungTool.h"
 #include "tests/session/support/MenuPicture.h"
 #include "tests/session/support/ScriptFile.h"
 #include "tests/session/support/Session.h"
@@ -12,8 +12,6 @@
 
 #include <X11/keysym.h>
 #include <algorithm>
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace
 {
@@ -109,18 +107,15 @@ protected:
     /// Chooses a size, and returns once the tool runs, which does not end by itself.
     void hangInTheTool()
     {
-        const QByteArray fifo = folder.filePath(QStringLiteral("fifo")).toLocal8Bit();
-        ASSERT_EQ(::mkfifo(fifo.constData(), 0600), 0);
-        m_tool.emplace(::open(fifo.constData(), O_RDWR | O_CLOEXEC));
-        setTool("exec cat '" + fifo + "'");
+        m_hung.emplace(tool());
         ASSERT_TRUE(choose(QSize(1024, 768)));
-        ASSERT_TRUE(waitUntil([this] { return !recordedCalls().isEmpty(); }));
+        ASSERT_TRUE(waitUntil([this] { return m_hung->hasStarted(); }));
     }
 
     QTemporaryDir folder;
 
 private:
-    std::optional<FileDescriptor> m_tool; ///< What it reads from: it ends when this is closed.
+    std::optional<HungTool> m_hung;
 };
 
 constexpr QSize wide{1280, 800};

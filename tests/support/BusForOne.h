@@ -8,11 +8,12 @@
 
 #include <gtest/gtest.h>
 
-/// A bus that has room for one connection.
+/// A bus that has room for one connection, at an address of its own unless it is told which.
 class BusForOne final
 {
 public:
-    BusForOne()
+    explicit BusForOne(const QString &at = {})
+        : m_address(at.isEmpty() ? "unix:path=" + m_folder.filePath(QStringLiteral("bus")).toLatin1() : at.toLatin1())
     {
         const QString configuration = m_folder.filePath(QStringLiteral("bus.conf"));
         QFile file(configuration);
@@ -29,13 +30,11 @@ public:
     }
 
     [[nodiscard]] bool isRunning() const { return m_isRunning; }
-    [[nodiscard]] QByteArray address() const
-    {
-        return "unix:path=" + m_folder.filePath(QStringLiteral("bus")).toLatin1();
-    }
+    [[nodiscard]] QByteArray address() const { return m_address; }
 
 private:
     QTemporaryDir m_folder;
+    const QByteArray m_address;
     ChildProcess m_daemon;
     bool m_isRunning = false;
 };

@@ -49,6 +49,8 @@ const Life::Operation Life::operations[] = {
     {"lock taken and given back", 1, &Life::takeItsLockAwayAndGiveItBack},
     {"bus stalled", 1, &Life::stallTheBus},
     {"panel that takes nothing in", 1, &Life::killThePanelForOneThatTakesNothingIn},
+    {"bus without room", 1, &Life::fillTheBus},
+    {"logged out while the tool hung", 1, &Life::logOutWhileTheToolHangs},
 };
 
 const Life::Operation Life::operationsOnAPopUp[] = {
@@ -102,7 +104,10 @@ bool Life::start()
     // What is freed is overwritten, so that a use of it shows.
     environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
     environment.insert(QStringLiteral("GLIBC_TUNABLES"), QStringLiteral("glibc.malloc.tcache_count=0"));
-    if (!m_session.start({.agentsEnvironment = environment,
+    environment.insert(QStringLiteral("KIV_TEST_SERVICE_TOOL"), m_tool);
+    setUsualTool();
+    if (!m_session.start({.program = Agent::Program::WithToolOfTheTest,
+                          .agentsEnvironment = environment,
                           .feed = m_feed.address(QStringLiteral("/messages")),
                           .beforeTheAgent = [this] {
                               SettingsProgram::write(m_session.desktop, 1, 1, 0);

@@ -6,6 +6,7 @@
 #include "tests/support/ProcessMemory.h"
 
 #include <QElapsedTimer>
+#include <QTemporaryDir>
 
 #include <chrono>
 #include <deque>
@@ -85,8 +86,12 @@ private:
     bool takeItsLockAwayAndGiveItBack();
     bool stallTheBus();
     bool killThePanelForOneThatTakesNothingIn();
+    bool fillTheBus();
+    bool logOutWhileTheToolHangs();
 
     bool attachTheService();
+    /// Starts the bus anew, and waits for the agent there.
+    bool comeBackToTheBus();
     const Operation &draw(std::span<const Operation> from);
     void carryOut(const Operation &operation);
     int random(int below) { return std::uniform_int_distribution(0, below - 1)(m_random); }
@@ -121,6 +126,9 @@ private:
         return m_session.agent->isDocked() && m_session.agent->itemPicture() == m_on;
     }
     bool openMenu();
+    /// Of the submenu of sizes. False when there is none to choose from now.
+    bool chooseFromTheMenu(QSize size);
+    void setUsualTool();
     [[nodiscard]] bool menuIsOpen() const;
     bool isBack();
     /// The item by itself, once it is drawn.
@@ -148,6 +156,8 @@ private:
     std::mt19937 m_random;
     FeedServer m_feed;
     AgentClock m_clock;
+    QTemporaryDir m_folder;
+    const QString m_tool = m_folder.filePath(QStringLiteral("tool")); ///< That switches the resolution.
     Session m_session;
     std::optional<Agent> m_secondCopy;
     QImage m_on; ///< The item while the service has switched the agent on.

@@ -1,7 +1,9 @@
 #include "tests/session/soak/Life.h"
 #include "tests/session/support/HostileClient.h"
+#include "tests/session/support/HungTool.h"
 #include "tests/session/support/MessageCache.h"
 #include "tests/session/support/SessionManager.h"
+#include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/WaitUntil.h"
 
@@ -96,6 +98,38 @@ bool Life::stallTheBus()
     openAndCloseTheMenu();
     m_session.desktop.bus().resume();
     return tellTheAgent("actions 32792");
+}
+
+/// Another program has the one place that there is.
+bool Life::fillTheBus()
+{
+    PrivateBus &bus = m_session.desktop.bus();
+    bus.stop();
+    bool isFull = false;
+    {
+        const BusForOne crowded(bus.address());
+        EXPECT_TRUE(crowded.isRunning());
+        const BusPeer occupant(bus);
+        isFull = occupant.connection().isConnected(); // Else the agent was there first.
+        letPass(5s);                                  // It tries again.
+        openAndCloseTheMenu();
+    }
+    return comeBackToTheBus() && isFull;
+}
+
+bool Life::logOutWhileTheToolHangs()
+{
+    const QSize size(1024, 768);
+    if (m_screen == size) {
+        return false; // No tool is started for the size that there is.
+    }
+    const HungTool tool(m_tool);
+    if (chooseFromTheMenu(size)) {
+        EXPECT_TRUE(waitUntil([&] { return tool.hasStarted(); })) << "the tool does not start";
+    }
+    const bool hasEnded = logOut();
+    setUsualTool();
+    return !hasEnded || logIn();
 }
 
 bool Life::killThePanelForOneThatTakesNothingIn()

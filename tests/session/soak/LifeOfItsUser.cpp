@@ -1,4 +1,5 @@
 #include "tests/session/soak/Life.h"
+#include "tests/session/support/ScriptFile.h"
 #include "tests/session/support/SettingsProgram.h"
 #include "tests/support/WaitUntil.h"
 
@@ -144,25 +145,38 @@ bool Life::changeTheScreen()
     return settleOnTheScreen();
 }
 
-bool Life::chooseASize()
+void Life::setUsualTool()
+{
+    writeScript(m_tool, "exec '" KIV_SERVICE_TOOL "' \"$@\"");
+}
+
+bool Life::chooseFromTheMenu(QSize size)
 {
     QList<QSize> sizes = view().modeSizes();
     const auto isWider = [](QSize one, QSize other) { return one.width() > other.width(); };
     std::ranges::sort(sizes, isWider);
     sizes.erase(std::unique(sizes.begin(), sizes.end()), sizes.end());
     // The menu lists them widest first.
-    const QSize size(1024, 768);
     const auto place = std::ranges::find(sizes, size) - sizes.begin();
     EXPECT_EQ(std::ranges::count(sizes, size.width(), &QSize::width), 1);
     // The entry follows the item with the next commands that are allowed.
     if (!tellTheAgent("actions 32792") || !openMenu()) {
-        return true;
+        return false;
     }
     input().key(XK_Down, Session::Resolution + 1);
     input().key(XK_Right);
     EXPECT_TRUE(waitUntil([this] { return windows(isMenu).size() == 2; })) << "the submenu does not open";
     input().key(XK_Down, static_cast<int>(place));
     input().key(XK_Return);
+    return true;
+}
+
+bool Life::chooseASize()
+{
+    const QSize size(1024, 768);
+    if (!chooseFromTheMenu(size)) {
+        return true;
+    }
     closeMenu();
     EXPECT_TRUE(waitUntil([&] { return view().screenSize() == size; })) << "the screen keeps its size";
     m_screen = size;

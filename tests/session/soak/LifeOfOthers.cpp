@@ -52,6 +52,11 @@ bool Life::killTheBus()
     if (random(2) == 0) {
         openAndCloseTheMenu();
     }
+    return comeBackToTheBus();
+}
+
+bool Life::comeBackToTheBus()
+{
     EXPECT_TRUE(m_session.desktop.bus().start());
     EXPECT_TRUE(waitUntil([this] {
         // It tries again every five seconds.

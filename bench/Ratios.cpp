@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <functional>
 #include <iterator>
 #include <map>
@@ -30,12 +29,6 @@ public:
 };
 
 } // namespace
-
-void giveUp(const char *why)
-{
-    std::fprintf(stderr, "%s\n", why);
-    std::_Exit(2);
-}
 
 int runAndCompare(int argc, char **argv, std::span<const Ratio> ratios)
 {

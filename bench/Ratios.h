@@ -15,7 +15,3 @@ struct Ratio {
 /// smallest and largest value over the repetitions, and the largest median that is good enough. The command line is
 /// Google Benchmark's. The exit status: 1 when a median is above that.
 int runAndCompare(int argc, char **argv, std::span<const Ratio> ratios);
-
-/// Ends the program with status 2: what is measured does not do what it is measured for. (A benchmark that is skipped
-/// would count as one that takes no time.)
-[[noreturn]] void giveUp(const char *why);

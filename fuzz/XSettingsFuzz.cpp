@@ -12,7 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     if (const std::optional<XSettings> settings = readXSettings(bytes)) {
         check(readXSettings(bytes + '\0').has_value());
-        const double scale = desktopScale(*settings, 0);
+        const double scale = scaleBeyondDpi(*settings, 0);
         check(scale >= 1 && scale <= 8);
         check(isDesktopDark(ColourScheme::Dark, *settings) && !isDesktopDark(ColourScheme::Light, *settings));
         for (const QByteArray &text : settings->texts) {

@@ -12,7 +12,6 @@
 #include "shell/ProductInformation.h"
 #include "shell/ProductTexts.h"
 #include "shell/link/EventCodes.h"
-#include "shell/link/EventHandler.h"
 #include "shell/link/EventLink.h"
 
 #include <QCoreApplication>
@@ -23,7 +22,6 @@ namespace
 {
 void forward(std::uint32_t code)
 {
-    forgetOwnerWhoseNumberIsAnothers();
     qCDebug(linkLog, "command %u goes to process %u", code, static_cast<unsigned int>(__owpsn.lowLongOfPSN));
     AppleEvent event{};
     if (!kivmAECreateEvent(&__mypsn, &__owpsn, kMenuEvtAction, &event)) {

@@ -146,23 +146,23 @@ void KivNotificationWindow::layOutAnew()
 {
     TopEdge::Question topEdge;
     layOut(topEdge);
-    m_frame.origin = MainScreen::fromQt(geometry()).origin;
-    // After the screen's scale has changed, size, shape and picture of its window are others in pixels, of which Qt's
-    // widgets, which do not count in them, see nothing. Another window has all of them right.
-    if (screen()->devicePixelRatio() != m_scale) {
-        hide();
-        if (QWindow *const window = windowHandle()) {
-            window->destroy();
-        }
-        present();
+    // What it measures on the screen is another thing after the screen's scale has changed, of which Qt's widgets,
+    // whose sizes do not count in pixels, see nothing.
+    if (QWindow *const window = windowHandle()) {
+        window->setGeometry(geometry());
     }
+    m_frame.origin = MainScreen::fromQt(geometry()).origin;
 }
 
 void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTimeout)
 {
     setFrame({origin, m_frame.size});
     setWindowOpacity(0);
-    present();
+    if (testAttribute(Qt::WA_TranslucentBackground)) {
+        Compositor::announceShadow(*this, KivNotificationView::inset);
+    }
+    show();
+    keepAtStatusLevel(*this);
     m_shown = true;
     m_screensChanged = false; // It has been put where it belongs on the screens that there are now.
     fadeIn();
@@ -178,16 +178,6 @@ void KivNotificationWindow::showAtScreenPoint(NSPoint origin, std::int32_t theTi
         });
         m_timer->start(timeout);
     }
-}
-
-void KivNotificationWindow::present()
-{
-    m_scale = screen()->devicePixelRatio();
-    if (testAttribute(Qt::WA_TranslucentBackground)) {
-        Compositor::announceShadow(*this, KivNotificationView::inset);
-    }
-    show();
-    keepAtStatusLevel(*this);
 }
 
 NSRect KivNotificationWindow::frame() const

@@ -87,7 +87,6 @@ private:
     void layOut(TopEdge::Question &topEdge);
     /// The same once it is shown.
     void layOutAnew();
-    void present();
     void startFade(Fade direction);
     void clickedOnLink(const QUrl &link);
     void watchScreens();
@@ -111,7 +110,6 @@ private:
     NotificationWindowDelegate *m_delegate = nullptr;
     NSRect m_frame; ///< Where it was last put.
     float m_topReach = 0;
-    qreal m_scale = 1; ///< Of the screen, when its window was made.
     bool m_shown = false;
     bool m_closed = false;
     bool m_screensChanged = false;

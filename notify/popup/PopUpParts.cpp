@@ -6,7 +6,6 @@
 
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
 
 namespace
 {
@@ -47,8 +46,7 @@ QLabel *newPopUpIcon(QWidget *parent)
 void placePopUpIcon(QLabel &icon, std::int32_t messageType, const QRect &frame)
 {
     icon.setGeometry(frame);
-    // The window itself may have that of before for a while yet.
-    icon.setPixmap(messageTypeIcon(messageType, frame.height(), icon.screen()->devicePixelRatio()));
+    icon.setPixmap(messageTypeIcon(messageType, frame.height(), icon.devicePixelRatio()));
 }
 
 QLabel *newPopUpTitle(const QString &text, QWidget *parent)

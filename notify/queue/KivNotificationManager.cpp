@@ -141,13 +141,10 @@ void KivNotificationManager::accept(const std::shared_ptr<KivNotification> &reco
     if (!m_properties.notificationIsRelevant(*record)) {
         return;
     }
-    if (record->messagePriority() == kPriorityInstant && hasAllHints()) {
-        return; // Somebody has put many into the file.
-    }
     const std::lock_guard hold(m_notificationsLock);
     record->setWasDisplayed(false);
     queueAdd(record);
-    m_notifications.dropBeyond({.records = QueueLimits::maxRecords, .bytes = QueueLimits::maxBytes});
+    m_notifications.dropBeyond(QueueLimits::maxRecords, QueueLimits::maxBytes);
     if (queueLog().isDebugEnabled() && std::ranges::count(m_notifications.records(), record) > 0) {
         qCDebug(queueLog) << "message" << record->messageId() << "waits among" << m_notifications.records().size();
     }
@@ -164,19 +161,14 @@ void KivNotificationManager::queueAdd(const std::shared_ptr<KivNotification> &re
     m_notifications.add(record);
 }
 
-bool KivNotificationManager::hasAllHints() const
-{
-    const auto waits = [shown = m_notificationWindow ? m_notificationWindow->notification() : nullptr](
-                           const auto &one) { return one->messagePriority() == kPriorityInstant && one != shown; };
-    return std::ranges::count_if(m_notifications.records(), waits) + std::ssize(m_hintsMeanwhile) >=
-           QueueLimits::maxHints;
-}
-
 bool KivNotificationManager::showNotificationInstantly(const std::shared_ptr<KivNotification> &record)
 {
     record->setMessagePriority(kPriorityInstant);
     const std::lock_guard hold(m_notificationsLock);
-    if (hasAllHints()) {
+    const auto waits = [shown = m_notificationWindow ? m_notificationWindow->notification() : nullptr](
+                           const auto &one) { return one->messagePriority() == kPriorityInstant && one != shown; };
+    if (std::ranges::count_if(m_notifications.records(), waits) + std::ssize(m_hintsMeanwhile) >=
+        QueueLimits::maxHints) {
         qCDebug(queueLog, "a hint is dropped: %d wait already", QueueLimits::maxHints);
         return false;
     }
@@ -228,7 +220,7 @@ void KivNotificationManager::exportNotificationsToFile()
 {
     m_isExportDue = true;
     if (m_deliveries == 0 && !m_writer.isWriting()) {
-        writeFile(Hints::Include);
+        writeFile([](const KivNotification &) { return true; });
     }
 }
 
@@ -245,18 +237,23 @@ void KivNotificationManager::saveUnsavedRecords()
     }
     m_writer.wait();
     if (m_isRecordUnsaved || m_isExportDue) {
-        writeFile(Hints::LeaveOut);
+        writeFile([](const KivNotification &record) { return record.messagePriority() != kPriorityInstant; });
         m_writer.wait();
     }
 }
 
-void KivNotificationManager::writeFile(Hints hints)
+void KivNotificationManager::writeFile(const std::function<bool(const KivNotification &)> &belongs)
 {
-    const bool isRoomForAll = m_notifications.bytes(Hints::Include) <= QueueLimits::maxBytes;
-    const Hints saved = isRoomForAll ? hints : Hints::LeaveOut;
+    QVariantList list;
+    list.reserve(static_cast<qsizetype>(m_notifications.records().size()));
+    for (const std::shared_ptr<KivNotification> &record : m_notifications.records()) {
+        if (record != m_recordToShow && belongs(*record)) {
+            list.append(record->exportToDictionary());
+        }
+    }
     m_isExportDue = false;
     m_isRecordUnsaved = m_recordToShow != nullptr;
-    m_writer.write(m_notifications.exported(saved, m_recordToShow.get()), m_notifications.bytes(saved));
+    m_writer.write(list, m_notifications.bytes());
 }
 
 /// The list that was handed over is in the file, or is not.
@@ -347,6 +344,11 @@ void KivNotificationManager::windowWillClose(KivNotificationWindow &)
         m_notificationWindow = nullptr;
     }
     exportNotificationsToFile();
+    showInstantRecordNext();
+}
+
+void KivNotificationManager::showInstantRecordNext()
+{
     const auto &records = m_notifications.records();
     if (!records.empty() && records.front()->messagePriority() == kPriorityInstant) {
         forceNotification();

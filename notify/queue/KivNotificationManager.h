@@ -73,7 +73,7 @@ public:
     /// the record is not accepted then.
     ///
     /// A queue of a thousand records, or of 15 MB in the file, is full: the oldest of the least urgent ones are
-    /// dropped. Instant ones do not count; what is read back of them is dropped when a hundred wait already.
+    /// dropped.
     ///
     /// Everything but the queueing happens at the end of the delivery; a record outside one is a delivery by itself.
     /// The queue is saved first and then the id, so that an agent that is killed in between receives the messages
@@ -102,8 +102,7 @@ public:
     /// message id, as the feed's requests do. Keeps one call, and drops it at the agent's end.
     void whenImported(const std::function<void()> &call);
 
-    /// Saves the queue to the cache file; within a delivery, at its end, and behind a save that is under way. Instant
-    /// messages are left out when there is no room for all of them beside the others.
+    /// Saves the queue to the cache file; within a delivery, at its end, and behind a save that is under way.
     /// When that fails, the file stays as it was until the next time or the end of the next delivery.
     void exportNotificationsToFile();
 
@@ -129,15 +128,12 @@ private:
     void windowWillClose(KivNotificationWindow &window) override;
     void windowDidMove(KivNotificationWindow &window) override;
 
-    using Hints = NotificationQueue::Hints;
-
-    /// Whether as many instant records wait as may.
-    [[nodiscard]] bool hasAllHints() const;
-    /// The queue, save a record that has still to be shown.
-    void writeFile(Hints hints);
+    /// Those records of the queue that belong there, save one that has still to be shown.
+    void writeFile(const std::function<bool(const KivNotification &)> &belongs);
     void didWriteFile(bool isWritten);
     void accept(const std::shared_ptr<KivNotification> &record);
     void didImport();
+    void showInstantRecordNext();
     void finishDelivery() noexcept;
     void showFirstRecord(const std::shared_ptr<KivNotification> &record) noexcept;
 

@@ -61,8 +61,7 @@ mode_t modeOf(const QString &path)
 } // namespace
 
 NotificationCache::NotificationCache(const QString &homeFolder)
-    : m_home(homeFolder)
-    , m_folder(expanded(ProductTexts::notificationCacheDirectory, homeFolder))
+    : m_folder(expanded(ProductTexts::notificationCacheDirectory, homeFolder))
     , m_path(m_folder + u'/' + notificationCacheFile)
 {
 }
@@ -134,7 +133,7 @@ QString NotificationCache::obstacleToWriting(const QByteArray &content)
 /// Makes the folder when it is missing; null when it is there.
 QString NotificationCache::obstacleToFolder() const
 {
-    const OwnFolder nearest = OwnFolder::below(m_home, OwnFolder::nearestTo(m_folder));
+    const OwnFolder nearest(OwnFolder::nearestTo(m_folder));
     if (!nearest.isOurs() || QFileInfo::exists(m_folder)) {
         return nearest.obstacle();
     }
@@ -148,7 +147,7 @@ QString NotificationCache::obstacleToFolder() const
 /// another session of the same user, is younger.
 void NotificationCache::removeLeftovers() const
 {
-    if (!OwnFolder::below(m_home, m_folder).isOurs()) {
+    if (!OwnFolder(m_folder).isOurs()) {
         return;
     }
     const QDateTime old = QDateTime::currentDateTimeUtc().addSecs(-3600);

@@ -28,8 +28,7 @@ public:
 
     /// Makes `list` the file's content, and the folder when it is missing. Does not touch a file that has this very
     /// content. One that holds no array, or that may not be read, is kept under its second name first; a symbolic link
-    /// is replaced, and what it leads to stays as it is. Nothing is written to folders of somebody else, nor to where
-    /// somebody else's link leads.
+    /// is replaced, and what it leads to stays as it is. Nothing is written to folders of somebody else.
     /// False, with the file as it was and a warning when the cause is a new one, when any of that fails.
     bool write(const QVariantList &list);
 
@@ -40,7 +39,6 @@ private:
     [[nodiscard]] bool isReadable(const QByteArray &content) const;
     [[nodiscard]] bool keepAside() const;
 
-    QString m_home;
     QString m_folder;
     QString m_path;
     QString m_obstacle;      ///< To what was written last; null when it was.

@@ -36,22 +36,17 @@ void NotificationQueue::add(std::shared_ptr<KivNotification> record)
         return queued->messagePriority() < record->messagePriority();
     };
     const qsizetype bytes = PropertyList::toXml(record->exportToDictionary()).size();
-    const Entry &entry = m_entries[record.get()] = {
-        .bytes = bytes, .id = record->messageId(), .isHint = record->messagePriority() == kPriorityInstant};
-    m_byId.insert(entry.id, record.get());
-    Load &load = loadOf(entry);
-    ++load.records;
-    load.bytes += bytes;
+    m_entries[record.get()] = {bytes, record->messageId()};
+    m_byId.insert(record->messageId(), record.get());
+    m_allBytes += bytes;
     m_records.insert(std::ranges::find_if(m_records, isLess), std::move(record));
 }
 
-void NotificationQueue::dropBeyond(const Load &limit)
+void NotificationQueue::dropBeyond(std::size_t records, qsizetype bytes)
 {
-    const auto isMessage = [this](const auto &queued) { return !m_entries.at(queued.get()).isHint; };
-    while (m_messages.records > limit.records || m_messages.bytes > limit.bytes) {
-        const auto last = std::find_if(m_records.rbegin(), m_records.rend(), isMessage);
-        const auto isLeastUrgent = [&isMessage, lowest = (*last)->messagePriority()](const auto &queued) {
-            return queued->messagePriority() == lowest && isMessage(queued);
+    while (!m_records.empty() && (m_records.size() > records || m_allBytes > bytes)) {
+        const auto isLeastUrgent = [lowest = m_records.back()->messagePriority()](const auto &queued) {
+            return queued->messagePriority() == lowest;
         };
         const auto oldest = std::ranges::find_if(m_records, isLeastUrgent);
         qCDebug(queueLog) << "message" << (*oldest)->messageId() << "is dropped: the queue is full";
@@ -63,9 +58,7 @@ void NotificationQueue::dropBeyond(const Load &limit)
 void NotificationQueue::forget(const KivNotification &record)
 {
     const auto entry = m_entries.find(&record);
-    Load &load = loadOf(entry->second);
-    --load.records;
-    load.bytes -= entry->second.bytes;
+    m_allBytes -= entry->second.bytes;
     m_byId.remove(entry->second.id, &record);
     m_entries.erase(entry);
 }
@@ -78,23 +71,6 @@ void NotificationQueue::remove(const KivNotification &record)
                               [isEqual = equals(record)](const auto &queued) { return !isEqual(queued); });
     std::for_each(removed, m_records.end(), [this](const auto &queued) { forget(*queued); });
     m_records.erase(removed, m_records.end());
-}
-
-qsizetype NotificationQueue::bytes(Hints hints) const noexcept
-{
-    return m_messages.bytes + (hints == Hints::Include ? m_hints.bytes : 0);
-}
-
-QVariantList NotificationQueue::exported(Hints hints, const KivNotification *except) const
-{
-    QVariantList list;
-    list.reserve(static_cast<qsizetype>(m_records.size()));
-    for (const auto &record : m_records) {
-        if (record.get() != except && (hints == Hints::Include || !m_entries.at(record.get()).isHint)) {
-            list.append(record->exportToDictionary());
-        }
-    }
-    return list;
 }
 
 bool NotificationQueue::contains(const KivNotification &record) const

@@ -11,10 +11,9 @@ namespace QueueLimits
 /// Of instant records: nobody reads so many.
 inline constexpr int maxHints = 100;
 
-/// Of other records in the queue.
+/// Of records in the queue.
 inline constexpr std::size_t maxRecords = 1000;
-/// Of bytes that they, and such hints as are with them, take in the cache file: less than may be in a file that can be
-/// read.
+/// Of bytes that they take in the cache file: less than may be in a file that can be read.
 inline constexpr qsizetype maxBytes = qsizetype{15} * 1024 * 1024;
 
 } // namespace QueueLimits

@@ -32,15 +32,14 @@ QVariantMap defaults()
 
 } // namespace
 
-PreferencesFile::PreferencesFile(QString home, QString path)
-    : m_home(std::move(home))
-    , m_path(std::move(path))
+PreferencesFile::PreferencesFile(QString path)
+    : m_path(std::move(path))
 {
 }
 
 PreferencesFile PreferencesFile::inHome(const QString &homeFolder)
 {
-    return PreferencesFile(homeFolder, QString(ProductTexts::preferencesFile).replace(0, 1, homeFolder));
+    return PreferencesFile(QString(ProductTexts::preferencesFile).replace(0, 1, homeFolder));
 }
 
 bool PreferencesFile::exists() const
@@ -64,7 +63,7 @@ std::optional<PreferencesFile::Contents> PreferencesFile::read() const
 QString PreferencesFile::change(const SettingEntry &setting, std::int32_t value) const
 {
     const QFileInfo file(m_path);
-    const OwnFolder nearest = OwnFolder::below(m_home, OwnFolder::nearestTo(file.path()));
+    const OwnFolder nearest(OwnFolder::nearestTo(file.path()));
     if (!nearest.isOurs()) {
         return notWritten(nearest.obstacle());
     }
@@ -98,7 +97,7 @@ bool PreferencesFile::setLastMessageId(const QString &id) const
 {
     const FileLock lock(m_path, FileLock::For::Writing);
     std::optional<QVariantMap> preferences = readDictionary(m_path, RegularFile::Links::Refuse);
-    if (!preferences || !OwnFolder::below(m_home, QFileInfo(m_path).path()).isOurs()) {
+    if (!preferences) {
         return false;
     }
     preferences->insert(lastMessageIdKey, id);

@@ -15,8 +15,7 @@ struct SettingEntry;
 class PreferencesFile final
 {
 public:
-    /// The file at `path`, which is named under `home`.
-    PreferencesFile(QString home, QString path);
+    explicit PreferencesFile(QString path);
 
     /// That of the user whose home folder this is.
     [[nodiscard]] static PreferencesFile inHome(const QString &homeFolder);
@@ -41,8 +40,8 @@ public:
     [[nodiscard]] QString change(const SettingEntry &setting, std::int32_t value) const;
 
     /// Stores the id in the file, which has to be there; all else stays. It is written in place, so that it keeps its
-    /// owner and its other names. False, with the file as it was, when it cannot be read, is a symbolic link, or lies
-    /// in a folder of somebody else; false also when it cannot be written.
+    /// owner and its other names. False, with the file as it was, when it cannot be read or is a symbolic link; false
+    /// also when it cannot be written.
     [[nodiscard]] bool setLastMessageId(const QString &id) const;
 
     [[nodiscard]] const QString &path() const noexcept { return m_path; }
@@ -50,6 +49,5 @@ public:
 private:
     [[nodiscard]] QString notWritten(const QString &why) const;
 
-    QString m_home;
     QString m_path;
 };

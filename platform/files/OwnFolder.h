@@ -7,17 +7,10 @@
 /// A folder in which something is to be written: only one that belongs to this process's user is good for that. A
 /// program that is run as root with the home of somebody else would else leave files there that are not his, or be led
 /// to files of the system by a link of his. Held open, so that no other folder takes its place meanwhile.
-///
-/// A link is as good as a folder if it is the user's own: his caches may lie on a larger disk.
 class OwnFolder final
 {
 public:
-    /// Asks the folder itself whose it is.
     explicit OwnFolder(const QString &path);
-
-    /// Asks also `home`, and each folder and each link on the way from there to `path`, which is named under it. They
-    /// may be root's, too, but nobody else's: who owns a folder can put a link in the place of what is in it.
-    [[nodiscard]] static OwnFolder below(const QString &home, const QString &path);
 
     /// The folder itself, or the one above it in which it would be made.
     [[nodiscard]] static QString nearestTo(QString path);
@@ -28,8 +21,6 @@ public:
     [[nodiscard]] int descriptor() const noexcept { return m_folder.number(); }
 
 private:
-    void refuse();
-
     FileDescriptor m_folder;
     QString m_obstacle;
 };

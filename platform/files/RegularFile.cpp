@@ -55,14 +55,12 @@ bool RegularFile::overwrite(const QString &path, const QByteArray &content)
         return false;
     }
     // What is new room comes first, and is given back when it cannot be had: so a full disk takes nothing of what is
-    // there. It is filled with ends of lines, as is what is left over before it is cut off: whoever is killed, or
-    // reads, in between has the old content or the new one, and white space behind it. For the content itself goes over
-    // in one call, and no kill interrupts the copying of a page.
-    const QByteArray room(std::max<qsizetype>(content.size() - *size, 0), '\n');
-    if (::lseek(file.number(), *size, SEEK_SET) < 0 || !writeWhole(file.number(), room) ||
-        ::lseek(file.number(), 0, SEEK_SET) != 0 || !writeWhole(file.number(), content.leftJustified(*size, '\n'))) {
+    // there, since all else goes where bytes already are.
+    const qsizetype present = std::min<qsizetype>(*size, content.size());
+    if (::lseek(file.number(), present, SEEK_SET) < 0 || !writeWhole(file.number(), content.sliced(present))) {
         (void)::ftruncate(file.number(), *size);
         return false;
     }
-    return ::ftruncate(file.number(), content.size()) == 0 && file.close(); // Much is only written here.
+    return ::lseek(file.number(), 0, SEEK_SET) == 0 && writeWhole(file.number(), content.first(present)) &&
+           ::ftruncate(file.number(), content.size()) == 0 && file.close(); // Much is only written here.
 }

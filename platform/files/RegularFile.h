@@ -21,8 +21,7 @@ enum class Links {
 
 /// Writes straight into the file, which keeps its owner, mode and names, or makes it; creates no folder. False when
 /// `path` is a symbolic link or anything else but a regular file, when the folder belongs to somebody else, or when not
-/// all can be written; for want of room, the file is as it was. At every moment the file holds what it held or
-/// `content`, with ends of lines behind it perhaps, if both are at most a page (4 kB): also when the process is killed.
+/// all can be written; for want of room, the file is as it was.
 [[nodiscard]] bool overwrite(const QString &path, const QByteArray &content);
 
 } // namespace RegularFile

@@ -18,43 +18,26 @@ struct Claim {
     ProcessSerialNumber owner;
     SInt32 pid;
     std::function<bool()> hasEnded;
-    bool isOfAKnownSender; ///< The system could tell who made it.
 };
 std::optional<Claim> claim;
 
-/// The process that the system says an event comes from, if it knows.
-std::optional<SInt32> senderOf(const AppleEvent *event)
-{
-    SInt32 sender = 0;
-    const OSErr error =
-        AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr, &sender, sizeof sender, nullptr);
-    return error == noErr ? std::optional(sender) : std::nullopt;
-}
-
-void setOwner(const AppleEvent *event, const ProcessSerialNumber &sender)
+void setOwner(const ProcessSerialNumber &sender)
 {
     __owpsn = sender;
     const std::optional<pid_t> pid = processId(sender); // It may have ended since it sent the claim.
     // Where a serial number tells no process ID, one that has ended is nobody's.
     claim = Claim{sender, pid.value_or(static_cast<pid_t>(sender.lowLongOfPSN)),
-                  pid ? watchProcess(*pid) : [] { return true; }, senderOf(event).has_value()};
-}
-
-bool ownerHasEnded()
-{
-    return claim && kivmAESameProcess(&claim->owner, &__owpsn) && claim->hasEnded();
+                  pid ? watchProcess(*pid) : [] { return true; }};
 }
 
 /// Whether somebody else speaks in the owner's name now that the owner has ended. Its own last words are handled after
-/// its end. A program that ends at once may have gone from the system before it is asked about, claim and all; an owner
-/// that was known has been asked about in time, and whoever is not known by then is not that owner.
+/// its end, and so are those of a sender that is not known.
 bool isInADeadOwnersName(const AppleEvent *event)
 {
-    if (!ownerHasEnded()) {
-        return false;
-    }
-    const std::optional<SInt32> sender = senderOf(event);
-    return sender ? *sender != claim->pid || processId(__owpsn) : claim->isOfAKnownSender;
+    SInt32 sender = 0;
+    return claim && kivmAESameProcess(&claim->owner, &__owpsn) && claim->hasEnded() &&
+           AEGetAttributePtr(event, keySenderPIDAttr, typeSInt32, nullptr, &sender, sizeof sender, nullptr) == noErr &&
+           (sender != claim->pid || processId(__owpsn));
 }
 
 /// Reads a parameter that every event has.
@@ -115,7 +98,7 @@ OSErr handle(const AppleEvent *event)
     case kMenuEvtSetOwner:
         qCDebug(linkLog, "process %u owns this agent now; before it was process %u", processOf(sender),
                 processOf(__owpsn));
-        setOwner(event, sender);
+        setOwner(sender);
         return noErr;
     case kMenuEvtSetOptions:
         return __cmd_setopt(event);
@@ -128,15 +111,6 @@ OSErr handle(const AppleEvent *event)
     }
 }
 } // namespace
-
-void forgetOwnerWhoseNumberIsAnothers()
-{
-    if (ownerHasEnded() && processId(__owpsn)) {
-        qCDebug(linkLog, "process %u, which owned this agent, has ended, and another has its number",
-                processOf(__owpsn));
-        __owpsn = {};
-    }
-}
 
 OSErr __ae_handler(const AppleEvent *event, AppleEvent *, SRefCon)
 {

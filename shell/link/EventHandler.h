@@ -7,7 +7,3 @@
 /// `refcon` are not used. errAEEventFailed for a null event; the read's error when command or sender is missing; else
 /// the command's result, which is noErr for an unknown one.
 OSErr __ae_handler(const AppleEvent *event, AppleEvent *reply, SRefCon refcon);
-
-/// To be called before anything is sent to the owner: leaves its place vacant when it has ended and its process number
-/// has been given to another process, which would receive what is meant for the owner. Main thread only.
-void forgetOwnerWhoseNumberIsAnothers();

@@ -66,7 +66,7 @@ def ask(name, description, build, folder):
         try:
             session.start_agent()
             for question in QUESTIONS:
-                if (question == "restart" and not description.panel) or (question == "reader" and not description.has_reader):
+                if question == "restart" and not description.panel:
                     continue
                 answers[question] = answer(work, question, description)
         finally:
@@ -77,7 +77,6 @@ def ask(name, description, build, folder):
         "tree": "the tree at " + os.environ["KIV_TREE"],
         "versions": versions(description.packages) if description.packages else {},
         "drawn_by": sorted(work.drawn_by),
-        "said": work.said,
         "remarks": description.remarks,
         "picture": f"images/desktops/{name}.png" if picture.exists() else "",
         "answers": answers,

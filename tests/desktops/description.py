@@ -16,8 +16,6 @@ class Description:
     setup: tuple = ()               # Commands to run to their end before the programs.
     first_keys: tuple = ()          # What to press once the panel is up.
     bars: tuple = ()                # Boxes of panels of which the X server does not know.
-    has_own_bus: bool = False       # The agent is on a bus of its own, where it finds nothing of the desktop.
-    has_reader: bool = False        # Orca is started, and asked what it says.
     session: type = Session
     # Why something cannot be, by question: what the desktop does. It is asked all the same.
     cannot: dict = dataclasses.field(default_factory=dict)

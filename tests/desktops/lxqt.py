@@ -31,6 +31,8 @@ DESKTOPS = {"lxqt": Description(
     packages=("lxqt-panel", "openbox"),
     programs={"window-manager": ["openbox", "--sm-disable"], "lxqt-panel": ["lxqt-panel"]},
     panel=("lxqt-panel",),
+    cannot={"keyboard": "the panel tells where the item is only with a click, so that kivshowmenu opens the menu at the "
+                        "pointer"},
     files={".config/lxqt/panel.conf": PANEL},
     environment={"XDG_CURRENT_DESKTOP": "LXQt", "XDG_CONFIG_DIRS": "/etc/xdg:/usr/share"},
 )}

@@ -1,15 +1,13 @@
 """MATE's panel with its usual layout, and its window manager."""
 
 from tests.desktops.description import Description
-from tests.desktops.support import screen_reader
 
 DESKTOPS = {"mate": Description(
     title="MATE",
-    packages=("mate-panel", "marco", "mate-settings-daemon", *screen_reader.PACKAGES),
+    packages=("mate-panel", "marco", "mate-settings-daemon"),
     programs={"mate-settings-daemon": ["/usr/libexec/mate-settings-daemon"], "window-manager": ["marco"],
               "mate-panel": ["mate-panel"]},
     panel=("mate-panel",),
-    has_reader=True,
     setup=(["gsettings", "set", "org.mate.Marco.general", "compositing-manager", "false"],),
     environment={"XDG_CURRENT_DESKTOP": "MATE"},
 )}

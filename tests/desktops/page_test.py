@@ -41,10 +41,6 @@ class PageTest(unittest.TestCase):
         self.assertIn("The menu is drawn by the agent and by the panel.\nBy itself.\n", text)
         self.assertIn("![The menu in One](images/desktops/one.png)", text)
 
-    def test_tells_what_the_screen_reader_says(self):
-        text = page({"one": desktop("One", {}, said={"the item": "Kivune Menu button", "a pop-up": None})}, QUESTIONS)
-        self.assertIn("\nOrca says of the item “Kivune Menu button”, of a pop-up “”.\n", text)
-
     def test_has_no_picture_and_no_packages_where_there_are_none(self):
         text = page({"one": desktop("One", {})}, QUESTIONS)
         self.assertNotIn("![", text)

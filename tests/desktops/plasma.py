@@ -6,17 +6,15 @@ COMMON = {
     "packages": ("plasma-workspace", "kwin-x11", "kded6"),
     "environment": {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "6",
                     "QT_QUICK_BACKEND": "software", "KWIN_COMPOSE": "N", "XDG_MENU_PREFIX": "plasma-"},
+    "panel": ("plasmashell",),
 }
 PROGRAMS = {"window-manager": ["kwin_x11"], "kded": ["kded6"], "plasmashell": ["plasmashell"]}
 
+POINTER = {"keyboard": "the panel tells where the item is only with a click, so that kivshowmenu opens the menu at the "
+                       "pointer"}
 
 DESKTOPS = {
-    "plasma": Description(title="Plasma", programs=PROGRAMS, panel=("plasmashell",), **COMMON),
-    "plasma-proxy": Description(
-        title="Plasma's proxy for windows",
-        programs=PROGRAMS | {"xembedsniproxy": ["xembedsniproxy"]}, panel=("plasmashell", "xembedsniproxy"),
-        has_own_bus=True,
-        remarks="The agent is on a bus of its own, as one that is started over ssh or by another user's hand, and finds "
-                "the panel's host for items on none. So its item comes into the tray, which Plasma's proxy owns and shows "
-                "the panel a picture of. An agent on the desktop's bus never goes that way.", **COMMON),
+    "plasma": Description(title="Plasma", programs=PROGRAMS, cannot=POINTER, **COMMON),
+    "plasma-proxy": Description(title="Plasma with its proxy for windows",
+                                programs=PROGRAMS | {"xembedsniproxy": ["xembedsniproxy"]}, cannot=POINTER, **COMMON),
 }

@@ -16,8 +16,8 @@ DESKTOPS = {"sway": Description(
     files={".config/waybar/config": BAR},
     environment={"XDG_CURRENT_DESKTOP": "sway"},
     cannot={"keyboard": "sway gives the menus of X programs no keyboard"},
-    remarks="Xwayland takes a press in a menu to be beside it when the pointer has come there in a single leap, which no "
-            "hand does: the pointer goes in small steps here.",
+    remarks="A press in a submenu of the agent's own menu closes it there and chooses nothing; in the menu that waybar "
+            "draws at a press of the right button all can be chosen.",
     bars=(Box(0, 0, 1280, 30),),
     session=SwaySession,
 )}

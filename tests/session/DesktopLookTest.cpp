@@ -213,6 +213,27 @@ TEST_F(DesktopLook, GivesTheOpenMenuTheDesktopsFontAndKeepsItOnTheScreen)
     EXPECT_TRUE(waitUntil([&] { return menu().size() == before; }));
 }
 
+TEST_F(DesktopLook, HasTheScaleOfTheDesktopsWindows)
+{
+    openTheMenu();
+    const QSize usual = menu().size();
+    agent.emplace(desktop);
+    DesktopSettings settings(desktop.server());
+    settings.setNumber("Gdk/WindowScalingFactor", 2);
+    openTheMenu();
+    EXPECT_EQ(menu().size(), usual * 2);
+    agent.emplace(desktop);
+    settings.setNumber("Gdk/UnscaledDPI", 96 * 1024);
+    settings.setDotsPerInch(192);
+    openTheMenu();
+    EXPECT_EQ(menu().size(), usual * 2) << "the dots have it in them";
+    agent.emplace(desktop);
+    agent->environment.insert(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("1"));
+    settings.setDotsPerInch(96);
+    openTheMenu();
+    EXPECT_EQ(menu().size(), usual) << "the user has chosen another";
+}
+
 TEST_F(MessagesOfTheDesktopsLook, ArePopUpsInItsColoursAndItsFont)
 {
     DesktopSettings settings(desktop.server());

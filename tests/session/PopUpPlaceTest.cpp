@@ -83,17 +83,6 @@ TEST_F(PopUpWithoutAPanel, DoesNotCoverTheItem)
     EXPECT_EQ(shownPopUp().geometry.top(), item().geometry.bottom() + 1);
 }
 
-TEST_F(PopUpWithoutAPanel, IsNoLowerForAPanelOnAnotherMonitorNorIsTheItem)
-{
-    ASSERT_TRUE(desktop.showOn({{0, 0, 1280, 800}, {1280, 0, 1024, 600}}, 0));
-    OtherWindow panel(desktop.server(), {1280, 0, 1024, 100});
-    panel.keepOthersBelow(100);
-    ASSERT_TRUE(start({{{.id = "1"}}}));
-    ASSERT_TRUE(areThere());
-    EXPECT_TRUE(waitUntil([&] { return item().geometry == QRect(1280 - 160 - 22, 0, 22, 22); }));
-    EXPECT_EQ(shownPopUp().geometry.top(), 30);
-}
-
 class PopUpInABareDesktop : public PopUpWithoutAPanel
 {
 protected:

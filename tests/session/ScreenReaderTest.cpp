@@ -108,16 +108,6 @@ TEST_F(ScreenReaderTest, OpensTheMenuAndSeesWhichEntriesCanBeChosenAndWhichOneIs
     EXPECT_TRUE(session.closeEverything());
 }
 
-TEST_F(ScreenReaderTest, IsToldThatTheMenuHasOpenedBeforeAnEntryIsGoneTo)
-{
-    ASSERT_TRUE(start());
-    ASSERT_TRUE(session.agent->openMenu());
-    EXPECT_TRUE(waitUntil([this] {
-        return !reader->events(QStringLiteral("state-changed:focused"), ScreenReader::PopupMenu).isEmpty();
-    }));
-    EXPECT_TRUE(session.closeEverything());
-}
-
 TEST_F(ScreenReaderTest, IsToldWhichEntryTheKeysHaveGoneTo)
 {
     ASSERT_TRUE(start());
@@ -255,31 +245,13 @@ TEST_F(ScreenReaderTest, WhoseBusHangsDoesNotHoldUpTheAgent)
     reader->suspendBus(false);
 }
 
-TEST_F(ScreenReaderTest, WhoseRegistryHangsDoesNotHoldUpTheAgentAndIsToldOnceItGoesOn)
-{
-    isReading = false;
-    ASSERT_TRUE(start());
-    ASSERT_TRUE(reader->listen());
-    reader->suspendRegistry(true);
-    QElapsedTimer sinceThen;
-    sinceThen.start();
-    ASSERT_TRUE(reader->announce(true));
-    ASSERT_TRUE(session.settle());
-    ASSERT_TRUE(session.agent->openMenu());
-    EXPECT_LT(sinceThen.elapsed(), 10'000) << "Qt's own patience is 25 s";
-    EXPECT_TRUE(session.closeEverything());
-    reader->suspendRegistry(false);
-    EXPECT_TRUE(item());
-}
-
 TEST(ScreenReaderBus, IsNotStartedByTheAgent)
 {
     Session session;
     ASSERT_TRUE(session.start());
     ASSERT_TRUE(session.settle());
     ScreenReader reader(session.desktop);
-    ASSERT_TRUE(reader.canHaveBus()) << "nobody could start it";
-    EXPECT_FALSE(waitUntil([&] { return reader.hasBus(); }, 2s));
+    EXPECT_FALSE(reader.hasBus());
 }
 
 } // namespace

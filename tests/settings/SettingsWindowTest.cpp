@@ -48,7 +48,7 @@ protected:
 
     QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("settings.plist"));
-    const PreferencesFile file{folder.path(), path};
+    const PreferencesFile file{path};
     int told = 0;
     bool canBeTold = true;
 

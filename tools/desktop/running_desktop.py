@@ -45,10 +45,6 @@ class RunningDesktop:
             of_desktop["DBUS_SESSION_BUS_ADDRESS"] = self._beside.environment()["DBUS_SESSION_BUS_ADDRESS"]
         return own | of_desktop
 
-    def agents_environment(self):
-        """That of the agent, and of whoever is to find it."""
-        return self.environment()
-
     def start(self, command, **options):
         """Starts a program in this desktop (subprocess.Popen), to be ended by end() or by close()."""
         options = {"stdin": subprocess.DEVNULL, "stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL} | options
@@ -65,10 +61,10 @@ class RunningDesktop:
         return os.path.join(self._work, "home", name)
 
     def has_name(self, name):
-        """Whether that name is on the agent's bus."""
+        """Whether that name is on the bus."""
         question = ["dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus",
                     "org.freedesktop.DBus.NameHasOwner", "string:" + name]
-        answer = subprocess.run(question, env=self.agents_environment(), capture_output=True, text=True, check=False)
+        answer = subprocess.run(question, env=self.environment(), capture_output=True, text=True, check=False)
         return "boolean true" in answer.stdout
 
     def close(self):

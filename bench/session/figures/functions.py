@@ -10,7 +10,7 @@ _RATIO = re.compile(r"^(\w+) +(\w+) +([\d.]+) +([\d.]+) +([\d.]+)(?: +([\d.]+))?
 
 _SUBMENU = re.compile(r"^resolutionSubmenu/(\d+) +([\d.]+) ms", re.M)
 
-_RATIOS = {"bench_base64": "Base64", "bench_feed": "Feed of 1,000 messages"}
+_RATIOS = {"bench_base64": "Base64", "bench_feed": "Feed of 10,000 messages"}
 _MAX_MODES_TIME = 5  # ms for 600 modes
 
 _MESSAGE = re.compile(r"^(\w+) +[\d.]+ ms +([\d.]+) ms", re.M)

@@ -10,9 +10,8 @@
 
 /// Opens the agent to screen readers while there are any, and closes it again. Whether there are is what org.a11y.Bus
 /// on the session bus says (AT-SPI's interface org.a11y.Status), and is asked anew whenever that comes, changes its
-/// mind, or the session bus itself comes back. Nothing is started by asking, and nobody waits for an answer; but to
-/// be let in to the accessibility bus takes 500 ms at the most, and Qt waits, once, for the registry there: for up to
-/// 25 s, had it not answered a question right before. AT_SPI_BUS_ADDRESS and QT_LINUX_ACCESSIBILITY_ALWAYS_ON
+/// mind, or the session bus itself comes back. Nothing is started by asking, and nobody waits for an answer; only to
+/// be let in to the accessibility bus takes 500 ms at the most. AT_SPI_BUS_ADDRESS and QT_LINUX_ACCESSIBILITY_ALWAYS_ON
 /// mean what they mean to Qt. Main thread only.
 class AccessibilityBus final : public QObject
 {

@@ -98,12 +98,9 @@ QRect AccessibleItem::rect() const
 QAccessible::State AccessibleItem::state() const
 {
     QAccessible::State state;
-    state.invisible = !item().frame(); // Its host, if it has one, shows it to readers as its own.
     state.disabled = !item().isEnabled();
     state.focusable = true;
     state.focused = m_focused;
-    // Right below the application the item is its own window, and readers say nothing of what is in an inactive one.
-    state.active = m_focused;
     state.hasPopup = true;
     return state;
 }

@@ -78,16 +78,13 @@ QDBusConnection SessionBus::connection() const
 
 QDBusConnection SessionBus::connectOnceMore() const
 {
-    if (!isConnected() || probeBus(m_address).state != BusState::Answers) {
+    if (!isConnected()) {
         return noConnection();
     }
-    const QString name = freshConnectionName();
-    QDBusConnection connection = QDBusConnection::connectToBus(m_address, name);
-    if (!connection.isConnected()) {
-        QDBusConnection::disconnectFromBus(name);
-        return noConnection();
+    QDBusConnection connection = QDBusConnection::connectToBus(m_address, freshConnectionName());
+    if (connection.isConnected()) {
+        readWithoutLimit(connection);
     }
-    readWithoutLimit(connection);
     return connection;
 }
 

@@ -63,7 +63,6 @@ DesktopFollower::DesktopFollower(DesktopLook::Part part, SessionBus &bus, QObjec
 void DesktopFollower::update()
 {
     const XSettings settings = XSettingsWatch::settings();
-    m_scale.follow(settings);
     updateColours(settings);
     if (m_part == DesktopLook::Part::ColoursAndFonts) {
         updateFont(settings.text("Gtk/FontName"));

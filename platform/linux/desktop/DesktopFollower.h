@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/linux/desktop/ColourSchemePortal.h"
-#include "platform/linux/desktop/DesktopScale.h"
 #include "platform/linux/desktop/XSettingsWatch.h"
 #include "platform/screen/DesktopLook.h"
 
@@ -10,8 +9,7 @@
 
 #include <optional>
 
-/// Gives the application the colours, the font and the scale that the desktop has, whenever they change. Main thread
-/// only.
+/// Gives the application the colours and the font that the desktop has, whenever they change. Main thread only.
 class DesktopFollower final : public QObject
 {
     Q_OBJECT
@@ -29,6 +27,5 @@ private:
     QByteArray m_fontName;
     bool m_isDark = false;
     XSettingsWatch m_settings;
-    DesktopScale m_scale;
     ColourSchemePortal m_portal;
 };

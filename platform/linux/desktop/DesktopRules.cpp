@@ -1,8 +1,5 @@
 #include "platform/linux/desktop/DesktopRules.h"
 
-#include <algorithm>
-#include <cmath>
-
 namespace
 {
 
@@ -15,26 +12,6 @@ double dpiOf(const XSettings &settings, const char *name)
 {
     const std::int32_t value = settings.number(name).value_or(0);
     return value > 0 ? value / dpiUnit : 0;
-}
-
-/// Qt counts whole dots.
-double wholeDots(const XSettings &settings)
-{
-    return std::floor(dpiOf(settings, "Xft/DPI"));
-}
-
-/// What the scale of windows has to be multiplied by beyond what the dots per inch make of it, for the desktop's whole
-/// scale (Gdk/WindowScalingFactor): 1 where that is not set or is no scale.
-double scaleBeyondDpi(const XSettings &settings, double known)
-{
-    const int scale = settings.number("Gdk/WindowScalingFactor").value_or(1);
-    if (scale <= 1 || scale > maxScale) {
-        return 1;
-    }
-    // Some desktops multiply Xft/DPI by the scale as well, for those who do not know it, and say what it was before.
-    const double unscaled = dpiOf(settings, "Gdk/UnscaledDPI");
-    const double beyond = scale * (unscaled > 0 ? unscaled : known) / known;
-    return beyond >= 1 && beyond <= maxScale ? beyond : 1;
 }
 
 } // namespace
@@ -60,17 +37,16 @@ bool isDesktopDark(ColourScheme portal, const XSettings &settings)
            settings.number("Gtk/ApplicationPreferDarkTheme").value_or(0) == 1;
 }
 
-bool saysDotsPerInch(const XSettings &settings)
+double scaleBeyondDpi(const XSettings &settings, double resourceDpi)
 {
-    return wholeDots(settings) > 0;
-}
-
-double desktopScale(const XSettings &settings, double resourceDpi)
-{
-    const double set = wholeDots(settings);
-    const double resource = std::round(resourceDpi);
-    const double known = set > 0 ? set : (resource > 0 ? resource : standardDpi);
-    // Text of fewer dots is smaller, and nothing else.
-    const double scale = std::max(known / standardDpi, 1.0) * scaleBeyondDpi(settings, known);
-    return std::min<double>(scale, maxScale);
+    const int scale = settings.number("Gdk/WindowScalingFactor").value_or(1);
+    if (scale <= 1 || scale > maxScale) {
+        return 1;
+    }
+    // Some desktops multiply Xft/DPI by the scale as well, for those who do not know it, and say what it was before.
+    const double set = dpiOf(settings, "Xft/DPI");
+    const double known = set > 0 ? set : (resourceDpi > 0 ? resourceDpi : standardDpi);
+    const double unscaled = dpiOf(settings, "Gdk/UnscaledDPI");
+    const double beyond = scale * (unscaled > 0 ? unscaled : known) / known;
+    return beyond >= 1 && beyond <= maxScale ? beyond : 1;
 }

@@ -16,10 +16,7 @@ enum class ColourScheme : std::uint32_t { NoPreference = 0, Dark = 1, Light = 2 
 /// applications shall prefer its dark side.
 [[nodiscard]] bool isDesktopDark(ColourScheme portal, const XSettings &settings);
 
-/// Whether the settings say how many dots an inch has (Xft/DPI). Where they do, the X resources do not count.
-[[nodiscard]] bool saysDotsPerInch(const XSettings &settings);
-
-/// The scale of the desktop's windows, from 1 to 8: what the dots per inch make of it, 96 being 1, times the whole
-/// scale (Gdk/WindowScalingFactor, from 1 to 8) as far as these do not have it in them. `resourceDpi` is the value of
-/// Xft.dpi in the X resources, 0 when it is not set.
-[[nodiscard]] double desktopScale(const XSettings &settings, double resourceDpi);
+/// What the scale of windows has to be multiplied by beyond what Qt makes of the dots per inch, for the desktop's whole
+/// scale (Gdk/WindowScalingFactor), which Qt does not know: 1 where that is not set or is no scale, from 1 to 8.
+/// `resourceDpi` is the value of Xft.dpi in the X resources, 0 when it is not set; it counts where no setting does.
+[[nodiscard]] double scaleBeyondDpi(const XSettings &settings, double resourceDpi);

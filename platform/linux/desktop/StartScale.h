@@ -1,22 +1,23 @@
 #pragma once
 
+#include <QByteArray>
+
 #include <xcb/xcb.h>
 
-#include <optional>
-
-/// The scale that windows have when the application object is made. Main thread only.
+/// Has Qt know the desktop's whole scale (Gdk/WindowScalingFactor), of which it takes the dots per inch alone. It
+/// counts for as long as the application object lives: Qt has no way to be told of another. Main thread only.
 namespace StartScale
 {
 
-/// Before the application object is made: has Qt begin with the scale of the desktop's windows, and look for one on
-/// each of its screens from then on (DesktopScale). What the user has said to Qt of scales (QT_SCALE_FACTOR and its
-/// like) stays, and then nothing is announced. `x` may be any connection, `screen` the number of its screen.
+/// Before the application object is made. A choice of the user's (QT_SCALE_FACTOR) stays. `x` may be any connection,
+/// `screen` the number of its screen.
 void announce(xcb_connection_t *x, int screen);
 
-/// What was announced; nothing when nothing was.
-[[nodiscard]] std::optional<double> announced();
-
-/// Behind it, so that programs that are started from here do not have it for a choice of the user's.
+/// Behind it, so that programs that are started from here do not have it twice.
 void withdraw();
 
 } // namespace StartScale
+
+/// The value of Xft.dpi in the X resources, as xrdb has put them into a property; 0 when it is not there or no positive
+/// number. Reentrant.
+[[nodiscard]] double xftDpi(const QByteArray &resources);

@@ -32,8 +32,7 @@ public:
     [[nodiscard]] QDBusConnection connection() const;
 
     /// One more connection to the same bus, for an object whose end others notice by the end of its connection; one
-    /// that is not connected when there is no bus, or it has no room or does not answer within 500 ms. The caller ends
-    /// it, by QDBusConnection::disconnectFromBus.
+    /// that is not connected when there is no bus. The caller ends it, by QDBusConnection::disconnectFromBus.
     [[nodiscard]] QDBusConnection connectOnceMore() const;
 
     /// The process behind a bus name, unique or well-known; 0 for an unowned name, none when there is no bus or it does

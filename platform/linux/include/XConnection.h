@@ -30,10 +30,6 @@ namespace XConnection
 /// "_NET_SYSTEM_TRAY_S" and the screen's number: the selection whose owner is the tray.
 [[nodiscard]] QByteArray traySelection();
 
-/// Has the server tell this program of these events of the root window (XCB_EVENT_MASK_...), or no longer. Of the
-/// others it tells as before: they are what Qt and the rest of this program have asked for. Whether that is a change.
-bool hearOfRoot(std::uint32_t events, bool heard);
-
 /// Set in the type of an event that a client has sent, which the server passes on.
 inline constexpr std::uint8_t sentBit = 0x80;
 

@@ -10,14 +10,10 @@
 #include <QDBusVariant>
 
 #include <algorithm>
-#include <chrono>
 
 NotifierHostWatch::NotifierHostWatch(SessionBus &bus)
     : m_bus(bus)
 {
-    m_retry.setSingleShot(true);
-    m_retry.setInterval(std::chrono::seconds(5));
-    connect(&m_retry, &QTimer::timeout, this, &NotifierHostWatch::ask);
     connect(&m_bus, &SessionBus::connected, this, &NotifierHostWatch::watchBus);
     connect(&m_bus, &SessionBus::disconnected, this, &NotifierHostWatch::leaveBus);
     watchBus();
@@ -54,7 +50,6 @@ void NotifierHostWatch::follow(const QString &owner)
     hearOfHosts(false);
     m_owner = owner;
     hearOfHosts(true);
-    m_retry.stop();
     m_question.reset();
     if (m_owner.isEmpty()) {
         qCDebug(itemLog, "there is no StatusNotifierItem watcher");
@@ -83,15 +78,8 @@ void NotifierHostWatch::hearOfHosts(bool hear)
     }
 }
 
-void NotifierHostWatch::askAgainLater()
-{
-    m_watcher.clear();
-    m_retry.start();
-}
-
 void NotifierHostWatch::ask()
 {
-    m_retry.stop();
     QDBusMessage question = QDBusMessage::createMethodCall(
         m_owner, notifierWatcherPath(), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     question.setAutoStartService(false);
@@ -104,9 +92,6 @@ void NotifierHostWatch::hearAnswer()
 {
     const QDBusPendingReply<QDBusVariant> answer = *m_question;
     m_question.release()->deleteLater();
-    if (answer.isError() && isUnanswered(answer.error().type())) {
-        m_retry.start(); // A bus that stalls may go on one day.
-    }
     const bool hasHost = answer.isValid() && answer.value().variant().toBool();
     const bool counts = hasHost && isForThisDisplay();
     qCDebug(itemLog, "the StatusNotifierItem watcher %s %s", qPrintable(m_owner),

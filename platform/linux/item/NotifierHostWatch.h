@@ -4,7 +4,6 @@
 
 #include <QObject>
 #include <QString>
-#include <QTimer>
 
 #include <memory>
 
@@ -13,8 +12,8 @@ class QDBusServiceWatcher;
 
 /// Watches whether StatusNotifierItems are shown on this display. They are when the session bus has a watcher, the
 /// watcher has a host, and one of the two belongs to this display: two sessions of a user may share a bus, and the item
-/// must not appear in the panel of the other session. Hears of every change from the bus, and polls only where that has
-/// stalled. Main thread only.
+/// must not appear in the panel of the other session. Hears of every change from the bus, and never polls. Main thread
+/// only.
 class NotifierHostWatch final : public QObject
 {
     Q_OBJECT
@@ -28,10 +27,6 @@ public:
     [[nodiscard]] const QString &watcher() const noexcept { return m_watcher; }
     /// Whether a watcher has been found that has not said yet whether it has a host. changed() follows its answer.
     [[nodiscard]] bool isAsking() const noexcept { return m_question != nullptr; }
-
-    /// The watcher counts as none, until it has been asked again in 5 s: nothing more can be told it for now. changed()
-    /// follows then.
-    void askAgainLater();
 
 Q_SIGNALS:
     /// The watcher has changed, from one owner to the next included; or it has answered, whatever the answer. From the
@@ -51,7 +46,6 @@ private:
 
     SessionBus &m_bus;
     std::unique_ptr<QDBusServiceWatcher> m_busWatcher;
-    QTimer m_retry;
     QString m_owner;   ///< Of the watcher's name, whatever it has to say.
     QString m_watcher; ///< The same if it counts.
     std::unique_ptr<QDBusPendingCallWatcher> m_question;

@@ -22,9 +22,8 @@ bool hasGone(QDBusError::ErrorType error)
 }
 } // namespace
 
-NotifierRegistration::NotifierRegistration(const QDBusConnection &connection, const QString &watcher,
-                                           StatusNotifierItem &item)
-    : m_connection(connection)
+NotifierRegistration::NotifierRegistration(const SessionBus &bus, const QString &watcher, StatusNotifierItem &item)
+    : m_connection(bus.connectOnceMore())
 {
     m_connection.registerObject(itemPath, &item, QDBusConnection::ExportAdaptors);
     if (BusMenu *menu = item.busMenu()) {

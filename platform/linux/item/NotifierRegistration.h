@@ -5,6 +5,7 @@
 #include <memory>
 
 class QDBusPendingCallWatcher;
+class SessionBus;
 class StatusNotifierItem;
 
 /// An item's presence with one StatusNotifierItem host, for as long as this lives: a bus connection of its own, which
@@ -13,9 +14,8 @@ class StatusNotifierItem;
 class NotifierRegistration final
 {
 public:
-    /// `connection` is nobody else's, and ended with this. `watcher` is the unique name of the watcher on its bus.
-    /// `item` is served, with its menu, and must outlive this.
-    NotifierRegistration(const QDBusConnection &connection, const QString &watcher, StatusNotifierItem &item);
+    /// `watcher` is the unique name of the watcher on `bus`. `item` is served, with its menu, and must outlive this.
+    NotifierRegistration(const SessionBus &bus, const QString &watcher, StatusNotifierItem &item);
     ~NotifierRegistration();
     NotifierRegistration(const NotifierRegistration &) = delete;
     NotifierRegistration &operator=(const NotifierRegistration &) = delete;

@@ -11,9 +11,7 @@
 #include "platform/linux/item/StatusNotifierItem.h"
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
-#include "platform/linux/item/TrayProtocol.h"
 #include "platform/linux/item/menu/MenuRequests.h"
-#include "platform/linux/item/menu/PressedPlace.h"
 #include "platform/linux/item/strip/Strip.h"
 
 #include <QEvent>
@@ -28,11 +26,28 @@
 
 namespace
 {
+constexpr double sideInPoints = 22;
+
 int deviceSide(const ScreenCoordinates &screen)
 {
-    constexpr double sideInPoints = 22;
     return static_cast<int>(std::lround(sideInPoints * screen.ratio));
 }
+
+const char *description(StatusItemForm form)
+{
+    switch (form) {
+    case StatusItemForm::None:
+        return "nowhere";
+    case StatusItemForm::Tray:
+        return "in the tray";
+    case StatusItemForm::Notifier:
+        return "with the StatusNotifierItem host";
+    case StatusItemForm::Strip:
+        return "by itself at the top of the screen";
+    }
+    return "";
+}
+
 } // namespace
 
 class StatusItem::Private final : public QObject
@@ -65,7 +80,6 @@ private:
     void handleLoss();
     void standIn();
     void makeStripAgain();
-    void askForSize();
     void handlePress(std::optional<QPoint> place);
     void handleKey();
     void tellOfFocus(bool focused) { AccessibleItem::tellOfFocus(*m_owner, focused); }
@@ -79,12 +93,10 @@ private:
     StatusItemForm m_form = StatusItemForm::None;
     std::unique_ptr<TrayIconWindow> m_docked; ///< In the form Tray.
     std::unique_ptr<Strip> m_strip;           ///< In the form Strip, and in the form Tray while the tray does nothing.
-    bool m_standsIn = false;                  ///< The tray does nothing, be there a strip or no screen for one.
     xcb_window_t m_tray = XCB_NONE;           ///< The one that `m_docked` was made for.
     QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
     std::unique_ptr<StatusNotifierItem> m_notifierItem;
     std::unique_ptr<NotifierRegistration> m_registration;
-    std::optional<PressedPlace> m_lastPress; ///< With that registration.
     QTimer m_settling;
     QTimer m_dockTimeout;
 };
@@ -109,10 +121,6 @@ StatusItem::Private::Private(StatusItem *owner)
     qGuiApp->installEventFilter(this);
     connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::makeStripAgain);
     connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
-    if (const QScreen *const screen = QGuiApplication::primaryScreen()) {
-        connect(screen, &QScreen::geometryChanged, this, &Private::askForSize);
-        connect(screen, &QScreen::logicalDotsPerInchChanged, this, &Private::askForSize);
-    }
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
 }
@@ -129,30 +137,24 @@ void StatusItem::Private::update(Settling settling)
     }
     if (form != m_form || (form == StatusItemForm::Tray && m_tray != m_trays.tray()) ||
         (form == StatusItemForm::Notifier && m_watcher != m_notifiers.watcher())) {
-        qCDebug(itemLog, "the item is %s: there is %s", description(form), description(hosts).constData());
+        qCDebug(itemLog, "the item is %s: there is %s tray and %s StatusNotifierItem host", description(form),
+                hosts.trayIsProxy ? "a proxy for a"
+                : hosts.tray      ? "a"
+                                  : "no",
+                hosts.notifier ? "a" : "no");
         setForm(form);
     }
 }
 
 void StatusItem::Private::setForm(StatusItemForm form)
 {
-    const bool isForHost = form == StatusItemForm::Notifier;
-    const QDBusConnection forItem = isForHost ? SessionBus::instance().connectOnceMore() : QDBusConnection(QString());
-    if (isForHost && !forItem.isConnected()) {
-        qCDebug(itemLog, "the session bus takes no connection for the item: it is tried again");
-        m_notifiers.askAgainLater();
-        update(Settling::Over);
-        return;
-    }
     tellOfFocus(false);
     // The old form goes first: the item is never seen twice.
     m_dockTimeout.stop();
-    m_standsIn = false;
     m_strip.reset();
     m_docked.reset();
     m_registration.reset();
     m_notifierItem.reset();
-    m_lastPress.reset();
     m_form = form;
     m_tray = XCB_NONE;
     m_watcher.clear();
@@ -166,11 +168,8 @@ void StatusItem::Private::setForm(StatusItemForm form)
     case StatusItemForm::Notifier:
         m_watcher = m_notifiers.watcher();
         m_notifierItem = std::make_unique<StatusNotifierItem>(m_menu);
-        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, [this](std::optional<QPoint> place) {
-            m_lastPress = place ? std::optional(PressedPlace{*place, presentScreens()}) : m_lastPress;
-            handlePress(place);
-        });
-        m_registration = std::make_unique<NotifierRegistration>(forItem, m_watcher, *m_notifierItem);
+        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, &Private::handlePress);
+        m_registration = std::make_unique<NotifierRegistration>(SessionBus::instance(), m_watcher, *m_notifierItem);
         break;
     case StatusItemForm::Strip:
         standAlone();
@@ -188,7 +187,6 @@ void StatusItem::Private::dock()
         connect(m_docked.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
         connect(m_docked.get(), &TrayIconWindow::docked, this, [this] {
             m_dockTimeout.stop();
-            m_standsIn = false;
             m_strip.reset();
         });
     }
@@ -230,7 +228,6 @@ void StatusItem::Private::handleLoss()
 void StatusItem::Private::standIn()
 {
     qCDebug(itemLog, "the tray does not take the item in: it waits at the top of the screen");
-    m_standsIn = true;
     standAlone();
     apply();
 }
@@ -240,16 +237,6 @@ void StatusItem::Private::makeStripAgain()
 {
     if (m_form == StatusItemForm::Strip && !m_strip) {
         setForm(StatusItemForm::Strip);
-    } else if (m_standsIn && !m_strip) {
-        standIn();
-    }
-}
-
-void StatusItem::Private::askForSize()
-{
-    if (m_docked) { // The desktop may have another scale by now.
-        const int side = deviceSide(screenCoordinates());
-        TrayProtocol::askForSize(m_docked->id(), {side, side});
     }
 }
 
@@ -285,11 +272,11 @@ void StatusItem::Private::handlePress(std::optional<QPoint> place)
     }
 }
 
-/// As if the item itself had been pressed, wherever the mouse is: where the item is, or was when it was pressed last.
+/// As if the item itself had been pressed, wherever the mouse is.
 void StatusItem::Private::handleKey()
 {
     const std::optional<QRect> place = window() ? window()->place() : std::nullopt;
-    handlePress(place ? std::optional(place->topLeft()) : placeSincePress(m_lastPress, presentScreens()));
+    handlePress(place ? std::optional(place->topLeft()) : std::nullopt);
 }
 
 StatusItem::StatusItem(QObject *parent)

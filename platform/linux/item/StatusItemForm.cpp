@@ -37,24 +37,3 @@ StatusItemForm pickForm(StatusItemHosts hosts, StatusItemForm present, Settling 
     }
     return isPossible(present, hosts) ? present : StatusItemForm::None;
 }
-
-const char *description(StatusItemForm form)
-{
-    switch (form) {
-    case StatusItemForm::None:
-        return "nowhere";
-    case StatusItemForm::Tray:
-        return "in the tray";
-    case StatusItemForm::Notifier:
-        return "with the StatusNotifierItem host";
-    case StatusItemForm::Strip:
-        return "by itself at the top of the screen";
-    }
-    return "";
-}
-
-QByteArray description(StatusItemHosts hosts)
-{
-    const char *const tray = hosts.trayIsProxy ? "a proxy for a" : hosts.tray ? "a" : "no";
-    return QByteArray(tray) + " tray and " + (hosts.notifier ? "a" : "no") + " StatusNotifierItem host";
-}

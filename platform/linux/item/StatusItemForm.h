@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QByteArray>
-
 /// Where a status item is drawn. One at a time.
 enum class StatusItemForm {
     None,     ///< Nowhere: not yet placed, or its host has just gone and may come back.
@@ -29,8 +27,3 @@ enum class Settling { Underway, Over };
 /// flicker, and a panel that speaks both protocols may announce its bus name first. Until then the present form stays,
 /// as long as its host is there.
 [[nodiscard]] StatusItemForm pickForm(StatusItemHosts hosts, StatusItemForm present, Settling settling);
-
-/// For a line of the log: "the item is ...".
-[[nodiscard]] const char *description(StatusItemForm form);
-/// For that line: "there is ...".
-[[nodiscard]] QByteArray description(StatusItemHosts hosts);

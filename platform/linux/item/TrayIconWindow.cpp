@@ -136,11 +136,12 @@ void TrayIconWindow::setLook(const StatusItemLook &look)
 
 void TrayIconWindow::moveTo(const QRect &place)
 {
-    const std::array<std::uint32_t, 4> values = {
+    const std::array<std::uint32_t, 5> values = {
         static_cast<std::uint32_t>(place.x()), static_cast<std::uint32_t>(place.y()),
-        static_cast<std::uint32_t>(place.width()), static_cast<std::uint32_t>(place.height())};
+        static_cast<std::uint32_t>(place.width()), static_cast<std::uint32_t>(place.height()), XCB_STACK_MODE_ABOVE};
     xcb_configure_window(XConnection::get(), m_window,
-                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT | XCB_CONFIG_WINDOW_STACK_MODE,
                          values.data());
     xcb_flush(XConnection::get());
 }

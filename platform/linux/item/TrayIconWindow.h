@@ -31,7 +31,7 @@ public:
     ~TrayIconWindow() override;
 
     void setLook(const StatusItemLook &look);
-    /// Moves a window that stands alone; what covers it, a screen locker say, goes on covering it.
+    /// Moves a window that stands alone.
     void moveTo(const QRect &place);
     /// A press of a button on it. Only a docked one hears of them by itself.
     void takePress(const xcb_button_press_event_t &press);

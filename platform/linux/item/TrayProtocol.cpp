@@ -48,29 +48,21 @@ std::optional<XVisual> visualOf(xcb_window_t tray)
     return findVisual(screen, id);
 }
 
-void askForSize(xcb_window_t window, QSize size)
-{
-    // Trays made with a toolkit ask for the least size and take a window without one for a single pixel.
-    std::array<std::uint32_t, 18> hints = {};
-    constexpr std::uint32_t hasMinimumSize = 1U << 4U;
-    hints[0] = hasMinimumSize;
-    hints[5] = static_cast<std::uint32_t>(size.width());
-    hints[6] = static_cast<std::uint32_t>(size.height());
-    xcb_connection_t *x = XConnection::get();
-    const xcb_void_cookie_t cookie =
-        xcb_change_property_checked(x, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS,
-                                    32, hints.size(), hints.data());
-    xcb_discard_reply(x, cookie.sequence);
-    xcb_flush(x);
-}
-
 void requestDock(xcb_window_t tray, xcb_window_t window, QSize size)
 {
     xcb_connection_t *x = XConnection::get();
     const std::array<std::uint32_t, 2> info = {xembedVersion, xembedMapped};
     const xcb_atom_t infoAtom = XConnection::atom("_XEMBED_INFO");
     xcb_change_property(x, XCB_PROP_MODE_REPLACE, window, infoAtom, infoAtom, 32, info.size(), info.data());
-    askForSize(window, size);
+
+    // Trays made with a toolkit ask for the least size and take a window without one for a single pixel.
+    std::array<std::uint32_t, 18> hints = {};
+    constexpr std::uint32_t hasMinimumSize = 1U << 4U;
+    hints[0] = hasMinimumSize;
+    hints[5] = static_cast<std::uint32_t>(size.width());
+    hints[6] = static_cast<std::uint32_t>(size.height());
+    xcb_change_property(x, XCB_PROP_MODE_REPLACE, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 32,
+                        hints.size(), hints.data());
 
     xcb_client_message_event_t request = {};
     request.response_type = XCB_CLIENT_MESSAGE;

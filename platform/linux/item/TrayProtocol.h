@@ -15,9 +15,6 @@ namespace TrayProtocol
 /// that cannot be painted.
 [[nodiscard]] std::optional<XVisual> visualOf(xcb_window_t tray);
 
-/// Says that the window is to be no smaller than `size` (device pixels). Trays may not care.
-void askForSize(xcb_window_t window, QSize size);
-
 /// Asks the tray to embed `window` and show it, no smaller than `size` (device pixels). A tray that does so gives the
 /// window another parent; there is no other answer.
 void requestDock(xcb_window_t tray, xcb_window_t window, QSize size);

@@ -38,13 +38,6 @@ HiddenWindow::~HiddenWindow()
     }
 }
 
-void HiddenWindow::sendBytesHere(const std::array<char, 32> &bytes) const
-{
-    // It may just have been destroyed, too.
-    xcb_connection_t *x = XConnection::get();
-    xcb_discard_reply(x, xcb_send_event_checked(x, false, m_window, XCB_EVENT_MASK_NO_EVENT, bytes.data()).sequence);
-}
-
 bool HiddenWindow::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
     const auto *event = static_cast<const xcb_generic_event_t *>(message);

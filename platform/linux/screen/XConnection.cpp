@@ -81,22 +81,4 @@ QByteArray traySelection()
     return "_NET_SYSTEM_TRAY_S" + QByteArray::number(screenNumber());
 }
 
-bool hearOfRoot(std::uint32_t events, bool heard)
-{
-    xcb_connection_t *x = get();
-    const xcb_window_t root = screen()->root;
-    const auto cookie = xcb_get_window_attributes(x, root);
-    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(x, cookie, nullptr));
-    if (!attributes) {
-        return false;
-    }
-    const std::uint32_t mask = (attributes->your_event_mask & ~events) | (heard ? events : 0U);
-    if (mask == attributes->your_event_mask) {
-        return false;
-    }
-    xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &mask);
-    xcb_flush(x);
-    return true;
-}
-
 } // namespace XConnection

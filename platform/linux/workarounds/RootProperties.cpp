@@ -13,7 +13,6 @@ namespace
 {
 constexpr char supported[] = "_NET_SUPPORTED";
 constexpr char workArea[] = "_NET_WORKAREA";
-constexpr char resources[] = "RESOURCE_MANAGER";
 
 QPointer<RootProperties> theInstance;
 
@@ -47,7 +46,7 @@ void RootProperties::hear(QObject *listener)
         return; // They are heard all the time.
     }
     ++theInstance->m_listeners;
-    theInstance->setHeard(true);
+    setHeard(true);
     connect(listener, &QObject::destroyed, theInstance, [instance = theInstance.data()] {
         --instance->m_listeners;
         instance->update();
@@ -56,11 +55,7 @@ void RootProperties::hear(QObject *listener)
 
 RootProperties::RootProperties(QObject *parent)
     : QObject(parent)
-    // What was sent to the window that was destroyed may never come.
-    , m_window([this] {
-        m_underWay = 0;
-        catchUpAnew();
-    })
+    , m_window([this] { catchUpAgain(); })
 {
     parent->installEventFilter(this);
     QCoreApplication::instance()->installNativeEventFilter(this);
@@ -84,28 +79,26 @@ bool RootProperties::eventFilter(QObject *watched, QEvent *event)
 void RootProperties::catchUp()
 {
     setHeard(true);
-    ++m_underWay;
-    // Qt reads them again when it hears that they have changed, and has no other way to be told.
-    send(supported);
-    send(workArea);
-    xcb_flush(XConnection::get());
-}
-
-void RootProperties::catchUpAnew()
-{
-    if (theInstance && !theInstance->m_waiting.empty()) {
-        theInstance->catchUp();
+    // Qt reads them again when it hears that they have changed, and has no other way to be told. An event for no mask
+    // goes to whoever made the window: nobody else hears these.
+    xcb_connection_t *x = XConnection::get();
+    for (const char *property : {supported, workArea}) {
+        xcb_property_notify_event_t notify = {};
+        notify.response_type = XCB_PROPERTY_NOTIFY;
+        notify.window = XConnection::screen()->root;
+        notify.atom = XConnection::atom(property);
+        notify.state = XCB_PROPERTY_NEW_VALUE;
+        xcb_send_event(x, false, m_window.id(), XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&notify));
     }
+    xcb_flush(x);
 }
 
-void RootProperties::send(const char *property) const
+void RootProperties::catchUpAgain()
 {
-    xcb_property_notify_event_t notify = {};
-    notify.response_type = XCB_PROPERTY_NOTIFY;
-    notify.window = XConnection::screen()->root;
-    notify.atom = XConnection::atom(property);
-    notify.state = XCB_PROPERTY_NEW_VALUE;
-    m_window.sendHere(notify);
+    // What was sent to the window that was destroyed may never come.
+    if (!m_waiting.empty()) {
+        catchUp();
+    }
 }
 
 bool RootProperties::nativeEventFilter(const QByteArray &, void *message, qintptr *)
@@ -113,8 +106,7 @@ bool RootProperties::nativeEventFilter(const QByteArray &, void *message, qintpt
     const auto *event = static_cast<const xcb_property_notify_event_t *>(message);
     const bool isSent = event->response_type == (XCB_PROPERTY_NOTIFY | XConnection::sentBit);
     if (isSent && event->atom == XConnection::atom(workArea)) {
-        m_underWay = std::max(m_underWay - 1, 0);
-        // The last of them; and after Qt, which sees it only when the filters have let it pass.
+        // The last of the two; and after Qt, which sees it only when the filters have let it pass.
         QMetaObject::invokeMethod(this, &RootProperties::proceed, Qt::QueuedConnection);
     }
     return false;
@@ -122,9 +114,6 @@ bool RootProperties::nativeEventFilter(const QByteArray &, void *message, qintpt
 
 void RootProperties::proceed()
 {
-    if (m_underWay > 0) {
-        return;
-    }
     // One by one from the event loop: the first may run a loop of its own, in which the next has its turn.
     for (Waiting &each : std::exchange(m_waiting, {})) {
         if (each.context) {
@@ -139,10 +128,21 @@ void RootProperties::update()
     setHeard(isAnythingShown() || !m_waiting.empty() || m_listeners > 0);
 }
 
-void RootProperties::setHeard(bool heard) const
+void RootProperties::setHeard(bool heard)
 {
-    if (XConnection::hearOfRoot(XCB_EVENT_MASK_PROPERTY_CHANGE, heard) && heard) {
-        send(resources);
-        xcb_flush(XConnection::get());
+    xcb_connection_t *x = XConnection::get();
+    const xcb_window_t root = XConnection::screen()->root;
+    const auto cookie = xcb_get_window_attributes(x, root);
+    const XcbReply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(x, cookie, nullptr));
+    if (!attributes) {
+        return;
+    }
+    // The rest is what Qt has asked for.
+    constexpr std::uint32_t changes = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    const std::uint32_t others = attributes->your_event_mask & ~changes;
+    const std::uint32_t mask = others | (heard ? changes : 0U);
+    if (mask != attributes->your_event_mask) {
+        xcb_change_window_attributes(x, root, XCB_CW_EVENT_MASK, &mask);
+        xcb_flush(x);
     }
 }

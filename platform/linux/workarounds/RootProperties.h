@@ -19,8 +19,7 @@
 /// Still needed? WorkaroundNeed.RootProperties tells.
 ///
 /// So they are heard only while a window of this program is on the screen, or something of its own goes by them; and
-/// what is about to show a window has Qt catch up with them first. Who goes by the X resources hears each time that
-/// they may have changed while nobody listened. Main thread only.
+/// what is about to show a window has Qt catch up with them first. Main thread only.
 class RootProperties final : public QObject, private QAbstractNativeEventFilter
 {
     Q_OBJECT
@@ -31,9 +30,6 @@ public:
 
     /// For what itself hears of them, without a window that is shown: from now on, as long as `listener` lives.
     static void hear(QObject *listener);
-
-    /// For what has had Qt measure its screens anew: what is about to be shown waits for that as well.
-    static void catchUpAnew();
 
     /// For what shows a window: has Qt catch up, and calls `show` from the event loop when it has; not at all when
     /// `context` has gone by then.
@@ -51,13 +47,12 @@ private:
     bool eventFilter(QObject *watched, QEvent *event) override;
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
     void catchUp();
+    void catchUpAgain();
     void proceed();
     void update();
-    void setHeard(bool heard) const;
-    void send(const char *property) const;
+    static void setHeard(bool heard);
 
     HiddenWindow m_window; ///< What this sends to itself goes there.
     std::vector<Waiting> m_waiting;
-    int m_underWay = 0; ///< How often Qt is to catch up.
     int m_listeners = 0;
 };

@@ -1,6 +1,5 @@
 """The page that tells which desktop does what. It is made of a record: of each desktop by name its title, the day, the
-tree that the agent was built of, the versions of its packages, who draws the menu, the answers, what the screen reader
-says, if one runs, and the picture.
+tree that the agent was built of, the versions of its packages, who draws the menu, the answers, and the picture.
 
 An answer is [word, reason]: "yes", "no", or "cannot" where it is the desktop that stands in the way.
 """
@@ -52,8 +51,6 @@ def _section(desktop):
     lines.append(f"Run on {desktop['day']}, of {desktop['tree']}" + (f", with {versions}." if versions else "."))
     if desktop["drawn_by"]:
         lines.append("The menu is drawn by " + " and by ".join(desktop["drawn_by"]) + ".")
-    if desktop.get("said"):
-        lines.append("Orca says " + ", ".join(f"of {what} “{text or ''}”" for what, text in desktop["said"].items()) + ".")
     if desktop["remarks"]:
         lines.append(desktop["remarks"])
     if desktop["picture"]:

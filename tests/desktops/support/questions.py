@@ -8,7 +8,6 @@ from tests.desktops.description import Description
 from tests.desktops.support import rules
 from tests.desktops.support.pictures import changes, save_for_page
 from tests.desktops.support.screen import Screen
-from tests.desktops.support.screen_reader import ScreenReader
 from tests.desktops.support.session import ACTIVE, SHOWN, Session
 from tools.desktop import private_desktop
 
@@ -40,26 +39,20 @@ class AtWork:
         self.item = None
         self.menu = None
         self.drawn_by = set()
-        self.said = {}           # By the screen reader, of what.
 
     def the_item(self):
         """Where it is now, once it is there as it ought to be."""
         faults = [""]
         def found():
             items = self.screen.items()
-            faults[0] = rules.count_fault(items) or self.place_fault(items[0])
+            faults[0] = rules.count_fault(items) or (
+                rules.panel_fault(items[0], self.session.panels()) if self.session.description.panel else "")
             return not faults[0] and items
         items = self.session.wait(found, 30)
         if not items:
             raise Fault(faults[0])
         self.item = items[0]
         return self.item
-
-    def place_fault(self, item):
-        windows = self.session.windows
-        if self.session.description.panel or windows.tray_owner():
-            return rules.panel_fault(item, self.session.panels())
-        return rules.standing_fault(item, windows.standing_items())
 
     def menu_at(self, button):
         menu = self.screen.open_menu(lambda: self.session.click(*self.item.centre, button))
@@ -137,8 +130,7 @@ def choice(work):
 
 
 def keyboard(work):
-    """By kivshowmenu, which a key or a launcher runs, and without the pointer from there on. The item has been pressed
-    before, without which some panels tell nobody where it is."""
+    """By kivshowmenu, which a key or a launcher runs, and without the pointer from there on."""
     work.the_item()
     work.session.point(*work.screen.free_place())
     menu = work.screen.open_menu(work.session.show_menu)
@@ -167,31 +159,6 @@ def alert(work):
     return ""
 
 
-def reader(work):
-    """Orca, with the keyboard alone; the item gets that as a panel gives it."""
-    work.the_item()
-    keys, windows = work.session.keys, work.session.windows
-    acts = [("the item", "Kivune Menu", lambda: windows.give_keyboard_to_item(True)),
-            ("its menu", "popup menu", lambda: [windows.give_keyboard_to_item(False), work.session.show_menu()]),
-            ("the first entry", "Switch Resolution", lambda: keys("Down")),
-            ("the last one", "About", lambda: keys("Up")),
-            ("the alert", "alert", lambda: keys("Return")),
-            ("its button", "button", lambda: None),
-            ("a pop-up", "Good morning", lambda: [keys("Escape"), work.session.tell("hint Good morning")])]
-    orca = ScreenReader(work.session)
-    try:
-        work.session.wait(lambda: "tells a screen reader" in work.session.log("agent"), 20, "what the agent tells readers")
-        for what, words, act in acts:
-            act()
-            work.said[what] = orca.hears(words)
-    finally:
-        orca.close()
-        for place in work.screen.big_windows().values():
-            work.session.click(place.centre[0], place.bottom - 26)
-    unsaid = [what for what, text in work.said.items() if not text]
-    return "Orca says nothing of " + " and ".join(unsaid) if unsaid else ""
-
-
 def flags(work):
     for number in range(ROUNDS):
         work.session.tell("flags 0")
@@ -212,9 +179,7 @@ def restart(work):
 def handover(work):
     """Another panel takes over while the desktop's own is away, and goes when that one is to come back."""
     work.session.kill_panel()
-    # A shell that stays is in front of what stands in the place of its bar.
-    edge = "top" if work.session.description.panel else "bottom"
-    other = work.session.logged("other-panel", private_desktop.panel(work.session.folder(), "right", edge))
+    other = work.session.logged("other-panel", private_desktop.panel(work.session.folder()))
     try:
         if work.session.wait(work.session.windows.tray_owner, 30) is None:
             raise Fault("the other panel gets no tray")
@@ -239,8 +204,7 @@ def pop_up(work):
 
 def corner(work):
     with pop_up(work) as place:
-        windows = work.session.windows
-        return rules.pop_up_fault(place, windows.screen(), work.session.panels(), windows.standing_items())
+        return rules.pop_up_fault(place, work.session.windows.screen(), work.session.panels())
 
 
 def focus(work):
@@ -291,7 +255,6 @@ QUESTIONS = {
     "alert": ("About, and its end by keyboard", alert),
     "corner": ("the pop-up is in its place", corner),
     "focus": ("it takes no keyboard", focus),
-    "reader": ("Orca reads it all", reader),
     "flags": (f"once after {ROUNDS} rounds of flags", flags),
     "second": ("a second session has its own", second),
     "handover": ("another panel takes over, and gives back", handover),

@@ -7,7 +7,6 @@ MAX_MENU_DISTANCE = 40
 POP_UP_MARGIN = 10     # To the screen's right edge.
 POP_UP_TOP = 30        # From its top, unless a panel there is higher.
 MIN_ITEM = 12          # What is smaller cannot be told from its neighbours.
-MAX_ITEM = 64          # What is larger is none.
 MAX_STRETCH = 1.6      # The picture is 22 wide and 20 high.
 
 
@@ -69,21 +68,12 @@ def count_fault(items):
     """The item is there once."""
     if not items:
         return "no item is seen"
-    if max(*items[0][2:]) > MAX_ITEM: # The desktop is still coming up, say.
-        return f"{items[0].width} x {items[0].height} px change with the item"
     return "" if len(items) == 1 else f"the item is seen {len(items)} times"
 
 
 def panel_fault(item, panels):
     """It is in a panel, and not by itself in the corner of the screen."""
     return "" if any(panel.overlaps(item) for panel in panels) else "the item is in no panel"
-
-
-def standing_fault(item, windows):
-    """Without a panel it is in a window that stands by itself; there is no second one."""
-    if len(windows) != 1:
-        return f"{len(windows)} windows of the item's stand by themselves"
-    return "" if around([windows[0], item]) == windows[0] else "what changes with the item is not its window"
 
 
 def size_fault(item, panels):
@@ -105,9 +95,8 @@ def menu_fault(menu, item):
     return "" if distance <= MAX_MENU_DISTANCE else f"the menu opens {distance} px from the item"
 
 
-def pop_up_fault(pop_up, screen, panels, standing=()):
-    """The pop-up stands in the top right corner, below the panel there is, and over none; below the item, too, where
-    that stands by itself over or under the pop-up's place."""
+def pop_up_fault(pop_up, screen, panels):
+    """The pop-up stands in the top right corner, below the panel there is, and over none."""
     for panel in panels:
         if panel.overlaps(pop_up):
             across = min(panel.right, pop_up.right) - max(panel.x, pop_up.x)
@@ -116,6 +105,5 @@ def pop_up_fault(pop_up, screen, panels, standing=()):
     if screen.right - pop_up.right != POP_UP_MARGIN:
         return f"it is {screen.right - pop_up.right} px from the right edge"
     top = max([POP_UP_TOP, *[panel.bottom for panel in panels
-                             if panel.y <= screen.y and panel.width > panel.height],
-               *[item.bottom for item in standing if item.x < pop_up.right and pop_up.x < item.right]])
+                             if panel.y <= screen.y and panel.width > panel.height]])
     return "" if pop_up.y == top else f"it is {pop_up.y} px from the top instead of {top}"

@@ -35,10 +35,6 @@ class Session(RunningDesktop):
                     "XDG_SESSION_TYPE": "x11", "XDG_CONFIG_DIRS": "/etc/xdg"}
         return super().environment() | software | self.description.environment
 
-    def agents_environment(self):
-        own = {"DBUS_SESSION_BUS_ADDRESS": f"unix:path={self.folder('own/bus')}"} if self.description.has_own_bus else {}
-        return self.environment() | own
-
     def folder(self, name=""):
         return pathlib.Path(self._work, name)
 
@@ -62,9 +58,8 @@ class Session(RunningDesktop):
     def panels(self):
         return [*self.windows.panels(), *self.description.bars]
 
-    def run(self, *command, environment=None):
-        return subprocess.run(command, env=environment or self.environment(), capture_output=True, text=True, check=False,
-                              timeout=30)
+    def run(self, *command):
+        return subprocess.run(command, env=self.environment(), capture_output=True, text=True, check=False, timeout=30)
 
     def logged(self, name, command, **options):
         """Starts a program whose output goes into the file of that name."""
@@ -92,7 +87,7 @@ class Session(RunningDesktop):
         self._wait_for_panel()
 
     def _wait_for_panel(self):
-        if self.description.panel or self.description.first_keys:
+        if self.description.panel:
             self.wait(self.panels, 40, "the panel")
             self.still_picture()
         if self.description.first_keys:
@@ -102,15 +97,10 @@ class Session(RunningDesktop):
     def start_agent(self):
         bundle = self.folder("bundle")
         private_desktop.bundle(bundle, self.build, "bin/kivmenua", {"KIVSupportMessages": ""})
-        if self.description.has_own_bus:
-            self.folder("own").mkdir()
-            self._start_announcing(private_desktop.bus(self.folder("own")))
-        of_agent = self.agents_environment()
-        self.agent = self.logged("agent", [bundle / "bin/kivmenua"],
-                                 environment=of_agent | {"QT_LOGGING_RULES": "kiv.*=true"})
+        self.agent = self.logged("agent", [bundle / "bin/kivmenua"], environment={"QT_LOGGING_RULES": "kiv.*=true"})
         self.wait(lambda: self.has_name(f"com.tamborel.kivune.p{self.agent.pid}"), 45, "the agent's link")
         self._service = self.logged("service", [self.build / "sbin/kivservice", "attach", "--pid", str(self.agent.pid)],
-                                    environment=of_agent, stdin=subprocess.PIPE, text=True, bufsize=1)
+                                    stdin=subprocess.PIPE, text=True, bufsize=1)
         self.wait(lambda: "attached" in self.log("service"), 15, "the service's end of the link")
         self.tell(f"flags {SHOWN | ACTIVE}", ALLOWED)
 
@@ -120,7 +110,7 @@ class Session(RunningDesktop):
 
     def show_menu(self):
         """As a launcher does, or a key."""
-        return self.run(self.build / "bin/kivshowmenu", environment=self.agents_environment()).returncode == 0
+        return self.run(self.build / "bin/kivshowmenu").returncode == 0
 
     def keep(self, folder):
         """Copies what all have said to where it outlives the session."""

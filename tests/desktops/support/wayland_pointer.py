@@ -8,7 +8,6 @@ import time
 DISPLAY, REGISTRY, MANAGER, POINTER = 1, 2, 3, 4  # Objects by their number, which the client gives them.
 GET_REGISTRY, BIND, CREATE_POINTER = 1, 0, 0      # Requests by their place in the protocol.
 MOTION_ABSOLUTE, BUTTON, FRAME = 1, 2, 4
-MAX_STEP = 4                                      # In pixels.
 BUTTONS = {1: 0x110, 2: 0x112, 3: 0x111}          # As linux/input-event-codes.h has them.
 INTERFACE = b"zwlr_virtual_pointer_manager_v1\0"
 
@@ -20,7 +19,6 @@ def _now():
 
 class WaylandPointer:
     def __init__(self, path):
-        self._place = None
         self._socket = socket.socket(socket.AF_UNIX)
         self._socket.settimeout(10)
         self._socket.connect(str(path))
@@ -44,16 +42,8 @@ class WaylandPointer:
                     return struct.unpack("=I", event[8:12])[0]
 
     def move(self, x, y, width, height):
-        """In small steps from the last place, as a hand does: Xwayland adds the step by which the pointer has come into
-        a window once more when a button is pressed there while a menu is open, so that a press after a leap misses."""
-        from_x, from_y = self._place or (x, y)
-        steps = max(abs(x - from_x), abs(y - from_y)) // MAX_STEP + 1
-        for step in range(1, steps + 1):
-            self._send(POINTER, MOTION_ABSOLUTE, struct.pack("=IIIII", _now(), from_x + (x - from_x) * step // steps,
-                                                             from_y + (y - from_y) * step // steps, width, height))
-            self._send(POINTER, FRAME)
-            time.sleep(0.005)
-        self._place = x, y
+        self._send(POINTER, MOTION_ABSOLUTE, struct.pack("=IIIII", _now(), x, y, width, height))
+        self._send(POINTER, FRAME)
 
     def press(self, button, is_down):
         self._send(POINTER, BUTTON, struct.pack("=III", _now(), BUTTONS[button], is_down))

@@ -6,7 +6,7 @@ from PIL import Image
 from Xlib import X, Xatom, display, error
 from Xlib.protocol import display as protocol, event
 
-from tests.desktops.support.rules import MAX_ITEM, Box
+from tests.desktops.support.rules import Box
 
 AGENT = "kivmenua"
 
@@ -62,21 +62,6 @@ class Windows:
         screen = self.screen()
         image = self._root.get_image(0, 0, screen.width, screen.height, X.ZPixmap, 0xffffffff)
         return Image.frombytes("RGB", (screen.width, screen.height), image.data, "raw", "BGRX")
-
-    def standing_items(self):
-        """Windows of the agent's that stand by themselves and are no larger than an item."""
-        return [window.place for window in self.seen() if window.is_agents and window.is_top
-                and max(window.place.width, window.place.height) <= MAX_ITEM]
-
-    def give_keyboard_to_item(self, is_given):
-        """As a panel tells an icon in its tray that it has the keyboard, by the XEmbed protocol, or has it no more."""
-        focus_in, focus_out = 4, 5
-        for window in self.seen():
-            if window.is_agents and not window.is_top and max(window.place[2:]) <= MAX_ITEM:
-                icon = self._display.create_resource_object("window", window.number)
-                icon.send_event(event.ClientMessage(window=icon, client_type=self._display.intern_atom("_XEMBED"),
-                                                    data=(32, [X.CurrentTime, focus_in if is_given else focus_out, 0, 0, 0])))
-        self._display.sync()
 
     def focus(self):
         """What has the keyboard: by the server, and by the window manager."""

@@ -67,15 +67,6 @@ Record hint(const char *text)
     return result;
 }
 
-/// The longest one that there can be in a file: 64 kB of what takes five bytes each in XML.
-Record longHint()
-{
-    const Record result = hint("");
-    result->setContentHeight(60); // Not to be measured.
-    result->setMessageText(QString(65'536, u'&'));
-    return result;
-}
-
 QVariantMap with(const QString &key, const QVariant &value, const char *id)
 {
     QVariantMap dictionary = record(id)->exportToDictionary();
@@ -713,54 +704,6 @@ TEST_F(KivNotificationManagerTest, SavesAQueueOfLongTextsAsFarAsTheFileHasRoom)
     ASSERT_GT(saved.size(), 40U);
     EXPECT_EQ(saved.back(), "100");
     EXPECT_EQ(storedId(), "100");
-}
-
-TEST_F(KivNotificationManagerTest, KeepsAndSavesAllMessagesBesideTheLongestHints)
-{
-    setPreferences(0, 0);
-    start().enqueueNotification(record("1"));
-    for (int i = 0; i < QueueLimits::maxHints; ++i) {
-        ASSERT_TRUE(manager->showNotificationInstantly(longHint()));
-    }
-    {
-        const NotificationSink::Delivery delivery(*manager);
-        for (const std::string &id : idsFrom(2, 20)) {
-            manager->enqueueNotification(record(id.c_str()));
-        }
-    }
-    EXPECT_TRUE(waitUntil([this] { return storedId() == "20"; })) << "the queue cannot be saved";
-    EXPECT_EQ(idsInFile(), idsFrom(1, 20));
-    Ids waiting = queued();
-    EXPECT_EQ(std::erase(waiting, ""), QueueLimits::maxHints);
-    EXPECT_EQ(waiting, idsFrom(1, 20));
-}
-
-TEST_F(KivNotificationManagerTest, KeepsAThousandMessagesBesideAHundredHints)
-{
-    setPreferences(0, 0);
-    start();
-    const NotificationSink::Delivery delivery(*manager);
-    for (const std::string &id : idsFrom(1, 1000)) {
-        manager->queueAdd(record(id.c_str()));
-    }
-    manager->showNextNotification();
-    while (manager->showNotificationInstantly(hint("a"))) {
-    }
-    manager->enqueueNotification(record("1001"));
-    Ids waiting = queued();
-    EXPECT_EQ(std::erase(waiting, ""), QueueLimits::maxHints);
-    EXPECT_EQ(waiting, idsFrom(2, 1001));
-}
-
-TEST_F(KivNotificationManagerTest, TakesNoMoreHintsFromAFileThanFromTheService)
-{
-    QVariantList list;
-    for (const std::string &id : idsFrom(1, 150)) {
-        list.append(record(id.c_str(), kPriorityInstant)->exportToDictionary());
-    }
-    putIntoFile(list);
-    start();
-    EXPECT_EQ(queued(), idsFrom(1, QueueLimits::maxHints));
 }
 
 TEST_F(KivNotificationManagerTest, LosesNoIdOfADeliveryToNewSettings)

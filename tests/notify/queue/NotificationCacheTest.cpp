@@ -251,64 +251,6 @@ TEST_F(NotificationCacheTest, MakesNoFolderInAHomeOfSomebodyElse)
     EXPECT_TRUE(QDir(home.path()).isEmpty());
 }
 
-TEST_F(NotificationCacheTest, WritesNothingInAHomeOfSomebodyElse)
-{
-    ASSERT_TRUE(QDir().mkpath(folder()));
-    if (::chown(QFile::encodeName(home.path()).constData(), 12345, 12345) != 0) {
-        GTEST_SKIP() << "only root can give a folder away";
-    }
-    EXPECT_FALSE(cache.write(listWith("1"))) << "a link may take the folder's place at any moment";
-    EXPECT_EQ(files(), QStringList());
-}
-
-/// A home in which one of the three folders on the way to the file is a link to the same one elsewhere, where an agent
-/// has left something long ago.
-class NotificationCacheBehindALink : public NotificationCacheTest, public testing::WithParamInterface<const char *>
-{
-protected:
-    NotificationCacheBehindALink()
-    {
-        EXPECT_TRUE(QDir().mkpath(elsewhere.filePath(way)));
-        QFile left(target() + QStringLiteral(".aBcDeF"));
-        EXPECT_TRUE(left.open(QIODevice::WriteOnly));
-        left.setFileTime(QDateTime::currentDateTimeUtc().addSecs(-4000), QFileDevice::FileModificationTime);
-        EXPECT_TRUE(QDir().mkpath(QFileInfo(link).path()));
-        EXPECT_TRUE(QFile::link(elsewhere.filePath(QString::fromLatin1(GetParam())), link));
-    }
-
-    [[nodiscard]] QString target() const { return elsewhere.filePath(way + QStringLiteral("/notifications.plist")); }
-    [[nodiscard]] bool isThereWhatWasLeft() const { return QFile::exists(target() + QStringLiteral(".aBcDeF")); }
-
-    const QString way = QStringLiteral("Library/Caches/com.tamborel.kivune");
-    const QTemporaryDir elsewhere;
-    const QString link = home.filePath(QString::fromLatin1(GetParam()));
-};
-
-TEST_P(NotificationCacheBehindALink, IsOnTheUsersOtherDisk)
-{
-    EXPECT_EQ(cache.read(), QVariantList());
-    EXPECT_FALSE(isThereWhatWasLeft());
-    EXPECT_TRUE(cache.write(listWith("1")));
-    EXPECT_EQ(PropertyList::readFile(target()), QVariant(listWith("1")));
-}
-
-TEST_P(NotificationCacheBehindALink, TouchesNothingWhereThatOfSomebodyElseLeads)
-{
-    if (::lchown(QFile::encodeName(link).constData(), 12345, 12345) != 0) {
-        GTEST_SKIP() << "only root can give a link away";
-    }
-    const Warnings warnings;
-    EXPECT_EQ(cache.read(), QVariantList());
-    EXPECT_FALSE(cache.write(listWith("1")));
-    EXPECT_TRUE(isThereWhatWasLeft());
-    EXPECT_FALSE(QFile::exists(target()));
-    ASSERT_EQ(warnings.heard().size(), 1);
-    EXPECT_TRUE(warnings.heard().first().contains(QStringLiteral("belongs to somebody else")));
-}
-
-INSTANTIATE_TEST_SUITE_P(EachFolder, NotificationCacheBehindALink,
-                         testing::Values("Library", "Library/Caches", "Library/Caches/com.tamborel.kivune"));
-
 TEST_F(NotificationCacheTest, NeverWaitsForAPipe)
 {
     ASSERT_TRUE(QDir().mkpath(folder()));

@@ -120,55 +120,13 @@ TEST(NotificationQueue, RemovesAnInstantMessageAndNoOther)
 
 TEST(NotificationQueue, DropsTheOldestOfTheLeastUrgentWhenItIsFull)
 {
-    NotificationQueue queue = queueWith({record("a", 2), record("b", 1), record("c", 0), record("d", 0)});
-    queue.dropBeyond({.records = 4, .bytes = 1'000'000});
-    EXPECT_EQ(queue.records().size(), 4U);
-    queue.dropBeyond({.records = 3, .bytes = 1'000'000});
-    EXPECT_EQ(idsOf(queue), (Ids{"a", "b", "d"}));
-    queue.dropBeyond({.records = 1, .bytes = 1'000'000});
-    EXPECT_EQ(idsOf(queue), Ids{"a"});
-}
-
-TEST(NotificationQueue, NeitherCountsNorDropsHints)
-{
-    const Record large = hint();
-    large->setContentHeight(1); // Not to be measured.
-    large->setMessageText(QString(10'000, u'&'));
-    NotificationQueue queue = queueWith({record("a", 1), hint(), large, record("b", 1)});
-    queue.dropBeyond({.records = 2, .bytes = 10'000});
-    EXPECT_EQ(idsOf(queue), (Ids{"", "", "a", "b"}));
-    queue.dropBeyond({.records = 1, .bytes = 10'000});
-    EXPECT_EQ(idsOf(queue), (Ids{"", "", "b"}));
-    queue.dropBeyond({.records = 0, .bytes = 10'000});
-    EXPECT_EQ(idsOf(queue), (Ids{"", ""}));
-    EXPECT_EQ(queue.bytes(NotificationQueue::Hints::LeaveOut), 0);
-    EXPECT_GT(queue.bytes(NotificationQueue::Hints::Include), 50'000) << "five bytes each in XML";
-    queue.remove(*large);
-    EXPECT_LT(queue.bytes(NotificationQueue::Hints::Include), 10'000);
-}
-
-TEST(NotificationQueue, DropsNoHintForAMessageThatHasBecomeAsUrgent)
-{
-    const Record raised = record("a", 1);
-    NotificationQueue queue = queueWith({hint(), raised});
-    raised->setMessagePriority(kPriorityInstant);
-    queue.dropBeyond({.records = 0, .bytes = 10'000});
+    NotificationQueue queue = queueWith({record("a", 2), record("b", 1), record("c", 0), record("d", 0), hint()});
+    queue.dropBeyond(5, 1'000'000);
+    EXPECT_EQ(queue.records().size(), 5U);
+    queue.dropBeyond(4, 1'000'000);
+    EXPECT_EQ(idsOf(queue), (Ids{"", "a", "b", "d"}));
+    queue.dropBeyond(1, 1'000'000);
     EXPECT_EQ(idsOf(queue), Ids{""});
-}
-
-TEST(NotificationQueue, ExportsItsRecordsInOrderWithTheHintsOrWithout)
-{
-    const Record except = record("b", 1);
-    const NotificationQueue queue = queueWith({record("a", 2), hint(), except, record("c", 0)});
-    const auto ids = [](const QVariantList &list) {
-        Ids result;
-        for (const QVariant &entry : list) {
-            result.push_back(entry.toMap().value(QStringLiteral("messageId")).toString().toStdString());
-        }
-        return result;
-    };
-    EXPECT_EQ(ids(queue.exported(NotificationQueue::Hints::Include, nullptr)), (Ids{"", "a", "b", "c"}));
-    EXPECT_EQ(ids(queue.exported(NotificationQueue::Hints::LeaveOut, except.get())), (Ids{"a", "c"}));
 }
 
 TEST(NotificationQueue, SaysWhatItDropsAndWhatItHasAlready)
@@ -176,7 +134,7 @@ TEST(NotificationQueue, SaysWhatItDropsAndWhatItHasAlready)
     NotificationQueue queue = queueWith({record("a", 1), record("b", 0), record("c", 0)});
     LogLines log;
     queue.add(record("a", 2));
-    queue.dropBeyond({.records = 1, .bytes = 1'000'000});
+    queue.dropBeyond(1, 1'000'000);
     EXPECT_THAT(log.take(), testing::ElementsAre("kiv.queue: message \"a\" waits already",
                                                  "kiv.queue: message \"b\" is dropped: the queue is full",
                                                  "kiv.queue: message \"c\" is dropped: the queue is full"));
@@ -188,15 +146,15 @@ TEST(NotificationQueue, DropsRecordsUntilTheOthersHaveRoomInAFile)
     large->setContentHeight(1);                   // Not to be measured.
     large->setMessageText(QString(10'000, u'&')); // Five bytes each in XML.
     NotificationQueue queue = queueWith({record("a", 0), record("b", 0), large});
-    queue.dropBeyond({.records = 10, .bytes = 100'000});
+    queue.dropBeyond(10, 100'000);
     EXPECT_EQ(queue.records().size(), 3U);
-    queue.dropBeyond({.records = 10, .bytes = 50'000});
+    queue.dropBeyond(10, 50'000);
     EXPECT_EQ(idsOf(queue), Ids{}) << "the large one comes last";
 
     queue.add(large);
     queue.remove(*large);
     queue.add(record("c", 0));
-    queue.dropBeyond({.records = 10, .bytes = 50'000});
+    queue.dropBeyond(10, 50'000);
     EXPECT_EQ(idsOf(queue), Ids{"c"}) << "what has been removed counts no more";
 }
 

@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <csignal>
 #include <cstdlib>
@@ -161,22 +160,11 @@ std::optional<XWindow> Agent::openMenu()
         ADD_FAILURE() << "there is no item to click";
         return std::nullopt;
     }
-    // A pop-up, or the item that has waited for the panel and is about to go.
-    const QList<XWindow> others = freeWindows();
-    const auto isOther = [&](const XWindow &window) {
-        return std::ranges::any_of(others, [&](const XWindow &other) { return other.id == window.id; });
-    };
-    std::optional<XWindow> menu;
     m_desktop.input().click(item->geometry.center());
     // Drawn last of all: only then the keyboard is its own.
-    const bool opened = waitUntil([&] {
-        const QList<XWindow> windows = freeWindows();
-        const auto found = std::ranges::find_if_not(windows, isOther);
-        menu = found == windows.cend() ? std::nullopt : std::optional(*found);
-        return menu && isDrawn(*menu);
-    });
+    const bool opened = waitUntil([this] { return hasMenu() && isDrawn(freeWindows().last()); });
     EXPECT_TRUE(opened) << "no menu opened";
-    return opened ? menu : std::nullopt;
+    return opened ? std::optional(freeWindows().last()) : std::nullopt;
 }
 
 bool Agent::waitUntilClosed() const

@@ -9,7 +9,6 @@
 OtherWindow::OtherWindow(const PrivateXServer &server, const QRect &geometry)
     : XClient(server)
     , m_window(xcb_generate_id(connection()))
-    , m_geometry(geometry)
 {
     xcb_create_window(connection(), XCB_COPY_FROM_PARENT, m_window, root(), static_cast<std::int16_t>(geometry.x()),
                       static_cast<std::int16_t>(geometry.y()), static_cast<std::uint16_t>(geometry.width()),
@@ -35,12 +34,9 @@ void OtherWindow::raise()
 
 void OtherWindow::keepOthersBelow(std::uint32_t pixels)
 {
-    // The depths at the left, right, top and bottom, and where each begins and ends.
-    const auto left = static_cast<std::uint32_t>(m_geometry.left());
-    const auto right = static_cast<std::uint32_t>(m_geometry.right());
-    const std::uint32_t strut[] = {0, 0, pixels, 0, 0, 0, 0, 0, left, right, 0, 0};
-    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, m_window, atom("_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL,
-                        32, std::size(strut), strut);
+    const std::uint32_t edges[] = {0, 0, pixels, 0}; // Left, right, top, bottom.
+    xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, m_window, atom("_NET_WM_STRUT"), XCB_ATOM_CARDINAL, 32,
+                        std::size(edges), edges);
     waitForServer();
 }
 

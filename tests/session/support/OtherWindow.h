@@ -14,8 +14,7 @@ public:
     [[nodiscard]] xcb_window_t id() const { return m_window; }
     // All return once the server has done it.
     void raise();
-    /// Asks the window manager to keep other windows so far below the top of the screen in its columns, as a panel
-    /// does.
+    /// Asks the window manager to keep other windows so far below the top of the screen, as a panel does.
     void keepOthersBelow(std::uint32_t pixels);
     /// Takes the keyboard without asking any window manager.
     void takeKeyboard();
@@ -24,5 +23,4 @@ private:
     void waitForServer();
 
     xcb_window_t m_window;
-    const QRect m_geometry;
 };

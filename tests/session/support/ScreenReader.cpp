@@ -161,17 +161,6 @@ bool ScreenReader::hasBus()
     return processOf(session, busName()) != 0;
 }
 
-bool ScreenReader::canHaveBus()
-{
-    const QString bus = QStringLiteral("org.freedesktop.DBus");
-    const QDBusConnection session = QDBusConnection::connectToBus(m_desktop.bus().address(), m_session);
-    const QDBusMessage answer =
-        session.call(QDBusMessage::createMethodCall(bus, QStringLiteral("/org/freedesktop/DBus"), bus,
-                                                    QStringLiteral("ListActivatableNames")),
-                     QDBus::Block, answerTimeout);
-    return answer.arguments().value(0).toStringList().contains(busName());
-}
-
 void ScreenReader::suspendBus(bool suspend)
 {
     // Its bus is its child.
@@ -183,11 +172,6 @@ void ScreenReader::suspendBus(bool suspend)
             EXPECT_EQ(::kill(pid.toInt(), suspend ? SIGSTOP : SIGCONT), 0);
         }
     }
-}
-
-void ScreenReader::suspendRegistry(bool suspend)
-{
-    EXPECT_EQ(::kill(static_cast<pid_t>(m_registry.pid()), suspend ? SIGSTOP : SIGCONT), 0);
 }
 
 std::optional<Accessible> ScreenReader::application(qint64 pid)

@@ -60,10 +60,6 @@ public:
     [[nodiscard]] bool hasBus();
     /// Stops the bus where it is: connections stand, and nothing is answered; or lets it go on.
     void suspendBus(bool suspend);
-    /// The same of the registry on that bus.
-    void suspendRegistry(bool suspend);
-    /// Whether whoever asks for that bus in the desktop would have it started.
-    [[nodiscard]] bool canHaveBus();
 
     /// The root of that process, once the registry knows it; none when it does not get to know it.
     std::optional<Accessible> application(qint64 pid);

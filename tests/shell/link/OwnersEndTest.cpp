@@ -1,6 +1,4 @@
-#include "menu/MenuCommands.h"
 #include "platform/processes/ProcessWatch.h"
-#include "shell/MenuProcedure.h"
 #include "shell/ProcessState.h"
 #include "shell/link/EventHandler.h"
 #include "tests/shell/link/EventBuilder.h"
@@ -84,34 +82,6 @@ TEST_F(OwnersEnd, VacatesItsPlaceWhenAnotherSpeaksInItsName)
 TEST_F(OwnersEnd, VacatesItsPlaceWhenAnotherHasItsNumberByNow)
 {
     EXPECT_FALSE(isOwnedAfterAHintOf(::getpid(), ::getpid()));
-}
-
-TEST_F(OwnersEnd, VacatesItsPlaceWhenNobodyKnowsWhoSpeaksThoughTheOwnerWasKnown)
-{
-    const pid_t owner = deadProcess();
-    FakeAppleEventManager::sender = owner;
-    EXPECT_EQ(send(kMenuEvtSetOwner, owner), noErr);
-    ownerHasEnded = true;
-    FakeAppleEventManager::sender.reset();
-    EXPECT_EQ(send(kMenuEvtDoHint, owner), noErr);
-    EXPECT_EQ(__owpsn.lowLongOfPSN, 0U);
-}
-
-TEST_F(OwnersEnd, LeavesTheWordsOfAProgramToBeHeardThatWasGoneBeforeItWasKnown)
-{
-    const pid_t owner = deadProcess();
-    EXPECT_EQ(send(kMenuEvtSetOwner, owner), noErr);
-    ownerHasEnded = true;
-    EXPECT_EQ(send(kMenuEvtDoHint, owner), noErr);
-    EXPECT_EQ(__owpsn.lowLongOfPSN, static_cast<UInt32>(owner));
-}
-
-TEST_F(OwnersEnd, SendsNoChoiceToAnotherThatHasItsNumberByNow)
-{
-    EXPECT_EQ(send(kMenuEvtSetOwner, ::getpid()), noErr);
-    ownerHasEnded = true;
-    __menu_proc(nullptr, kMenuCmdMinimize);
-    EXPECT_EQ(__owpsn.lowLongOfPSN, 0U);
 }
 
 TEST_F(OwnersEnd, IsNotTheEndOfAnOwnerThatLives)

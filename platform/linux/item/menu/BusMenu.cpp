@@ -6,8 +6,6 @@
 #include <QActionEvent>
 #include <QGuiApplication>
 
-#include <utility>
-
 namespace
 {
 
@@ -116,17 +114,22 @@ bool BusMenu::catchUp()
         watch(*m_menu);
     }
     const MenuChanges changes = numberMenuTree(m_tree, present, m_lastId);
-    const MenuTree past = std::exchange(m_tree, std::move(present));
+    m_tree = std::move(present);
     if (!changes.layouts.empty()) {
         ++m_revision;
         Q_EMIT LayoutUpdated(m_revision, changes.layouts.size() == 1 ? changes.layouts.front() : 0);
     }
     BusMenuEntries updated;
+    BusMenuRemovals removed;
     for (const int id : changes.entries) {
-        updated.append({id, changedProperties(*findInMenuTree(past, id), *findInMenuTree(m_tree, id))});
+        const MenuTree &entry = *findInMenuTree(m_tree, id);
+        updated.append({id, menuProperties(entry)});
+        if (!entry.isCheckable) {
+            removed.append({id, {QStringLiteral("toggle-type"), QStringLiteral("toggle-state")}});
+        }
     }
     if (!updated.isEmpty()) {
-        Q_EMIT ItemsPropertiesUpdated(updated, {});
+        Q_EMIT ItemsPropertiesUpdated(updated, removed);
     }
     return changes != MenuChanges();
 }
@@ -150,13 +153,6 @@ void BusMenu::refuse(int id) const
 {
     if (calledFromDBus()) {
         sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no entry %1").arg(id));
-    }
-}
-
-void BusMenu::refuseIfAll(const QList<int> &unknown, qsizetype asked) const
-{
-    if (!unknown.isEmpty() && unknown.size() == asked) {
-        refuse(unknown.first());
     }
 }
 
@@ -215,7 +211,6 @@ QList<int> BusMenu::EventGroup(const BusMenuEvents &events)
             unknown.append(event.id);
         }
     }
-    refuseIfAll(unknown, events.size());
     return unknown;
 }
 
@@ -257,6 +252,5 @@ QList<int> BusMenu::AboutToShowGroup(const QList<int> &ids, QList<int> &idErrors
     for (const int id : ids) {
         (findInMenuTree(m_tree, id) ? known : idErrors).append(id);
     }
-    refuseIfAll(idErrors, ids.size());
     return !known.isEmpty() && prepareToShow() ? known : QList<int>();
 }

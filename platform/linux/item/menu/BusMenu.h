@@ -56,8 +56,6 @@ private:
     [[nodiscard]] QAction *actionOf(int id) const;
     /// Answers the present call with an error.
     void refuse(int id) const;
-    /// As dbusmenu has it of a call about several entries: it fails when there is none of them.
-    void refuseIfAll(const QList<int> &unknown, qsizetype asked) const;
 
     const QPointer<QMenu> m_menu;
     Choice m_choice = Choice::Possible;

@@ -2,19 +2,10 @@
 
 #include "platform/linux/workarounds/MenuFocus.h"
 
-#include <QAccessible>
 #include <QPointer>
 
 void popUpMenu(QMenu &menu, QPoint corner)
 {
-    // Qt tells readers of a menu only when its first entry is gone to, so that it would open without a word.
-    const auto tellReaders = [&menu] {
-        if (QAccessible::isActive() && menu.isVisible() && !menu.activeAction()) {
-            QAccessibleEvent focus(&menu, QAccessible::Focus);
-            QAccessible::updateAccessibility(&focus);
-        }
-    };
-    QMetaObject::invokeMethod(&menu, tellReaders, Qt::QueuedConnection);
     const QPointer<QMenu> opened(&menu);
     menu.exec(corner);
     if (opened) {

@@ -28,8 +28,7 @@ QString busLabel(const QString &title)
 
 bool isSameEntry(const MenuTree &one, const MenuTree &other)
 {
-    return one.label == other.label && one.isSeparator == other.isSeparator && one.hasSubmenu == other.hasSubmenu &&
-           one.isCheckable == other.isCheckable;
+    return one.label == other.label && one.isSeparator == other.isSeparator && one.hasSubmenu == other.hasSubmenu;
 }
 
 void numberChildren(const MenuTree &past, MenuTree &present, int &lastId, MenuChanges &changes)
@@ -117,12 +116,4 @@ QVariantMap menuProperties(const MenuTree &entry)
         properties.insert(QStringLiteral("children-display"), QStringLiteral("submenu"));
     }
     return properties;
-}
-
-QVariantMap changedProperties(const MenuTree &past, const MenuTree &present)
-{
-    const QVariantMap before = menuProperties(past);
-    QVariantMap changed = menuProperties(present);
-    changed.removeIf([&](const QVariantMap::iterator &it) { return before.value(it.key()) == it.value(); });
-    return changed;
 }

@@ -35,14 +35,9 @@ enum class Choice { Possible, Barred };
 /// and so is what stands below a disabled entry: a user could not get there.
 [[nodiscard]] MenuTree readMenuTree(const QMenu &menu, Choice choice);
 
-/// Numbers the entries of `present`. Those that stand where they stood in `past`, with the same title and of the same
-/// kind, keep their number; all others get the next ones after `lastId`, so that no number ever means two entries. What
-/// can have a check mark is a kind of its own: hosts look only once whether an entry can, and some complain when it
-/// changes. So an entry has the same properties as long as it has its number, and only their values change.
+/// Numbers the entries of `present`. Those that stand where they stood in `past`, with the same title, keep their
+/// number; all others get the next ones after `lastId`, so that no number ever means two entries.
 MenuChanges numberMenuTree(const MenuTree &past, MenuTree &present, int &lastId);
-
-/// The properties that have another value in `present` than they had in `past`, which have the same ones.
-[[nodiscard]] QVariantMap changedProperties(const MenuTree &past, const MenuTree &present);
 
 /// The entry of that number; null when there is none.
 [[nodiscard]] const MenuTree *findInMenuTree(const MenuTree &tree, int id);

@@ -5,7 +5,6 @@
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/item/strip/StripPlacement.h"
-#include "platform/linux/screen/windows/StackingRule.h"
 #include "platform/linux/screen/windows/StandingItem.h"
 #include "platform/linux/screen/windows/WorkArea.h"
 #include "platform/linux/workarounds/RootProperties.h"
@@ -47,7 +46,7 @@ void rememberDistance(int distance)
 
 QRect workArea(const ScreenCoordinates &screen)
 {
-    return workAreaOn(screen.mainScreen, WorkAreaQuestion().answer(screen.mainScreen));
+    return workAreaOn(screen.mainScreen, WorkAreaQuestion().answer());
 }
 
 /// Empty when there is no main screen.
@@ -84,10 +83,6 @@ std::unique_ptr<Strip> Strip::make()
 
 Strip::Strip(std::unique_ptr<TrayIconWindow> window)
     : m_window(std::move(window))
-    , m_manager(WindowsOfOthers::managersSelection(), [this](xcb_window_t) {
-        // Not from inside Qt's event filters, of which one is added or removed.
-        QMetaObject::invokeMethod(this, &Strip::stayAboveWhatNobodyManages, Qt::QueuedConnection);
-    })
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
     RootProperties::hear(this);
@@ -97,7 +92,6 @@ Strip::Strip(std::unique_ptr<TrayIconWindow> window)
     for (QScreen *screen : screens) {
         watchScreen(screen);
     }
-    stayAboveWhatNobodyManages();
 }
 
 Strip::~Strip()
@@ -108,8 +102,6 @@ Strip::~Strip()
 void Strip::watchScreen(QScreen *screen)
 {
     connect(screen, &QScreen::geometryChanged, this, &Strip::follow);
-    // With these Qt may take over another scale without a word of the size.
-    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &Strip::follow);
 }
 
 void Strip::follow()
@@ -120,16 +112,6 @@ void Strip::follow()
         m_press.reset();
         m_settled = place;
         stand(place);
-    }
-}
-
-void Strip::stayAboveWhatNobodyManages()
-{
-    if (WindowsOfOthers::areManaged()) {
-        m_others.reset();
-    } else if (!m_others) {
-        m_others = std::make_unique<WindowsOfOthers>(*this, [this] { return m_window->id(); });
-        riseAboveWindowsOfOthers(m_window->id()); // Of those that the manager has left there.
     }
 }
 
@@ -148,7 +130,6 @@ bool Strip::nativeEventFilter(const QByteArray &, void *message, qintptr *)
         const auto *notify = reinterpret_cast<const xcb_property_notify_event_t *>(event);
         if (notify->window == XConnection::screen()->root &&
             (notify->atom == XConnection::atom("_NET_WORKAREA") ||
-             notify->atom == XConnection::atom("_GTK_WORKAREAS_D0") || // All desktops' change together.
              notify->atom == XConnection::atom("_NET_CURRENT_DESKTOP"))) {
             QMetaObject::invokeMethod(this, &Strip::follow, Qt::QueuedConnection);
         }

@@ -74,7 +74,7 @@ float Question::reach(float left, float right)
     constexpr float line = 30;
     const float top = screen.frame().size.height;
     const QRect column = screen.toDevice(NSRect{{left, top - line}, {right - left, line}});
-    const std::optional<QRect> workArea = d->workArea.answer(screen.mainScreen);
+    const std::optional<QRect> workArea = d->workArea.answer();
     const std::vector<QRect> windows = workArea ? std::vector<QRect>() : windowsAtTheTop(XConnection::get(), column);
     return static_cast<float>(topReach(screen.mainScreen, column, workArea, windows, StandingItem::place()) /
                               screen.ratio);

@@ -22,6 +22,6 @@ void keepAtStatusLevel(QWidget &window)
 {
     // A window that no window manager knows lies above those that one manages.
     if (XConnection::get() && !WindowsOfOthers::areManaged()) {
-        new WindowsOfOthers(window, [&window] { return static_cast<xcb_window_t>(window.winId()); });
+        new WindowsOfOthers(window);
     }
 }

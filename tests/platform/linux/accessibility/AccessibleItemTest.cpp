@@ -2,7 +2,6 @@
 
 #include "platform/StatusItem.h"
 #include "platform/linux/accessibility/AccessibleApplication.h"
-#include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -41,14 +40,6 @@ TEST_F(AccessibleItemTest, HasTheNameThatHostsShowAndTheStateThatNobodySees)
     EXPECT_EQ(interface().text(QAccessible::Description), QString());
     item.setStateText(QStringLiteral("Active"));
     EXPECT_EQ(interface().text(QAccessible::Description), QStringLiteral("Active"));
-}
-
-TEST_F(AccessibleItemTest, DoesNotShowWhileItHasNoPlaceOnTheScreen)
-{
-    EXPECT_FALSE(interface().state().invisible);
-    const FakeTray tray({100, 50}); // It takes nobody in.
-    EXPECT_TRUE(waitUntil([this] { return !item.frame(); }));
-    EXPECT_TRUE(interface().state().invisible);
 }
 
 TEST_F(AccessibleItemTest, IsPressedAsByTheKeyboardUnlessItIsDisabled)

@@ -150,35 +150,6 @@ TEST(SessionBus, OutlivesABusThatRefusesAtTheLastMoment)
     QDBusConnection::disconnectFromBus(refused);
 }
 
-TEST(SessionBus, DoesNotWaitForAnotherConnectionToABusThatStallsByThen)
-{
-    PrivateBus daemon;
-    ASSERT_TRUE(daemon.start());
-    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toUtf8());
-    const SessionBus bus;
-    ASSERT_TRUE(bus.isConnected());
-    daemon.suspend();
-    QElapsedTimer time;
-    time.start();
-    EXPECT_FALSE(bus.connectOnceMore().isConnected());
-    EXPECT_LT(time.elapsed(), 2000);
-    daemon.resume();
-    const QDBusConnection another = bus.connectOnceMore();
-    EXPECT_TRUE(another.isConnected());
-    EXPECT_NE(another.baseService(), bus.connection().baseService());
-    QDBusConnection::disconnectFromBus(another.name());
-}
-
-TEST(SessionBus, HasNoOtherConnectionToABusWithoutRoom)
-{
-    const BusForOne crowded;
-    ASSERT_TRUE(crowded.isRunning());
-    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", crowded.address());
-    SessionBus bus(10ms);
-    ASSERT_TRUE(waitUntil([&] { return bus.isConnected(); }));
-    EXPECT_FALSE(bus.connectOnceMore().isConnected());
-}
-
 TEST(SessionBus, DoesNotWaitInTheQueueOfABusThatTakesNobody)
 {
     const QTemporaryDir folder;

@@ -65,59 +65,43 @@ TEST(Desktop, IsDarkWhereApplicationsShallPreferTheDarkSideOfATheme)
     EXPECT_FALSE(isDesktopDark(ColourScheme::NoPreference, settings));
 }
 
-TEST(DesktopScale, IsThatOfTheDotsPerInchAndTheWholeScaleWhereTheyLeaveItOut)
+TEST(DesktopScale, IsWhatTheDotsPerInchDoNotSay)
 {
     const ScaleCase cases[] = {
         {"nothing is set", {}, 0, 1},
-        {"dots of a scale of 1", {{"Xft/DPI", dpi(96)}}, 0, 1},
-        {"more dots", {{"Xft/DPI", dpi(120)}}, 0, 1.25},
-        {"fewer dots, which are of text alone", {{"Xft/DPI", dpi(72)}}, 0, 1},
-        {"parts of a dot, which do not count", {{"Xft/DPI", dpi(120) + 1000}}, 0, 1.25},
-        {"dots that are none", {{"Xft/DPI", -1}}, 0, 1},
-        {"resources", {}, 144, 1.5},
-        {"resources with parts of a dot", {}, 143.6, 1.5},
-        {"resources where the settings have no dots", {{"Xft/DPI", -1}}, 144, 1.5},
-        {"settings before resources", {{"Xft/DPI", dpi(120)}}, 192, 1.25},
-        {"a whole scale of 1", {{"Gdk/WindowScalingFactor", 1}, {"Xft/DPI", dpi(120)}}, 0, 1.25},
-        {"only the whole scale", {{"Gdk/WindowScalingFactor", 2}}, 0, 2},
-        {"dots that leave it out", {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(96)}}, 0, 2},
-        {"larger letters, too", {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(120)}}, 0, 2.5},
-        {"smaller letters, too", {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(72)}}, 0, 2},
-        {"dots that have it in them",
+        {"a scale of 1", {{"Gdk/WindowScalingFactor", 1}, {"Xft/DPI", dpi(120)}}, 0, 1},
+        {"only the scale", {{"Gdk/WindowScalingFactor", 2}}, 0, 2},
+        {"dots that leave the scale out", {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(96)}}, 0, 2},
+        {"larger letters, too", {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(120)}}, 0, 2},
+        {"dots that have the scale in them",
          {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(192)}, {"Gdk/UnscaledDPI", dpi(96)}},
          0,
-         2},
-        {"dots without it, said twice",
+         1},
+        {"dots without the scale, said twice",
          {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(96)}, {"Gdk/UnscaledDPI", dpi(96)}},
          0,
          2},
-        {"resources that have it in them", {{"Gdk/WindowScalingFactor", 2}, {"Gdk/UnscaledDPI", dpi(96)}}, 192, 2},
-        {"resources that leave it out", {{"Gdk/WindowScalingFactor", 2}}, 120, 2.5},
-        {"no whole scale", {{"Gdk/WindowScalingFactor", 0}}, 0, 1},
+        {"resources that have the scale in them",
+         {{"Gdk/WindowScalingFactor", 2}, {"Gdk/UnscaledDPI", dpi(96)}},
+         192,
+         1},
+        {"settings before resources",
+         {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(96)}, {"Gdk/UnscaledDPI", dpi(96)}},
+         192,
+         2},
+        {"no scale at all", {{"Gdk/WindowScalingFactor", 0}}, 0, 1},
         {"a negative one", {{"Gdk/WindowScalingFactor", -2}}, 0, 1},
         {"one that no screen has", {{"Gdk/WindowScalingFactor", 9}}, 0, 1},
         {"the largest that counts", {{"Gdk/WindowScalingFactor", 8}}, 0, 8},
-        {"one that would make it smaller than the dots do",
+        {"dots that would make it smaller",
          {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", dpi(192)}, {"Gdk/UnscaledDPI", 1}},
          0,
-         2},
-        {"more than the largest together", {{"Gdk/WindowScalingFactor", 8}, {"Xft/DPI", dpi(192)}}, 0, 8},
-        {"dots that no screen has", {{"Xft/DPI", dpi(96) * 1000}}, 0, 8},
+         1},
+        {"dots that are none", {{"Gdk/WindowScalingFactor", 2}, {"Xft/DPI", -1}}, 0, 2},
     };
     for (const ScaleCase &each : cases) {
         XSettings settings;
         settings.numbers = each.settings;
-        EXPECT_DOUBLE_EQ(desktopScale(settings, each.resourceDpi), each.scale) << each.description;
+        EXPECT_DOUBLE_EQ(scaleBeyondDpi(settings, each.resourceDpi), each.scale) << each.description;
     }
-}
-
-TEST(DesktopDotsPerInch, AreSaidByANumberThatIsOne)
-{
-    for (const auto &[value, isSaid] :
-         {std::pair(dpi(96), true), {1024, true}, {1023, false}, {0, false}, {-1, false}}) {
-        XSettings settings;
-        settings.numbers.insert("Xft/DPI", value);
-        EXPECT_EQ(saysDotsPerInch(settings), isSaid) << value;
-    }
-    EXPECT_FALSE(saysDotsPerInch(XSettings()));
 }

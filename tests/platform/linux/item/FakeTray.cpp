@@ -44,9 +44,7 @@ FakeTray::FakeTray(QPoint place, Visual visual)
                             XCB_ATOM_VISUALID, 32, 1, &id);
     }
     xcb_set_selection_owner(m_connection, m_owner, XConnection::atom(XConnection::traySelection()), XCB_CURRENT_TIME);
-    // Other connections are to find it from now on: the server has done all this when it answers.
-    const XcbReply<xcb_get_input_focus_reply_t> reply(
-        xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    xcb_flush(m_connection);
 }
 
 FakeTray::~FakeTray()

@@ -9,10 +9,7 @@
 #include "tests/support/PrivateBus.h"
 #include "tests/support/TestXServer.h"
 #include "tests/support/WaitUntil.h"
-#include "tests/support/Xrandr.h"
 
-#include <QDBusPendingCall>
-#include <QElapsedTimer>
 #include <QMenu>
 #include <QPixmap>
 
@@ -22,7 +19,6 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 namespace
@@ -70,16 +66,6 @@ protected:
     {
         delete bus;
         bus = nullptr;
-    }
-
-    /// As a key does.
-    static void requestMenu()
-    {
-        const BusPeer peer(*bus);
-        const QDBusPendingCall call = peer.connection().asyncCall(QDBusMessage::createMethodCall(
-            SessionBus::instance().connection().baseService(), QStringLiteral("/com/tamborel/kivune/Menu"),
-            QStringLiteral("com.tamborel.kivune.Menu"), QStringLiteral("ShowMenu")));
-        EXPECT_TRUE(waitUntil([&] { return call.isFinished() && !call.isError(); }));
     }
 
     static PrivateBus *bus;
@@ -172,46 +158,6 @@ TEST_F(StatusItemNotifierTest, IsPressedAtThePlaceThatTheHostTells)
     EXPECT_TRUE(host.choose(activate, {0, 0}));
     EXPECT_TRUE(waitUntil([&] { return places.size() == 3; }));
     EXPECT_THAT(places, testing::ElementsAre(NSPoint{300, 780}, NSPoint{310, 10}, std::nullopt));
-}
-
-TEST_F(StatusItemNotifierTest, IsWhereItWasPressedLastWhenItsMenuIsAskedFor)
-{
-    FakeNotifierHost host(bus->address());
-    StatusItem item;
-    item.setImage(redIcon());
-    ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
-    std::vector<std::optional<NSPoint>> places;
-    QObject::connect(&item, &StatusItem::pressed, &item,
-                     [&](std::optional<NSPoint> place) { places.push_back(place); });
-    const auto waitForPress = [&] {
-        EXPECT_TRUE(waitUntil([&] { return !places.empty(); }));
-        return std::exchange(places, {});
-    };
-    const testing::Matcher<std::vector<std::optional<NSPoint>>> atTheMouse = testing::ElementsAre(std::nullopt);
-    const testing::Matcher<std::vector<std::optional<NSPoint>>> atTheItem = testing::ElementsAre(NSPoint{300, 780});
-    requestMenu();
-    EXPECT_THAT(waitForPress(), atTheMouse) << "it has never been pressed";
-    EXPECT_TRUE(host.choose(activate, {300, 20}));
-    EXPECT_THAT(waitForPress(), atTheItem);
-    requestMenu();
-    EXPECT_THAT(waitForPress(), atTheItem);
-
-    EXPECT_TRUE(host.choose(activate, {0, 0}));
-    EXPECT_THAT(waitForPress(), atTheMouse) << "that host does not know";
-    requestMenu();
-    EXPECT_THAT(waitForPress(), atTheItem);
-
-    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1024x768")}));
-    requestMenu();
-    EXPECT_THAT(waitForPress(), atTheMouse) << "the panel is another one now";
-    ASSERT_TRUE(xrandr({QStringLiteral("-s"), QStringLiteral("1280x800")}));
-    EXPECT_TRUE(host.choose(activate, {300, 20}));
-    EXPECT_THAT(waitForPress(), atTheItem);
-
-    FakeNotifierHost second(bus->address());
-    ASSERT_TRUE(waitUntil([&] { return second.items().size() == 1; }));
-    requestMenu();
-    EXPECT_THAT(waitForPress(), atTheMouse) << "the next one has it elsewhere";
 }
 
 TEST_F(StatusItemNotifierTest, IsHandedOverFromOneHostToTheNext)
@@ -353,25 +299,6 @@ TEST_F(StatusItemNotifierTest, OffersItsMenuToTheHost)
     item.setMenu(nullptr);
     ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
     EXPECT_FALSE(host.chooseEntry(1)) << "there is no such menu any more";
-}
-
-TEST_F(StatusItemNotifierTest, StandsAloneWhileTheBusTakesNoConnectionForItAndIsTriedAgain)
-{
-    FakeNotifierHost host(bus->address());
-    QMenu menu;
-    StatusItem item;
-    item.setImage(redIcon());
-    ASSERT_TRUE(waitUntil([&] { return host.items().size() == 1; }));
-    bus->suspend();
-    QElapsedTimer time;
-    time.start();
-    item.setMenu(&menu); // For which it is given to the host anew.
-    EXPECT_LT(time.elapsed(), 2000);
-    EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
-
-    bus->resume();
-    EXPECT_TRUE(
-        waitUntil([&] { return item.frame() == std::nullopt && host.items().size() == 1; }, std::chrono::seconds(20)));
 }
 
 TEST_F(StatusItemNotifierTest, SurvivesTheBus)

@@ -2,7 +2,6 @@
 
 #include "platform/MainScreen.h"
 #include "platform/linux/include/XConnection.h"
-#include "platform/linux/item/strip/Strip.h"
 #include "tests/platform/linux/PrivatePanel.h"
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/FakeInput.h"
@@ -21,15 +20,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <vector>
-
-// An X server that tests can have always shows something: the linker leads those who make a strip here first.
-std::unique_ptr<Strip> makeStrip() __asm__("__real__ZN5Strip4makeEv");
-std::unique_ptr<Strip> makeStripOnAScreen() __asm__("__wrap__ZN5Strip4makeEv");
 
 namespace
 {
@@ -38,24 +32,12 @@ using namespace std::chrono_literals;
 
 const QRect usualStrip(1098, 0, 22, 22);
 
-bool hasScreen = true;
-
 QIcon iconOf(const QColor &colour)
 {
     QPixmap pixmap(22, 22);
     pixmap.fill(colour);
     return QIcon(pixmap);
 }
-
-} // namespace
-
-std::unique_ptr<Strip> makeStripOnAScreen()
-{
-    return hasScreen ? makeStrip() : nullptr;
-}
-
-namespace
-{
 
 /// Every window of the server that belongs to a status item, wherever it is in the tree.
 std::vector<xcb_window_t> itemWindows(xcb_window_t below = XConnection::screen()->root)
@@ -501,31 +483,6 @@ TEST_F(StatusItemTest, StandsAloneForATrayThatDoesNotTakeItIn)
         return qtPlace(item) == QRect(100, 100, FakeTray::side, FakeTray::side);
     }));
     EXPECT_TRUE(waitUntil([] { return itemWindows().size() == 1; })) << "it still stands alone, too";
-}
-
-TEST_F(StatusItemTest, StandsAloneOnceThereIsAScreenToStandOn)
-{
-    hasScreen = false;
-    const LogLines log;
-    StatusItem item;
-    EXPECT_EQ(qtPlace(item), QRect());
-    hasScreen = true;
-    Q_EMIT qGuiApp->primaryScreenChanged(qGuiApp->primaryScreen());
-    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == usualStrip; }));
-}
-
-TEST_F(StatusItemTest, StandsAloneForATrayThatDoesNotTakeItInOnceThereIsAScreenToStandOn)
-{
-    LogLines log;
-    const FakeTray tray({100, 100});
-    StatusItem item;
-    hasScreen = false;
-    const std::string waits = "kiv.item: the tray does not take the item in: it waits at the top of the screen";
-    ASSERT_TRUE(waitUntil([&] { return std::ranges::count(log.take(), waits) == 1; }, 20s));
-    EXPECT_EQ(qtPlace(item), QRect());
-    hasScreen = true;
-    Q_EMIT qGuiApp->primaryScreenChanged(qGuiApp->primaryScreen());
-    EXPECT_TRUE(waitUntil([&] { return qtPlace(item) == usualStrip; }));
 }
 
 TEST_F(StatusItemTest, AsksATrayAgainThatHasPutItOut)

@@ -55,25 +55,11 @@ TEST_F(MenuTreeNumbers, StayWhereNothingHasChanged)
 TEST_F(MenuTreeNumbers, StayWithAnEntryThatLooksOtherwise)
 {
     MenuTree present = past;
-    present.children[0].children[1].isEnabled = false;
+    present.children[0].children[1].isCheckable = true;
     present.children[1].isEnabled = false;
     const MenuChanges changes = numberMenuTree(past, present, lastId);
     EXPECT_THAT(changes.entries, ElementsAre(3, 4));
     EXPECT_THAT(changes.layouts, IsEmpty());
-}
-
-TEST_F(MenuTreeNumbers, AreNewForWhatGetsOrLosesItsCheckMark)
-{
-    MenuTree present = past;
-    present.children[0].children[1].isCheckable = true;
-    const MenuChanges changes = numberMenuTree(past, present, lastId);
-    EXPECT_THAT(changes.entries, IsEmpty());
-    EXPECT_THAT(changes.layouts, ElementsAre(1));
-    EXPECT_THAT(idsBelow(present.children[0]), ElementsAre(2, 5));
-
-    MenuTree again = past;
-    EXPECT_THAT(numberMenuTree(present, again, lastId).layouts, ElementsAre(1));
-    EXPECT_THAT(idsBelow(again.children[0]), ElementsAre(2, 6));
 }
 
 TEST_F(MenuTreeNumbers, AreNewForWhatStandsElsewhereOrIsCalledOtherwise)
@@ -131,20 +117,6 @@ TEST(MenuTree, IsReadFromAMenuWithWhatIsBelowIt)
 
     sizes.setEnabled(false);
     EXPECT_FALSE(readMenuTree(menu, Choice::Possible).children[0].children.at(0).isEnabled) << "out of reach";
-}
-
-TEST(MenuTree, TellsOfAnEntryOnlyThePropertiesThatHaveChanged)
-{
-    MenuTree past = entry("800 x 600");
-    past.id = 1;
-    past.isCheckable = true;
-    MenuTree present = past;
-    EXPECT_THAT(changedProperties(past, present), IsEmpty());
-    present.isChecked = true;
-    EXPECT_EQ(changedProperties(past, present), (QVariantMap{{QStringLiteral("toggle-state"), 1}}));
-    present.isEnabled = false;
-    EXPECT_EQ(changedProperties(past, present),
-              (QVariantMap{{QStringLiteral("toggle-state"), 1}, {QStringLiteral("enabled"), false}}));
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "platform/StatusItem.h"
-#include "platform/linux/include/HiddenWindow.h"
 #include "platform/linux/include/XConnection.h"
 #include "tests/platform/linux/item/FakeTray.h"
 #include "tests/support/FakeInput.h"
@@ -7,13 +6,10 @@
 
 #include <QApplication>
 #include <QMenu>
-#include <QRasterWindow>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace
@@ -26,35 +22,6 @@ void setOnRoot(const char *property, const std::vector<std::uint32_t> &numbers)
                         numbers.data());
     xcb_flush(XConnection::get());
 }
-
-std::uint32_t rootMask()
-{
-    xcb_connection_t *x = XConnection::get();
-    const auto cookie = xcb_get_window_attributes(x, XConnection::screen()->root);
-    const XcbReply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(x, cookie, nullptr));
-    return reply ? reply->your_event_mask : 0;
-}
-
-/// What a window manager owns as long as it runs.
-class ManagersSelection final
-{
-public:
-    ManagersSelection() { own(m_window.id()); }
-    ~ManagersSelection() { giveUp(); }
-    ManagersSelection(const ManagersSelection &) = delete;
-    ManagersSelection &operator=(const ManagersSelection &) = delete;
-
-    void giveUp() const { own(XCB_NONE); }
-
-private:
-    static void own(xcb_window_t owner)
-    {
-        xcb_set_selection_owner(XConnection::get(), owner, XConnection::atom("WM_S0"), XCB_CURRENT_TIME);
-        xcb_flush(XConnection::get());
-    }
-
-    const HiddenWindow m_window{[] {}};
-};
 
 /// An item without a tray, whose place nobody has chosen yet.
 class StripTest : public testing::Test
@@ -69,8 +36,7 @@ protected:
 
     static void forget()
     {
-        for (const char *property :
-             {"_NET_WORKAREA", "_GTK_WORKAREAS_D0", "_GTK_WORKAREAS_D1", "_NET_CURRENT_DESKTOP", "_KIVMENUA_ITEM"}) {
+        for (const char *property : {"_NET_WORKAREA", "_NET_CURRENT_DESKTOP", "_KIVMENUA_ITEM"}) {
             xcb_delete_property(XConnection::get(), XConnection::screen()->root, XConnection::atom(property));
         }
         xcb_flush(XConnection::get());
@@ -95,19 +61,6 @@ protected:
     [[nodiscard]] bool standsAt(int x, int y) const
     {
         return waitUntil([&] { return place() == QRect(x, y, 22, 22); });
-    }
-
-    [[nodiscard]] bool isInFrontOf(const QWindow &other) const
-    {
-        xcb_connection_t *x = XConnection::get();
-        const auto cookie = xcb_query_tree(x, XConnection::screen()->root);
-        const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(x, cookie, nullptr));
-        if (!tree) {
-            return false;
-        }
-        const std::span lowestFirst(xcb_query_tree_children(tree.get()), tree->children_len);
-        const auto place = [&](WId window) { return std::ranges::find(lowestFirst, window); };
-        return place(item->getWindow()) > place(other.winId());
     }
 
     void dragTo(QPoint point) const
@@ -142,17 +95,6 @@ TEST_F(StripTest, FollowsTheWorkArea)
 TEST_F(StripTest, FollowsTheWorkAreaFromDesktopToDesktop)
 {
     setOnRoot("_NET_WORKAREA", {0, 27, 1280, 773, 0, 50, 1280, 750});
-    EXPECT_TRUE(standsAt(usualX, 27));
-    setOnRoot("_NET_CURRENT_DESKTOP", {1});
-    EXPECT_TRUE(standsAt(usualX, 50));
-}
-
-TEST_F(StripTest, FollowsTheWorkAreaOfItsMonitorWhereEachHasItsOwn)
-{
-    setOnRoot("_NET_WORKAREA", {0, 60, 1280, 740, 0, 60, 1280, 740});
-    EXPECT_TRUE(standsAt(usualX, 60));
-    setOnRoot("_GTK_WORKAREAS_D1", {0, 50, 1280, 750});
-    setOnRoot("_GTK_WORKAREAS_D0", {1280, 60, 1024, 540, 0, 27, 1280, 773});
     EXPECT_TRUE(standsAt(usualX, 27));
     setOnRoot("_NET_CURRENT_DESKTOP", {1});
     EXPECT_TRUE(standsAt(usualX, 50));
@@ -260,46 +202,6 @@ TEST_F(StripTest, StandsWhereItWasPutWhenATrayHasComeAndGone)
     ASSERT_TRUE(waitUntil([&] { return tray->serve(), place().topLeft() == QPoint(100, 50); }));
     tray.reset();
     EXPECT_TRUE(standsAt(700, 0));
-}
-
-TEST_F(StripTest, StaysAboveWindowsThatComeLaterAndNotAboveAScreenLocker)
-{
-    ASSERT_TRUE(standsAt(usualX, 0));
-    QRasterWindow later;
-    later.setGeometry(900, 0, 300, 300);
-    later.show();
-    EXPECT_TRUE(waitUntil([&] { return later.isExposed() && isInFrontOf(later); }));
-    later.hide();
-
-    QRasterWindow locker;
-    locker.setFlags(Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
-    locker.setGeometry(0, 0, 1280, 800);
-    locker.show();
-    ASSERT_TRUE(waitUntil([&] { return locker.isExposed(); }));
-    EXPECT_FALSE(isInFrontOf(locker));
-    setOnRoot("_NET_WORKAREA", {0, 27, 1280, 773});
-    EXPECT_TRUE(standsAt(usualX, 27));
-    EXPECT_FALSE(isInFrontOf(locker)) << "the item has moved";
-}
-
-TEST_F(StripTest, StaysWhereItLiesWhileAWindowManagerRuns)
-{
-    constexpr std::uint32_t windows = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-    ASSERT_TRUE(standsAt(usualX, 0));
-    EXPECT_TRUE(rootMask() & windows);
-    {
-        const ManagersSelection manager;
-        EXPECT_TRUE(waitUntil([] { return !(rootMask() & windows); })) << "it wakes up for the windows of others";
-        QRasterWindow later;
-        later.setGeometry(900, 0, 300, 300);
-        later.show();
-        ASSERT_TRUE(waitUntil([&] { return later.isExposed(); }));
-        EXPECT_FALSE(isInFrontOf(later));
-        manager.giveUp();
-        EXPECT_TRUE(waitUntil([&] { return isInFrontOf(later); })) << "the manager has gone";
-    }
-    item.reset();
-    EXPECT_FALSE(rootMask() & windows);
 }
 
 TEST_F(StripTest, TakesNoDistanceThatNoScreenHas)

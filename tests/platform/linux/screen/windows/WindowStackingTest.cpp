@@ -81,29 +81,6 @@ TEST_F(WindowStacking, LeavesAScreenLockerAboveAPopUp)
     EXPECT_TRUE(isInFront(locker.winId(), popUp.winId()));
 }
 
-TEST_F(WindowStacking, LeavesAScreenLockerAboveAPopUpWhateverIsMappedBehindIt)
-{
-    QRasterWindow older;
-    older.setGeometry(200, 200, 300, 300);
-    older.show();
-    ASSERT_TRUE(waitUntil([&] { return isMapped(older.winId()) && isInFront(popUp.winId(), older.winId()); }));
-    const auto window = static_cast<xcb_window_t>(older.winId());
-    xcb_unmap_window(XConnection::get(), window);
-    constexpr std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(XConnection::get(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    ASSERT_FALSE(isMapped(window));
-    QRasterWindow locker;
-    locker.setFlags(Qt::FramelessWindowHint | Qt::BypassWindowManagerHint);
-    locker.setGeometry(0, 0, 1280, 800);
-    locker.show();
-    ASSERT_TRUE(waitUntil([&] { return locker.isExposed(); }));
-    ASSERT_TRUE(isInFront(window, popUp.winId()));
-
-    xcb_map_window(XConnection::get(), window);
-    EXPECT_TRUE(waitUntil([&] { return isMapped(window) && isInFront(popUp.winId(), window); }));
-    EXPECT_TRUE(isInFront(locker.winId(), popUp.winId()));
-}
-
 TEST_F(WindowStacking, HearsOfNoWindowsOnceThePopUpIsGone)
 {
     EXPECT_TRUE(rootMask() & XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);

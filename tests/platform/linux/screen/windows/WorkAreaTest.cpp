@@ -29,22 +29,6 @@ TEST(WorkArea, IsNoneWhereItIsLargerThanAnyScreen)
     }
 }
 
-TEST(WorkArea, IsThatOfTheMonitorWhereEachHasItsOwn)
-{
-    const QRect left(0, 0, 1280, 800);
-    const QRect right(1280, 0, 1024, 600);
-    const AreaNumbers two{1280, 100, 1024, 500, 0, 32, 1280, 768};
-    EXPECT_EQ(workAreaOfMonitor(two, left), QRect(0, 32, 1280, 768));
-    EXPECT_EQ(workAreaOfMonitor(two, right), QRect(1280, 100, 1024, 500));
-    EXPECT_EQ(workAreaOfMonitor(two, {2304, 0, 800, 600}), std::nullopt) << "of a monitor that has only just come";
-    EXPECT_EQ(workAreaOfMonitor(AreaNumbers{0, 0, 2304, 800}, left), std::nullopt) << "one that lies on both";
-    EXPECT_EQ(workAreaOfMonitor(AreaNumbers{0, 0, 0, 0}, left), std::nullopt);
-    EXPECT_EQ(workAreaOfMonitor(AreaNumbers{0, 0xffffffff, 1280, 800, 0, 32, 1280, 768}, left), QRect(0, 32, 1280, 768))
-        << "after one that no screen has";
-    EXPECT_EQ(workAreaOfMonitor(AreaNumbers{0, 32, 1280}, left), std::nullopt);
-    EXPECT_EQ(workAreaOfMonitor({}, left), std::nullopt);
-}
-
 struct AreaRow {
     const char *what;
     QRect monitor;

@@ -1,4 +1,4 @@
-#include "platform/linux/desktop/XResources.h"
+#include "platform/linux/desktop/StartScale.h"
 
 #include <gtest/gtest.h>
 

@@ -84,8 +84,12 @@ bool Life::start()
     // What is freed is overwritten, so that a use of it shows.
     environment.insert(QStringLiteral("MALLOC_PERTURB_"), QStringLiteral("165"));
     environment.insert(QStringLiteral("GLIBC_TUNABLES"), QStringLiteral("glibc.malloc.tcache_count=0"));
-    SettingsProgram::write(m_session.desktop, 1, 1, 0);
-    if (!m_session.start({.agentsEnvironment = environment, .feed = m_feed.address(QStringLiteral("/messages"))})) {
+    if (!m_session.start({.agentsEnvironment = environment,
+                          .feed = m_feed.address(QStringLiteral("/messages")),
+                          .beforeTheAgent = [this] {
+                              SettingsProgram::write(m_session.desktop, 1, 1, 0);
+                              return true;
+                          }})) {
         return false;
     }
     m_on = m_session.agent->itemPicture();

@@ -37,6 +37,8 @@ void SettingsProgram::write(const Desktop &desktop, int show, int close, int rep
          {"News", "Notices", "Updates", "Warnings", "LowPriority", "MediumPriority", "HighPriority"}) {
         preferences.insert(QStringLiteral("KivNotificationShow") + QLatin1String(what), true);
     }
+    // A desktop that has not started has no home yet, and the file would be one of the machine's.
+    ASSERT_TRUE(desktop.environment().contains(QStringLiteral("HOME")));
     preferences.insert(lastIdKey, lastMessageId(desktop));
     EXPECT_TRUE(QDir().mkpath(folderOf(desktop)));
     EXPECT_TRUE(PropertyList::writeFile(fileOf(desktop), preferences, PropertyList::Writing::InPlace));

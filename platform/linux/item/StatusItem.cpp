@@ -211,7 +211,7 @@ void StatusItem::Private::standAlone()
 
 void StatusItem::Private::listenTo(TrayIconWindow &window)
 {
-    connect(&window, &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+    connect(&window, &TrayIconWindow::pressed, this, &Private::handlePress);
     connect(&window, &TrayIconWindow::chosenByKey, this, &Private::handleKey);
     connect(&window, &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
 }

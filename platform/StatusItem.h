@@ -49,11 +49,12 @@ public:
     /// such menu at first. It must outlive the item; null takes it back. Nothing comes of it on macOS.
     void setMenu(QMenu *menu);
 
-    /// Where the item is on screen, in points; nothing while it is not (yet) embedded, and where the host tells nobody.
+    /// Where the item is on screen, in points; nothing while it is not (yet) embedded or is on no monitor, and where
+    /// the host tells nobody.
     [[nodiscard]] std::optional<NSRect> frame() const;
 
-    /// The window in which the item is drawn, by the window system's own number; 0 while it is not (yet) embedded,
-    /// where its host draws it, and on macOS, which shows its windows to nobody.
+    /// The window in which the item is drawn, by the window system's own number; 0 while frame() is nothing, and on
+    /// macOS, which shows its windows to nobody.
     [[nodiscard]] WId getWindow() const;
     /// The screen on which the middle of that window lies; null without a window, or while that is on no screen.
     [[nodiscard]] QScreen *getScreen() const;

@@ -718,6 +718,28 @@ TEST_F(KIVMenuObjTest, OpensTheMenuWhereTheItemsHostSaysThatItWasPressed)
         NSPoint{300, 20});
 }
 
+TEST_F(KIVMenuObjTest, OpensTheMenuAtThePressOfAnItemThatItsTrayHasOffTheScreen)
+{
+    FakeTray tray({-300, 400});
+    menu.setFlags(2);
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), tray.icons().size() == 1; }));
+    FakeInput::moveTo({900, 700});
+    QTimer opened;
+    std::optional<QPoint> place;
+    QObject::connect(&opened, &QTimer::timeout, &opened, [&] {
+        if (menu.menu()->isVisible()) {
+            place = menu.menu()->pos();
+            menu.menu()->close();
+        }
+    });
+    opened.start(1ms);
+    tray.passPress(tray.icons().front(), {300, 200});
+    EXPECT_TRUE(waitUntil([&] { return place.has_value(); }));
+    EXPECT_EQ(place, MainScreen::toQt({300, 600}));
+    menu.saveTrayX();
+    EXPECT_EQ(menu.trayX(), 0) << "there is no place to remember";
+}
+
 TEST_F(KIVMenuObjTest, ClosesTheOpenMenuAtASecondPress)
 {
     menu.setFlags(2);

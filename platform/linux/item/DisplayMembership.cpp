@@ -7,6 +7,8 @@
 
 #include <xcb/res.h>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -74,11 +76,31 @@ bool isSameDisplay(const DisplayNames &one, const DisplayNames &other)
     return !one.waylandDisplay.isEmpty() && one.waylandDisplay == other.waylandDisplay;
 }
 
-bool isOfThisDisplay(pid_t pid)
+DisplayMembership membershipByNames(const DisplayNames &process, const DisplayNames &own)
 {
-    if (!XConnection::get()) {
-        return true;
+    if (isSameDisplay(process, own)) {
+        return DisplayMembership::OfThis;
     }
-    return isClientOfTheXServer(pid) ||
-           isSameDisplay(displayNames(environmentOf(pid)), {qgetenv("DISPLAY"), qgetenv("WAYLAND_DISPLAY")});
+    const auto namesNone = [](const DisplayNames &names) {
+        return names.display.isEmpty() && names.waylandDisplay.isEmpty();
+    };
+    return namesNone(process) || namesNone(own) ? DisplayMembership::Unknown : DisplayMembership::OfAnother;
+}
+
+DisplayMembership membershipOf(pid_t pid)
+{
+    if (!XConnection::get() || isClientOfTheXServer(pid)) {
+        return DisplayMembership::OfThis;
+    }
+    return membershipByNames(displayNames(environmentOf(pid)), {qgetenv("DISPLAY"), qgetenv("WAYLAND_DISPLAY")});
+}
+
+DisplayMembership membershipOfAll(std::span<const DisplayMembership> each)
+{
+    for (const DisplayMembership decisive : {DisplayMembership::OfAnother, DisplayMembership::OfThis}) {
+        if (std::ranges::find(each, decisive) != each.end()) {
+            return decisive;
+        }
+    }
+    return DisplayMembership::Unknown;
 }

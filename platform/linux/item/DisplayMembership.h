@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 
+#include <span>
 #include <sys/types.h>
 
 /// Which processes belong to which display. A user may have several displays at once, and they share one bus where the
@@ -22,6 +23,19 @@ struct DisplayNames {
 /// display they came from.
 [[nodiscard]] bool isSameDisplay(const DisplayNames &one, const DisplayNames &other);
 
-/// Whether a process belongs to the display of this program: it is a client of this X server, or its environment names
-/// this display. True of every process while this program has no X server. Main thread only.
-[[nodiscard]] bool isOfThisDisplay(pid_t pid);
+/// To which display a process belongs, as far as this program can tell.
+enum class DisplayMembership {
+    Unknown,  ///< There is no such process, its environment cannot be read, or it names no display.
+    OfThis,   ///< This program's display.
+    OfAnother ///< Its environment names another display.
+};
+
+/// What two environments, of a process and of this program, tell about the process.
+[[nodiscard]] DisplayMembership membershipByNames(const DisplayNames &process, const DisplayNames &own);
+
+/// A client of this X server is of this display, whatever its environment names; of another process it is the
+/// environment that tells. Every process is of this display while this program has no X server. Main thread only.
+[[nodiscard]] DisplayMembership membershipOf(pid_t pid);
+
+/// Of processes that work together: of another display if one of them is, else of this one if one of them is.
+[[nodiscard]] DisplayMembership membershipOfAll(std::span<const DisplayMembership> each);

@@ -1,7 +1,6 @@
 #include "platform/linux/item/NotifierHostWatch.h"
 
 #include "platform/LogCategories.h"
-#include "platform/linux/item/DisplayMembership.h"
 #include "platform/linux/item/NotifierWatcher.h"
 
 #include <QDBusPendingCallWatcher>
@@ -9,8 +8,19 @@
 #include <QDBusServiceWatcher>
 #include <QDBusVariant>
 
-#include <algorithm>
 #include <chrono>
+#include <vector>
+
+namespace
+{
+
+/// The names of hosts begin so by agreement.
+bool isNameOfHost(const QString &name)
+{
+    return name.startsWith(QStringLiteral("org.kde.StatusNotifierHost"));
+}
+
+} // namespace
 
 NotifierHostWatch::NotifierHostWatch(SessionBus &bus)
     : m_bus(bus)
@@ -37,12 +47,21 @@ void NotifierHostWatch::watchBus()
                                                          QDBusServiceWatcher::WatchForOwnerChange);
     connect(m_busWatcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString &, const QString &, const QString &owner) { follow(owner); });
+    // Not every watcher tells of each host.
+    m_hostWatcher = std::make_unique<QDBusServiceWatcher>(QStringLiteral("org.kde*"), m_bus.connection(),
+                                                          QDBusServiceWatcher::WatchForOwnerChange);
+    connect(m_hostWatcher.get(), &QDBusServiceWatcher::serviceOwnerChanged, this, [this](const QString &name) {
+        if (isNameOfHost(name) && !m_owner.isEmpty()) {
+            ask();
+        }
+    });
     follow(m_bus.ownerOf(notifierWatcherName()));
 }
 
 void NotifierHostWatch::leaveBus()
 {
     m_busWatcher.reset();
+    m_hostWatcher.reset();
     follow(QString());
 }
 
@@ -59,6 +78,7 @@ void NotifierHostWatch::follow(const QString &owner)
     if (m_owner.isEmpty()) {
         qCDebug(itemLog, "there is no StatusNotifierItem watcher");
         m_watcher.clear();
+        m_isShared = false;
         QMetaObject::invokeMethod(this, &NotifierHostWatch::changed, Qt::QueuedConnection);
     } else {
         ask();
@@ -108,28 +128,38 @@ void NotifierHostWatch::hearAnswer()
         m_retry.start(); // A bus that stalls may go on one day.
     }
     const bool hasHost = answer.isValid() && answer.value().variant().toBool();
-    const bool counts = hasHost && isForThisDisplay();
+    const DisplayMembership whose = hasHost ? membership() : DisplayMembership::Unknown;
+    m_watcher = whose == DisplayMembership::OfThis ? m_owner : QString();
+    m_isShared = whose == DisplayMembership::OfAnother;
     qCDebug(itemLog, "the StatusNotifierItem watcher %s %s", qPrintable(m_owner),
-            counts             ? "has a host on this display"
-            : hasHost          ? "has hosts on other displays only"
-            : answer.isValid() ? "has no host"
-                               : "does not say whether it has a host");
-    m_watcher = counts ? m_owner : QString();
+            m_isShared            ? "has a host on another display"
+            : !m_watcher.isNull() ? "has a host on this display"
+            : hasHost             ? "has a host, on a display that cannot be told"
+            : answer.isValid()    ? "has no host"
+                                  : "does not say whether it has a host");
     Q_EMIT changed();
 }
 
-bool NotifierHostWatch::isForThisDisplay() const
+DisplayMembership NotifierHostWatch::membership() const
 {
-    const auto isOurs = [this](const QString &name) {
+    const auto of = [this](const QString &name) {
         const qint64 pid = m_bus.processOf(name).value_or(0);
-        return pid != 0 && isOfThisDisplay(static_cast<pid_t>(pid));
+        return pid == 0 ? DisplayMembership::Unknown : membershipOf(static_cast<pid_t>(pid));
     };
-    if (isOurs(m_owner)) {
-        return true;
-    }
-    // One watcher may serve the hosts of several displays; their names begin so by agreement.
+    std::vector<DisplayMembership> each{of(m_owner)};
     const QStringList names = m_bus.names();
-    return std::any_of(names.cbegin(), names.cend(), [&](const QString &name) {
-        return name.startsWith(QStringLiteral("org.kde.StatusNotifierHost")) && isOurs(name);
-    });
+    for (const QString &name : names) {
+        if (isNameOfHost(name)) {
+            each.push_back(of(name));
+        }
+    }
+    return membershipOfAll(each);
+}
+
+NotifierHosts NotifierHostWatch::hosts() const noexcept
+{
+    if (!m_watcher.isEmpty()) {
+        return NotifierHosts::Ours;
+    }
+    return m_isShared ? NotifierHosts::Shared : NotifierHosts::None;
 }

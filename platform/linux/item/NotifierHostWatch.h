@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/linux/include/SessionBus.h"
+#include "platform/linux/item/DisplayMembership.h"
+#include "platform/linux/item/StatusItemForm.h"
 
 #include <QObject>
 #include <QString>
@@ -11,10 +13,12 @@
 class QDBusPendingCallWatcher;
 class QDBusServiceWatcher;
 
-/// Watches whether StatusNotifierItems are shown on this display. They are when the session bus has a watcher, the
-/// watcher has a host, and one of the two belongs to this display: two sessions of a user may share a bus, and the item
-/// must not appear in the panel of the other session. Hears of every change from the bus, and polls only where that has
-/// stalled. Main thread only.
+/// Watches whether StatusNotifierItems are shown on this display, and on this one alone. They are when the session bus
+/// has a watcher, the watcher has a host, and of watcher and hosts one belongs to this display and none to another: two
+/// sessions of a user may share a bus, all hosts of a watcher draw all its items, and the item must not appear in the
+/// panel of the other session. A watcher may draw items itself, so it counts as a host; which host is registered with
+/// which watcher no bus tells, so all count that have a host's name. Hears of every change from the bus, and polls only
+/// where that has stalled. Main thread only.
 class NotifierHostWatch final : public QObject
 {
     Q_OBJECT
@@ -26,6 +30,8 @@ public:
 
     /// The unique name of that watcher; empty when there is none.
     [[nodiscard]] const QString &watcher() const noexcept { return m_watcher; }
+    /// What hosts there are: ours where there is that watcher.
+    [[nodiscard]] NotifierHosts hosts() const noexcept;
     /// Whether a watcher has been found that has not said yet whether it has a host. changed() follows its answer.
     [[nodiscard]] bool isAsking() const noexcept { return m_question != nullptr; }
 
@@ -47,12 +53,14 @@ private:
     void follow(const QString &owner);
     void hearOfHosts(bool hear);
     void hearAnswer();
-    [[nodiscard]] bool isForThisDisplay() const;
+    [[nodiscard]] DisplayMembership membership() const;
 
     SessionBus &m_bus;
     std::unique_ptr<QDBusServiceWatcher> m_busWatcher;
+    std::unique_ptr<QDBusServiceWatcher> m_hostWatcher;
     QTimer m_retry;
-    QString m_owner;   ///< Of the watcher's name, whatever it has to say.
-    QString m_watcher; ///< The same if it counts.
+    QString m_owner;         ///< Of the watcher's name, whatever it has to say.
+    QString m_watcher;       ///< The same if it counts.
+    bool m_isShared = false; ///< It does not count because of another display.
     std::unique_ptr<QDBusPendingCallWatcher> m_question;
 };

@@ -119,7 +119,7 @@ StatusItem::Private::Private(StatusItem *owner)
 
 void StatusItem::Private::update(Settling settling)
 {
-    const StatusItemHosts hosts{m_trays.tray() != XCB_NONE, !m_notifiers.watcher().isEmpty(), m_trays.isProxy()};
+    const StatusItemHosts hosts{m_trays.tray() != XCB_NONE, m_notifiers.hosts(), m_trays.isProxy()};
     const StatusItemForm form = pickForm(hosts, m_form, settling);
     if (form == wantedForm(hosts)) {
         m_settling.stop();
@@ -211,7 +211,7 @@ void StatusItem::Private::standAlone()
 
 void StatusItem::Private::listenTo(TrayIconWindow &window)
 {
-    connect(&window, &TrayIconWindow::pressed, this, [this] { handlePress(std::nullopt); });
+    connect(&window, &TrayIconWindow::pressed, this, &Private::handlePress);
     connect(&window, &TrayIconWindow::chosenByKey, this, &Private::handleKey);
     connect(&window, &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
 }

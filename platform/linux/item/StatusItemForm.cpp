@@ -3,15 +3,20 @@
 namespace
 {
 
+bool hasTray(StatusItemHosts hosts)
+{
+    return hosts.tray && !(hosts.trayIsProxy && hosts.notifier == NotifierHosts::Shared);
+}
+
 bool isPossible(StatusItemForm form, StatusItemHosts hosts)
 {
     switch (form) {
     case StatusItemForm::None:
         return true;
     case StatusItemForm::Tray:
-        return hosts.tray;
+        return hasTray(hosts);
     case StatusItemForm::Notifier:
-        return hosts.notifier;
+        return hosts.notifier == NotifierHosts::Ours;
     case StatusItemForm::Strip:
         return true;
     }
@@ -22,10 +27,11 @@ bool isPossible(StatusItemForm form, StatusItemHosts hosts)
 
 StatusItemForm wantedForm(StatusItemHosts hosts)
 {
-    if (hosts.tray && !(hosts.trayIsProxy && hosts.notifier)) {
+    const bool hasNotifier = hosts.notifier == NotifierHosts::Ours;
+    if (hasTray(hosts) && !(hosts.trayIsProxy && hasNotifier)) {
         return StatusItemForm::Tray;
     }
-    return hosts.notifier ? StatusItemForm::Notifier : StatusItemForm::Strip;
+    return hasNotifier ? StatusItemForm::Notifier : StatusItemForm::Strip;
 }
 
 StatusItemForm pickForm(StatusItemHosts hosts, StatusItemForm present, Settling settling)
@@ -56,5 +62,7 @@ const char *description(StatusItemForm form)
 QByteArray description(StatusItemHosts hosts)
 {
     const char *const tray = hosts.trayIsProxy ? "a proxy for a" : hosts.tray ? "a" : "no";
-    return QByteArray(tray) + " tray and " + (hosts.notifier ? "a" : "no") + " StatusNotifierItem host";
+    const char *const shared = hosts.notifier == NotifierHosts::Shared ? " on another display" : "";
+    return QByteArray(tray) + " tray and " + (hosts.notifier == NotifierHosts::None ? "no" : "a") +
+           " StatusNotifierItem host" + shared;
 }

@@ -10,10 +10,17 @@ enum class StatusItemForm {
     Strip     ///< By itself in the screen's corner.
 };
 
+/// The StatusNotifierItem hosts that a session's bus has: all that there are draw each item.
+enum class NotifierHosts {
+    None,
+    Ours,  ///< On this display only.
+    Shared ///< One is on another display: the item, and its menu, must not appear there.
+};
+
 /// The hosts that a session has.
 struct StatusItemHosts {
     bool tray = false;
-    bool notifier = false;
+    NotifierHosts notifier = NotifierHosts::None;
     bool trayIsProxy = false; ///< It draws nothing itself, but hands windows on to a notifier host.
 };
 
@@ -21,7 +28,8 @@ struct StatusItemHosts {
 enum class Settling { Underway, Over };
 
 /// The form that suits the hosts once they have settled. A tray is preferred to a notifier host, for it tells where the
-/// item is; but not a proxy, behind which the item would be a picture of a window, with that window's place.
+/// item is; but not a proxy, behind which the item would be a picture of a window, with that window's place. Hosts that
+/// are shared count as none, and so does a proxy, which would hand the item on to them.
 [[nodiscard]] StatusItemForm wantedForm(StatusItemHosts hosts);
 
 /// The form that follows the `present` one (None for a new item) now. A tray follows at once, every other form only

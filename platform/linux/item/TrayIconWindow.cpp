@@ -8,6 +8,7 @@
 #include "platform/linux/item/WindowPicture.h"
 #include "platform/linux/item/menu/OpenPopUps.h"
 #include "platform/linux/screen/windows/WindowNames.h"
+#include "platform/linux/screen/windows/WindowPlace.h"
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
@@ -147,25 +148,9 @@ void TrayIconWindow::moveTo(const QRect &place)
 
 std::optional<QRect> TrayIconWindow::place() const
 {
-    xcb_connection_t *x = XConnection::get();
-    const xcb_window_t root = XConnection::screen()->root;
-    const auto treeCookie = xcb_query_tree(x, m_window);
-    const auto attributesCookie = xcb_get_window_attributes(x, m_window);
-    const auto geometryCookie = xcb_get_geometry(x, m_window);
-    const auto placeCookie = xcb_translate_coordinates(x, m_window, root, 0, 0);
-    const XcbReply<xcb_query_tree_reply_t> tree(xcb_query_tree_reply(x, treeCookie, nullptr));
-    const XcbReply<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(x, attributesCookie, nullptr));
-    const XcbReply<xcb_get_geometry_reply_t> geometry(xcb_get_geometry_reply(x, geometryCookie, nullptr));
-    const XcbReply<xcb_translate_coordinates_reply_t> place(xcb_translate_coordinates_reply(x, placeCookie, nullptr));
-    if (!tree || !attributes || !geometry || !place) {
-        return std::nullopt;
-    }
-    const bool isEmbedded = tree->parent != root;
-    if (attributes->map_state != XCB_MAP_STATE_VIEWABLE || isEmbedded != (m_kind == Kind::Docked)) {
-        return std::nullopt;
-    }
-    return QRect(place->dst_x, place->dst_y, geometry->width, geometry->height);
+    const std::optional<WindowPlace> place = placeOnScreen(m_window);
+    const bool isKnown = place && place->isTopLevel == (m_kind == Kind::Alone);
+    return isKnown ? std::optional(place->rect) : std::nullopt;
 }
 
 bool TrayIconWindow::nativeEventFilter(const QByteArray &, void *message, qintptr *)
@@ -301,7 +286,8 @@ void TrayIconWindow::takePress(const xcb_button_press_event_t &press)
     // input extension, which the server refuses while a core grab stands: the menu would not see the mouse.
     xcb_ungrab_pointer(XConnection::get(), XCB_CURRENT_TIME);
     xcb_flush(XConnection::get());
-    RootProperties::catchUpAndShow(this, [this, button = press.detail, isDoubleClick] {
+    const QPoint where(press.root_x, press.root_y);
+    RootProperties::catchUpAndShow(this, [this, button = press.detail, where, isDoubleClick] {
         // A menu that holds the pointer is closed by Qt, and the press never comes here. This is for one that was
         // opened by an earlier press in the same event loop iteration, or that could not get hold of the pointer.
         if (QApplication::activePopupWidget() && isDoubleClick) {
@@ -310,7 +296,8 @@ void TrayIconWindow::takePress(const xcb_button_press_event_t &press)
             qCDebug(itemLog, "pressed: closes the menu that is open");
             closePopUps();
         } else if (button != XCB_BUTTON_INDEX_2) {
-            Q_EMIT pressed();
+            // Presses that a program makes may have no place either.
+            Q_EMIT pressed(where.isNull() || place() ? std::nullopt : std::optional(where));
         }
     });
 }

@@ -41,13 +41,15 @@ public:
     [[nodiscard]] xcb_window_t id() const { return m_window; }
 
     /// Where the window is on the root window, in device pixels, as the server has it now; nothing while it is not on
-    /// screen or, for a docked one, not (or no longer) inside its tray.
+    /// screen or, for a docked one, not (or no longer) inside its tray, or in one that has it where no monitor is, as
+    /// those do that show it elsewhere.
     [[nodiscard]] std::optional<QRect> place() const;
 
 Q_SIGNALS:
-    /// The primary or the right button went down on it. From the event loop. Not for a press that only closes an open
-    /// menu.
-    void pressed();
+    /// The primary or the right button went down on it, at `where`, in device pixels of the root window; nothing where
+    /// its own place tells more, or the press does not say. From the event loop. Not for a press that only closes an
+    /// open menu.
+    void pressed(std::optional<QPoint> where);
     /// A key that opens the menu was pressed while it had the keyboard. From the event loop.
     void chosenByKey();
     /// It has the keyboard, or no longer.

@@ -16,7 +16,7 @@ int bottomOf(const QRect &rect, const QRect &monitor)
 bool isPanelAtTheTop(const QRect &window, const QRect &monitor)
 {
     const bool isThin = window.height() < window.width() && window.height() * 4 <= monitor.height();
-    return isThin && panelBar(window, {}, monitor, 1).edge == StatusBar::Edge::Top;
+    return isThin && panelBar(window, {}, monitor, {}, 1).edge == StatusBar::Edge::Top;
 }
 
 } // namespace

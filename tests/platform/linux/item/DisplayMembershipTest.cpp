@@ -7,9 +7,12 @@
 #include <gtest/gtest.h>
 
 #include <unistd.h>
+#include <vector>
 
 namespace
 {
+
+using Membership = DisplayMembership;
 
 struct Row {
     const char *what;
@@ -62,23 +65,45 @@ bool startIdle(ChildProcess &program, const QString &display)
 TEST(DisplayMembership, IsHadByAClientOfTheXServerWhateverItsEnvironmentSays)
 {
     // The test's own environment is from before there was a server.
-    EXPECT_TRUE(isOfThisDisplay(::getpid()));
+    EXPECT_EQ(membershipOf(::getpid()), Membership::OfThis);
 }
 
 TEST(DisplayMembership, IsHadByAProcessWhoseEnvironmentNamesTheDisplay)
 {
     ChildProcess here;
     ASSERT_TRUE(startIdle(here, testXServer().display()));
-    EXPECT_TRUE(waitUntil([&] { return isOfThisDisplay(static_cast<pid_t>(here.pid())); }));
+    EXPECT_TRUE(waitUntil([&] { return membershipOf(static_cast<pid_t>(here.pid())) == Membership::OfThis; }));
 
     ChildProcess elsewhere;
     ASSERT_TRUE(startIdle(elsewhere, QStringLiteral(":12345")));
-    EXPECT_FALSE(isOfThisDisplay(static_cast<pid_t>(elsewhere.pid())));
+    EXPECT_TRUE(waitUntil([&] { return membershipOf(static_cast<pid_t>(elsewhere.pid())) == Membership::OfAnother; }));
 }
 
-TEST(DisplayMembership, IsNotHadByAProcessThatIsNotThere)
+TEST(DisplayMembership, CannotBeToldOfAProcessThatIsNotThere)
 {
-    EXPECT_FALSE(isOfThisDisplay(0));
+    EXPECT_EQ(membershipOf(0), Membership::Unknown);
+}
+
+TEST(DisplayMembership, IsThatOfTheNamesWhereBothHaveOne)
+{
+    const DisplayNames own{":7", ""};
+    EXPECT_EQ(membershipByNames({":7.0", ""}, own), Membership::OfThis);
+    EXPECT_EQ(membershipByNames({":8", ""}, own), Membership::OfAnother);
+    EXPECT_EQ(membershipByNames({"", "wayland-0"}, own), Membership::OfAnother) << "the desktop at the console";
+    EXPECT_EQ(membershipByNames({"", ""}, own), Membership::Unknown);
+    EXPECT_EQ(membershipByNames({":7", ""}, {"", ""}), Membership::Unknown);
+}
+
+TEST(DisplayMembership, IsOfAnotherDisplayForAllWhereItIsForOne)
+{
+    using All = std::vector<Membership>;
+    EXPECT_EQ(membershipOfAll(All{}), Membership::Unknown);
+    EXPECT_EQ(membershipOfAll(All{Membership::Unknown, Membership::Unknown}), Membership::Unknown);
+    EXPECT_EQ(membershipOfAll(All{Membership::Unknown, Membership::OfThis}), Membership::OfThis);
+    EXPECT_EQ(membershipOfAll(All{Membership::OfThis, Membership::Unknown}), Membership::OfThis);
+    EXPECT_EQ(membershipOfAll(All{Membership::OfThis, Membership::OfAnother}), Membership::OfAnother);
+    EXPECT_EQ(membershipOfAll(All{Membership::OfAnother, Membership::OfThis}), Membership::OfAnother);
+    EXPECT_EQ(membershipOfAll(All{Membership::OfAnother, Membership::Unknown}), Membership::OfAnother);
 }
 
 } // namespace

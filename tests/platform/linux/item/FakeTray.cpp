@@ -102,6 +102,20 @@ void FakeTray::passKey(xcb_window_t icon, std::uint8_t key, std::uint16_t modifi
     xcb_flush(m_connection);
 }
 
+void FakeTray::passPress(xcb_window_t icon, QPoint place)
+{
+    xcb_button_press_event_t press = {};
+    press.response_type = XCB_BUTTON_PRESS;
+    press.detail = XCB_BUTTON_INDEX_1;
+    press.root = m_screen->root;
+    press.root_x = static_cast<std::int16_t>(place.x());
+    press.root_y = static_cast<std::int16_t>(place.y());
+    press.event = icon;
+    press.same_screen = true;
+    xcb_send_event(m_connection, false, icon, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&press));
+    xcb_flush(m_connection);
+}
+
 void FakeTray::putOut()
 {
     for (const xcb_window_t icon : m_icons) {

@@ -7,12 +7,15 @@ namespace
 
 using Form = StatusItemForm;
 
-constexpr StatusItemHosts noHost{false, false};
-constexpr StatusItemHosts trayOnly{true, false};
-constexpr StatusItemHosts notifierOnly{false, true};
-constexpr StatusItemHosts both{true, true};
-constexpr StatusItemHosts proxyOnly{true, false, true};
-constexpr StatusItemHosts proxyAndNotifier{true, true, true};
+constexpr StatusItemHosts noHost{false};
+constexpr StatusItemHosts trayOnly{true};
+constexpr StatusItemHosts notifierOnly{false, NotifierHosts::Ours};
+constexpr StatusItemHosts sharedOnly{false, NotifierHosts::Shared};
+constexpr StatusItemHosts both{true, NotifierHosts::Ours};
+constexpr StatusItemHosts trayAndShared{true, NotifierHosts::Shared};
+constexpr StatusItemHosts proxyOnly{true, NotifierHosts::None, true};
+constexpr StatusItemHosts proxyAndNotifier{true, NotifierHosts::Ours, true};
+constexpr StatusItemHosts proxyAndShared{true, NotifierHosts::Shared, true};
 
 struct Row {
     const char *what;
@@ -30,6 +33,20 @@ TEST(StatusItemForm, IsTheTrayBeforeTheNotifierHostBeforeTheStrip)
     EXPECT_EQ(wantedForm(both), Form::Tray);
     EXPECT_EQ(wantedForm(proxyOnly), Form::Tray);
     EXPECT_EQ(wantedForm(proxyAndNotifier), Form::Notifier);
+}
+
+TEST(StatusItemForm, IsNeverWhatShowsItOnAnotherDisplay)
+{
+    EXPECT_EQ(wantedForm(sharedOnly), Form::Strip);
+    EXPECT_EQ(wantedForm(trayAndShared), Form::Tray);
+    EXPECT_EQ(wantedForm(proxyAndShared), Form::Strip);
+}
+
+TEST(StatusItemForm, IsSaidWithTheHostsThatThereAre)
+{
+    EXPECT_EQ(description(noHost), "no tray and no StatusNotifierItem host");
+    EXPECT_EQ(description(proxyAndNotifier), "a proxy for a tray and a StatusNotifierItem host");
+    EXPECT_EQ(description(trayAndShared), "a tray and a StatusNotifierItem host on another display");
 }
 
 TEST(StatusItemForm, TakesATrayAtOnceAndAllElseAfterSettling)
@@ -56,6 +73,11 @@ TEST(StatusItemForm, TakesATrayAtOnceAndAllElseAfterSettling)
         {"host of the proxy comes just now", proxyAndNotifier, Form::Tray, Settling::Underway, Form::Tray},
         {"host of the proxy has come", proxyAndNotifier, Form::Tray, Settling::Over, Form::Notifier},
         {"host of the proxy gone just now", proxyOnly, Form::Notifier, Settling::Underway, Form::None},
+        {"notifier host on another display comes just now", sharedOnly, Form::Notifier, Settling::Underway, Form::None},
+        {"notifier host on another display has come", sharedOnly, Form::None, Settling::Over, Form::Strip},
+        {"the same, behind a proxy, just now", proxyAndShared, Form::Tray, Settling::Underway, Form::None},
+        {"the same, behind a proxy", proxyAndShared, Form::None, Settling::Over, Form::Strip},
+        {"the same, beside a tray", trayAndShared, Form::Tray, Settling::Underway, Form::Tray},
         {"notifier host is back", notifierOnly, Form::None, Settling::Underway, Form::None},
     };
     for (const Row &row : rows) {

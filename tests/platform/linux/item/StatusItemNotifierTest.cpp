@@ -40,13 +40,13 @@ QIcon redIcon()
 }
 
 /// A watcher, with a host, in a process of its own, which has that DISPLAY and is no client of any X server.
-class WatcherOfADisplay final
+class WatcherOfADisplay
 {
 public:
-    explicit WatcherOfADisplay(const QString &display)
+    explicit WatcherOfADisplay(const QString &display, const QStringList &name = {})
     {
         m_program.environment.insert(QStringLiteral("DISPLAY"), display);
-        EXPECT_TRUE(m_program.start(QStringLiteral(KIV_NOTIFIER_WATCHER), {}));
+        EXPECT_TRUE(m_program.start(QStringLiteral(KIV_NOTIFIER_WATCHER), name));
         EXPECT_TRUE(waitUntil([this] { return m_program.output().contains('\n'); }));
     }
 
@@ -55,6 +55,18 @@ public:
 private:
     ChildProcess m_program;
 };
+
+/// A host in such a process, of whichever watcher there is.
+class HostOfADisplay final : private WatcherOfADisplay
+{
+public:
+    explicit HostOfADisplay(const QString &display)
+        : WatcherOfADisplay(display, {QStringLiteral("org.kde.StatusNotifierHost-1-") + display.mid(1)})
+    {
+    }
+};
+
+const QString displayElsewhere = QStringLiteral(":12345");
 
 class StatusItemNotifierTest : public testing::Test
 {
@@ -264,18 +276,54 @@ TEST_F(StatusItemNotifierTest, IsNotGivenToAWatcherWithoutAHost)
 
 TEST_F(StatusItemNotifierTest, IsNotGivenToAHostOfAnotherDisplay)
 {
-    WatcherOfADisplay elsewhere(QStringLiteral(":12345"));
+    WatcherOfADisplay watcher(displayElsewhere);
+    {
+        StatusItem item;
+        item.setImage(redIcon());
+        EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    }
+    // The same watcher may have a host here as well, but it draws what it gets, or another host does.
+    BusPeer host(*bus);
+    ASSERT_TRUE(host.connection().registerService(QStringLiteral("org.kde.StatusNotifierHost-1")));
     StatusItem item;
     item.setImage(redIcon());
     EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
-    EXPECT_EQ(elsewhere.itemCount(), 0);
+    EXPECT_EQ(watcher.itemCount(), 0);
+}
 
-    // The same watcher may have a host here as well: the test is on this display.
-    BusPeer host(*bus);
-    ASSERT_TRUE(host.connection().registerService(QStringLiteral("org.kde.StatusNotifierHost-1")));
-    StatusItem another;
-    another.setImage(redIcon());
-    EXPECT_TRUE(waitUntil([&] { return elsewhere.itemCount() == 1; }));
+TEST_F(StatusItemNotifierTest, IsNotGivenToAWatcherWhileItHasAHostOfAnotherDisplayToo)
+{
+    FakeNotifierHost host(bus->address());
+    const HostOfADisplay ours(testXServer().display());
+    std::optional<HostOfADisplay> theirs(displayElsewhere);
+    StatusItem item;
+    item.setImage(redIcon());
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; })) << round;
+        EXPECT_TRUE(host.items().isEmpty()) << round;
+        theirs.reset();
+        EXPECT_TRUE(waitUntil([&] { return host.items().size() == 1; })) << "it has gone " << round;
+        EXPECT_EQ(item.frame(), std::nullopt);
+        theirs.emplace(displayElsewhere);
+    }
+}
+
+TEST_F(StatusItemNotifierTest, IsNotGivenToAProxyForAHostOfAnotherDisplay)
+{
+    ChildProcess proxy;
+    ASSERT_TRUE(proxy.start(QStringLiteral(KIV_TRAY_PROXY), {}));
+    ASSERT_TRUE(waitUntil([&] { return XConnection::selectionOwner(XConnection::traySelection()) != XCB_NONE; }));
+    std::optional<WatcherOfADisplay> watcher(displayElsewhere);
+    StatusItem item;
+    item.setImage(redIcon());
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    EXPECT_FALSE(proxy.output().contains("asked"));
+
+    watcher.reset();
+    EXPECT_TRUE(waitUntil([&] { return proxy.output().contains("asked"); })) << "better than nothing";
+    watcher.emplace(displayElsewhere);
+    EXPECT_TRUE(waitUntil([&] { return item.frame() == stripFrame; }));
+    EXPECT_EQ(watcher->itemCount(), 0);
 }
 
 TEST_F(StatusItemNotifierTest, IsGivenToAHostThatNamesThisDisplay)

@@ -21,6 +21,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <X11/keysym.h>
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -553,6 +554,38 @@ TEST_F(StatusItemTest, HasNoFrameUntilTheTrayHasTakenItIn)
     EXPECT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value(); }));
     EXPECT_NE(item.getWindow(), WId{0});
     EXPECT_NE(item.getScreen(), nullptr);
+}
+
+TEST_F(StatusItemTest, HasNoFrameInATrayOffTheScreenAndIsPressedWhereTheTraySays)
+{
+    FakeTray tray({-300, 400});
+    StatusItem item;
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), tray.icons().size() == 1; }));
+    const xcb_window_t icon = tray.icons().front();
+    std::vector<std::optional<NSPoint>> places;
+    QObject::connect(&item, &StatusItem::pressed, &item,
+                     [&](std::optional<NSPoint> place) { places.push_back(place); });
+    tray.passPress(icon, {300, 20});
+    tray.passPress(icon, {0, 0});
+    tray.passKey(icon, FakeInput::keyOf(XK_Return));
+    EXPECT_TRUE(waitUntil([&] { return places.size() == 3; }));
+    EXPECT_THAT(places, testing::ElementsAre(NSPoint{300, 780}, std::nullopt, std::nullopt));
+    EXPECT_EQ(item.frame(), std::nullopt);
+    EXPECT_EQ(item.getWindow(), WId{0});
+}
+
+TEST_F(StatusItemTest, HasAFrameInATrayThatIsPartlyOffTheScreen)
+{
+    FakeTray tray({1 - FakeTray::side, 400});
+    StatusItem item;
+    ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value(); }));
+    EXPECT_EQ(item.frame()->origin.x, 1 - FakeTray::side);
+    std::vector<std::optional<NSPoint>> places;
+    QObject::connect(&item, &StatusItem::pressed, &item,
+                     [&](std::optional<NSPoint> place) { places.push_back(place); });
+    tray.passPress(tray.icons().front(), {300, 20});
+    EXPECT_TRUE(waitUntil([&] { return !places.empty(); }));
+    EXPECT_THAT(places, testing::ElementsAre(std::nullopt)) << "the mouse is at its frame";
 }
 
 /// The pixel of the item's window, as the server keeps it, alpha included.

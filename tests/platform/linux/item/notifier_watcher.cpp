@@ -6,7 +6,8 @@
 #include <cstdio>
 
 // A StatusNotifierWatcher with a host, in a process of its own, which is no client of any X server. It writes a line
-// once it is there, and one for each item that registers.
+// once it is there, and one for each item that registers. With an argument it has that name on the bus, and is no
+// watcher.
 
 int main(int argc, char **argv)
 {
@@ -14,8 +15,9 @@ int main(int argc, char **argv)
     QDBusConnection bus =
         QDBusConnection::connectToBus(qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("watcher"));
     NotifierWatcherObject watcher;
+    const QString name = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("org.kde.StatusNotifierWatcher");
     if (!bus.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher, QDBusConnection::ExportAllContents) ||
-        !bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"))) {
+        !bus.registerService(name)) {
         return 1;
     }
     const auto write = [](const char *line) {

@@ -1,8 +1,12 @@
 #include "platform/StatusBar.h"
 
+#include "platform/linux/include/XConnection.h"
+
 #include <QRasterWindow>
 
 #include <gtest/gtest.h>
+
+#include <array>
 
 namespace
 {
@@ -17,6 +21,23 @@ public:
         setGeometry(place);
         show();
     }
+};
+
+/// What a window manager says that panels and shells leave to windows.
+class PublishedWorkArea final
+{
+public:
+    explicit PublishedWorkArea(const std::array<std::uint32_t, 4> &area)
+    {
+        xcb_change_property(XConnection::get(), XCB_PROP_MODE_REPLACE, XConnection::screen()->root, property(),
+                            XCB_ATOM_CARDINAL, 32, area.size(), area.data());
+    }
+    ~PublishedWorkArea() { xcb_delete_property(XConnection::get(), XConnection::screen()->root, property()); }
+    PublishedWorkArea(const PublishedWorkArea &) = delete;
+    PublishedWorkArea &operator=(const PublishedWorkArea &) = delete;
+
+private:
+    static xcb_atom_t property() { return XConnection::atom("_NET_WORKAREA"); }
 };
 
 StatusBar bar(StatusBar::Edge edge, float thickness)
@@ -46,6 +67,17 @@ TEST(StatusBar, IsThePanelUnderTheMouseWhereTheItemIsNotKnown)
     EXPECT_EQ(StatusBar::around({{0, 400}, {}}), bar(StatusBar::Edge::Left, 48));
     EXPECT_EQ(StatusBar::around({{47, 400}, {}}), bar(StatusBar::Edge::Left, 48));
     EXPECT_EQ(StatusBar::around({{48, 400}, {}}), bar(StatusBar::Edge::Top, 22));
+}
+
+TEST(StatusBar, IsWhatTheWorkAreaLeavesWhereAShellFillsTheScreen)
+{
+    const Panel shell(QRect(0, 0, 1280, 800));
+    const PublishedWorkArea area({60, 0, 1220, 800});
+    EXPECT_EQ(StatusBar::around(itemAt({19, 400})), bar(StatusBar::Edge::Left, 60));
+    EXPECT_EQ(StatusBar::around({{10, 400}, {}}), bar(StatusBar::Edge::Left, 60)) << "at the mouse";
+    EXPECT_EQ(StatusBar::around(itemAt({1000, 775})), bar(StatusBar::Edge::Top, 25)) << "beside it";
+    const Panel top(QRect(0, 0, 1280, 32));
+    EXPECT_EQ(StatusBar::around(itemAt({19, 773})), bar(StatusBar::Edge::Top, 32)) << "under a panel that is seen";
 }
 
 TEST(StatusBar, ReachesAsFarAsTheItemWhereNoPanelIs)

@@ -17,9 +17,9 @@ void settle();
 /// Says that this process is to end. Also from the handler of a signal.
 void requestEnd() noexcept;
 
-/// Whether this process is to end, because of requestEnd or because its display has gone: for whoever keeps the event
-/// loop, which would learn of it, from running.
-[[nodiscard]] bool isEnding() noexcept;
+/// Whether this process is to end, because of requestEnd, because its display has gone, or because the session manager
+/// has said so by now: for whoever keeps the event loop, which would learn of it, from running. Main thread only.
+[[nodiscard]] bool isEnding();
 
 /// Ends the application's event loop and all within it, and closes the menu that would keep it from ending. From the
 /// main thread, and not from the handler of a signal.

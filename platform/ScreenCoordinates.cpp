@@ -1,5 +1,7 @@
 #include "platform/ScreenCoordinates.h"
 
+#include <QPointF>
+#include <QRectF>
 #include <QSizeF>
 
 #include <cmath>
@@ -51,14 +53,39 @@ QRect ScreenCoordinates::toDevice(NSRect rect) const
     return {topLeft, QSize(bottomRight.x() - topLeft.x(), bottomRight.y() - topLeft.y())};
 }
 
-NSRect ScreenCoordinates::fromQt(const QRect &rect) const
+NSRect ScreenCoordinates::fromQtOnMainScreen(const QRect &rect) const
 {
     const double bottom = rect.y() + rect.height() - mainScreen.y();
     return makeRect(rect.x() - mainScreen.x(), scaledHeight(*this) - bottom, rect.size());
 }
 
-QPoint ScreenCoordinates::toQt(NSPoint point) const
+QPoint ScreenCoordinates::toQtOnMainScreen(NSPoint point) const
 {
     return {static_cast<int>(std::lround(mainScreen.x() + point.x)),
             static_cast<int>(std::lround(mainScreen.y() + scaledHeight(*this) - point.y))};
+}
+
+NSRect ScreenCoordinates::fromQt(const QRect &rect) const
+{
+    for (const QRect &screen : otherScreens) {
+        const QPointF offset = rect.center() - screen.topLeft();
+        if (QRectF(QPointF(), QSizeF(screen.size()) / ratio).contains(offset)) {
+            const QPointF corner = screen.topLeft() + QPointF(rect.topLeft() - screen.topLeft()) * ratio;
+            const double top = (mainScreen.y() + mainScreen.height() - corner.y()) / ratio;
+            return makeRect((corner.x() - mainScreen.x()) / ratio, top - rect.height(), rect.size());
+        }
+    }
+    return fromQtOnMainScreen(rect);
+}
+
+QPoint ScreenCoordinates::toQt(NSPoint point) const
+{
+    for (const QRect &screen : otherScreens) {
+        if (screen.contains(toDevice(point))) {
+            const QPointF device(mainScreen.x() + point.x * ratio,
+                                 mainScreen.y() + mainScreen.height() - point.y * ratio);
+            return screen.topLeft() + ((device - screen.topLeft()) / ratio).toPoint();
+        }
+    }
+    return toQtOnMainScreen(point);
 }

@@ -43,6 +43,7 @@ void tearDown()
     // again.
     manager.saveUnsavedRecords();
     manager.setKivMenu(nullptr);
+    KivNotificationReceiver::sharedInstance().stop();
     __menu.reset();
 }
 } // namespace

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace
 {
@@ -144,8 +145,10 @@ FeedDocument feedDocument(const QByteArray &bytes, int maxAttributes)
         return {};
     }
     const QByteArrayView valid = QByteArrayView(bytes).first(lengthIn(*encoding, bytes));
-    const QString text = QStringDecoder(*encoding).decode(valid);
+    QString text = QStringDecoder(*encoding).decode(valid);
     const qsizetype length =
         std::min(lengthBeforeCrowdedTag(text, maxAttributes), lengthBeforeDeclaringDocumentType(text));
-    return {text.first(length), length == text.size() && valid.size() == bytes.size()};
+    const bool isWhole = length == text.size() && valid.size() == bytes.size();
+    text.truncate(length);
+    return {std::move(text), isWhole};
 }

@@ -3,9 +3,11 @@
 #include "notify/feed/ContentData.h"
 #include "notify/feed/FeedDate.h"
 #include "notify/feed/FeedDocument.h"
+#include "notify/feed/LongStretches.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
+#include "notify/record/MessageText.h"
 #include "platform/LogCategories.h"
 #include "platform/data/CrowdedTag.h"
 #include "platform/data/StringValues.h"
@@ -22,6 +24,8 @@ namespace
 
 constexpr int maxLevels = 100;
 constexpr int maxMessages = 1000;
+/// Of a content: in base64, broken into lines, more than is kept of the longest text.
+constexpr qsizetype maxStretch = 2 * maxHtmlBytes;
 
 /// A word of the feed, and the code that a record keeps for it.
 struct CodeWord {
@@ -83,7 +87,8 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &document)
 
 std::shared_ptr<FeedParser::Reading> FeedParser::open(const QByteArray &document)
 {
-    const FeedDocument decoded = feedDocument(document, maxXmlAttributes);
+    FeedDocument decoded = feedDocument(document, maxXmlAttributes);
+    shortenLongStretches(decoded.text, maxStretch);
     auto reading = std::make_shared<Reading>();
     reading->isWhole = decoded.isWhole;
     reading->reader.setNamespaceProcessing(false);

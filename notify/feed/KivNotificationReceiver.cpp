@@ -55,6 +55,14 @@ void KivNotificationReceiver::recieveNotifications()
     m_timer->start(m_timing.interval);
 }
 
+void KivNotificationReceiver::stop()
+{
+    m_timer.reset();
+    if (m_opened.valid()) {
+        m_opened.wait();
+    }
+}
+
 void KivNotificationReceiver::receiveNextNotification()
 {
     const FeedRequest request = requestOf(m_properties, m_bundle);

@@ -62,6 +62,10 @@ public:
     /// Called when an answer is complete; what it throws then leaves the event loop's callback.
     void parseNotificationData();
 
+    /// Sends no more requests, and waits for the thread in which a document may be decoded: after this the process may
+    /// end.
+    void stop();
+
     /// The record being read; null when none is.
     [[nodiscard]] const std::shared_ptr<KivNotification> &notification() const noexcept;
 

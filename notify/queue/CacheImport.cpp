@@ -79,6 +79,9 @@ void CacheImport::finish()
 void CacheImport::abandon()
 {
     m_isUnderWay = false;
+    if (m_decoded.valid()) {
+        m_decoded.wait();
+    }
 }
 
 void CacheImport::takeDecoded()

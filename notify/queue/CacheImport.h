@@ -47,7 +47,7 @@ public:
     /// under way.
     void finish();
 
-    /// Hands nothing more over, and tells nobody.
+    /// Waits for the thread, hands nothing more over, and tells nobody.
     void abandon();
 
 private:

@@ -11,6 +11,12 @@ struct Section {
 /// Within these, what looks like a document type is none.
 constexpr Section sections[] = {{u"<!--", u"-->"}, {u"<?", u"?>"}, {u"<![CDATA[", u"]]>"}};
 
+/// Whether it is neither an element nor its end, as nearly all are: it need not be compared with anything then.
+bool isDeclarationOrSection(QStringView markup)
+{
+    return markup.size() > 1 && (markup[1] == u'!' || markup[1] == u'?');
+}
+
 /// The length of the document type that the text begins with; 0 when it has an internal subset or no end.
 qsizetype lengthWithoutSubset(QStringView type)
 {
@@ -37,6 +43,10 @@ qsizetype lengthBeforeDocumentType(QStringView xml)
     qsizetype start = xml.indexOf(u'<');
     while (start >= 0) {
         const QStringView rest = xml.sliced(start);
+        if (!isDeclarationOrSection(rest)) {
+            start = xml.indexOf(u'<', start + 1);
+            continue;
+        }
         if (rest.startsWith(u"<!DOCTYPE")) {
             return start;
         }

@@ -1,5 +1,6 @@
 #include "platform/GraphicalSession.h"
 
+#include "platform/linux/SessionManagerMessages.h"
 #include "platform/linux/accessibility/AccessibilityBus.h"
 #include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
@@ -53,7 +54,8 @@ QString GraphicalSession::prepare()
     // The desktop's platform theme would cost up to 14 MB of private memory a session, and 30 ms of start-up.
     QApplication::setDesktopSettingsAware(false);
 
-    endInOrderWhenTheSessionManagerDies();
+    endInOrderWhenTheSessionManagerDies(&end);
+    SessionManagerMessages::hear();
     keepLibdbusFromAborting();
     const QString bus = sessionBusAddress();
     keepQtFromLaunchingOrAwaitingABus(bus,
@@ -107,15 +109,17 @@ void GraphicalSession::requestEnd() noexcept
     isEndRequested = true;
 }
 
-bool GraphicalSession::isEnding() noexcept
+bool GraphicalSession::isEnding()
 {
     // Qt reads from the server in a thread of its own.
     xcb_connection_t *const connection = XConnection::get();
+    SessionManagerMessages::handle();
     return isEndRequested || (connection && xcb_connection_has_error(connection) != 0);
 }
 
 void GraphicalSession::end()
 {
+    requestEnd();
     QCoreApplication::exit();
     closeSystemMenu();
 }

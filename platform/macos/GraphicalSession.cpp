@@ -36,7 +36,7 @@ void GraphicalSession::requestEnd() noexcept
     isEndRequested = true;
 }
 
-bool GraphicalSession::isEnding() noexcept
+bool GraphicalSession::isEnding()
 {
     return isEndRequested;
 }

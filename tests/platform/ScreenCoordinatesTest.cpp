@@ -19,6 +19,8 @@ const ScreenCoordinates single{QRect(0, 0, 1280, 800), 1};
 const ScreenCoordinates rightOfAnother{QRect(1920, 120, 1280, 800), 1};
 const ScreenCoordinates fine{QRect(0, 0, 2560, 1600), 2};
 const ScreenCoordinates fineBelow{QRect(100, 900, 2560, 1600), 2};
+const ScreenCoordinates fineBesideAnother{QRect(0, 0, 1920, 1080), 1.25, {QRect(1920, 200, 1920, 1080)}};
+const ScreenCoordinates fineRightOfAnother{QRect(1920, 0, 1920, 1080), 2, {QRect(0, 100, 1920, 980)}};
 const ScreenCoordinates none{QRect(), 1};
 
 struct PointRow {
@@ -38,6 +40,11 @@ const PointRow points[] = {
     {fine, {1000, 763}, {2000, 74}, {1000, 37}},
     {fineBelow, {0, 800}, {100, 900}, {100, 900}},
     {fineBelow, {50, 700}, {200, 1100}, {150, 1000}},
+    {fineBesideAnother, {1000, 824}, {1250, 50}, {1000, 40}},
+    {fineBesideAnother, {2400, 664}, {3000, 250}, {2784, 240}},
+    {fineBesideAnother, {2400, 800}, {3000, 80}, {2400, 64}},
+    {fineRightOfAnother, {100, 500}, {2120, 80}, {2020, 40}},
+    {fineRightOfAnother, {-860, 440}, {200, 200}, {100, 150}},
     {none, {10, -27}, {10, 27}, {10, 27}},
 };
 
@@ -68,6 +75,8 @@ const RectRow rects[] = {
     {rightOfAnother, {{1254, 773}, {22, 22}}, {3174, 125, 22, 22}, {3174, 125, 22, 22}},
     {fine, {{1254, 773}, {22, 22}}, {2508, 10, 44, 44}, {1254, 5, 22, 22}},
     {fineBelow, {{10, 700}, {20, 30}}, {120, 1040, 40, 60}, {110, 970, 20, 30}},
+    {fineBesideAnother, {{2400, 624}, {20, 40}}, {3000, 250, 25, 50}, {2784, 240, 20, 40}},
+    {fineRightOfAnother, {{-860, 420}, {30, 20}}, {200, 200, 60, 40}, {100, 150, 30, 20}},
     {none, {{0, -22}, {22, 22}}, {0, 0, 22, 22}, {0, 0, 22, 22}},
 };
 

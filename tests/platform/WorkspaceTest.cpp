@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <memory>
 #include <optional>
 
@@ -76,6 +77,31 @@ TEST_F(WorkspaceTest, RunsAProgramAndDoesNotOpenIt)
     Workspace::openUrl(QStringLiteral("http://127.0.0.1/after"));
     EXPECT_TRUE(opens("http://127.0.0.1/after")) << browser->opened().join('|').constData();
 }
+
+#ifdef Q_OS_LINUX
+TEST_F(WorkspaceTest, HandsNoIgnoredSignalDownToWhatItRuns)
+{
+    const QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("program"));
+    const QString trace = folder.filePath(QStringLiteral("trace"));
+    QFile script(program);
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\ncd \"${0%/*}\"\ngrep SigIgn: /proc/self/status >part\nmv part trace\n");
+    ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    script.close();
+    const auto before = std::signal(SIGPIPE, SIG_IGN); // As in the agent.
+    Workspace::openFile(program);
+    const bool hasRun = waitUntil([&] { return QFile::exists(trace); });
+    std::signal(SIGPIPE, before);
+    ASSERT_TRUE(hasRun);
+    QFile ignored(trace);
+    ASSERT_TRUE(ignored.open(QIODevice::ReadOnly));
+    bool isNumber = false;
+    const qulonglong signals = ignored.readAll().simplified().split(' ').last().toULongLong(&isNumber, 16);
+    ASSERT_TRUE(isNumber);
+    EXPECT_EQ(signals & (1ULL << (SIGPIPE - 1)), 0U);
+}
+#endif
 
 TEST_F(WorkspaceTest, SaysInTheLogWhatItCouldNotOpen)
 {

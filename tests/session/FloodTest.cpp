@@ -254,6 +254,26 @@ TEST(Flood, OfWhatIsNoEventLeavesTheMenuToTheUser)
     }
 }
 
+TEST(Flood, OfEventsOfAMegabyteTakesTheMemoryOfAFewOfThem)
+{
+    using namespace RawCommand;
+    Session session;
+    ASSERT_TRUE(startWithPopUpsThatStay(session));
+    Agent &agent = *session.agent;
+    const QByteArray text(1'000'000, 'x');
+    const QList<RawParameter> hint{
+        command("medh"),
+        sender(session.service->process().pid()),
+        {QStringLiteral("mpht"), QStringLiteral("ptxt"), text},
+        {QStringLiteral("mphs"), QStringLiteral("magn"), bytesOf(static_cast<std::uint32_t>(text.size()))}};
+    const qint64 memoryBefore = ProcessMemory::peakKilobytes(agent.pid());
+    Flood flood(session.desktop.bus(), {event(agent.pid(), hint)}, 300);
+    EXPECT_TRUE(waitUntil([&] { return flood.isOver(); }, 120s));
+    const qint64 memory = ProcessMemory::peakKilobytes(agent.pid()) - memoryBefore;
+    std::printf("300 events of a megabyte: peak memory %lld kB more\n", static_cast<long long>(memory));
+    EXPECT_LT(memory, 100'000);
+}
+
 TEST(Flood, OfMessagesInTheFeedLeavesTheMenuToTheUser)
 {
     constexpr int messages = 10'000;

@@ -1,6 +1,7 @@
 #include "tests/session/support/Agent.h"
 #include "tests/session/support/Desktop.h"
 #include "tests/session/support/MenuOffPanel.h"
+#include "tests/session/support/XResourceFile.h"
 #include "tests/support/WaitUntil.h"
 
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@ struct Layout {
     QList<QRect> monitors;
     int main;
     int ofPanel; ///< The index of the one that has the panel.
+    double scale = 1;
 };
 
 class MenuOnMonitors : public testing::TestWithParam<Layout>
@@ -26,6 +28,9 @@ protected:
         ASSERT_TRUE(desktop.start());
         ASSERT_TRUE(desktop.showOn(GetParam().monitors, GetParam().main));
         ASSERT_TRUE(desktop.startWindowManager());
+        if (GetParam().scale != 1) {
+            XResourceFile(desktop.server()).write("Xft.dpi:\t" + QByteArray::number(96 * GetParam().scale) + '\n');
+        }
         agent.emplace(desktop);
     }
 
@@ -52,7 +57,7 @@ TEST_P(MenuOnMonitors, OpensAtTheItemFivePointsOffThePanelAtEachEdge)
         const std::optional<XWindow> menu = agent->openMenu();
         ASSERT_TRUE(menu);
         EXPECT_TRUE(monitor.contains(menu->geometry)) << "it reaches into the other monitor";
-        expectMenuOffPanel(menu->geometry, item, desktop.panelGeometry(), edge);
+        expectMenuOffPanel(menu->geometry, item, desktop.panelGeometry(), edge, GetParam().scale);
         desktop.input().key(XK_Escape);
         ASSERT_TRUE(agent->waitUntilClosed());
         desktop.stopPanel();
@@ -63,6 +68,7 @@ TEST_P(MenuOnMonitors, OpensAtTheItemFivePointsOffThePanelAtEachEdge)
 const QRect large(0, 0, 1280, 800);
 const QList<QRect> sideBySide{large, {1280, 100, 1024, 600}};
 const QList<QRect> sideBySideLower{{0, 150, 1024, 600}, {1024, 0, 1280, 800}};
+const QList<QRect> sideBySideAlike{large, {1280, 0, 1280, 800}};
 const QList<QRect> oneAboveTheOther{large, {100, 800, 1024, 600}};
 
 INSTANTIATE_TEST_SUITE_P(Layouts, MenuOnMonitors,
@@ -73,7 +79,10 @@ INSTANTIATE_TEST_SUITE_P(Layouts, MenuOnMonitors,
                                          Layout{"OneAboveTheOtherMainAbovePanelOnIt", oneAboveTheOther, 0, 0},
                                          Layout{"OneAboveTheOtherMainAbovePanelOnTheOther", oneAboveTheOther, 0, 1},
                                          Layout{"OneAboveTheOtherMainBelowPanelOnIt", oneAboveTheOther, 1, 1},
-                                         Layout{"OneAboveTheOtherMainBelowPanelOnTheOther", oneAboveTheOther, 1, 0}),
+                                         Layout{"OneAboveTheOtherMainBelowPanelOnTheOther", oneAboveTheOther, 1, 0},
+                                         Layout{"MainLeftPanelOnTheOtherTwiceAsFine", sideBySideAlike, 0, 1, 2},
+                                         Layout{"MainRightPanelOnTheOtherAQuarterFiner", sideBySideAlike, 1, 0, 1.25},
+                                         Layout{"MainLeftPanelOnItHalfAsFineAgain", sideBySideAlike, 0, 0, 1.5}),
                          [](const auto &layout) { return layout.param.name; });
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "tests/session/support/MenuPicture.h"
 #include "tests/session/support/ScriptFile.h"
 #include "tests/session/support/Session.h"
+#include "tests/session/support/SessionManager.h"
 #include "tests/session/support/Viewer.h"
 #include "tests/support/WaitUntil.h"
 
@@ -85,6 +86,7 @@ protected:
         Session::Setting setting;
         setting.program = Agent::Program::WithToolOfTheTest;
         setting.agentsEnvironment.insert(QStringLiteral("KIV_TEST_SERVICE_TOOL"), tool());
+        manager.addTo(setting.agentsEnvironment);
         ASSERT_TRUE(session.start(setting));
     }
 
@@ -113,6 +115,7 @@ protected:
     }
 
     QTemporaryDir folder;
+    SessionManager manager;
 
 private:
     std::optional<HungTool> m_hung;
@@ -233,6 +236,23 @@ TEST_F(ResolutionWithToolOfTheTest, IsWaitedForUntilTheSessionEndsBySignal)
 {
     ASSERT_NO_FATAL_FAILURE(hangInTheTool());
     session.agent->process().terminate();
+    EXPECT_TRUE(waitUntil([this] { return !session.agent->process().isRunning(); }));
+    EXPECT_EQ(session.agent->process().exitCode(), EXIT_SUCCESS);
+}
+
+TEST_F(ResolutionWithToolOfTheTest, IsWaitedForUntilTheSessionManagerEndsTheSession)
+{
+    ASSERT_NO_FATAL_FAILURE(hangInTheTool());
+    ASSERT_TRUE(manager.beginLogOutAndCancel());
+    ASSERT_TRUE(manager.logOut()) << "it has ended though the user stays";
+    EXPECT_TRUE(waitUntil([this] { return !session.agent->process().isRunning(); }));
+    EXPECT_EQ(session.agent->process().exitCode(), EXIT_SUCCESS);
+}
+
+TEST_F(ResolutionWithToolOfTheTest, IsWaitedForUntilTheSessionManagerDies)
+{
+    ASSERT_NO_FATAL_FAILURE(hangInTheTool());
+    ASSERT_TRUE(manager.die());
     EXPECT_TRUE(waitUntil([this] { return !session.agent->process().isRunning(); }));
     EXPECT_EQ(session.agent->process().exitCode(), EXIT_SUCCESS);
 }

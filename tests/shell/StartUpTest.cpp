@@ -117,6 +117,11 @@ void KivNotificationReceiver::recieveNotifications()
     steps.push_back({.name = "start the feed", .managerHasMenu = managerHasMenu()});
 }
 
+void KivNotificationReceiver::stop()
+{
+    steps.push_back({.name = "stop the feed", .managerHasMenu = managerHasMenu()});
+}
+
 namespace
 {
 
@@ -161,6 +166,7 @@ TEST_F(StartUp, GoesStepByStep)
         {"install the handler", true, true, true, false, true, true},
         {"run", true, true, true, false, true, true},
         {"remove the handler", true, true, true, false, true, true},
+        {"stop the feed", true, true, true, false, true, false},
     };
     EXPECT_EQ(steps, expected);
 }

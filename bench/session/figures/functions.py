@@ -19,7 +19,8 @@ _MAX_MESSAGE_TIME = 100  # ms of processor time
 _TURN = re.compile(r"^longestTurn (\w+) ([\d.]+) ms", re.M)
 _MAX_TURN = 50  # ms of processor time
 _COMES_IN = {"cache": "1,000 messages of 1 kB come in from the cache",
-             "feed": "10,000 messages of 1 kB come in from the feed, and the queue is full already"}
+             "feed": "10,000 messages of 1 kB come in from the feed, and the queue is full already",
+            "message": "one message of 11 MB comes in"}
 
 
 def ratios_in(output):

@@ -1,6 +1,7 @@
 #include "platform/StatusItem.h"
 
 #include "platform/LogCategories.h"
+#include "platform/MainScreen.h"
 #include "platform/linux/accessibility/AccessibleItem.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
@@ -30,8 +31,7 @@ namespace
 {
 int deviceSide(const ScreenCoordinates &screen)
 {
-    constexpr double sideInPoints = 22;
-    return static_cast<int>(std::lround(sideInPoints * screen.ratio));
+    return static_cast<int>(std::lround(22 * screen.ratio)); // 22 points.
 }
 } // namespace
 
@@ -284,11 +284,12 @@ void StatusItem::Private::handlePress(std::optional<QPoint> place)
     }
 }
 
-/// As if the item itself had been pressed, wherever the mouse is: where the item is, or was when it was pressed last.
+/// As if the item had been pressed: where it is, or was at its last press; while nobody knows, where the mouse is.
 void StatusItem::Private::handleKey()
 {
-    const std::optional<QRect> place = window() ? window()->place() : std::nullopt;
-    handlePress(place ? std::optional(place->topLeft()) : placeSincePress(m_lastPress, presentScreens()));
+    const auto place = window() ? window()->place() : std::nullopt;
+    const auto known = place ? std::optional(place->topLeft()) : placeSincePress(m_lastPress, presentScreens());
+    handlePress(known ? known : screenCoordinates().toDevice(MainScreen::mouseLocation()));
 }
 
 StatusItem::StatusItem(QObject *parent)

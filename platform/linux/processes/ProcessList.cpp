@@ -58,6 +58,19 @@ std::optional<pid_t> runningProcess(const ProcessSerialNumber &psn)
     return GetProcessPID(&psn, &pid) == noErr ? std::optional(pid) : std::nullopt;
 }
 
+/// What is listed in one pass through all processes. Read once, and not before it is needed: a terminal server runs
+/// thousands of them.
+struct Pass {
+    UInt32 first = kNoProcess;  ///< The tray's host, which is what the list is searched for.
+    std::vector<UInt32> others; ///< Ascending; empty until they are read.
+};
+
+bool isListed(UInt32 number)
+{
+    const auto pid = static_cast<pid_t>(number);
+    return number != kNoProcess && isOurs(pid) && isRunningProcess(pid);
+}
+
 } // namespace
 
 OSErr GetNextProcess(ProcessSerialNumber *psn)
@@ -68,17 +81,21 @@ OSErr GetNextProcess(ProcessSerialNumber *psn)
     if (psn->highLongOfPSN != 0) {
         return procNotFound;
     }
-    // Read once for a whole pass: a terminal server runs thousands of processes, and each step would read them all.
-    static std::vector<UInt32> pass;
-    if (psn->lowLongOfPSN == kNoProcess || pass.empty()) {
-        pass = allProcesses();
+    static Pass pass;
+    if (psn->lowLongOfPSN == kNoProcess) {
+        pass = {static_cast<UInt32>(trayHost()), {}};
+        if (isListed(pass.first)) {
+            *psn = {0, pass.first};
+            return noErr;
+        }
     }
-    const auto rest = std::ranges::upper_bound(pass, psn->lowLongOfPSN);
-    const auto next = std::find_if(rest, pass.end(), [](UInt32 number) {
-        const auto pid = static_cast<pid_t>(number);
-        return isOurs(pid) && isRunningProcess(pid);
-    });
-    if (next == pass.end()) {
+    if (pass.others.empty()) {
+        pass.others = allProcesses();
+        std::erase(pass.others, pass.first);
+    }
+    const UInt32 last = psn->lowLongOfPSN == pass.first ? kNoProcess : psn->lowLongOfPSN;
+    const auto next = std::find_if(std::ranges::upper_bound(pass.others, last), pass.others.end(), isListed);
+    if (next == pass.others.end()) {
         pass = {};
         return procNotFound;
     }

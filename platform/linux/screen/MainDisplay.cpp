@@ -102,6 +102,17 @@ std::optional<MainDisplay> mainDisplay(xcb_connection_t *x, xcb_window_t root)
 ScreenCoordinates screenCoordinates()
 {
     const std::optional<MainDisplay> display = mainDisplay();
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    return {display ? display->bounds : QRect(), screen ? screen->devicePixelRatio() : 1.0};
+    const QScreen *const primary = QGuiApplication::primaryScreen();
+    ScreenCoordinates coordinates{display ? display->bounds : QRect(), primary ? primary->devicePixelRatio() : 1.0};
+    if (coordinates.ratio != 1) {
+        const QList<QScreen *> screens = QGuiApplication::screens();
+        for (const QScreen *screen : screens) {
+            const QRect inWindows = screen->geometry();
+            const QRect device(inWindows.topLeft(), (QSizeF(inWindows.size()) * coordinates.ratio).toSize());
+            if (device.topLeft() != coordinates.mainScreen.topLeft()) {
+                coordinates.otherScreens.append(device);
+            }
+        }
+    }
+    return coordinates;
 }

@@ -1,10 +1,14 @@
 #include "platform/linux/workarounds/SessionManagerDeath.h"
 
-#include <QCoreApplication>
-
 #include <X11/ICE/ICElib.h>
 
-void endInOrderWhenTheSessionManagerDies()
+namespace
 {
-    IceSetIOErrorHandler([](IceConn) { QCoreApplication::exit(); });
+void (*endOfTheSession)() = nullptr;
+}
+
+void endInOrderWhenTheSessionManagerDies(void (*end)())
+{
+    endOfTheSession = end;
+    IceSetIOErrorHandler([](IceConn) { endOfTheSession(); });
 }

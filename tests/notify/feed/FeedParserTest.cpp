@@ -442,6 +442,22 @@ TEST(FeedParser, ReadsNoMoreThanAThousandMessages)
     EXPECT_EQ(feed.parser.notification(), nullptr);
 }
 
+TEST(FeedParser, KeepsOfAnEndlessContentWhatIsKeptOfALongOneAndReadsWhatComesBehindIt)
+{
+    const auto contentOf = [](const QByteArray &text) { return "<contentData>" + text.toBase64() + "</contentData>"; };
+    const QByteArray lines = "<p>One line of a text.</p>\n";
+    const QByteArray tooLong = lines.repeated(20'000);  // 0.5 MB.
+    const QByteArray endless = lines.repeated(200'000); // 5 MB.
+    Feed feed;
+    EXPECT_EQ(feed.parser.parse(documentOf(message(contentOf(tooLong)) + message(contentOf(endless)) +
+                                           message("<messageId>17</messageId>"))),
+              Outcome::EndOfDocument);
+    ASSERT_EQ(feed.records.size(), 3U);
+    EXPECT_GT(feed.records[0]->messageText().size(), 200'000);
+    EXPECT_EQ(feed.records[1]->messageText(), feed.records[0]->messageText());
+    EXPECT_EQ(feed.records[2]->messageId(), QStringLiteral("17"));
+}
+
 TEST(FeedParser, ReadsBitByBitWhatItReadsAtOnce)
 {
     const QByteArray document = documentOf(message("<messageId>1</messageId>") + message("<messageId>2</messageId>"));

@@ -25,6 +25,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <functional>
 #include <vector>
 
 namespace
@@ -65,9 +66,16 @@ public:
     Ids ids;
     int deliveries = 0;
     int ends = 0;
+    std::function<void()> onDelivery;
 
 private:
-    void beginDelivery() override { ++deliveries; }
+    void beginDelivery() override
+    {
+        ++deliveries;
+        if (onDelivery) {
+            onDelivery();
+        }
+    }
     void endDelivery() noexcept override { ++ends; }
 };
 
@@ -643,6 +651,23 @@ TEST_F(KivNotificationReceiverTest, LeavesTheDecodingOfALongDocumentToAnotherThr
     ASSERT_TRUE(FeedParser::open(document));
     const auto opening = processorTimeOfThisThread() - beforeOpening;
     EXPECT_LT(longestTurn - KivNotificationReceiver::maxShareOfATurn, opening);
+}
+
+TEST_F(KivNotificationReceiverTest, WaitsAtItsEndForTheThreadThatDecodes)
+{
+    serve({answerWith("<supportMessages><supportMessage><messageId>1</messageId></supportMessage>" +
+                      ("<x>" + QByteArray(1000, ' ') + "</x>").repeated(8000) + "</supportMessages>")});
+    bool hasStopped = false;
+    const auto stop = [&] {
+        receiver->stop();
+        QCoreApplication::sendPostedEvents(&*receiver); // The thread's last word is among them.
+        EXPECT_EQ(sink.ids, (Ids{"1"}));
+        hasStopped = true;
+    };
+    // The thread begins behind it.
+    sink.onDelivery = [&] { QMetaObject::invokeMethod(&*receiver, stop, Qt::QueuedConnection); };
+    receiver->receiveNextNotification();
+    EXPECT_TRUE(waitUntil([&] { return hasStopped; }));
 }
 
 TEST_F(KivNotificationReceiverTest, FetchesAtOnceAndThenAtEveryInterval)

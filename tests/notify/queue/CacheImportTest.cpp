@@ -3,14 +3,19 @@
 #include "notify/queue/CacheWriter.h"
 #include "notify/record/KivNotification.h"
 #include "platform/data/PropertyList.h"
+#include "tests/support/LogLines.h"
 #include "tests/support/ProcessorTime.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -184,6 +189,23 @@ TEST_F(CacheImportTest, TellsNobodyWhenItEndsInBetween)
     ASSERT_TRUE(waitUntil([this] { return !import; }));
     QCoreApplication::sendPostedEvents();
     EXPECT_EQ(taken, idsTo(1));
+    EXPECT_EQ(dones, 0);
+}
+
+TEST_F(CacheImportTest, HasItsThreadAtItsEndOnceItIsAbandoned)
+{
+    const QFileInfo file(cache.path());
+    ASSERT_TRUE(QDir().mkpath(file.path()));
+    QFile unreadable(file.filePath());
+    ASSERT_TRUE(unreadable.open(QIODevice::WriteOnly));
+    unreadable.write("<plist><array>" + QByteArray("<string>no record</string>").repeated(100'000)); // It never ends.
+    unreadable.close();
+    LogLines log;
+    importer().begin();
+    EXPECT_TRUE(import->isUnderWay());
+    import->abandon();
+    EXPECT_THAT(log.take(), testing::Contains(testing::HasSubstr("holds no list"))) << "the thread's last word";
+    QCoreApplication::sendPostedEvents();
     EXPECT_EQ(dones, 0);
 }
 

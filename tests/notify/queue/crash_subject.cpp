@@ -1,12 +1,13 @@
 // What the crash test kills: a manager to which records come, some of them together, and whose pop-ups close, as fast
 // as it can, for ever.
 //
-//     crash_subject HOME SEED ID
+//     crash_subject HOME SEED ID LENGTH
 //
-// The ids of the messages that come are higher than ID.
+// The ids of the messages that come are higher than ID, and their texts shorter than LENGTH.
 //
 // Before each step it writes the state that the queue will have to standard output: a line of the queued messages' ids
-// and repeat codes. What the cache file holds at any moment is one of the last three or four of these lines.
+// and repeat codes. What the cache file holds at any moment is one of the last three or four of these lines, and, where
+// a long one is written in a thread, of all.
 
 #include "notify/popup/KivNotificationWindow.h"
 #include "notify/queue/KivNotificationManager.h"
@@ -42,7 +43,7 @@ void say(const std::string &line)
     }
 }
 
-std::shared_ptr<KivNotification> newRecord(int id, std::mt19937 &random)
+std::shared_ptr<KivNotification> newRecord(int id, unsigned long length, std::mt19937 &random)
 {
     auto record = std::make_shared<KivNotification>();
     record->setMessageId(QString::number(id));
@@ -50,7 +51,7 @@ std::shared_ptr<KivNotification> newRecord(int id, std::mt19937 &random)
     record->setMessageRepeat(1 + random() % 2);
     record->setMaxDate(distantFuture());
     record->setContentHeight(60);
-    record->setMessageText(QString(static_cast<qsizetype>(random() % 3000), u'x'));
+    record->setMessageText(QString(static_cast<qsizetype>(random() % length), u'x'));
     return record;
 }
 
@@ -58,7 +59,7 @@ std::shared_ptr<KivNotification> newRecord(int id, std::mt19937 &random)
 
 int main(int argc, char **argv)
 {
-    if (argc != 4) {
+    if (argc != 5) {
         return 2;
     }
     QApplication::setDesktopSettingsAware(false);
@@ -74,9 +75,9 @@ int main(int argc, char **argv)
     const Bundle bundle(home);
     KivNotificationProperties properties(bundle, home, QString(), nobody, clock);
     KivNotificationManager manager(properties, home, clock);
-    say("started " + stateOf(manager));
 
     int id = std::stoi(argv[3]);
+    const unsigned long length = std::stoul(argv[4]);
     const auto step = [&] {
         now = now.addDays(1);
         const bool isFull = manager.notifications().records().size() > 8;
@@ -97,7 +98,7 @@ int main(int argc, char **argv)
             // Where they go is the queue's own business: ask a copy of it.
             NotificationQueue next = manager.notifications();
             for (std::uint32_t count = 1 + random() % 3; count > 0; --count) {
-                records.push_back(newRecord(++id, random));
+                records.push_back(newRecord(++id, length, random));
                 next.add(records.back());
             }
             // One that is shown at once is not saved before that.
@@ -124,6 +125,9 @@ int main(int argc, char **argv)
     };
     QTimer timer;
     timer.callOnTimeout(step);
-    timer.start(0);
+    manager.whenImported([&] {
+        say("started " + stateOf(manager));
+        timer.start(0);
+    });
     return QApplication::exec();
 }

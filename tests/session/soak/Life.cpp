@@ -43,6 +43,8 @@ const Life::Operation Life::operations[] = {
     {"link in place of the messages", 1, &Life::putALinkInPlaceOfTheMessages},
     {"question's window destroyed", 1, &Life::destroyTheQuestion},
     {"hidden windows destroyed", 1, &Life::destroyWhatNobodySees},
+    {"spoken in the dead service's name", 1, &Life::speakInTheNameOfTheDeadService},
+    {"events that are too much", 1, &Life::sendEventsThatAreTooMuch},
     {"logged out by the session manager", 1, &Life::logOutByTheSessionManager},
     {"something else in place of the messages", 1, &Life::putSomethingElseInPlaceOfTheMessages},
     {"name taken by another program", 1, &Life::takeItsName},

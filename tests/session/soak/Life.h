@@ -78,6 +78,8 @@ private:
     bool putALinkInPlaceOfTheMessages();
     bool destroyTheQuestion();
     bool destroyWhatNobodySees();
+    bool speakInTheNameOfTheDeadService();
+    bool sendEventsThatAreTooMuch();
 
     // What seldom happens, but does.
     bool logOutByTheSessionManager();

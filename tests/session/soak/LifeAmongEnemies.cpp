@@ -85,6 +85,33 @@ bool Life::flood()
     return openAndCloseTheMenu();
 }
 
+bool Life::speakInTheNameOfTheDeadService()
+{
+    const qint64 dead = m_session.service->process().pid();
+    m_session.service->process().kill();
+    const BusPeer stranger(m_session.desktop.bus());
+    for (const char *command : {"meso", "meqi"}) {
+        RawCommand::send(stranger, m_session.agent->pid(),
+                         {RawCommand::command(command), RawCommand::sender(dead), RawCommand::flags(0)});
+    }
+    EXPECT_TRUE(isBack()) << "the agent obeys a stranger";
+    return attachTheService();
+}
+
+/// With more parameters than any has, and of megabytes.
+bool Life::sendEventsThatAreTooMuch()
+{
+    const qint64 agent = m_session.agent->pid();
+    const BusPeer stranger(m_session.desktop.bus());
+    const QDBusMessage crowded = RawCommand::event(agent, QList<RawParameter>(10'000, RawCommand::flags(0)));
+    EXPECT_EQ(stranger.connection().call(crowded, QDBus::Block, 120'000).type(), QDBusMessage::ErrorMessage);
+    const RawParameter text{QStringLiteral("mpht"), QStringLiteral("ptxt"), QByteArray(5'000'000, 'x')};
+    for (int i = 0; i < 10; ++i) {
+        stranger.connection().send(RawCommand::event(agent, {RawCommand::command("medh"), text}));
+    }
+    return openAndCloseTheMenu();
+}
+
 /// A hundred wait at most, and none outlives the agent.
 bool Life::sendHintsWithoutBound()
 {

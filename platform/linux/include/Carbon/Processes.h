@@ -27,8 +27,9 @@ struct ProcessInfoRec {
 
 OSErr GetCurrentProcess(ProcessSerialNumber *psn);
 
-/// The next process after `psn`, in order of process ID; the first one after {0, 0}, which begins a pass over the
-/// processes that run then. procNotFound at the end of the list.
+/// The next process after `psn`: the tray host first, so that who looks for it need not look at thousands of others,
+/// then the others in order of process ID. {0, 0} begins a pass over the processes that run then. procNotFound at the
+/// end of the list.
 OSErr GetNextProcess(ProcessSerialNumber *psn);
 
 /// procNotFound when the process has ended. The tray host, that is the owner of the tray selection of this X display or

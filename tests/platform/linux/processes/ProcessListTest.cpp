@@ -184,6 +184,15 @@ TEST(TrayHost, IsTheStatusNotifierWatcherWithoutATraySelection)
     EXPECT_EQ(info.processSignature, fourCharCode("dock"));
     EXPECT_EQ(textIn(dictionaryOf(::getpid()), CFSTR("CFBundleIdentifier")), "com.apple.dock");
 
+    ChildProcess child;
+    ASSERT_TRUE(child.start(QStringLiteral("sleep"), {QStringLiteral("60")}));
+    const std::vector<qint64> pids = wholeList();
+    ASSERT_FALSE(pids.empty());
+    EXPECT_EQ(pids.front(), ::getpid()) << "it is found at once";
+    EXPECT_EQ(std::ranges::count(pids, ::getpid()), 1);
+    EXPECT_TRUE(std::is_sorted(pids.begin() + 1, pids.end()));
+    EXPECT_TRUE(contains(pids, child.pid()));
+
     watcher.leave();
     EXPECT_TRUE(waitUntil([] { return trayHost() == 0; }));
 }

@@ -9,6 +9,7 @@
 #include "shell/Application.h"
 #include "shell/DockSearch.h"
 #include "shell/MenuProcedure.h"
+#include "shell/PopUpRequests.h"
 #include "shell/ProcessState.h"
 #include "shell/ProductTexts.h"
 #include "shell/TerminationSignals.h"
@@ -66,6 +67,7 @@ int main(int, char **argv)
     GraphicalSession::settle();
     DesktopLook::follow(DesktopLook::Part::ColoursAndFonts);
     startUp();
+    const PopUpRequests popUpRequests;
     const TerminationSignals signalsEndTheLoop;
     qCDebug(agentLog, "has started");
     GraphicalSession::run();

@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 namespace
 {
@@ -23,6 +24,10 @@ int fail(const char *why)
 
 int main(int argc, char **argv)
 {
+    const bool isForMessage = argc == 2 && std::strcmp(argv[1], "--message") == 0;
+    if (argc > 1 && !isForMessage) {
+        return fail("usage: kivshowmenu [--message]");
+    }
     const QCoreApplication application(argc, argv);
     const std::optional<pid_t> agent = agentOfDisplay();
     if (!agent) {
@@ -36,12 +41,16 @@ int main(int argc, char **argv)
     if (!bus.isConnected()) {
         return fail("there is no session bus");
     }
-    QDBusMessage call = QDBusMessage::createMethodCall(eventBusName(*agent), menuObjectPath(), menuInterface(),
-                                                       QStringLiteral("ShowMenu"));
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(eventBusName(*agent), menuObjectPath(), menuInterface(),
+                                       isForMessage ? QStringLiteral("ShowMessage") : QStringLiteral("ShowMenu"));
     call.setAutoStartService(false);
     constexpr int timeout = 5000; // milliseconds
     if (bus.call(call, QDBus::Block, timeout).type() != QDBusMessage::ReplyMessage) {
-        return fail("the agent does not show its menu: it is busy, or the service has taken the status item away");
+        return fail(
+            isForMessage
+                ? "there is no message to answer, or a panel of the agent has to be answered first"
+                : "the agent does not show its menu: it is busy, or the service has taken the status item away");
     }
     return EXIT_SUCCESS;
 }

@@ -8,6 +8,7 @@
 #include "notify/popup/PopUpPlacement.h"
 #include "notify/popup/WholePixels.h"
 #include "notify/popup/accessible/AccessiblePopUp.h"
+#include "notify/popup/keyboard/PopUpKeyboard.h"
 #include "notify/text/OpenableLink.h"
 #include "platform/Compositor.h"
 #include "platform/LogCategories.h"
@@ -305,6 +306,12 @@ void KivNotificationWindow::onDontRemindMeButton()
 {
     m_notification->setMessageRepeat(0);
     close();
+}
+
+bool KivNotificationWindow::takeKeyboard()
+{
+    m_keyboard = m_keyboard ? m_keyboard : new PopUpKeyboard(*this, *m_text, findChildren<QPushButton *>());
+    return m_keyboard->take();
 }
 
 QList<LinkMatch> KivNotificationWindow::scanStringForLinks(const QString &text)

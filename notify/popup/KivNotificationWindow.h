@@ -19,13 +19,14 @@ class Question;
 
 class KivNotificationView;
 class KivTextView;
+class PopUpKeyboard;
 class QLabel;
 class QPushButton;
 
-/// The pop-up that shows a support message. It floats above the other windows and never takes the keyboard. Made on the
-/// heap, without a parent; once shown it deletes itself after it has closed, in a later iteration of the event loop. It
-/// is shown once. When a screen has changed its size or its scale, it lays itself out anew before it tells its
-/// delegate: all of its buttons are on the main screen if it is put where it belongs. Main thread only.
+/// The pop-up that shows a support message. It floats above the other windows and never takes the keyboard by itself.
+/// Made on the heap, without a parent; once shown it deletes itself after it has closed, in a later iteration of the
+/// event loop. It is shown once. When a screen has changed its size or its scale, it lays itself out anew before it
+/// tells its delegate: all of its buttons are on the main screen if it is put where it belongs. Main thread only.
 class KivNotificationWindow final : public QWidget
 {
     Q_OBJECT
@@ -73,6 +74,9 @@ public:
     void remindMeLaterPressed();
     void onDontRemindMeButton();
 
+    /// Gives it the keyboard, as its user has asked for; see PopUpKeyboard. False when it cannot have it.
+    bool takeKeyboard();
+
     [[nodiscard]] static QList<LinkMatch> scanStringForLinks(const QString &text);
 
 protected:
@@ -104,6 +108,7 @@ private:
     QPushButton *m_remindMeLater = nullptr;
     QPushButton *m_dontRemindMe = nullptr;
     QPushButton *m_close = nullptr;
+    PopUpKeyboard *m_keyboard = nullptr;      ///< A child, once it has been asked for.
     QTimer *m_timer = nullptr;                ///< A child.
     QVariantAnimation *m_animation = nullptr; ///< A child.
     bool m_fadingOut = false;

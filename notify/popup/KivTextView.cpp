@@ -9,12 +9,15 @@
 #include "platform/text/ScriptRuns.h"
 #include "platform/text/SystemFont.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QContextMenuEvent>
 #include <QImage>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextFragment>
+#include <QTextLayout>
 
 #include <algorithm>
 #include <cmath>
@@ -180,6 +183,37 @@ QRect KivTextView::placeOf(int position) const
     cursor.setPosition(std::min(position, document()->characterCount() - 1));
     const QRect place = cursorRect(cursor);
     return {viewport()->mapToGlobal(place.topLeft()), place.size()};
+}
+
+QRegion KivTextView::regionOf(const Link &link) const
+{
+    QRegion region;
+    const int end = link.start + link.length;
+    for (int at = link.start; at < end;) {
+        const QTextBlock block = document()->findBlock(at);
+        const QTextLine line = block.layout()->lineForTextPosition(at - block.position());
+        if (!line.isValid()) {
+            break;
+        }
+        const int endOfLine = std::min(end, block.position() + line.textStart() + line.textLength());
+        const qreal from = line.cursorToX(at - block.position());
+        const qreal to = line.cursorToX(endOfLine - block.position());
+        const QPointF origin = document()->documentLayout()->blockBoundingRect(block).topLeft();
+        region += QRectF(std::min(from, to), line.y(), std::abs(to - from), line.height())
+                      .translated(origin)
+                      .translated(-horizontalScrollBar()->value(), -verticalScrollBar()->value())
+                      .toAlignedRect();
+        at = std::max(endOfLine, at + 1);
+    }
+    return region;
+}
+
+void KivTextView::showLink(const Link &link)
+{
+    const QRect line(viewport()->mapFromGlobal(placeOf(link.start).topLeft()), placeOf(link.start).size());
+    const int above = std::min(line.top(), 0);
+    const int below = std::max(line.bottom() + 1 - viewport()->height(), 0);
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + (above < 0 ? above : below));
 }
 
 QVariant KivTextView::loadResource(int, const QUrl &)

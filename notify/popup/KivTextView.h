@@ -42,6 +42,15 @@ public:
     /// Where on the screen the gap before that character is, as high as its line.
     [[nodiscard]] QRect placeOf(int position) const;
 
+    /// The lines or parts of lines that the link takes, in the viewport's coordinates; what is scrolled away, too.
+    [[nodiscard]] QRegion regionOf(const Link &link) const;
+    /// Scrolls as far as is needed for its beginning to be seen.
+    void showLink(const Link &link);
+    /// The link, by its place in links(), that the keys are at while the view has the focus; none at first. For
+    /// assistive technology only.
+    [[nodiscard]] std::optional<int> focusedLink() const noexcept { return m_focusedLink; }
+    void setFocusedLink(std::optional<int> link) noexcept { m_focusedLink = link; }
+
     /// An empty image, whatever is asked for.
     [[nodiscard]] QVariant loadResource(int type, const QUrl &name) override;
 
@@ -63,5 +72,6 @@ private:
 
     QString m_message; ///< As it came; null before the first.
     bool m_isHtml = false;
+    std::optional<int> m_focusedLink;
     mutable std::optional<QList<Link>> m_links; ///< Once somebody has asked for those of the message.
 };

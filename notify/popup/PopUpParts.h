@@ -13,7 +13,7 @@ class QWidget;
 /// coordinates whenever the layout has changed. A text that is too long for its frame ends in an ellipsis; assistive
 /// technology reads it whole. Main thread only.
 
-/// Takes no focus: a pop-up never has the keyboard.
+/// Takes no focus when it is clicked: a pop-up has the keyboard only when its user has asked for that.
 [[nodiscard]] QPushButton *newPopUpButton(const QString &text, QWidget *parent);
 void placePopUpButton(QPushButton &button, const QRect &frame);
 

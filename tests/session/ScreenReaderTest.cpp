@@ -200,6 +200,35 @@ TEST_F(ScreenReaderWithMessage, IsToldOnceOfAPopUpWithItsTitleAndItsTextAndLeave
     EXPECT_NE(session.desktop.view().focusOwnerPid(), session.agent->pid());
 }
 
+TEST_F(ScreenReaderWithMessage, IsToldWhatOfAPopUpTheKeysHaveGoneTo)
+{
+    ASSERT_TRUE(start("Read https://www.example.com/news and more."));
+    const std::optional<Accessible> link = find(ScreenReader::Link, QStringLiteral("https://www.example.com/news"));
+    const std::optional<Accessible> button = find(ScreenReader::PushButton, QStringLiteral("Remind Me Later"));
+    ASSERT_TRUE(link && button);
+    EXPECT_FALSE(reader->has(ScreenReader::Focused, *link));
+    ChildProcess key;
+    key.environment = session.desktop.environment();
+    ASSERT_TRUE(key.start(QStringLiteral(KIV_SHOW_MENU), {QStringLiteral("--message")}));
+    const auto lastFocused = [this] {
+        QString name;
+        for (const ScreenReader::Event &event : reader->events()) {
+            if (event.kind == QLatin1String("state-changed:focused") && event.detail == 1) {
+                name = event.name;
+            }
+        }
+        return name;
+    };
+    EXPECT_TRUE(waitUntil([&] { return lastFocused() == QLatin1String("https://www.example.com/news"); }));
+    EXPECT_TRUE(reader->has(ScreenReader::Focused, *link));
+    session.desktop.input().key(XK_Tab);
+    EXPECT_TRUE(waitUntil([&] { return lastFocused() == QLatin1String("Remind Me Later"); }));
+    EXPECT_TRUE(reader->has(ScreenReader::Focused, *button));
+    EXPECT_FALSE(reader->has(ScreenReader::Focused, *link));
+    session.desktop.input().key(XK_Escape);
+    EXPECT_TRUE(waitUntil([&] { return !reader->has(ScreenReader::Focused, *button); }));
+}
+
 TEST_F(ScreenReaderWithMessage, PressesTheLinkOfAPopUp)
 {
     ASSERT_TRUE(start("Read https://www.example.com/news and more."));

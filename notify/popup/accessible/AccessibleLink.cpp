@@ -55,6 +55,8 @@ QAccessible::State AccessibleLink::state() const
 {
     QAccessible::State state;
     state.linked = true;
+    state.focusable = true;
+    state.focused = m_view && m_view->hasFocus() && m_view->focusedLink() == m_index;
     state.invisible = !isValid() || !m_view->isVisible();
     return state;
 }

@@ -50,7 +50,7 @@ public:
     void update(Settling settling);
     void apply();
     void setMenu(QMenu *offered);
-    void showMenu() { m_requests.showMenu(); }
+    void showMenu() { m_requests->showMenu(); }
 
     /// The window that the user sees, or shall see; null when there is none.
     [[nodiscard]] TrayIconWindow *window() const { return m_strip ? &m_strip->window() : m_docked.get(); }
@@ -72,7 +72,7 @@ private:
 
     StatusItem *const m_owner;
     QMenu *m_menu = nullptr;
-    MenuRequests m_requests;
+    const std::shared_ptr<MenuRequests> m_requests = MenuRequests::shared();
     TrayHostWatch m_trays;
     NotifierHostWatch m_notifiers;
     bool m_isNew = true; ///< Until all has been asked for the first time.
@@ -91,7 +91,6 @@ private:
 
 StatusItem::Private::Private(StatusItem *owner)
     : m_owner(owner)
-    , m_requests(SessionBus::instance())
     , m_notifiers(SessionBus::instance())
 {
     using namespace std::chrono_literals;
@@ -101,7 +100,7 @@ StatusItem::Private::Private(StatusItem *owner)
     m_dockTimeout.setSingleShot(true);
     m_dockTimeout.setInterval(5s);
     connect(&m_dockTimeout, &QTimer::timeout, this, &Private::standIn);
-    connect(&m_requests, &MenuRequests::requested, this, &Private::handleKey);
+    connect(m_requests.get(), &MenuRequests::requested, this, &Private::handleKey);
     connect(&m_trays, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
     connect(&m_notifiers, &NotifierHostWatch::changed, this,
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });

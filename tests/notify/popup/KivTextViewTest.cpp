@@ -362,6 +362,51 @@ TEST_F(KivTextViewTest, ShowsAllOfATextOfSixtyFourKilobytesAndThenAnEllipsis)
     EXPECT_EQ(view.toPlainText(), QStringLiteral("a\u05d0").repeated(4000) + QStringLiteral("a\u2026"));
 }
 
+TEST_F(KivTextViewTest, KnowsWhichPartsOfItsLinesALinkTakes)
+{
+    const QString address = QStringLiteral("http://a.example/") + QStringLiteral("word-").repeated(20);
+    view.setMessage(QStringLiteral("First line\nSee ") + address + QStringLiteral(" for more"), width);
+    view.resize(width, static_cast<int>(view.textHeight()));
+    view.show();
+    ASSERT_EQ(view.links().size(), 1);
+    const KivTextView::Link &link = view.links().first();
+    const QRegion region = view.regionOf(link);
+    const auto inViewport = [this](int position) {
+        const QRect gap = view.placeOf(position);
+        return QRect(view.viewport()->mapFromGlobal(gap.topLeft()), gap.size());
+    };
+    for (int i = link.start; i + 1 < link.start + link.length; ++i) {
+        if (inViewport(i).top() == inViewport(i + 1).top()) {
+            EXPECT_TRUE(region.contains((inViewport(i).center() + inViewport(i + 1).center()) / 2)) << i;
+        }
+    }
+    EXPECT_GT(inViewport(link.start + link.length).top(), inViewport(link.start).top()) << "it is longer than a line";
+    EXPECT_FALSE(region.contains(inViewport(3).center())) << "the first line is not its";
+    EXPECT_FALSE(region.contains(inViewport(link.start - 3).center()));
+    EXPECT_FALSE(region.contains(inViewport(link.start + link.length + 3).center()));
+}
+
+TEST_F(KivTextViewTest, ScrollsToALinkAndKnowsWhereItIsThen)
+{
+    view.setMessage(QStringLiteral("http://a.example/") + QStringLiteral("\nline").repeated(40) +
+                        QStringLiteral("\nhttp://b.example/"),
+                    width);
+    view.resize(width, 100);
+    view.show();
+    ASSERT_EQ(view.links().size(), 2);
+    const auto isSeen = [this](int link) {
+        const QRect place = view.regionOf(view.links().at(link)).boundingRect();
+        return view.viewport()->rect().contains(place.adjusted(1, 1, -1, -1));
+    };
+    EXPECT_TRUE(isSeen(0));
+    EXPECT_FALSE(isSeen(1));
+    view.showLink(view.links().at(1));
+    EXPECT_TRUE(isSeen(1));
+    EXPECT_FALSE(isSeen(0));
+    view.showLink(view.links().at(0));
+    EXPECT_TRUE(isSeen(0));
+}
+
 } // namespace
 
 TEST_F(KivTextViewTest, FormsTheLettersOfScriptsThatNeedItHoweverTheyAreWritten)

@@ -11,10 +11,11 @@ OtherWindow::OtherWindow(const PrivateXServer &server, const QRect &geometry)
     , m_window(xcb_generate_id(connection()))
     , m_geometry(geometry)
 {
+    constexpr std::uint32_t events = XCB_EVENT_MASK_KEY_PRESS;
     xcb_create_window(connection(), XCB_COPY_FROM_PARENT, m_window, root(), static_cast<std::int16_t>(geometry.x()),
                       static_cast<std::int16_t>(geometry.y()), static_cast<std::uint16_t>(geometry.width()),
                       static_cast<std::uint16_t>(geometry.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-                      XCB_COPY_FROM_PARENT, 0, nullptr);
+                      XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
     const bool shown = waitUntil([this] {
         // Not just once: a window manager that has only just started loses it.
         raise();
@@ -48,6 +49,28 @@ void OtherWindow::takeKeyboard()
 {
     xcb_set_input_focus(connection(), XCB_INPUT_FOCUS_PARENT, m_window, XCB_CURRENT_TIME);
     waitForServer();
+}
+
+int OtherWindow::keysHeard()
+{
+    waitForServer();
+    while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(connection())}) {
+        m_keysHeard += event->response_type == XCB_KEY_PRESS ? 1 : 0;
+    }
+    return m_keysHeard;
+}
+
+bool OtherWindow::canHoldKeyboard()
+{
+    const auto cookie =
+        xcb_grab_keyboard(connection(), true, m_window, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    const XReply<xcb_grab_keyboard_reply_t> reply(xcb_grab_keyboard_reply(connection(), cookie, nullptr));
+    const bool isFree = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    if (isFree) {
+        xcb_ungrab_keyboard(connection(), XCB_CURRENT_TIME);
+        waitForServer();
+    }
+    return isFree;
 }
 
 void OtherWindow::waitForServer()

@@ -19,10 +19,15 @@ public:
     void keepOthersBelow(std::uint32_t pixels);
     /// Takes the keyboard without asking any window manager.
     void takeKeyboard();
+    /// How many presses of keys it has heard of so far.
+    [[nodiscard]] int keysHeard();
+    /// False while another program has the whole keyboard for itself.
+    [[nodiscard]] bool canHoldKeyboard();
 
 private:
     void waitForServer();
 
     xcb_window_t m_window;
     const QRect m_geometry;
+    int m_keysHeard = 0;
 };

@@ -6,6 +6,20 @@
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
+#include <QMetaMethod>
+
+#include <utility>
+
+std::shared_ptr<MenuRequests> MenuRequests::shared()
+{
+    static std::weak_ptr<MenuRequests> present;
+    std::shared_ptr<MenuRequests> object = present.lock();
+    if (!object) {
+        object = std::make_shared<MenuRequests>(SessionBus::instance());
+        present = object;
+    }
+    return object;
+}
 
 MenuRequests::MenuRequests(SessionBus &bus)
     : ObjectInTurns(menuInterface(), menuContract)
@@ -27,35 +41,72 @@ void MenuRequests::serve()
     }
 }
 
+bool MenuRequests::hasMenu() const
+{
+    return isSignalConnected(QMetaMethod::fromSignal(&MenuRequests::requested));
+}
+
+void MenuRequests::setMessageQuestion(std::function<bool()> isMessageThere)
+{
+    m_isMessageThere = std::move(isMessageThere);
+}
+
 WorkInTurns::Work MenuRequests::workFor(const QDBusMessage &call, const QDBusConnection &connection)
 {
-    if (call.member() != QLatin1String("ShowMenu")) {
+    const bool isForMenu = call.member() == QLatin1String("ShowMenu");
+    if (!isForMenu && call.member() != QLatin1String("ShowMessage")) {
         return {};
     }
-    return [this, call, connection] {
+    return [this, isForMenu, call, connection] {
         if (!call.signature().isEmpty()) {
-            refuse(call, connection, QDBusError::InvalidArgs, QStringLiteral("ShowMenu has no arguments"));
+            refuse(call, connection, QDBusError::InvalidArgs, call.member() + QStringLiteral(" has no arguments"));
+            return;
+        }
+        if (isForMenu ? !hasMenu() : !m_isMessageThere || !m_isMessageThere()) {
+            refuse(call, connection, QDBusError::Failed,
+                   isForMenu ? QStringLiteral("There is no status item")
+                             : QStringLiteral("There is no message that could be answered"));
             return;
         }
         if (call.isReplyRequired()) {
             connection.send(call.createReply());
         }
-        showMenu();
+        if (isForMenu) {
+            showMenu();
+        } else {
+            showMessage();
+        }
     };
 }
 
 void MenuRequests::showMenu()
 {
-    if (m_isPending) {
-        return; // A key that is held down asks again and again.
-    }
-    m_isPending = true;
-    whenKeyboardIsFree(this, [this] {
-        m_isPending = false;
+    whenKeyboardCanBeHad([this] {
         RootProperties::catchUpAndShow(this, [this] {
             if (!QApplication::activePopupWidget()) {
                 Q_EMIT requested();
             }
         });
+    });
+}
+
+void MenuRequests::showMessage()
+{
+    whenKeyboardCanBeHad([this] {
+        if (QApplication::activePopupWidget() == nullptr) {
+            Q_EMIT messageRequested();
+        }
+    });
+}
+
+void MenuRequests::whenKeyboardCanBeHad(const std::function<void()> &proceed)
+{
+    if (m_isPending) {
+        return; // A key that is held down asks again and again.
+    }
+    m_isPending = true;
+    whenKeyboardIsFree(this, [this, proceed] {
+        m_isPending = false;
+        proceed();
     });
 }

@@ -89,4 +89,19 @@ TEST_F(AccessibleMessageTest, TellsOfAPressedLinkOnceTheReaderHasItsAnswer)
     EXPECT_EQ(clicked, QList<QUrl>{QUrl(QStringLiteral("http://a.example/2"))});
 }
 
+TEST_F(AccessibleMessageTest, SaysAtWhichLinkTheKeysAre)
+{
+    view.setMessage(QStringLiteral("See http://a.example/1 and http://a.example/2"), messageWidth);
+    view.activateWindow();
+    view.setFocus();
+    ASSERT_TRUE(waitUntil([this] { return view.hasFocus(); }));
+    EXPECT_TRUE(message().child(0)->state().focusable);
+    EXPECT_FALSE(message().child(0)->state().focused);
+    view.setFocusedLink(1);
+    EXPECT_FALSE(message().child(0)->state().focused);
+    EXPECT_TRUE(message().child(1)->state().focused);
+    view.clearFocus();
+    EXPECT_FALSE(message().child(1)->state().focused);
+}
+
 } // namespace

@@ -1,3 +1,4 @@
+#include "platform/MessageRequests.h"
 #include "platform/SessionLock.h"
 #include "platform/StatusItem.h"
 #include "platform/linux/include/EventBusName.h"
@@ -64,12 +65,12 @@ class StatusItemKeyboard : public testing::Test
 protected:
     StatusItemKeyboard()
     {
-        item.setImage(pictureInRed());
-        QObject::connect(&item, &StatusItem::pressed, &item,
+        item->setImage(pictureInRed());
+        QObject::connect(&*item, &StatusItem::pressed, &*item,
                          [this](std::optional<NSPoint> place) { presses.push_back(place); });
     }
 
-    StatusItem item;
+    std::optional<StatusItem> item{std::in_place};
     std::vector<std::optional<NSPoint>> presses;
 };
 
@@ -78,7 +79,7 @@ class StatusItemKeyboardInATray : public StatusItemKeyboard
 protected:
     void SetUp() override
     {
-        ASSERT_TRUE(waitUntil([&] { return tray.serve(), item.frame().has_value() && tray.icons().size() == 1; }));
+        ASSERT_TRUE(waitUntil([&] { return tray.serve(), item->frame().has_value() && tray.icons().size() == 1; }));
         icon = tray.icons().front();
     }
 
@@ -98,7 +99,7 @@ TEST_F(StatusItemKeyboardInATray, OpensTheMenuAtTheItemWhereverTheMouseIs)
     EXPECT_TRUE(waitUntil([&] { return presses.size() >= 4; }));
     EXPECT_THAT(presses, testing::ElementsAre(trayCorner, trayCorner, trayCorner, trayCorner));
 
-    item.setEnabled(false);
+    item->setEnabled(false);
     tray.passKey(icon, FakeInput::keyOf(returnKey));
     tray.passKey(icon, FakeInput::keyOf(tab));
     EXPECT_TRUE(waitUntil([&] { return tray.serve(), !tray.words().empty(); }));
@@ -113,7 +114,7 @@ TEST_F(StatusItemKeyboardInATray, IsSeenToHaveTheFocusAndPassesItOnWithTab)
     ASSERT_NE(colourAt(trayPlace), frame);
     tray.tell(icon, FakeTray::Word::FocusIn);
     EXPECT_TRUE(waitUntil([&] { return colourAt(trayPlace) == frame; }));
-    const QAccessibleInterface *const toReaders = QAccessible::queryAccessibleInterface(&item);
+    const QAccessibleInterface *const toReaders = QAccessible::queryAccessibleInterface(&*item);
     ASSERT_TRUE(toReaders);
     EXPECT_TRUE(toReaders->state().focused);
     EXPECT_TRUE(toReaders->state().active) << "it is its own window to readers, who pass over inactive ones";
@@ -133,9 +134,9 @@ TEST_F(StatusItemKeyboardInATray, IsSeenToHaveTheFocusAndPassesItOnWithTab)
 
 TEST_F(StatusItemKeyboard, OpensTheMenuOfTheStripThatHasTheFocus)
 {
-    ASSERT_TRUE(waitUntil([&] { return item.frame() == frameOfStrip; }));
+    ASSERT_TRUE(waitUntil([&] { return item->frame() == frameOfStrip; }));
     FakeInput::moveTo({600, 400});
-    xcb_set_input_focus(XConnection::get(), XCB_INPUT_FOCUS_PARENT, static_cast<xcb_window_t>(item.getWindow()),
+    xcb_set_input_focus(XConnection::get(), XCB_INPUT_FOCUS_PARENT, static_cast<xcb_window_t>(item->getWindow()),
                         XCB_CURRENT_TIME);
     xcb_flush(XConnection::get());
     const QRgb frame = QGuiApplication::palette().color(QPalette::Highlight).rgb();
@@ -165,7 +166,7 @@ protected:
 
     void SetUp() override
     {
-        ASSERT_TRUE(waitUntil([&] { return item.frame() == frameOfStrip; }));
+        ASSERT_TRUE(waitUntil([&] { return item->frame() == frameOfStrip; }));
     }
 
     [[nodiscard]] static QDBusMessage request(const QString &member = QStringLiteral("ShowMenu"),
@@ -284,6 +285,51 @@ TEST_F(MenuRequest, LeavesAnOpenMenuTheKeyboard)
     EXPECT_TRUE(grab && grab->status != XCB_GRAB_STATUS_SUCCESS) << "nobody holds it any more";
     xcb_disconnect(other);
     menu.close();
+}
+
+TEST_F(MenuRequest, ForAMessageIsRefusedWithoutOneAndElsePassedOn)
+{
+    bool isThere = false;
+    int requests = 0;
+    const auto showMessage = [] { return request(QStringLiteral("ShowMessage")); };
+    EXPECT_EQ(QDBusError(answerTo(showMessage())).type(), QDBusError::Failed) << "nobody has one";
+    {
+        const MessageRequests messages([&] { return isThere; });
+        QObject::connect(&messages, &MessageRequests::requested, &messages, [&] { ++requests; });
+        EXPECT_EQ(QDBusError(answerTo(showMessage())).type(), QDBusError::Failed);
+        isThere = true;
+        QDBusMessage withArguments = showMessage();
+        withArguments << 7;
+        EXPECT_EQ(QDBusError(answerTo(withArguments)).type(), QDBusError::InvalidArgs);
+        EXPECT_EQ(requests, 0);
+        EXPECT_EQ(answerTo(showMessage()).type(), QDBusMessage::ReplyMessage);
+        EXPECT_TRUE(waitUntil([&] { return requests == 1; }));
+    }
+    EXPECT_EQ(QDBusError(answerTo(showMessage())).type(), QDBusError::Failed) << "nobody has one any more";
+    EXPECT_TRUE(presses.empty());
+}
+
+TEST_F(MenuRequest, ForAMessageIsNothingWhileAMenuIsOpen)
+{
+    int requests = 0;
+    const MessageRequests messages([] { return true; });
+    QObject::connect(&messages, &MessageRequests::requested, &messages, [&] { ++requests; });
+    QMenu menu;
+    menu.addAction(QStringLiteral("One"));
+    menu.popup({100, 100});
+    EXPECT_EQ(answerTo(request(QStringLiteral("ShowMessage"))).type(), QDBusMessage::ReplyMessage);
+    EXPECT_FALSE(waitUntil([&] { return requests > 0; }, std::chrono::milliseconds(200)));
+    menu.close();
+}
+
+TEST_F(MenuRequest, IsRefusedWhereThereIsNoItemWhileMessagesAreServed)
+{
+    const MessageRequests messages([] { return true; });
+    EXPECT_TRUE(showMenu());
+    EXPECT_TRUE(waitUntil([&] { return presses.size() == 1; }));
+    item.reset();
+    EXPECT_EQ(QDBusError(answerTo(request())).type(), QDBusError::Failed);
+    EXPECT_EQ(answerTo(request(QStringLiteral("ShowMessage"))).type(), QDBusMessage::ReplyMessage);
 }
 
 TEST_F(MenuRequest, ComesFromTheProgramThatAKeyIsBoundTo)

@@ -4,7 +4,7 @@
 #include "platform/GraphicalSession.h"
 #include "platform/LogCategories.h"
 #include "platform/LogOutput.h"
-#include "platform/SessionLock.h"
+#include "platform/processes/SessionLock.h"
 #include "platform/screen/DesktopLook.h"
 #include "shell/Application.h"
 #include "shell/DockSearch.h"

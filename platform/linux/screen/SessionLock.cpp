@@ -1,4 +1,4 @@
-#include "platform/SessionLock.h"
+#include "platform/processes/SessionLock.h"
 
 #include "platform/LogCategories.h"
 #include "platform/ProductTexts.h"

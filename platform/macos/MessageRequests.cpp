@@ -1,4 +1,4 @@
-#include "platform/MessageRequests.h"
+#include "platform/screen/MessageRequests.h"
 
 class MessageRequests::Private final
 {

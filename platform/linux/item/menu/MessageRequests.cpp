@@ -1,4 +1,4 @@
-#include "platform/MessageRequests.h"
+#include "platform/screen/MessageRequests.h"
 
 #include "platform/linux/item/menu/MenuRequests.h"
 

@@ -26,7 +26,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
                 check(names.contains(reader.name().toString()));
                 for (const QXmlStreamAttribute &attribute : reader.attributes()) {
                     check(attribute.qualifiedName() != u"src" && !attribute.qualifiedName().startsWith(u"on"));
-                    check(attribute.qualifiedName() != u"style" || !attribute.value().contains(u"url"));
+                    // A family of fonts may have the three letters in its name.
+                    check(attribute.qualifiedName() != u"style" || !attribute.value().contains(u"url("));
                 }
             }
         }

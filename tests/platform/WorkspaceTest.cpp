@@ -1,6 +1,7 @@
 #include "platform/Workspace.h"
 
 #include "tests/session/support/Browser.h"
+#include "tests/session/support/ScriptFile.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/ScopedVariable.h"
 #include "tests/support/WaitUntil.h"
@@ -63,12 +64,7 @@ TEST_F(WorkspaceTest, RunsAProgramAndDoesNotOpenIt)
     const QTemporaryDir folder;
     const QString program = folder.filePath(QStringLiteral("program"));
     const QString trace = folder.filePath(QStringLiteral("trace"));
-    QFile script(program);
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\necho \"$#\" >'" + QFile::encodeName(trace) + ".part'\nmv '" + QFile::encodeName(trace) +
-                 ".part' '" + QFile::encodeName(trace) + "'\n");
-    ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    script.close();
+    writeScript(program, "cd \"${0%/*}\"\necho \"$#\" >part\nmv part trace");
     Workspace::openFile(program);
     ASSERT_TRUE(waitUntil([&] { return QFile::exists(trace); }));
     QFile written(trace);
@@ -84,11 +80,7 @@ TEST_F(WorkspaceTest, HandsNoIgnoredSignalDownToWhatItRuns)
     const QTemporaryDir folder;
     const QString program = folder.filePath(QStringLiteral("program"));
     const QString trace = folder.filePath(QStringLiteral("trace"));
-    QFile script(program);
-    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\ncd \"${0%/*}\"\ngrep SigIgn: /proc/self/status >part\nmv part trace\n");
-    ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
-    script.close();
+    writeScript(program, "cd \"${0%/*}\"\ngrep SigIgn: /proc/self/status >part\nmv part trace");
     const auto before = std::signal(SIGPIPE, SIG_IGN); // As in the agent.
     Workspace::openFile(program);
     const bool hasRun = waitUntil([&] { return QFile::exists(trace); });

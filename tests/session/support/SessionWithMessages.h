@@ -47,12 +47,14 @@ protected:
     /// The pop-up, once it is there and drawn.
     std::optional<XWindow> popUp()
     {
-        const bool shown = waitUntil([this] {
-            const QList<XWindow> windows = agent->freeWindows();
+        // As it was when it was seen: it may go at any moment, to come again in another scale.
+        QList<XWindow> windows;
+        const bool shown = waitUntil([&] {
+            windows = agent->freeWindows();
             return windows.size() == 1 && agent->isDrawn(windows.first());
         });
-        EXPECT_TRUE(shown) << "there are " << agent->freeWindows().size() << " windows and not one pop-up";
-        return shown ? std::optional(agent->freeWindows().first()) : std::nullopt;
+        EXPECT_TRUE(shown) << "there are " << windows.size() << " windows and not one pop-up";
+        return shown ? std::optional(windows.first()) : std::nullopt;
     }
     [[nodiscard]] bool popUpIsAnother(const XWindow &before)
     {

@@ -68,7 +68,7 @@ TEST_F(Docking, StandsAloneWhileThePanelIsGone)
 {
     desktop.stopPanel();
     ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }));
-    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().first().geometry == QRect(1098, 0, 22, 22); }))
+    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().value(0).geometry == QRect(1098, 0, 22, 22); }))
         << "the window manager has the panel's room back";
 
     desktop.input().click(agent->freeWindows().first().geometry.center());

@@ -38,9 +38,13 @@ bool Session::start(const Setting &setting)
 
 std::optional<XWindow> Session::topWindow(qsizetype count)
 {
-    const bool there = waitUntil([&] { return agent->freeWindows().size() == count; });
-    EXPECT_TRUE(there) << "there are " << agent->freeWindows().size() << " windows and not " << count;
-    return there ? std::optional(agent->freeWindows().last()) : std::nullopt;
+    QList<XWindow> windows;
+    const bool there = waitUntil([&] {
+        windows = agent->freeWindows();
+        return windows.size() == count;
+    });
+    EXPECT_TRUE(there) << "there are " << windows.size() << " windows and not " << count;
+    return there ? std::optional(windows.last()) : std::nullopt;
 }
 
 QList<QRect> Session::entriesOf(const XWindow &menu, qsizetype count)

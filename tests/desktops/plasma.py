@@ -5,9 +5,9 @@ from tests.desktops.description import Description
 ENVIRONMENT = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "6",
                "QT_QUICK_BACKEND": "software", "KWIN_COMPOSE": "N", "XDG_MENU_PREFIX": "plasma-"}
 COMMON = {
-    "packages": ("plasma-workspace", "kwin-x11", "kded6"),
+    "packages": ("plasma-desktop", "plasma-workspace", "kwin-x11", "kded6"),
     "environment": ENVIRONMENT,
-    "on_debian": {"12": {"packages": ("plasma-workspace", "kwin-x11", "kded5"),
+    "on_debian": {"12": {"packages": ("plasma-desktop", "plasma-workspace", "kwin-x11", "kded5"),
                          "environment": ENVIRONMENT | {"KDE_SESSION_VERSION": "5"}}},
 }
 KDED = ["sh", "-c", 'exec "kded$KDE_SESSION_VERSION"']

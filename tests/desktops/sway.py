@@ -12,12 +12,11 @@ BAR = """{"layer": "top", "position": "top", "height": HEIGHT, "modules-left": [
 
 DESKTOPS = {"sway": Description(
     title="sway with waybar",
-    packages=("sway", "waybar", "xwayland"),
+    packages=("sway", "waybar", "xwayland", "grim", "wtype"),
     programs={"waybar": ["waybar"]},
     panel=("waybar",),
     files={".config/waybar/config": BAR.replace("HEIGHT", str(HEIGHT))},
     environment={"XDG_CURRENT_DESKTOP": "sway"},
-    cannot={"keyboard": "sway gives the menus of X programs no keyboard"},
     remarks="Xwayland takes a press in a menu to be beside it when the pointer has come there in a single leap, which no "
             "hand does: the pointer goes in small steps here.",
     bars=(Box(0, 0, 1280, HEIGHT),),

@@ -164,7 +164,8 @@ void StatusItem::Private::setForm(StatusItemForm form)
     case StatusItemForm::Notifier:
         m_watcher = m_notifiers.watcher();
         m_notifierItem = std::make_unique<StatusNotifierItem>(m_menu);
-        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, [this](std::optional<QPoint> place) {
+        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, [this](std::optional<QPoint> told) {
+            const auto place = told ? std::optional(placeAsTold(*told, m_watcher)) : std::nullopt;
             m_lastPress = place ? std::optional(PressedPlace{*place, presentScreens()}) : m_lastPress;
             handlePress(place);
         });

@@ -1,11 +1,23 @@
 #include "platform/linux/item/menu/PressedPlace.h"
 
 #include "platform/MainScreen.h"
+#include "platform/linux/include/ExecutableName.h"
 #include "platform/linux/include/MainDisplay.h"
+#include "platform/linux/include/SessionBus.h"
 #include "platform/linux/screen/windows/WorkArea.h"
+#include "platform/linux/workarounds/RelativePlace.h"
 
 #include <QGuiApplication>
 #include <QScreen>
+
+namespace
+{
+std::optional<QPoint> endOfMainPanel()
+{
+    const QRect monitor = screenCoordinates().mainScreen;
+    return endOfPanel(monitor, WorkAreaQuestion().answer(monitor));
+}
+} // namespace
 
 QList<QRect> presentScreens()
 {
@@ -47,12 +59,19 @@ std::optional<QPoint> endOfPanel(const QRect &monitor, const std::optional<QRect
     return std::nullopt;
 }
 
+QPoint placeAsTold(QPoint told, const QString &host)
+{
+    const auto program = [&] {
+        return executableName(static_cast<pid_t>(SessionBus::instance().processOf(host).value_or(0)));
+    };
+    return mayBeWithinTheItem(told, program) ? endOfMainPanel().value_or(told) : told;
+}
+
 QPoint placeUnseen(const std::optional<PressedPlace> &lastPress)
 {
     if (const std::optional<QPoint> pressed = placeSincePress(lastPress, presentScreens())) {
         return *pressed;
     }
-    const ScreenCoordinates screen = screenCoordinates();
-    const std::optional<QPoint> end = endOfPanel(screen.mainScreen, WorkAreaQuestion().answer(screen.mainScreen));
-    return end ? *end : screen.toDevice(MainScreen::mouseLocation());
+    const std::optional<QPoint> end = endOfMainPanel();
+    return end ? *end : screenCoordinates().toDevice(MainScreen::mouseLocation());
 }

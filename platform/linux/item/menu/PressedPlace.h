@@ -25,6 +25,11 @@ struct PressedPlace {
 /// an edge, no deeper than a quarter of the monitor. A point in it, in device pixels; nothing where there is no panel.
 [[nodiscard]] std::optional<QPoint> endOfPanel(const QRect &monitor, const std::optional<QRect> &workArea);
 
+/// Where the item was pressed, of which a host says that it was at `told`: there, or at the end of the main screen's
+/// panel where that can only be a place within the item (workarounds/RelativePlace.h). `host` is its name on the
+/// session bus. In device pixels of the root window. Needs X; main thread only.
+[[nodiscard]] QPoint placeAsTold(QPoint told, const QString &host);
+
 /// Where the item is held to be whose window nobody sees: where it was at its last press; else at the end of the main
 /// screen's panel; else where the mouse is. In device pixels of the root window. Needs X; main thread only.
 [[nodiscard]] QPoint placeUnseen(const std::optional<PressedPlace> &lastPress);

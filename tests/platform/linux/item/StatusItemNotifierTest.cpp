@@ -15,8 +15,10 @@
 
 #include <QDBusPendingCall>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMenu>
 #include <QPixmap>
+#include <QTemporaryDir>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -44,14 +46,17 @@ QIcon redIcon()
 class WatcherOfADisplay
 {
 public:
-    explicit WatcherOfADisplay(const QString &display, const QStringList &name = {})
+    explicit WatcherOfADisplay(const QString &display, const QStringList &name = {},
+                               const QString &program = QStringLiteral(KIV_NOTIFIER_WATCHER))
     {
         m_program.environment.insert(QStringLiteral("DISPLAY"), display);
-        EXPECT_TRUE(m_program.start(QStringLiteral(KIV_NOTIFIER_WATCHER), name));
+        EXPECT_TRUE(m_program.start(program, name));
         EXPECT_TRUE(waitUntil([this] { return m_program.output().contains('\n'); }));
     }
 
     [[nodiscard]] qsizetype itemCount() { return m_program.output().count("item"); }
+    /// The bus name of the item that has come last.
+    [[nodiscard]] QString item() { return QString::fromUtf8(m_program.output().trimmed().split(' ').last()); }
 
 private:
     ChildProcess m_program;
@@ -186,6 +191,34 @@ TEST_F(StatusItemNotifierTest, IsPressedAtThePlaceThatTheHostTells)
     EXPECT_TRUE(host.choose(activate, {0, 0}));
     EXPECT_TRUE(waitUntil([&] { return places.size() == 3; }));
     EXPECT_THAT(places, testing::ElementsAre(NSPoint{300, 780}, NSPoint{310, 10}, std::nullopt));
+}
+
+TEST_F(StatusItemNotifierTest, IsAtThePanelsEndWhereAHostTellsAPlaceWithinIt)
+{
+    const PublishedWorkArea area({0, 40, 1280, 760});
+    const QTemporaryDir folder;
+    for (const bool isSuch : {false, true}) {
+        const QString program = folder.filePath(isSuch ? QStringLiteral("waybar") : QStringLiteral("another"));
+        ASSERT_TRUE(QFile::copy(QStringLiteral(KIV_NOTIFIER_WATCHER), program));
+        WatcherOfADisplay watcher(qEnvironmentVariable("DISPLAY"), {}, program);
+        StatusItem item;
+        item.setImage(redIcon());
+        ASSERT_TRUE(waitUntil([&] { return watcher.itemCount() == 1; }));
+        std::vector<std::optional<NSPoint>> places;
+        QObject::connect(&item, &StatusItem::pressed, &item,
+                         [&](std::optional<NSPoint> place) { places.push_back(place); });
+        const BusPeer peer(*bus);
+        for (const QPoint place : {QPoint(10, 20), QPoint(63, 63), QPoint(64, 20), QPoint(10, 64)}) {
+            QDBusMessage press = QDBusMessage::createMethodCall(watcher.item(), QStringLiteral("/StatusNotifierItem"),
+                                                                QStringLiteral("org.kde.StatusNotifierItem"), activate);
+            press.setArguments({place.x(), place.y()});
+            EXPECT_TRUE(peer.connection().send(press));
+        }
+        EXPECT_TRUE(waitUntil([&] { return places.size() == 4; }));
+        const NSPoint end{1259, 780};
+        EXPECT_THAT(places, testing::ElementsAre(isSuch ? end : NSPoint{10, 780}, isSuch ? end : NSPoint{63, 737},
+                                                 NSPoint{64, 780}, NSPoint{10, 736}));
+    }
 }
 
 TEST_F(StatusItemNotifierTest, IsWhereItWasPressedLastWhenItsMenuIsAskedFor)

@@ -6,8 +6,8 @@
 #include <cstdio>
 
 // A StatusNotifierWatcher with a host, in a process of its own, which is no client of any X server. It writes a line
-// once it is there, and one for each item that registers. With an argument it has that name on the bus, and is no
-// watcher.
+// once it is there, and one for each item that registers, with its name. With an argument it has that name on the bus,
+// and is no watcher.
 
 int main(int argc, char **argv)
 {
@@ -20,11 +20,12 @@ int main(int argc, char **argv)
         !bus.registerService(name)) {
         return 1;
     }
-    const auto write = [](const char *line) {
-        std::puts(line);
+    const auto write = [](const QString &line) {
+        std::puts(qPrintable(line));
         std::fflush(stdout);
     };
-    QObject::connect(&watcher, &NotifierWatcherObject::StatusNotifierItemRegistered, &watcher, [&] { write("item"); });
-    write("there");
+    QObject::connect(&watcher, &NotifierWatcherObject::StatusNotifierItemRegistered, &watcher,
+                     [&](const QString &item) { write(QStringLiteral("item ") + item); });
+    write(QStringLiteral("there"));
     return QCoreApplication::exec();
 }

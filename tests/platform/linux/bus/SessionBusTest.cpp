@@ -48,6 +48,35 @@ TEST(SessionBus, TakesTheGivenAddress)
     EXPECT_FALSE(bus.connection().baseService().isEmpty());
 }
 
+TEST(SessionBus, AsksABusThatWasProbedAheadNoSecondTimeButOnlyOnce)
+{
+    PrivateBus daemon;
+    ASSERT_TRUE(daemon.start());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toUtf8());
+    EXPECT_EQ(SessionBus::probeAhead().state, BusState::Answers);
+    // The bus numbers its connections, probes too.
+    EXPECT_EQ(SessionBus().connection().baseService(), QStringLiteral(":1.1"));
+    EXPECT_EQ(SessionBus().connection().baseService(), QStringLiteral(":1.3"));
+}
+
+TEST(SessionBus, TriesAgainWhenTheBusThatWasProbedAheadHasGoneMeanwhile)
+{
+    std::optional<PrivateBus> daemon;
+    daemon.emplace();
+    ASSERT_TRUE(daemon->start());
+    const QByteArray gone = daemon->address().toUtf8();
+    {
+        const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", gone);
+        EXPECT_EQ(SessionBus::probeAhead().state, BusState::Answers);
+    }
+    daemon.reset();
+    PrivateBus next;
+    ASSERT_TRUE(next.start());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", next.address().toUtf8());
+    SessionBus bus(10ms);
+    EXPECT_TRUE(waitUntil([&] { return bus.isConnected(); }));
+}
+
 TEST(SessionBus, TakesTheSocketInTheRuntimeFolderWithoutAnAddress)
 {
     PrivateBus daemon;
@@ -271,7 +300,8 @@ TEST(SessionBus, IsOneInstanceThatMayEndWithTheProcess)
     ASSERT_TRUE(daemon.start());
     const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toUtf8());
     EXPECT_EQ(&SessionBus::instance(), &SessionBus::instance());
-    EXPECT_TRUE(SessionBus::instance().isConnected());
+    // Another test may have left it without a bus, which it then looks for anew by and by.
+    EXPECT_TRUE(waitUntil([] { return SessionBus::instance().isConnected(); }));
 }
 
 } // namespace

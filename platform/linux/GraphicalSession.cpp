@@ -57,8 +57,8 @@ QString GraphicalSession::prepare()
     endInOrderWhenTheSessionManagerDies(&end);
     SessionManagerMessages::hear();
     keepLibdbusFromAborting();
-    const bool isHopeless = SessionBus::probeAhead().state == BusState::Unusable;
-    keepQtFromLaunchingOrAwaitingABus(sessionBusAddress(), isHopeless ? BusUse::Hopeless : BusUse::Possible);
+    keepQtFromLaunchingOrAwaitingABus(sessionBusAddress(),
+                                      SessionBus::probeAhead() ? BusUse::Possible : BusUse::Hopeless);
     PortalQuestion::avoid();
     keepQtFromLookingForLargerImages();
     keepQtFromCompilingPatterns();

@@ -4,6 +4,7 @@
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/workarounds/bus/LibdbusLimit.h"
 #include "platform/linux/workarounds/bus/LibdbusWarnings.h"
+#include "platform/linux/workarounds/bus/SilentBus.h"
 
 #include <QDBusError>
 
@@ -56,10 +57,10 @@ SessionBus &SessionBus::instance()
     return bus;
 }
 
-ProbedBus SessionBus::probeAhead()
+bool SessionBus::probeAhead()
 {
     probedAhead = probeBus(sessionBusAddress());
-    return *probedAhead;
+    return probedAhead->state != BusState::Unusable;
 }
 
 SessionBus::SessionBus(std::chrono::milliseconds retryInterval)

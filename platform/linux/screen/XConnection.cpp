@@ -42,8 +42,13 @@ void internAll(xcb_connection_t *x, const QByteArrayList &names, Atoms &known)
 /// the thread in which Qt reads its answers.
 QByteArrayList atomsOfAStart()
 {
-    return {traySelection(), "_NET_SYSTEM_TRAY_OPCODE", "_NET_SYSTEM_TRAY_VISUAL", "_NET_WM_NAME", "_XEMBED",
-            "_XEMBED_INFO",  "UTF8_STRING"};
+    return {traySelection(),
+            "_NET_SYSTEM_TRAY_OPCODE",
+            "_NET_SYSTEM_TRAY_VISUAL",
+            "_NET_WM_NAME",
+            "_XEMBED",
+            "_XEMBED_INFO",
+            "UTF8_STRING"};
 }
 } // namespace
 

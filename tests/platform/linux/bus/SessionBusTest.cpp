@@ -53,7 +53,7 @@ TEST(SessionBus, AsksABusThatWasProbedAheadNoSecondTimeButOnlyOnce)
     PrivateBus daemon;
     ASSERT_TRUE(daemon.start());
     const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toUtf8());
-    EXPECT_EQ(SessionBus::probeAhead().state, BusState::Answers);
+    EXPECT_TRUE(SessionBus::probeAhead());
     // The bus numbers its connections, probes too.
     EXPECT_EQ(SessionBus().connection().baseService(), QStringLiteral(":1.1"));
     EXPECT_EQ(SessionBus().connection().baseService(), QStringLiteral(":1.3"));
@@ -67,7 +67,7 @@ TEST(SessionBus, TriesAgainWhenTheBusThatWasProbedAheadHasGoneMeanwhile)
     const QByteArray gone = daemon->address().toUtf8();
     {
         const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", gone);
-        EXPECT_EQ(SessionBus::probeAhead().state, BusState::Answers);
+        EXPECT_TRUE(SessionBus::probeAhead());
     }
     daemon.reset();
     PrivateBus next;

@@ -154,6 +154,21 @@ TEST(SessionBus, TakesABusAtItsLimitForNoneUntilThereIsAPlace)
     EXPECT_TRUE(waitUntil([&] { return bus.isConnected(); }));
 }
 
+TEST(SessionBus, OutlivesALibraryThatIsRefusedByABusAtItsLimit)
+{
+    const BusForOne crowded;
+    ASSERT_TRUE(crowded.isRunning());
+    const QString address = QString::fromLatin1(crowded.address());
+    const QString occupant = QStringLiteral("occupant from the first");
+    ASSERT_TRUE(QDBusConnection::connectToBus(address, occupant).isConnected());
+    const SessionBus bus;
+    // As when the last place is taken just after it was seen to be free. libdbus has a warning to give then.
+    const QString late = QStringLiteral("late");
+    EXPECT_FALSE(QDBusConnection::connectToBus(address, late).isConnected());
+    QDBusConnection::disconnectFromBus(late);
+    QDBusConnection::disconnectFromBus(occupant);
+}
+
 TEST(SessionBus, GetsTheLastPlaceOfABus)
 {
     const BusForOne crowded;

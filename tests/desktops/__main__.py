@@ -1,8 +1,8 @@
 """Asks the same questions of all desktops, or of those named: python3 -m tests.desktops --build BUILD --folder FOLDER [NAME...]
 
 Only in a clean room with the desktops' packages. BUILD is a build of the agent for release. FOLDER has desktops.json,
-what was found out before, which is kept for the others; it gets the new one, the page and the pictures. With --packages
-in the place of both it prints the names of those packages.
+what was found out before, by the release of Debian, which is kept for the others; it gets the new one, the page and the
+pictures. With --packages in the place of both it prints the names of those packages.
 """
 
 import argparse
@@ -12,6 +12,7 @@ import importlib
 import json
 import os
 import pathlib
+import platform
 import signal
 import subprocess
 import sys
@@ -24,12 +25,12 @@ from tests.desktops.support.questions import QUESTIONS, AtWork, Fault
 FILES = ("none", "icewm", "i3", "fluxbox", "polybar", "xfce", "mate", "lxqt", "cinnamon", "plasma", "gnome", "sway")
 
 
-def all_desktops():
+def all_desktops(release):
     """Descriptions by name, in the order of the page."""
     found = {}
     for name in FILES:
         found |= importlib.import_module("tests.desktops." + name).DESKTOPS
-    return found
+    return {name: description.on(release) for name, description in found.items()}
 
 
 def versions(packages):
@@ -55,9 +56,10 @@ def answer(work, name, description):
     return [word, reason]
 
 
-def ask(name, description, build, folder):
+def ask(name, description, build, folder, release):
     """The desktop's part of the record."""
-    picture = folder / "images/desktops" / f"{name}.png"
+    pictures = page.pictures(release)
+    picture = folder / pictures / f"{name}.png"
     picture.parent.mkdir(parents=True, exist_ok=True)
     picture.unlink(missing_ok=True)
     answers = {}
@@ -79,7 +81,7 @@ def ask(name, description, build, folder):
         "drawn_by": sorted(work.drawn_by),
         "said": work.said,
         "remarks": description.remarks,
-        "picture": f"images/desktops/{name}.png" if picture.exists() else "",
+        "picture": f"{pictures}/{name}.png" if picture.exists() else "",
         "answers": answers,
     }
 
@@ -93,7 +95,8 @@ def end_what_is_left():
 
 
 def main():
-    desktops = all_desktops()
+    release = platform.freedesktop_os_release()["VERSION_ID"]
+    desktops = all_desktops(release)
     parser = argparse.ArgumentParser(prog="desktops")
     parser.add_argument("--packages", action="store_true")
     parser.add_argument("--build")
@@ -108,20 +111,22 @@ def main():
         sys.exit("only in a clean room, as a user: ./kiv desktops")
 
     file = asked.folder / "desktops.json"
-    record = json.loads(file.read_text(encoding="utf-8")) if file.exists() else {}
+    records = json.loads(file.read_text(encoding="utf-8")) if file.exists() else {}
+    record = records.setdefault(release, {})
     failed = []
     for name in names:
         print(f"-- {desktops[name].title}", flush=True)
         try:
-            record[name] = ask(name, desktops[name], asked.build, asked.folder)
+            record[name] = ask(name, desktops[name], asked.build, asked.folder, release)
         except Exception:  # pylint: disable=broad-except  (the others are still worth their time)
             traceback.print_exc()
             failed.append(name)
         end_what_is_left()
         record = {each: record[each] for each in desktops if each in record}
-        file.write_text(json.dumps(record, indent=1, ensure_ascii=False) + "\n", encoding="utf-8")
+        records[release] = record
+        file.write_text(json.dumps(records, indent=1, ensure_ascii=False) + "\n", encoding="utf-8")
         headings = {question: heading for question, (heading, _) in QUESTIONS.items()}
-        (asked.folder / "desktops.md").write_text(page.page(record, headings), encoding="utf-8")
+        (asked.folder / "desktops.md").write_text(page.page(records, headings), encoding="utf-8")
     if failed:
         print("Did not come up: " + ", ".join(failed), file=sys.stderr)
     return 1 if failed else 0

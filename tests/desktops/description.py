@@ -22,3 +22,8 @@ class Description:
     # Why something cannot be, by question: what the desktop does. It is asked all the same.
     cannot: dict = dataclasses.field(default_factory=dict)
     remarks: str = ""               # What a reader has to know of how it is run.
+    on_debian: dict = dataclasses.field(default_factory=dict)    # Other values of these, by the release of Debian.
+
+    def on(self, release):
+        """The same on that Debian."""
+        return dataclasses.replace(self, **self.on_debian.get(release, {}))

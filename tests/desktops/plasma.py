@@ -2,12 +2,16 @@
 
 from tests.desktops.description import Description
 
+ENVIRONMENT = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "6",
+               "QT_QUICK_BACKEND": "software", "KWIN_COMPOSE": "N", "XDG_MENU_PREFIX": "plasma-"}
 COMMON = {
-    "packages": ("plasma-workspace", "kwin-x11", "kded6"),
-    "environment": {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "6",
-                    "QT_QUICK_BACKEND": "software", "KWIN_COMPOSE": "N", "XDG_MENU_PREFIX": "plasma-"},
+    "packages": ("plasma-desktop", "plasma-workspace", "kwin-x11", "kded6"),
+    "environment": ENVIRONMENT,
+    "on_debian": {"12": {"packages": ("plasma-desktop", "plasma-workspace", "kwin-x11", "kded5"),
+                         "environment": ENVIRONMENT | {"KDE_SESSION_VERSION": "5"}}},
 }
-PROGRAMS = {"window-manager": ["kwin_x11"], "kded": ["kded6"], "plasmashell": ["plasmashell"]}
+KDED = ["sh", "-c", 'exec "kded$KDE_SESSION_VERSION"']
+PROGRAMS = {"window-manager": ["kwin_x11"], "kded": KDED, "plasmashell": ["plasmashell"]}
 
 
 DESKTOPS = {

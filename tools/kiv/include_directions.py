@@ -32,7 +32,7 @@ ALLOWED = {
     'platform/linux/include': ['platform'],
     'platform/linux/bus': LINUX + ['platform/linux/workarounds'],
     'platform/linux/corefoundation': LINUX,
-    'platform/linux/screen': LINUX,
+    'platform/linux/screen': LINUX + ['platform/files'],
     'platform/linux/processes': LINUX,
     'platform/linux/desktop': LINUX + ['platform/linux/bus', 'platform/linux/screen', 'platform/linux/workarounds',
                                        'platform/text'],

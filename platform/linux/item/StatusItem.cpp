@@ -1,7 +1,6 @@
 #include "platform/StatusItem.h"
 
 #include "platform/LogCategories.h"
-#include "platform/MainScreen.h"
 #include "platform/linux/accessibility/AccessibleItem.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/SessionBus.h"
@@ -284,12 +283,11 @@ void StatusItem::Private::handlePress(std::optional<QPoint> place)
     }
 }
 
-/// As if the item had been pressed: where it is, or was at its last press; while nobody knows, where the mouse is.
+/// As if the item had been pressed: where it is, or is held to be.
 void StatusItem::Private::handleKey()
 {
     const auto place = window() ? window()->place() : std::nullopt;
-    const auto known = place ? std::optional(place->topLeft()) : placeSincePress(m_lastPress, presentScreens());
-    handlePress(known ? known : screenCoordinates().toDevice(MainScreen::mouseLocation()));
+    handlePress(place ? place->topLeft() : placeUnseen(m_lastPress));
 }
 
 StatusItem::StatusItem(QObject *parent)

@@ -216,6 +216,13 @@ void TrayIconWindow::handleEvent(const xcb_generic_event_t *event)
         }
         break;
     }
+    case XCB_KEY_RELEASE: {
+        const auto *release = reinterpret_cast<const xcb_key_release_event_t *>(event);
+        if (release->event == m_window && release->time != XCB_CURRENT_TIME) {
+            m_releasedKey = KeyMoment{release->detail, release->time};
+        }
+        break;
+    }
     case XCB_CLIENT_MESSAGE: {
         const auto *client = reinterpret_cast<const xcb_client_message_event_t *>(event);
         if (const auto focused = TrayProtocol::focusTold(*client); focused && client->window == m_window) {
@@ -307,8 +314,10 @@ void TrayIconWindow::handleKey(const xcb_key_press_event_t &press)
     const PressedKey key = pressedKey(press);
     if (key == PressedKey::Open) {
         hideToolTip();
-        RootProperties::catchUpAndShow(this, [this] {
-            if (!QApplication::activePopupWidget()) {
+        // GNOME's shell tells of a key's release by another press and the release, both of that moment. The menu in
+        // which Return has chosen would open again.
+        RootProperties::catchUpAndShow(this, [this, pressed = KeyMoment{press.detail, press.time}] {
+            if (!QApplication::activePopupWidget() && m_releasedKey != pressed) {
                 Q_EMIT chosenByKey();
             }
         });

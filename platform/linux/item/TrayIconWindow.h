@@ -11,6 +11,7 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 /// The X window that is a status item: docked in a tray by the freedesktop.org System Tray protocol, or standing alone
 /// on the screen. A docked window ends with its tray: the next tray may ask for another visual.
@@ -62,6 +63,7 @@ Q_SIGNALS:
 
 private:
     enum class Kind { Docked, Alone };
+    using KeyMoment = std::pair<xcb_keycode_t, xcb_timestamp_t>;
 
     TrayIconWindow(Kind kind, const XVisual &visual, const QRect &place);
 
@@ -85,8 +87,9 @@ private:
     bool m_mapped = false;
     xcb_timestamp_t m_lastPress = 0;
     bool m_embedded = false;
-    xcb_window_t m_embedder = XCB_NONE; ///< What has taken it in.
-    bool m_focused = false;             ///< It has the keyboard, and shows it.
+    xcb_window_t m_embedder = XCB_NONE;     ///< What has taken it in.
+    bool m_focused = false;                 ///< It has the keyboard, and shows it.
+    std::optional<KeyMoment> m_releasedKey; ///< The last one of which the embedder has told.
     StatusItemLook m_look;
     QTimer m_toolTipDelay;
     bool m_toolTipShown = false;

@@ -4,6 +4,7 @@ pointer and keyboard."""
 import os
 import pathlib
 import pwd
+import re
 import shutil
 import subprocess
 import time
@@ -121,6 +122,13 @@ class Session(RunningDesktop):
     def show_menu(self):
         """As a launcher does, or a key."""
         return self.run(self.build / "bin/kivshowmenu", environment=self.agents_environment()).returncode == 0
+
+    def registered_items(self):
+        """What the bus's watcher of StatusNotifierItems has been told of; nothing without a watcher."""
+        watcher = "org.kde.StatusNotifierWatcher"
+        answer = self.run("dbus-send", "--session", "--print-reply", "--dest=" + watcher, "/StatusNotifierWatcher",
+                          "org.freedesktop.DBus.Properties.Get", "string:" + watcher, "string:RegisteredStatusNotifierItems")
+        return set(re.findall(r'string "(.*)"', answer.stdout))
 
     def keep(self, folder):
         """Copies what all have said to where it outlives the session."""

@@ -1,5 +1,6 @@
 #include "platform/screen/MenuPopUp.h"
 
+#include "platform/linux/screen/windows/WindowNames.h"
 #include "platform/linux/workarounds/MenuFocus.h"
 
 #include <QAccessible>
@@ -15,6 +16,8 @@ void popUpMenu(QMenu &menu, QPoint corner)
         }
     };
     QMetaObject::invokeMethod(&menu, tellReaders, Qt::QueuedConnection);
+    // There a window that says it is a menu gets no keyboard: a program for X11 shall have it already.
+    menu.setAttribute(Qt::WA_X11NetWmWindowTypePopupMenu, !isWlrootsTheWindowManager());
     const QPointer<QMenu> opened(&menu);
     menu.exec(corner);
     if (opened) {

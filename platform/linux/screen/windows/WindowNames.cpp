@@ -14,7 +14,33 @@ void setText(xcb_window_t window, xcb_atom_t property, xcb_atom_t type, const QB
     xcb_flush(x);
 }
 
+XcbReply<xcb_get_property_reply_t> property(xcb_window_t window, const QByteArray &name, xcb_atom_t type)
+{
+    constexpr std::uint32_t maxUnits = 64; // Of four bytes.
+    const auto cookie = xcb_get_property(XConnection::get(), false, window, XConnection::atom(name), type, 0, maxUnits);
+    return XcbReply<xcb_get_property_reply_t>(xcb_get_property_reply(XConnection::get(), cookie, nullptr));
+}
+
 } // namespace
+
+QByteArray nameOfWindowManager()
+{
+    const auto check = property(XConnection::screen()->root, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW);
+    if (!check || check->format != 32 || check->value_len == 0) {
+        return {};
+    }
+    const auto window = *static_cast<const xcb_window_t *>(xcb_get_property_value(check.get()));
+    const auto name = property(window, "_NET_WM_NAME", XConnection::atom("UTF8_STRING"));
+    return name && name->format == 8 ? QByteArray(static_cast<const char *>(xcb_get_property_value(name.get())),
+                                                  xcb_get_property_value_length(name.get()))
+                                     : QByteArray();
+}
+
+bool isWlrootsTheWindowManager()
+{
+    // A program that was started in such a session for another display names its Wayland display, too.
+    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") && nameOfWindowManager() == "wlroots wm";
+}
 
 void setWindowClass(xcb_window_t window, const QByteArray &name)
 {

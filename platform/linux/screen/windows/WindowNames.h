@@ -12,3 +12,10 @@ void setWindowClass(xcb_window_t window, const QByteArray &name);
 
 /// Its name, in UTF-8, which people see.
 void setWindowName(xcb_window_t window, const QByteArray &name);
+
+/// What the window manager calls itself (Extended Window Manager Hints, _NET_SUPPORTING_WM_CHECK); empty where there is
+/// none, or none that does so.
+[[nodiscard]] QByteArray nameOfWindowManager();
+
+/// Whether that is a Wayland compositor made with wlroots, as sway is. Asks nobody outside a Wayland session.
+[[nodiscard]] bool isWlrootsTheWindowManager();

@@ -2,6 +2,7 @@
 
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/screen/windows/Struts.h"
+#include "platform/linux/screen/windows/SwayWorkArea.h"
 
 #include <algorithm>
 
@@ -110,7 +111,10 @@ std::optional<QRect> WorkAreaQuestion::answer(const QRect &monitor)
     }
     const std::optional<QRect> area = workAreaOf(numbersOf(areas), desktop);
     const QSize size = screen ? QSize(screen->width, screen->height) : monitor.size();
-    if (!area || monitor.size() == size) {
+    if (!area) {
+        return SwayWorkArea::workAreaOn(monitor);
+    }
+    if (monitor.size() == size) {
         return area; // There is but one monitor.
     }
     return workAreaByStruts(monitor, size, *area, strutsOfWindows());

@@ -10,7 +10,8 @@
 
 /// The part of the screen that panels and shells leave to windows, as the window manager publishes it: the properties
 /// _NET_WORKAREA and _NET_CURRENT_DESKTOP of the root window (Extended Window Manager Hints), and for each monitor
-/// _GTK_WORKAREAS_D and the desktop's number, where it does that too (GTK's own hint). In device pixels.
+/// _GTK_WORKAREAS_D and the desktop's number, where it does that too (GTK's own hint); what SwayWorkArea.h says where
+/// it does neither. In device pixels.
 
 /// Of `areas`, x, y, width and height for each desktop, the one of that desktop, or of the first for window managers
 /// that publish one for all; nothing when there is none.

@@ -102,6 +102,21 @@ void FakeTray::passKey(xcb_window_t icon, std::uint8_t key, std::uint16_t modifi
     xcb_flush(m_connection);
 }
 
+void FakeTray::passRelease(xcb_window_t icon, std::uint8_t key)
+{
+    xcb_key_press_event_t event = {};
+    event.detail = key;
+    event.time = 1000;
+    event.root = m_screen->root;
+    event.event = icon;
+    event.same_screen = true;
+    for (const std::uint8_t type : {XCB_KEY_PRESS, XCB_KEY_RELEASE}) {
+        event.response_type = type;
+        xcb_send_event(m_connection, false, icon, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char *>(&event));
+    }
+    xcb_flush(m_connection);
+}
+
 void FakeTray::passPress(xcb_window_t icon, QPoint place)
 {
     xcb_button_press_event_t press = {};

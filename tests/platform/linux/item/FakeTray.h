@@ -30,6 +30,8 @@ public:
     void tell(xcb_window_t icon, Word word);
     /// Hands a key on that was pressed in its own window.
     void passKey(xcb_window_t icon, std::uint8_t key, std::uint16_t modifiers = 0);
+    /// Hands the release of a key on as GNOME's shell does: by a press and a release of the same moment.
+    void passRelease(xcb_window_t icon, std::uint8_t key);
     /// Presses the primary button on it, as a proxy does that has been pressed there.
     void passPress(xcb_window_t icon, QPoint place);
     /// The numbers of the XEmbed messages that its icons have sent.

@@ -106,6 +106,19 @@ TEST_F(StatusItemKeyboardInATray, OpensTheMenuAtTheItemWhereverTheMouseIs)
     EXPECT_EQ(presses.size(), 4U);
 }
 
+TEST_F(StatusItemKeyboardInATray, OpensNoMenuWhenAKeyIsReleasedWhateverTheTrayMakesOfIt)
+{
+    tray.passKey(icon, FakeInput::keyOf(returnKey));
+    EXPECT_TRUE(waitUntil([&] { return presses.size() == 1; }));
+    tray.passRelease(icon, FakeInput::keyOf(returnKey));
+    tray.passKey(icon, FakeInput::keyOf(returnKey));
+    EXPECT_TRUE(waitUntil([&] { return presses.size() >= 2; }));
+    tray.passRelease(icon, FakeInput::keyOf(space));
+    tray.passKey(icon, FakeInput::keyOf(tab));
+    EXPECT_TRUE(waitUntil([&] { return tray.serve(), !tray.words().empty(); }));
+    EXPECT_EQ(presses.size(), 2U);
+}
+
 TEST_F(StatusItemKeyboardInATray, IsSeenToHaveTheFocusAndPassesItOnWithTab)
 {
     const QRgb frame = QGuiApplication::palette().color(QPalette::Highlight).rgb();

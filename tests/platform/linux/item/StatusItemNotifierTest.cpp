@@ -3,6 +3,7 @@
 #include "platform/linux/include/XConnection.h"
 #include "tests/platform/linux/item/FakeNotifierHost.h"
 #include "tests/platform/linux/item/FakeTray.h"
+#include "tests/platform/linux/screen/windows/PublishedWorkArea.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeInput.h"
@@ -226,6 +227,15 @@ TEST_F(StatusItemNotifierTest, IsWhereItWasPressedLastWhenItsMenuIsAskedFor)
     ASSERT_TRUE(waitUntil([&] { return second.items().size() == 1; }));
     requestMenu();
     EXPECT_THAT(waitForPress(), atTheMouse) << "the next one has it elsewhere";
+    {
+        const PublishedWorkArea area({0, 0, 1280, 760});
+        requestMenu();
+        EXPECT_THAT(waitForPress(), testing::ElementsAre(NSPoint{1259, 21})) << "there is a panel";
+        EXPECT_TRUE(second.choose(activate, {300, 20}));
+        EXPECT_THAT(waitForPress(), atTheItem);
+        requestMenu();
+        EXPECT_THAT(waitForPress(), atTheItem);
+    }
 }
 
 TEST_F(StatusItemNotifierTest, IsHandedOverFromOneHostToTheNext)

@@ -1,12 +1,13 @@
 #include "platform/StatusBar.h"
 
 #include "platform/linux/include/XConnection.h"
+#include "tests/platform/linux/screen/windows/FakeSway.h"
+#include "tests/platform/linux/screen/windows/NamedWindowManager.h"
+#include "tests/platform/linux/screen/windows/PublishedWorkArea.h"
 
 #include <QRasterWindow>
 
 #include <gtest/gtest.h>
-
-#include <array>
 
 namespace
 {
@@ -21,23 +22,6 @@ public:
         setGeometry(place);
         show();
     }
-};
-
-/// What a window manager says that panels and shells leave to windows.
-class PublishedWorkArea final
-{
-public:
-    explicit PublishedWorkArea(const std::array<std::uint32_t, 4> &area)
-    {
-        xcb_change_property(XConnection::get(), XCB_PROP_MODE_REPLACE, XConnection::screen()->root, property(),
-                            XCB_ATOM_CARDINAL, 32, area.size(), area.data());
-    }
-    ~PublishedWorkArea() { xcb_delete_property(XConnection::get(), XConnection::screen()->root, property()); }
-    PublishedWorkArea(const PublishedWorkArea &) = delete;
-    PublishedWorkArea &operator=(const PublishedWorkArea &) = delete;
-
-private:
-    static xcb_atom_t property() { return XConnection::atom("_NET_WORKAREA"); }
 };
 
 StatusBar bar(StatusBar::Edge edge, float thickness)
@@ -78,6 +62,20 @@ TEST(StatusBar, IsWhatTheWorkAreaLeavesWhereAShellFillsTheScreen)
     EXPECT_EQ(StatusBar::around(itemAt({1000, 775})), bar(StatusBar::Edge::Top, 25)) << "beside it";
     const Panel top(QRect(0, 0, 1280, 32));
     EXPECT_EQ(StatusBar::around(itemAt({19, 773})), bar(StatusBar::Edge::Top, 32)) << "under a panel that is seen";
+}
+
+TEST(StatusBar, IsWhatSwayLeavesWhichPublishesNoWorkArea)
+{
+    const FakeSway sway(
+        FakeSway::message(R"([{"visible": true, "rect": {"x": 0, "y": 0, "width": 1280, "height": 756}}])"));
+    qputenv("SWAYSOCK", sway.path());
+    qputenv("WAYLAND_DISPLAY", "wayland-1");
+    const NamedWindowManager other("another");
+    EXPECT_EQ(StatusBar::around({{1000, 20}, {}}), bar(StatusBar::Edge::Top, 22)) << "its socket is of another display";
+    const NamedWindowManager isSway("wlroots wm");
+    EXPECT_EQ(StatusBar::around({{1000, 20}, {}}), bar(StatusBar::Edge::Bottom, 44));
+    qunsetenv("SWAYSOCK");
+    qunsetenv("WAYLAND_DISPLAY");
 }
 
 TEST(StatusBar, ReachesAsFarAsTheItemWhereNoPanelIs)

@@ -78,6 +78,7 @@ QLayout *newMessageLayout(const QString &message, QWidget *parent)
 
 AlertPanel::AlertPanel(Style style, const Texts &texts)
     : QDialog(nullptr, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowStaysOnTopHint)
+    , m_style(style)
     , m_escape(!texts.alternateButton.isNull() && texts.otherButton.isNull() ? Alternate : Default)
 {
     AccessibleAlert::makeFor(*this);
@@ -87,9 +88,9 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
     setFont(
         fontFor(texts.title + texts.message + texts.defaultButton + texts.alternateButton + texts.otherButton, font()));
 
-    auto *icon = new QLabel(this);
-    const AlertSign sign = style == Style::Critical ? AlertSign::Critical : AlertSign::Information;
-    icon->setPixmap(alertIcon(sign, iconSize, devicePixelRatio()));
+    m_icon = new QLabel(this);
+    m_icon->setFixedSize(iconSize, iconSize);
+    drawSign();
 
     QLabel *title = newLabel(texts.title, this);
     title->setWordWrap(true);
@@ -122,7 +123,7 @@ AlertPanel::AlertPanel(Style style, const Texts &texts)
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setHorizontalSpacing(margin);
     layout->setVerticalSpacing(margin);
-    layout->addWidget(icon, 0, 0, Qt::AlignTop);
+    layout->addWidget(m_icon, 0, 0, Qt::AlignTop);
     layout->addLayout(words, 0, 1);
     layout->addWidget(buttons, 1, 0, 1, 2);
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -162,10 +163,22 @@ void AlertPanel::reject()
     answer(m_escape);
 }
 
+void AlertPanel::showEvent(QShowEvent *event)
+{
+    drawSign(); // A panel that is up is shown anew when the scale changes.
+    QDialog::showEvent(event);
+}
+
 void AlertPanel::closeEvent(QCloseEvent *)
 {
     // Not by way of reject(): a panel that goes with its application has not been answered.
     answer(NoResponse);
+}
+
+void AlertPanel::drawSign()
+{
+    const AlertSign sign = m_style == Style::Critical ? AlertSign::Critical : AlertSign::Information;
+    m_icon->setPixmap(alertIcon(sign, iconSize, devicePixelRatio()));
 }
 
 void AlertPanel::answer(Response response)

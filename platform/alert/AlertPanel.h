@@ -3,6 +3,7 @@
 #include <QDialog>
 #include <QString>
 
+class QLabel;
 class QTimer;
 
 /// A modal panel that tells the user something and offers up to three buttons: the title as a bold first line, the
@@ -36,12 +37,16 @@ public:
     void reject() override;
 
 protected:
+    void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
 
 private:
     void answer(Response response);
+    void drawSign();
 
+    const Style m_style;
     Response m_escape;
     Response m_response = NoResponse;
+    QLabel *m_icon = nullptr;
     QTimer *m_toFront = nullptr; ///< Runs while the panel is up and the program is not the active one.
 };

@@ -5,6 +5,7 @@
 #include "platform/linux/accessibility/AccessibleApplication.h"
 #include "platform/linux/bus/SessionBusAddress.h"
 #include "platform/linux/desktop/StartScale.h"
+#include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/workarounds/LargerImages.h"
 #include "platform/linux/workarounds/LateMouseEvents.h"
@@ -16,7 +17,6 @@
 #include "platform/linux/workarounds/bus/AccessibilityBridge.h"
 #include "platform/linux/workarounds/bus/LibdbusWarnings.h"
 #include "platform/linux/workarounds/bus/PortalQuestion.h"
-#include "platform/linux/workarounds/bus/SilentBus.h"
 #include "platform/linux/workarounds/memory/CompiledPatterns.h"
 #include "platform/linux/workarounds/memory/FlatButtons.h"
 #include "platform/linux/workarounds/memory/FreedMemory.h"
@@ -57,9 +57,8 @@ QString GraphicalSession::prepare()
     endInOrderWhenTheSessionManagerDies(&end);
     SessionManagerMessages::hear();
     keepLibdbusFromAborting();
-    const QString bus = sessionBusAddress();
-    keepQtFromLaunchingOrAwaitingABus(bus,
-                                      probeBus(bus).state == BusState::Unusable ? BusUse::Hopeless : BusUse::Possible);
+    keepQtFromLaunchingOrAwaitingABus(sessionBusAddress(),
+                                      SessionBus::probeAhead() ? BusUse::Possible : BusUse::Hopeless);
     PortalQuestion::avoid();
     keepQtFromLookingForLargerImages();
     keepQtFromCompilingPatterns();

@@ -83,8 +83,8 @@ TEST(Soak, OfDaysInASessionLeavesTheAgentAsItWas)
                 operations, static_cast<double>(life.lived().count()) / 86400, HasFailure() ? 1 : 0,
                 static_cast<long long>(atStart), static_cast<long long>(inTheSecondQuarter),
                 static_cast<long long>(inTheLastQuarter));
-    EXPECT_EQ(Life::unexpected(life.agent().systemLog()), QByteArrayList());
-    EXPECT_EQ(Life::unexpected(life.agent().standardError().split('\n')), QByteArrayList());
+    EXPECT_STREQ(Life::unexpected(life.agent().systemLog()).join('\n').constData(), "");
+    EXPECT_STREQ(Life::unexpected(life.agent().standardError().split('\n')).join('\n').constData(), "");
 #ifndef __SANITIZE_ADDRESS__ // It keeps what is freed for a while.
     constexpr qint64 maxGrowth = 1024;
     EXPECT_LT(inTheLastQuarter - inTheSecondQuarter, maxGrowth) << "kB from the second quarter of the time to the last";

@@ -120,6 +120,7 @@ def panel(folder, side="right", edge="top", gap="0", thickness="30", monitor="pr
                           ("panel_position = top center horizontal", f"panel_position = {place}"),
                           ("panel_margin = 0 0", f"panel_margin = {gap} {gap}"),
                           ("panel_size = 100% 30", f"panel_size = 100% {thickness}"),
+                          ("systray_icon_size = 22", f"systray_icon_size = {max(22, int(thickness) - 12)}"),
                           ("panel_monitor = primary", f"panel_monitor = {monitor}")):
         if text.count(f"\n{line}\n") != 1:
             sys.exit(f"{PANEL}: there is no line {line}")

@@ -8,10 +8,10 @@ import subprocess
 from bench.session.desktop import Desktop
 from bench.session.figure import Figure
 
-MESSAGES = 2000
+MESSAGES = 1000
 WARM_UP = 100
 RATE = 1000  # A second.
-ROUNDS = 5
+ROUNDS = 15
 
 
 # Who sends, and who receives.

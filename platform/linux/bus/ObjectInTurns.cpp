@@ -4,20 +4,9 @@
 
 #include <utility>
 
-namespace
-{
-
-/// A call need not name its interface.
-bool isOfInterface(const QDBusMessage &message, const QString &interface)
-{
-    return message.interface().isEmpty() || message.interface() == interface;
-}
-
-} // namespace
-
-ObjectInTurns::ObjectInTurns(QString interface, const char *contract, std::size_t maxWaiting)
+ObjectInTurns::ObjectInTurns(QString interface, QByteArray contract, std::size_t maxWaiting)
     : m_interface(std::move(interface))
-    , m_contract(contract)
+    , m_contract(std::move(contract))
     , m_incoming(WorkInTurns::defaultMaxShareOfATurn, maxWaiting)
 {
 }
@@ -30,7 +19,7 @@ QString ObjectInTurns::introspect(const QString &) const
 bool ObjectInTurns::handleMessage(const QDBusMessage &message, const QDBusConnection &connection)
 {
     // Nothing is left to Qt, which would answer at once, however many questions have come.
-    WorkInTurns::Work work = isOfInterface(message, m_interface) ? workFor(message, connection) : nullptr;
+    WorkInTurns::Work work = workForAny(message, connection);
     if (!work) {
         work = [this, message, connection] { answerOther(message, connection); };
     }
@@ -41,6 +30,24 @@ bool ObjectInTurns::handleMessage(const QDBusMessage &message, const QDBusConnec
         refuse(message, connection, QDBusError::LimitsExceeded, QStringLiteral("Too many messages wait already"));
     }
     return true;
+}
+
+WorkInTurns::Work ObjectInTurns::workForAny(const QDBusMessage &message, const QDBusConnection &connection)
+{
+    if (message.interface() == QLatin1String("org.freedesktop.DBus.Properties")) {
+        return workForProperties(message, connection);
+    }
+    return isOwn(message.interface()) ? workFor(message, connection) : nullptr;
+}
+
+WorkInTurns::Work ObjectInTurns::workForProperties(const QDBusMessage &, const QDBusConnection &)
+{
+    return {};
+}
+
+bool ObjectInTurns::isOwn(const QString &interface) const
+{
+    return interface.isEmpty() || interface == m_interface;
 }
 
 void ObjectInTurns::refuse(const QDBusMessage &message, const QDBusConnection &connection, QDBusError::ErrorType error,
@@ -54,8 +61,10 @@ void ObjectInTurns::refuse(const QDBusMessage &message, const QDBusConnection &c
 
 void ObjectInTurns::answerOther(const QDBusMessage &message, const QDBusConnection &connection) const
 {
-    if (!isOfInterface(message, QStringLiteral("org.freedesktop.DBus.Introspectable")) ||
-        message.member() != QLatin1String("Introspect")) {
+    // A call need not name its interface.
+    const bool isForDescription =
+        message.interface().isEmpty() || message.interface() == QLatin1String("org.freedesktop.DBus.Introspectable");
+    if (!isForDescription || message.member() != QLatin1String("Introspect")) {
         refuse(message, connection, QDBusError::UnknownMethod, QStringLiteral("No such method"));
     } else if (message.isReplyRequired()) {
         connection.send(message.createReply(QString::fromUtf8(m_contract)));

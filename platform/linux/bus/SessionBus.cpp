@@ -8,6 +8,8 @@
 
 #include <QDBusError>
 
+#include <utility>
+
 namespace
 {
 
@@ -17,6 +19,9 @@ QString freshConnectionName()
     static int count = 0;
     return QStringLiteral("kiv-session-%1").arg(++count);
 }
+
+/// What a probe has just found out, for the try that follows.
+std::optional<ProbedBus> probedAhead;
 
 QDBusConnection noConnection()
 {
@@ -50,6 +55,12 @@ SessionBus &SessionBus::instance()
     // which would then wait for it for ever.
     static SessionBus &bus = *new SessionBus;
     return bus;
+}
+
+bool SessionBus::probeAhead()
+{
+    probedAhead = probeBus(sessionBusAddress());
+    return probedAhead->state != BusState::Unusable;
 }
 
 SessionBus::SessionBus(std::chrono::milliseconds retryInterval)
@@ -153,7 +164,7 @@ QDBusMessage SessionBus::ask(const QString &member, const QVariantList &argument
 
 void SessionBus::tryToConnect()
 {
-    const ProbedBus bus = probeBus(sessionBusAddress());
+    const ProbedBus bus = probedAhead ? *std::exchange(probedAhead, {}) : probeBus(sessionBusAddress());
     if (bus.state == BusState::Answers) {
         m_connection = QDBusConnection::connectToBus(bus.address, freshConnectionName());
         m_address = bus.address;

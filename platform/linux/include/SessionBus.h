@@ -22,6 +22,10 @@ class SessionBus final : public QObject
 public:
     /// The one instance, connected (if it can be) at first use.
     [[nodiscard]] static SessionBus &instance();
+    /// Asks the session bus whether it answers, for what is to be known of it before there is an application. The next
+    /// connection is made without asking once more. False when a bus is there and does not answer. Blocks for at most
+    /// 500 ms.
+    [[nodiscard]] static bool probeAhead();
 
     /// A connection apart from the one instance, for tests: `retryInterval` is the time from one try to the next.
     explicit SessionBus(std::chrono::milliseconds retryInterval = std::chrono::seconds(5));

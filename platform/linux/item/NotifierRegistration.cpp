@@ -12,9 +12,6 @@
 
 namespace
 {
-/// The one that hosts take where they are told a name only.
-const QString itemPath = QStringLiteral("/StatusNotifierItem");
-
 /// Whether the watcher has gone, or the bus: then there is another host to look for, and nothing has been refused.
 bool hasGone(QDBusError::ErrorType error)
 {
@@ -25,11 +22,9 @@ bool hasGone(QDBusError::ErrorType error)
 NotifierRegistration::NotifierRegistration(const QDBusConnection &connection, const QString &watcher,
                                            StatusNotifierItem &item)
     : m_connection(connection)
+    , m_item(item)
 {
-    m_connection.registerObject(itemPath, &item, QDBusConnection::ExportAdaptors);
-    if (BusMenu *menu = item.busMenu()) {
-        m_connection.registerObject(item.menu().path(), menu, QDBusConnection::ExportAdaptors);
-    }
+    m_item.serve(m_connection);
     QDBusMessage message = QDBusMessage::createMethodCall(watcher, notifierWatcherPath(), notifierWatcherName(),
                                                           QStringLiteral("RegisterStatusNotifierItem"));
     message.setAutoStartService(false);
@@ -53,7 +48,7 @@ void NotifierRegistration::hearAnswer()
 NotifierRegistration::~NotifierRegistration()
 {
     m_answer.reset();
-    m_connection.unregisterObject(itemPath, QDBusConnection::UnregisterTree);
+    m_item.stopServing();
     const QString name = m_connection.name();
     m_connection = QDBusConnection(QString());
     QDBusConnection::disconnectFromBus(name);

@@ -24,5 +24,6 @@ private:
     void hearAnswer();
 
     QDBusConnection m_connection;
+    StatusNotifierItem &m_item;
     std::unique_ptr<QDBusPendingCallWatcher> m_answer;
 };

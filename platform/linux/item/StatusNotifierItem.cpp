@@ -6,12 +6,34 @@
 #include <QDBusMetaType>
 
 StatusNotifierItem::StatusNotifierItem(QMenu *menu)
-    : m_busMenu(menu ? std::make_unique<BusMenu>(*menu) : nullptr)
+    : m_object(*new StatusNotifierItemAdaptor(this))
+    , m_busMenu(menu ? std::make_unique<BusMenu>(*menu) : nullptr)
 {
     qDBusRegisterMetaType<NotifierPixmap>();
     qDBusRegisterMetaType<NotifierPixmaps>();
     qDBusRegisterMetaType<NotifierToolTip>();
-    new StatusNotifierItemAdaptor(this);
+    connect(this, &StatusNotifierItem::NewTitle, this, [this] { m_object.send(QStringLiteral("NewTitle")); });
+    connect(this, &StatusNotifierItem::NewIcon, this, [this] { m_object.send(QStringLiteral("NewIcon")); });
+    connect(this, &StatusNotifierItem::NewToolTip, this, [this] { m_object.send(QStringLiteral("NewToolTip")); });
+    connect(this, &StatusNotifierItem::NewStatus, this,
+            [this](const QString &status) { m_object.send(QStringLiteral("NewStatus"), {status}); });
+}
+
+void StatusNotifierItem::serve(const QDBusConnection &connection)
+{
+    // The one that hosts take where they are told a name only.
+    m_object.serve(connection, QStringLiteral("/StatusNotifierItem"));
+    if (m_busMenu) {
+        m_busMenu->serve(connection, menu().path());
+    }
+}
+
+void StatusNotifierItem::stopServing()
+{
+    m_object.stopServing();
+    if (m_busMenu) {
+        m_busMenu->stopServing();
+    }
 }
 
 void StatusNotifierItem::setLook(const StatusItemLook &look)

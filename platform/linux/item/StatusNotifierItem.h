@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/ProductTexts.h"
+#include "platform/linux/bus/AdaptorInTurns.h"
 #include "platform/linux/item/NotifierPixmap.h"
 #include "platform/linux/item/StatusItemLook.h"
 #include "platform/linux/item/menu/BusMenu.h"
@@ -57,8 +58,9 @@ public:
     [[nodiscard]] bool isMenu() const { return false; }
     [[nodiscard]] QDBusObjectPath menu() const;
 
-    /// The object to be served at the path of that property; null when there is none.
-    [[nodiscard]] BusMenu *busMenu() const noexcept { return m_busMenu.get(); }
+    /// From now on on this connection, with its menu at the path of that property.
+    void serve(const QDBusConnection &connection);
+    void stopServing();
 
 public Q_SLOTS:
     void Activate(int x, int y);
@@ -77,6 +79,7 @@ Q_SIGNALS:
     void pressed(std::optional<QPoint> place);
 
 private:
+    AdaptorInTurns m_object;
     StatusItemLook m_look;
     const std::unique_ptr<BusMenu> m_busMenu;
 };

@@ -1,7 +1,13 @@
 #include "platform/linux/include/XConnection.h"
 
+#include <QByteArrayList>
 #include <QGuiApplication>
 #include <QHash>
+
+#include <xcb/res.h>
+#include <xcb/xinput.h>
+
+#include <vector>
 
 namespace XConnection
 {
@@ -13,6 +19,36 @@ QNativeInterface::QX11Application *x11Application()
     // Not qGuiApp, which takes any application object for one with windows.
     const auto *application = qobject_cast<QGuiApplication *>(QCoreApplication::instance());
     return application ? application->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+}
+
+using Atoms = QHash<QByteArray, xcb_atom_t>;
+
+/// Makes these atoms known, in one wait for the server.
+void internAll(xcb_connection_t *x, const QByteArrayList &names, Atoms &known)
+{
+    std::vector<xcb_intern_atom_cookie_t> cookies;
+    for (const QByteArray &name : names) {
+        cookies.push_back(xcb_intern_atom(x, false, static_cast<std::uint16_t>(name.size()), name.constData()));
+    }
+    for (std::size_t i = 0; i < cookies.size(); ++i) {
+        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(x, cookies[i], nullptr));
+        if (reply) {
+            known.insert(names[static_cast<qsizetype>(i)], reply->atom);
+        }
+    }
+}
+
+/// What every start asks for before its item is docked. Asked for one by one, each would wait for the server and for
+/// the thread in which Qt reads its answers.
+QByteArrayList atomsOfAStart()
+{
+    return {traySelection(),
+            "_NET_SYSTEM_TRAY_OPCODE",
+            "_NET_SYSTEM_TRAY_VISUAL",
+            "_NET_WM_NAME",
+            "_XEMBED",
+            "_XEMBED_INFO",
+            "UTF8_STRING"};
 }
 } // namespace
 
@@ -49,7 +85,7 @@ xcb_screen_t *screen()
 
 xcb_atom_t atom(const QByteArray &name)
 {
-    static QHash<QByteArray, xcb_atom_t> known;
+    static Atoms known;
     if (const auto it = known.constFind(name); it != known.cend()) {
         return *it;
     }
@@ -57,12 +93,15 @@ xcb_atom_t atom(const QByteArray &name)
     if (!connection) {
         return XCB_ATOM_NONE;
     }
-    const auto cookie = xcb_intern_atom(connection, false, static_cast<std::uint16_t>(name.size()), name.constData());
-    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    if (!reply) {
-        return XCB_ATOM_NONE;
+    QByteArrayList wanted{name};
+    if (known.isEmpty()) {
+        wanted += atomsOfAStart();
+        // Asked about soon; the answers come along.
+        xcb_prefetch_extension_data(connection, &xcb_input_id);
+        xcb_prefetch_extension_data(connection, &xcb_res_id);
     }
-    return *known.insert(name, reply->atom);
+    internAll(connection, wanted, known);
+    return known.value(name, XCB_ATOM_NONE);
 }
 
 xcb_window_t selectionOwner(const QByteArray &selection)

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <iterator>
 #include <numeric>
 #include <utility>
@@ -53,6 +54,9 @@ const Life::Operation Life::operations[] = {
     {"panel that takes nothing in", 1, &Life::killThePanelForOneThatTakesNothingIn},
     {"bus without room", 1, &Life::fillTheBus},
     {"logged out while the tool hung", 1, &Life::logOutWhileTheToolHangs},
+    {"disk full", 1, &Life::fillTheDisk},
+    {"folder given to somebody else", 1, &Life::giveItsFolderToSomebodyElse},
+    {"standard error lost", 1, &Life::loseTheStandardError},
 };
 
 const Life::Operation Life::operationsOnAPopUp[] = {
@@ -96,11 +100,16 @@ bool Life::start()
             answers.last().pieces = 100;
             answers.last().pause = 1;
         }
+        if (!isFlood && random(12) == 0) {
+            answers.last().mutedFrom = 10;
+        }
     }
     answers.append({.body = feedDocument({})});
     if (!m_feed.start(answers)) {
         return false;
     }
+    // Whoever may not write any more is told so and not killed: a full disk kills nobody. Inherited by the agent.
+    std::signal(SIGXFSZ, SIG_IGN);
     QProcessEnvironment environment;
     m_clock.addTo(environment);
     // What is freed is overwritten, so that a use of it shows.
@@ -159,7 +168,8 @@ QByteArrayList Life::unexpected(QByteArrayList said)
 {
     said.removeIf([](const QByteArray &line) {
         return line.isEmpty() || line.contains("another program has the name") ||
-               line.contains("cannot be read and is kept as") || line.contains("what is there cannot be kept aside");
+               line.contains("cannot be read and is kept as") || line.contains("what is there cannot be kept aside") ||
+               line.contains("the folder belongs to somebody else");
     });
     return said;
 }

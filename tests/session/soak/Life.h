@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/session/support/AgentClock.h"
+#include "tests/session/support/MessageCache.h"
 #include "tests/session/support/Session.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/ProcessMemory.h"
@@ -90,6 +91,9 @@ private:
     bool killThePanelForOneThatTakesNothingIn();
     bool fillTheBus();
     bool logOutWhileTheToolHangs();
+    bool fillTheDisk();
+    bool giveItsFolderToSomebodyElse();
+    bool loseTheStandardError();
 
     bool attachTheService();
     /// Starts the bus anew, and waits for the agent there.
@@ -141,6 +145,10 @@ private:
     bool logOut();
     bool hasEnded();
     bool logIn();
+    [[nodiscard]] MessageCache messages() const
+    {
+        return MessageCache(m_session.desktop.environment().value(QStringLiteral("HOME")));
+    }
     void letPass(std::chrono::seconds time);
     bool closeMenu();
     bool tellTheAgent(const QByteArray &line);

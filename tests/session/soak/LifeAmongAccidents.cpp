@@ -1,7 +1,6 @@
 #include "tests/session/soak/Life.h"
 #include "tests/session/support/HostileClient.h"
 #include "tests/session/support/HungTool.h"
-#include "tests/session/support/MessageCache.h"
 #include "tests/session/support/SessionManager.h"
 #include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
@@ -14,7 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace std::chrono_literals;
 
@@ -59,20 +60,20 @@ bool Life::putSomethingElseInPlaceOfTheMessages()
     if (!logOut()) {
         return true;
     }
-    const MessageCache messages(m_session.desktop.environment().value(QStringLiteral("HOME")));
-    EXPECT_TRUE(QDir().mkpath(messages.folder()));
-    QFile::remove(messages.path());
+    const MessageCache cache = messages();
+    EXPECT_TRUE(QDir().mkpath(cache.folder()));
+    QFile::remove(cache.path());
     if (random(2) == 0) {
-        EXPECT_EQ(::mkfifo(QFile::encodeName(messages.path()).constData(), 0600), 0);
+        EXPECT_EQ(::mkfifo(QFile::encodeName(cache.path()).constData(), 0600), 0);
     } else {
-        QFile giant(messages.path());
+        QFile giant(cache.path());
         constexpr qint64 gigabyte = 1 << 30;
         EXPECT_TRUE(giant.open(QIODevice::WriteOnly) && giant.resize(gigabyte));
     }
     logIn();
     // A large file is kept aside; what is no file stays as it is until somebody takes it away.
-    if (!QFileInfo(messages.path()).isFile()) {
-        QFile::remove(messages.path());
+    if (!QFileInfo(cache.path()).isFile()) {
+        QFile::remove(cache.path());
     }
     return true;
 }
@@ -164,5 +165,62 @@ bool Life::killThePanelForOneThatTakesNothingIn()
     EXPECT_TRUE(m_session.desktop.startPanel(Desktop::TraySide::Left));
     isBack();
     EXPECT_TRUE(waitUntil([this] { return !strip(); })) << "the item shows twice";
+    return true;
+}
+
+/// To the agent alone, for a day and to the end of the session.
+bool Life::fillTheDisk()
+{
+    const rlimit noRoom{0, RLIM_INFINITY};
+    EXPECT_EQ(::prlimit(static_cast<pid_t>(m_session.agent->pid()), RLIMIT_FSIZE, &noRoom, nullptr), 0);
+    letPass(24h);
+    openAndCloseTheMenu();
+    if (logOut()) {
+        const MessageCache cache = messages();
+        // A link that was put there before leads to what is nobody's messages.
+        const QByteArray kept = QFileInfo(cache.path()).isSymLink() ? QByteArray() : cache.content();
+        EXPECT_TRUE(kept.isEmpty() || kept.endsWith("</plist>\n")) << "the messages are cut off";
+        logIn();
+    }
+    return true;
+}
+
+bool Life::giveItsFolderToSomebodyElse()
+{
+    if (!logOut()) {
+        return true;
+    }
+    const MessageCache cache = messages();
+    const QByteArray folder = QFile::encodeName(cache.folder());
+    EXPECT_TRUE(QDir().mkpath(cache.folder()));
+    const QByteArray before = cache.content();
+    constexpr uid_t somebodyElse = 65534;
+    EXPECT_EQ(::chown(folder.constData(), somebodyElse, static_cast<gid_t>(-1)), 0);
+    if (logIn()) {
+        letPass(24h);
+        openAndCloseTheMenu();
+        EXPECT_TRUE(logOut());
+    }
+    EXPECT_EQ(cache.content(), before) << "written into a folder of somebody else's";
+    EXPECT_EQ(::chown(folder.constData(), ::geteuid(), static_cast<gid_t>(-1)), 0);
+    logIn();
+    return true;
+}
+
+/// Closed, or with nobody left who reads it, until the user logs in the next time.
+bool Life::loseTheStandardError()
+{
+    if (!logOut()) {
+        return true;
+    }
+    const QString unread = m_folder.filePath(QStringLiteral("unread"));
+    EXPECT_TRUE(QFile::exists(unread) || ::mkfifo(QFile::encodeName(unread).constData(), 0600) == 0);
+    const QString redirection =
+        random(2) == 0 ? QStringLiteral("2>&-") : QStringLiteral("3<>'%1' 2>'%1' 3<&-").arg(unread);
+    QStringList &starter = m_session.agent->starter;
+    starter =
+        QStringList{QStringLiteral("/bin/sh"), QStringLiteral("-c"), QStringLiteral("exec \"$0\" ") + redirection};
+    logIn();
+    starter.clear();
     return true;
 }

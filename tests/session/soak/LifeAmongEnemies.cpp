@@ -1,6 +1,5 @@
 #include "tests/session/soak/Life.h"
 #include "tests/session/support/HostileClient.h"
-#include "tests/session/support/MessageCache.h"
 #include "tests/session/support/RawCommand.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/WaitUntil.h"
@@ -132,9 +131,9 @@ bool Life::putALinkInPlaceOfTheMessages()
     QFile decoy(path);
     EXPECT_TRUE(decoy.open(QIODevice::WriteOnly) && decoy.write(theirs) == theirs.size());
     decoy.close();
-    const MessageCache messages(home);
-    QFile::remove(messages.path());
-    QFile::link(path, messages.path());
+    const MessageCache cache = messages();
+    QFile::remove(cache.path());
+    QFile::link(path, cache.path());
     logOutAndIn();
     EXPECT_TRUE(decoy.open(QIODevice::ReadOnly));
     EXPECT_EQ(decoy.readAll(), theirs) << "written through a link";

@@ -64,10 +64,18 @@ QAction *actionIn(const QMenu &menu, const MenuTree &tree, int id)
 } // namespace
 
 BusMenu::BusMenu(QMenu &menu)
-    : m_menu(&menu)
+    : m_object(*new BusMenuAdaptor(this), [this] { return std::exchange(m_refusal, {}); })
+    , m_menu(&menu)
 {
     registerBusMenuTypes();
-    new BusMenuAdaptor(this);
+    connect(this, &BusMenu::LayoutUpdated, this, [this](uint revision, int parent) {
+        m_object.send(QStringLiteral("LayoutUpdated"), {revision, parent});
+    });
+    connect(this, &BusMenu::ItemsPropertiesUpdated, this,
+            [this](const BusMenuEntries &updated, const BusMenuRemovals &removed) {
+                m_object.send(QStringLiteral("ItemsPropertiesUpdated"),
+                              {QVariant::fromValue(updated), QVariant::fromValue(removed)});
+            });
     catchUp();
 }
 
@@ -146,14 +154,12 @@ QAction *BusMenu::actionOf(int id) const
     return m_menu ? actionIn(*m_menu, m_tree, id) : nullptr;
 }
 
-void BusMenu::refuse(int id) const
+void BusMenu::refuse(int id)
 {
-    if (calledFromDBus()) {
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("There is no entry %1").arg(id));
-    }
+    m_refusal = QStringLiteral("There is no entry %1").arg(id);
 }
 
-void BusMenu::refuseIfAll(const QList<int> &unknown, qsizetype asked) const
+void BusMenu::refuseIfAll(const QList<int> &unknown, qsizetype asked)
 {
     if (!unknown.isEmpty() && unknown.size() == asked) {
         refuse(unknown.first());
@@ -193,11 +199,10 @@ QDBusVariant BusMenu::GetProperty(int id, const QString &name)
     const QVariant value = entry ? menuProperties(*entry).value(name) : QVariant();
     if (!entry) {
         refuse(id);
-    } else if (!value.isValid() && calledFromDBus()) {
-        sendErrorReply(QDBusError::InvalidArgs, QStringLiteral("Entry %1 has no property %2").arg(id).arg(name));
+    } else if (!value.isValid()) {
+        m_refusal = QStringLiteral("Entry %1 has no property %2").arg(id).arg(name);
     }
-    // An invalid variant cannot be sent, not even in an answer that is thrown away.
-    return QDBusVariant(value.isValid() ? value : QVariant(QString()));
+    return QDBusVariant(value);
 }
 
 void BusMenu::Event(int id, const QString &eventId, const QDBusVariant &, uint)

@@ -1,17 +1,18 @@
 #pragma once
 
+#include "platform/linux/bus/AdaptorInTurns.h"
 #include "platform/linux/item/menu/BusMenuTypes.h"
 #include "platform/linux/item/menu/MenuTree.h"
 
-#include <QDBusContext>
 #include <QMenu>
 #include <QObject>
 #include <QPointer>
+#include <QString>
 
 /// A menu for hosts that draw it themselves: the properties, methods and signals of the contract
 /// resources/dbus/com.canonical.dbusmenu.xml. What is chosen there is chosen in the menu, and what changes in the menu
 /// is told there. Whoever is on the user's bus may choose, as whoever is on his display may click. Main thread only.
-class BusMenu final : public QObject, protected QDBusContext
+class BusMenu final : public QObject
 {
     Q_OBJECT
     Q_PROPERTY(uint Version READ version CONSTANT)
@@ -30,6 +31,10 @@ public:
     [[nodiscard]] QString textDirection() const;
     [[nodiscard]] QString status() const { return QStringLiteral("normal"); }
     [[nodiscard]] QStringList iconThemePath() const { return {}; }
+
+    /// From now on there. False when something else is there.
+    bool serve(const QDBusConnection &connection, const QString &path) { return m_object.serve(connection, path); }
+    void stopServing() { m_object.stopServing(); }
 
 public Q_SLOTS:
     uint GetLayout(int parentId, int recursionDepth, const QStringList &propertyNames, BusMenuLayout &layout);
@@ -54,14 +59,16 @@ private:
     /// False when there is no such entry.
     bool handleEvent(int id, const QString &event);
     [[nodiscard]] QAction *actionOf(int id) const;
-    /// Answers the present call with an error.
-    void refuse(int id) const;
+    /// The present call is to be answered with an error.
+    void refuse(int id);
     /// As dbusmenu has it of a call about several entries: it fails when there is none of them.
-    void refuseIfAll(const QList<int> &unknown, qsizetype asked) const;
+    void refuseIfAll(const QList<int> &unknown, qsizetype asked);
 
+    AdaptorInTurns m_object;
     const QPointer<QMenu> m_menu;
     Choice m_choice = Choice::Possible;
     MenuTree m_tree;
+    QString m_refusal; ///< Why the call that is carried out is refused.
     int m_lastId = 0;
     uint m_revision = 0;
     bool m_isBehind = false;   ///< catchUp() is to follow.

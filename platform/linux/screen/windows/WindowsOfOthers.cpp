@@ -11,7 +11,16 @@
 namespace
 {
 int listeners = 0;
+
+/// Who hears of the windows at the root window also hears what is said there to a window manager that has just come or
+/// is about to go. Where that is about a window of ours, Qt takes it for said to the window: for a change of focus, or
+/// for something to warn of.
+bool isForTheWindowManager(const xcb_client_message_event_t &message)
+{
+    return message.window != XConnection::screen()->root && message.type != XConnection::atom("WM_PROTOCOLS") &&
+           message.type != XConnection::atom("_XEMBED");
 }
+} // namespace
 
 WindowsOfOthers::WindowsOfOthers(QObject &owner, std::function<xcb_window_t()> stayingAbove)
     : QObject(&owner)
@@ -58,12 +67,16 @@ bool WindowsOfOthers::eventFilter(QObject *watched, QEvent *event)
 
 bool WindowsOfOthers::nativeEventFilter(const QByteArray &, void *message, qintptr *)
 {
+    if (!m_hears) {
+        return false;
+    }
     const auto *event = static_cast<const xcb_generic_event_t *>(message);
     if (XConnection::eventType(*event) == XCB_MAP_NOTIFY) {
         const auto *map = reinterpret_cast<const xcb_map_notify_event_t *>(event);
-        if (map->event == XConnection::screen()->root && map->override_redirect == 0 && m_hears) {
+        if (map->event == XConnection::screen()->root && map->override_redirect == 0) {
             riseAboveWindowsOfOthers(m_window());
         }
     }
-    return false;
+    return XConnection::eventType(*event) == XCB_CLIENT_MESSAGE &&
+           isForTheWindowManager(*reinterpret_cast<const xcb_client_message_event_t *>(event));
 }

@@ -48,6 +48,35 @@ TEST(SessionBus, TakesTheGivenAddress)
     EXPECT_FALSE(bus.connection().baseService().isEmpty());
 }
 
+TEST(SessionBus, AsksABusThatWasProbedAheadNoSecondTimeButOnlyOnce)
+{
+    PrivateBus daemon;
+    ASSERT_TRUE(daemon.start());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toUtf8());
+    EXPECT_TRUE(SessionBus::probeAhead());
+    // The bus numbers its connections, probes too.
+    EXPECT_EQ(SessionBus().connection().baseService(), QStringLiteral(":1.1"));
+    EXPECT_EQ(SessionBus().connection().baseService(), QStringLiteral(":1.3"));
+}
+
+TEST(SessionBus, TriesAgainWhenTheBusThatWasProbedAheadHasGoneMeanwhile)
+{
+    std::optional<PrivateBus> daemon;
+    daemon.emplace();
+    ASSERT_TRUE(daemon->start());
+    const QByteArray gone = daemon->address().toUtf8();
+    {
+        const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", gone);
+        EXPECT_TRUE(SessionBus::probeAhead());
+    }
+    daemon.reset();
+    PrivateBus next;
+    ASSERT_TRUE(next.start());
+    const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", next.address().toUtf8());
+    SessionBus bus(10ms);
+    EXPECT_TRUE(waitUntil([&] { return bus.isConnected(); }));
+}
+
 TEST(SessionBus, TakesTheSocketInTheRuntimeFolderWithoutAnAddress)
 {
     PrivateBus daemon;
@@ -123,6 +152,21 @@ TEST(SessionBus, TakesABusAtItsLimitForNoneUntilThereIsAPlace)
 
     QDBusConnection::disconnectFromBus(occupant);
     EXPECT_TRUE(waitUntil([&] { return bus.isConnected(); }));
+}
+
+TEST(SessionBus, OutlivesALibraryThatIsRefusedByABusAtItsLimit)
+{
+    const BusForOne crowded;
+    ASSERT_TRUE(crowded.isRunning());
+    const QString address = QString::fromLatin1(crowded.address());
+    const QString occupant = QStringLiteral("occupant from the first");
+    ASSERT_TRUE(QDBusConnection::connectToBus(address, occupant).isConnected());
+    const SessionBus bus;
+    // As when the last place is taken just after it was seen to be free. libdbus has a warning to give then.
+    const QString late = QStringLiteral("late");
+    EXPECT_FALSE(QDBusConnection::connectToBus(address, late).isConnected());
+    QDBusConnection::disconnectFromBus(late);
+    QDBusConnection::disconnectFromBus(occupant);
 }
 
 TEST(SessionBus, GetsTheLastPlaceOfABus)
@@ -271,7 +315,8 @@ TEST(SessionBus, IsOneInstanceThatMayEndWithTheProcess)
     ASSERT_TRUE(daemon.start());
     const ScopedVariable address("DBUS_SESSION_BUS_ADDRESS", daemon.address().toUtf8());
     EXPECT_EQ(&SessionBus::instance(), &SessionBus::instance());
-    EXPECT_TRUE(SessionBus::instance().isConnected());
+    // Another test may have left it without a bus, which it then looks for anew by and by.
+    EXPECT_TRUE(waitUntil([] { return SessionBus::instance().isConnected(); }));
 }
 
 } // namespace

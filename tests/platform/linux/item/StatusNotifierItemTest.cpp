@@ -61,7 +61,7 @@ protected:
         look.image = iconOf(Qt::red);
         look.toolTip = QStringLiteral("Kivune Menu");
         item.setLook(look);
-        ASSERT_TRUE(server.connection().registerObject(itemPath, &item, QDBusConnection::ExportAdaptors));
+        item.serve(server.connection());
     }
 
     [[nodiscard]] QDBusMessage call(const QString &ofInterface, const QString &member, const QVariantList &arguments)
@@ -190,12 +190,19 @@ TEST_F(StatusNotifierItemTest, IsPressedWhereItsHostSays)
 TEST_F(StatusNotifierItemTest, NamesTheMenuThatAHostMayDraw)
 {
     EXPECT_EQ(qvariant_cast<QDBusObjectPath>(property(QStringLiteral("Menu"))).path(), QStringLiteral("/NO_DBUSMENU"));
-    EXPECT_EQ(item.busMenu(), nullptr);
 
     QMenu menu;
-    const StatusNotifierItem withMenu(&menu);
-    EXPECT_NE(withMenu.busMenu(), nullptr);
+    StatusNotifierItem withMenu(&menu);
     EXPECT_EQ(withMenu.menu().path(), QStringLiteral("/StatusNotifierItem/Menu"));
+    const BusPeer servesMenu(bus);
+    withMenu.serve(servesMenu.connection());
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(servesMenu.name(), withMenu.menu().path(),
+                                       QStringLiteral("com.canonical.dbusmenu"), QStringLiteral("GetLayout"));
+    question.setArguments({0, 0, QStringList()});
+    const QDBusPendingCall answer = host.connection().asyncCall(question);
+    ASSERT_TRUE(waitUntil([&] { return answer.isFinished(); }));
+    EXPECT_EQ(answer.reply().type(), QDBusMessage::ReplyMessage);
 }
 
 TEST_F(StatusNotifierItemTest, TakesTheWheelForNothing)

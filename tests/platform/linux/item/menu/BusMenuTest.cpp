@@ -79,7 +79,7 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(isStarted);
-        ASSERT_TRUE(server.connection().registerObject(busMenuPath, &busMenu, QDBusConnection::ExportAdaptors));
+        ASSERT_TRUE(busMenu.serve(server.connection(), busMenuPath));
     }
 
     [[nodiscard]] QDBusMessage call(const QString &member, const QVariantList &arguments,

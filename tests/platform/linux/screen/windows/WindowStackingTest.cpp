@@ -3,7 +3,9 @@
 #include "platform/linux/include/XConnection.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QGuiApplication>
 #include <QRasterWindow>
+#include <QStringList>
 #include <QWidget>
 
 #include <gtest/gtest.h>
@@ -42,6 +44,41 @@ std::uint32_t rootMask()
     const XcbReply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(x, cookie, nullptr));
     return reply ? reply->your_event_mask : 0;
 }
+
+/// As any client sends it, about a window of another.
+void sendMessage(xcb_window_t to, WId about, const char *type, xcb_atom_t what = XCB_ATOM_NONE)
+{
+    xcb_client_message_event_t message = {};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = static_cast<xcb_window_t>(about);
+    message.type = XConnection::atom(type);
+    message.data.data32[0] = what;
+    const std::uint32_t mask = to == XConnection::screen()->root
+                                   ? XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT
+                                   : XCB_EVENT_MASK_NO_EVENT;
+    xcb_send_event(XConnection::get(), false, to, mask, reinterpret_cast<const char *>(&message));
+}
+
+/// What Qt has said on standard error while this exists.
+class Said final
+{
+public:
+    Said()
+    {
+        lines.clear();
+        m_before = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &line) { lines.append(line); });
+    }
+    ~Said() { qInstallMessageHandler(m_before); }
+    Said(const Said &) = delete;
+    Said &operator=(const Said &) = delete;
+
+    static inline QStringList lines;
+
+private:
+    QtMessageHandler m_before;
+};
 
 /// No window manager runs here.
 class WindowStacking : public testing::Test
@@ -102,6 +139,21 @@ TEST_F(WindowStacking, LeavesAScreenLockerAboveAPopUpWhateverIsMappedBehindIt)
     xcb_map_window(XConnection::get(), window);
     EXPECT_TRUE(waitUntil([&] { return isMapped(window) && isInFront(popUp.winId(), window); }));
     EXPECT_TRUE(isInFront(locker.winId(), popUp.winId()));
+}
+
+TEST_F(WindowStacking, LeavesToAWindowManagerWhatItIsTold)
+{
+    const Said said;
+    int focusChanges = 0;
+    QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, &popUp, [&] { ++focusChanges; });
+    const xcb_window_t root = XConnection::screen()->root;
+    sendMessage(root, popUp.winId(), "_KDE_WM_CHANGE_STATE");
+    sendMessage(root, popUp.winId(), "_NET_ACTIVE_WINDOW");
+    sendMessage(static_cast<xcb_window_t>(popUp.winId()), popUp.winId(), "WM_PROTOCOLS",
+                XConnection::atom("WM_DELETE_WINDOW"));
+    EXPECT_TRUE(waitUntil([&] { return !popUp.isVisible(); })) << "it is not told what is for it";
+    EXPECT_EQ(focusChanges, 0);
+    EXPECT_EQ(Said::lines.join(QLatin1Char('\n')).toStdString(), "");
 }
 
 TEST_F(WindowStacking, HearsOfNoWindowsOnceThePopUpIsGone)

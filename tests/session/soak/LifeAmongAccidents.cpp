@@ -179,7 +179,8 @@ bool Life::fillTheDisk()
         const MessageCache cache = messages();
         // A link that was put there before leads to what is nobody's messages.
         const QByteArray kept = QFileInfo(cache.path()).isSymLink() ? QByteArray() : cache.content();
-        EXPECT_TRUE(kept.isEmpty() || kept.endsWith("</plist>\n")) << "the messages are cut off";
+        EXPECT_TRUE(kept.isEmpty() || kept.endsWith("</plist>\n"))
+            << "the messages are cut off: " << kept.size() << " bytes, at last " << kept.right(100).constData();
         logIn();
     }
     return true;

@@ -157,6 +157,55 @@ TEST_F(ScaleOfTheDesktop, IsThatOfTheXResourcesWhereNoSettingSaysOne)
     EXPECT_TRUE(menuBecomes(usual));
 }
 
+TEST_F(ScaleOfTheDesktop, IsThatOfTheRoomThatTheItemAsksItsPanelFor)
+{
+    ASSERT_TRUE(desktop.showOn({{0, 0, 1280, 800}, {1280, 0, 1024, 768}}, 1));
+    DesktopSettings settings(desktop.server());
+    startTheAgent();
+    const auto asksFor = [&](int side) {
+        return waitUntil([&] {
+            const std::optional<XWindow> item = agent->dockedItem();
+            return item && desktop.view().leastSizeOf(item->id) == QSize(side, side);
+        });
+    };
+    EXPECT_TRUE(asksFor(22));
+    settings.setNumber(windowScale, 2);
+    EXPECT_TRUE(asksFor(44));
+    ASSERT_TRUE(desktop.showOn({{0, 0, 1280, 800}}, 0)) << "the main screen goes";
+    ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }));
+    settings.setNumber(windowScale, 1);
+    EXPECT_TRUE(asksFor(22));
+    ASSERT_TRUE(desktop.showOn({{0, 0, 1280, 800}, {1280, 0, 1024, 768}}, 1)) << "another comes";
+    ASSERT_TRUE(desktop.showOn({{0, 0, 1024, 768}}, 0));
+    ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }));
+    settings.setNumber(windowScale, 2);
+    EXPECT_TRUE(asksFor(44));
+}
+
+TEST_F(ScaleOfABareDesktop, IsThatOfTheDistanceToWhichTheUserHasDraggedTheItem)
+{
+    DesktopSettings settings(desktop.server());
+    ASSERT_TRUE(agent->start());
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }, std::chrono::seconds(30)));
+    ASSERT_TRUE(waitUntil([&] { return agent->isDrawn(agent->freeWindows().first()); }));
+    desktop.input().move(agent->freeWindows().first().geometry.center());
+    desktop.input().press();
+    desktop.input().move({1280 - 301 - 11, 11});
+    desktop.input().release();
+    const auto place = [](int side, int distance) { return QRect(1280 - distance - side, 0, side, side); };
+    desktop.input().move({600, 400}); // No tool tip is to come up.
+    ASSERT_TRUE(waitUntil([&] { return std::abs(agent->freeWindows().value(0).geometry.right() - 978) <= 2; }));
+    const QRect dragged = agent->freeWindows().value(0).geometry;
+    const int distance = 1280 - dragged.x() - dragged.width();
+    settings.setNumber(windowScale, 2);
+    EXPECT_TRUE(itemBecomes(place(44, distance * 2)));
+    settings.setNumber(windowScale, 1);
+    settings.setDotsPerInch(120);
+    EXPECT_TRUE(itemBecomes(place(28, qRound(distance * 1.25))));
+    settings.setDotsPerInch(96);
+    EXPECT_TRUE(itemBecomes(dragged));
+}
+
 TEST_F(ScaleOfABareDesktop, IsThatOfTheItemAtOnce)
 {
     DesktopSettings settings(desktop.server());

@@ -6,33 +6,20 @@
 #include "platform/linux/include/SessionBus.h"
 #include "platform/linux/include/XConnection.h"
 #include "platform/linux/item/NotifierHostWatch.h"
-#include "platform/linux/item/NotifierRegistration.h"
 #include "platform/linux/item/StatusItemForm.h"
-#include "platform/linux/item/StatusNotifierItem.h"
 #include "platform/linux/item/TrayHostWatch.h"
 #include "platform/linux/item/TrayIconWindow.h"
-#include "platform/linux/item/TrayProtocol.h"
+#include "platform/linux/item/form/PresentItem.h"
 #include "platform/linux/item/menu/MenuRequests.h"
 #include "platform/linux/item/menu/PressedPlace.h"
-#include "platform/linux/item/strip/Strip.h"
 
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPalette>
-#include <QScreen>
 #include <QTimer>
 
 #include <chrono>
-#include <cmath>
 #include <utility>
-
-namespace
-{
-int deviceSide(const ScreenCoordinates &screen)
-{
-    return static_cast<int>(std::lround(22 * screen.ratio)); // 22 points.
-}
-} // namespace
 
 class StatusItem::Private final : public QObject
 {
@@ -51,22 +38,17 @@ public:
     void setMenu(QMenu *offered);
     void showMenu() { m_requests->showMenu(); }
 
-    /// The window that the user sees, or shall see; null when there is none.
-    [[nodiscard]] TrayIconWindow *window() const { return m_strip ? &m_strip->window() : m_docked.get(); }
+    [[nodiscard]] std::optional<QRect> place() const { return window() ? window()->place() : std::nullopt; }
+    [[nodiscard]] TrayIconWindow *window() const { return m_item.window(); }
 
     StatusItemLook look;
 
 private:
     void setForm(StatusItemForm form);
-    void dock();
-    void standAlone();
-    void listenTo(TrayIconWindow &window);
     void handleLoss();
-    void standIn();
-    void makeStripAgain();
-    void askForSize();
-    void handlePress(std::optional<QPoint> place);
+    void handlePress(std::optional<QPoint> told);
     void handleKey();
+    void press(std::optional<QPoint> place);
     void tellOfFocus(bool focused) { AccessibleItem::tellOfFocus(*m_owner, focused); }
 
     StatusItem *const m_owner;
@@ -76,16 +58,11 @@ private:
     NotifierHostWatch m_notifiers;
     bool m_isNew = true; ///< Until all has been asked for the first time.
     StatusItemForm m_form = StatusItemForm::None;
-    std::unique_ptr<TrayIconWindow> m_docked; ///< In the form Tray.
-    std::unique_ptr<Strip> m_strip;           ///< In the form Strip, and in the form Tray while the tray does nothing.
-    bool m_standsIn = false;                  ///< The tray does nothing, be there a strip or no screen for one.
-    xcb_window_t m_tray = XCB_NONE;           ///< The one that `m_docked` was made for.
-    QString m_watcher; ///< The one that `m_notifierItem` is registered with, in the form Notifier.
-    std::unique_ptr<StatusNotifierItem> m_notifierItem;
-    std::unique_ptr<NotifierRegistration> m_registration;
+    xcb_window_t m_tray = XCB_NONE;          ///< The one that asks for the item, in the form Tray.
+    QString m_watcher;                       ///< The one that the item is registered with, in the form Notifier.
     std::optional<PressedPlace> m_lastPress; ///< With that registration.
+    PresentItem m_item;
     QTimer m_settling;
-    QTimer m_dockTimeout;
 };
 
 StatusItem::Private::Private(StatusItem *owner)
@@ -96,21 +73,19 @@ StatusItem::Private::Private(StatusItem *owner)
     m_settling.setSingleShot(true);
     m_settling.setInterval(1s);
     connect(&m_settling, &QTimer::timeout, this, [this] { update(Settling::Over); });
-    m_dockTimeout.setSingleShot(true);
-    m_dockTimeout.setInterval(5s);
-    connect(&m_dockTimeout, &QTimer::timeout, this, &Private::standIn);
     connect(m_requests.get(), &MenuRequests::requested, this, &Private::handleKey);
     connect(&m_trays, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
     connect(&m_notifiers, &NotifierHostWatch::changed, this,
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });
 
+    connect(&m_item, &PresentItem::pressed, this, &Private::handlePress);
+    connect(&m_item, &PresentItem::chosenByKey, this, &Private::handleKey);
+    connect(&m_item, &PresentItem::focusChanged, this, &Private::tellOfFocus);
+    connect(&m_item, &PresentItem::lost, this, &Private::handleLoss);
+    connect(&m_item, &PresentItem::moved, m_owner, &StatusItem::moved);
+    connect(&m_item, &PresentItem::remade, this, &Private::apply);
     qGuiApp->installEventFilter(this);
-    connect(qGuiApp, &QGuiApplication::screenAdded, this, &Private::makeStripAgain);
-    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Private::makeStripAgain);
-    if (const QScreen *const screen = QGuiApplication::primaryScreen()) {
-        connect(screen, &QScreen::geometryChanged, this, &Private::askForSize);
-        connect(screen, &QScreen::logicalDotsPerInchChanged, this, &Private::askForSize);
-    }
+
     m_isNew = m_notifiers.isAsking();
     update(m_isNew ? Settling::Underway : Settling::Over);
 }
@@ -143,13 +118,7 @@ void StatusItem::Private::setForm(StatusItemForm form)
         return;
     }
     tellOfFocus(false);
-    // The old form goes first: the item is never seen twice.
-    m_dockTimeout.stop();
-    m_standsIn = false;
-    m_strip.reset();
-    m_docked.reset();
-    m_registration.reset();
-    m_notifierItem.reset();
+    m_item.end();
     m_lastPress.reset();
     m_form = form;
     m_tray = XCB_NONE;
@@ -159,64 +128,20 @@ void StatusItem::Private::setForm(StatusItemForm form)
         break;
     case StatusItemForm::Tray:
         m_tray = m_trays.tray();
-        dock();
+        m_item.dockIn(m_tray);
         break;
     case StatusItemForm::Notifier:
         m_watcher = m_notifiers.watcher();
-        m_notifierItem = std::make_unique<StatusNotifierItem>(m_menu);
-        connect(m_notifierItem.get(), &StatusNotifierItem::pressed, this, [this](std::optional<QPoint> told) {
-            const auto place = told ? std::optional(placeAsTold(*told, m_watcher)) : std::nullopt;
-            m_lastPress = place ? std::optional(PressedPlace{*place, presentScreens()}) : m_lastPress;
-            handlePress(place);
-        });
-        m_registration = std::make_unique<NotifierRegistration>(forItem, m_watcher, *m_notifierItem);
+        m_item.registerWith(forItem, m_watcher, m_menu);
         break;
     case StatusItemForm::Strip:
-        standAlone();
+        m_item.standAlone();
         break;
     }
     apply();
 }
 
-void StatusItem::Private::dock()
-{
-    m_docked = TrayIconWindow::dockedIn(m_tray, deviceSide(screenCoordinates()));
-    m_dockTimeout.start();
-    if (m_docked) {
-        listenTo(*m_docked);
-        connect(m_docked.get(), &TrayIconWindow::lost, this, &Private::handleLoss);
-        connect(m_docked.get(), &TrayIconWindow::docked, this, [this] {
-            m_dockTimeout.stop();
-            m_standsIn = false;
-            m_strip.reset();
-        });
-    }
-}
-
-void StatusItem::Private::standAlone()
-{
-    m_strip.reset(); // The old one takes back, as it goes, where it said that it stands.
-    m_strip = Strip::make();
-    if (m_strip) {
-        listenTo(m_strip->window());
-        connect(m_strip.get(), &Strip::moved, m_owner, &StatusItem::moved);
-        if (m_form == StatusItemForm::Tray) {
-            connect(&m_strip->window(), &TrayIconWindow::lost, &m_dockTimeout, qOverload<>(&QTimer::start));
-        } else {
-            connect(&m_strip->window(), &TrayIconWindow::lost, this, &Private::handleLoss);
-        }
-    }
-}
-
-void StatusItem::Private::listenTo(TrayIconWindow &window)
-{
-    connect(&window, &TrayIconWindow::pressed, this, &Private::handlePress);
-    connect(&window, &TrayIconWindow::chosenByKey, this, &Private::handleKey);
-    connect(&window, &TrayIconWindow::focusChanged, this, &Private::tellOfFocus);
-}
-
-/// The tray has gone, or has put the icon out while it rebuilds itself, or another program has destroyed the window. In
-/// each case the item is placed anew after settling.
+/// The item is placed anew after settling, whatever has become of it.
 void StatusItem::Private::handleLoss()
 {
     qCDebug(itemLog, m_form == StatusItemForm::Tray ? "the tray has put the item out: it is asked again"
@@ -225,44 +150,10 @@ void StatusItem::Private::handleLoss()
     m_settling.start();
 }
 
-/// The tray that was asked may never answer. The item waits for it by itself, where the user has it meanwhile.
-void StatusItem::Private::standIn()
-{
-    qCDebug(itemLog, "the tray does not take the item in: it waits at the top of the screen");
-    m_standsIn = true;
-    standAlone();
-    apply();
-}
-
-/// Where there was no screen to stand on, there may be one now.
-void StatusItem::Private::makeStripAgain()
-{
-    if (m_form == StatusItemForm::Strip && !m_strip) {
-        setForm(StatusItemForm::Strip);
-    } else if (m_standsIn && !m_strip) {
-        standIn();
-    }
-}
-
-void StatusItem::Private::askForSize()
-{
-    if (m_docked) { // The desktop may have another scale by now.
-        const int side = deviceSide(screenCoordinates());
-        TrayProtocol::askForSize(m_docked->id(), {side, side});
-    }
-}
-
 void StatusItem::Private::apply()
 {
     look.plate = QGuiApplication::palette().color(QPalette::Window).rgb();
-    for (TrayIconWindow *const each : {m_docked.get(), m_strip ? &m_strip->window() : nullptr}) {
-        if (each) {
-            each->setLook(look);
-        }
-    }
-    if (m_notifierItem) {
-        m_notifierItem->setLook(look);
-    }
+    m_item.setLook(look);
     AccessibleItem::tellOfChange(*m_owner);
 }
 
@@ -276,7 +167,17 @@ void StatusItem::Private::setMenu(QMenu *offered)
     }
 }
 
-void StatusItem::Private::handlePress(std::optional<QPoint> place)
+void StatusItem::Private::handlePress(std::optional<QPoint> told)
+{
+    if (told && m_form == StatusItemForm::Notifier) {
+        m_lastPress = PressedPlace{placeAsTold(*told, m_watcher), presentScreens()};
+        press(m_lastPress->place);
+    } else {
+        press(told);
+    }
+}
+
+void StatusItem::Private::press(std::optional<QPoint> place)
 {
     qCDebug(itemLog, look.enabled ? "pressed" : "pressed, while a panel has to be answered first");
     if (look.enabled) {
@@ -287,8 +188,8 @@ void StatusItem::Private::handlePress(std::optional<QPoint> place)
 /// As if the item had been pressed: where it is, or is held to be.
 void StatusItem::Private::handleKey()
 {
-    const auto place = window() ? window()->place() : std::nullopt;
-    handlePress(place ? place->topLeft() : placeUnseen(m_lastPress));
+    const auto present = place();
+    press(present ? present->topLeft() : placeUnseen(m_lastPress));
 }
 
 StatusItem::StatusItem(QObject *parent)
@@ -375,12 +276,12 @@ void StatusItem::setMenu(QMenu *menu)
 
 WId StatusItem::getWindow() const
 {
-    return d->window() && d->window()->place() ? d->window()->id() : 0;
+    return d->place() ? d->window()->id() : 0;
 }
 
 QScreen *StatusItem::getScreen() const
 {
-    const std::optional<QRect> place = d->window() ? d->window()->place() : std::nullopt;
+    const std::optional<QRect> place = d->place();
     if (!place) {
         return nullptr;
     }
@@ -390,7 +291,7 @@ QScreen *StatusItem::getScreen() const
 
 std::optional<NSRect> StatusItem::frame() const
 {
-    const std::optional<QRect> place = d->window() ? d->window()->place() : std::nullopt;
+    const std::optional<QRect> place = d->place();
     if (!place) {
         return std::nullopt;
     }

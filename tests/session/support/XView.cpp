@@ -146,6 +146,19 @@ bool XView::isInFront(xcb_window_t one, xcb_window_t other) const
     return std::ranges::find(bottomFirst, topLevelOf(one)) > std::ranges::find(bottomFirst, topLevelOf(other));
 }
 
+QSize XView::leastSizeOf(xcb_window_t window) const
+{
+    constexpr std::uint32_t count = 18; // Of WM_SIZE_HINTS, as the inter-client conventions have it.
+    const auto cookie =
+        xcb_get_property(connection(), 0, window, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 0, count);
+    const XReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(connection(), cookie, nullptr));
+    if (!reply || reply->format != 32 || reply->value_len != count) {
+        return {};
+    }
+    const auto *const hints = static_cast<const std::int32_t *>(xcb_get_property_value(reply.get()));
+    return {hints[5], hints[6]};
+}
+
 qint64 XView::focusOwnerPid() const
 {
     const XReply<xcb_get_input_focus_reply_t> reply(

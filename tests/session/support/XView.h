@@ -34,6 +34,8 @@ public:
     [[nodiscard]] bool isInFront(xcb_window_t one, xcb_window_t other) const;
     /// True when a window manager has put a frame, be it an invisible one, around the window.
     [[nodiscard]] bool isFramed(xcb_window_t window) const { return topLevelOf(window) != window; }
+    /// The least size that the window asks for; empty when it asks for none.
+    [[nodiscard]] QSize leastSizeOf(xcb_window_t window) const;
     /// The process that has the keyboard; 0 when none has.
     [[nodiscard]] qint64 focusOwnerPid() const;
     [[nodiscard]] qint64 selectionOwnerPid(const QByteArray &selection) const;

@@ -4,6 +4,7 @@
 #include "platform/ProductTexts.h"
 #include "platform/linux/include/MainDisplay.h"
 #include "platform/linux/include/XConnection.h"
+#include "platform/linux/item/form/ItemSide.h"
 #include "platform/linux/item/strip/StripPlacement.h"
 #include "platform/linux/screen/windows/StackingRule.h"
 #include "platform/linux/screen/windows/StandingItem.h"
@@ -11,37 +12,34 @@
 #include "platform/linux/workarounds/RootProperties.h"
 
 #include <QApplication>
-#include <QScreen>
 
-#include <cmath>
+#include <array>
 #include <utility>
 
 namespace
 {
 
-constexpr double sideInPoints = 22;
-
 /// Where the user has put it before, whichever copy of this program it was.
-std::optional<int> rememberedDistance()
+std::optional<int> rememberedDistance(double ratio)
 {
     xcb_connection_t *x = XConnection::get();
     const auto cookie = xcb_get_property(x, false, XConnection::screen()->root,
-                                         XConnection::atom(ProductTexts::itemPlaceProperty), XCB_ATOM_CARDINAL, 0, 1);
+                                         XConnection::atom(ProductTexts::itemPlaceProperty), XCB_ATOM_CARDINAL, 0, 2);
     const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(x, cookie, nullptr));
-    if (!reply || reply->format != 32 || reply->value_len != 1 || reply->bytes_after != 0) {
+    if (!reply || reply->format != 32 || reply->value_len != 2 || reply->bytes_after != 0) {
         return std::nullopt;
     }
-    const std::uint32_t distance = *static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
-    constexpr std::uint32_t widestScreen = 65'535;
-    return distance <= widestScreen ? std::optional(static_cast<int>(distance)) : std::nullopt;
+    const auto *const numbers = static_cast<const std::uint32_t *>(xcb_get_property_value(reply.get()));
+    return keptStripDistance(numbers[0], numbers[1], ratio);
 }
 
-void rememberDistance(int distance)
+void rememberDistance(int distance, double ratio)
 {
-    const auto value = static_cast<std::uint32_t>(distance);
+    const std::array<std::uint32_t, 2> numbers = {static_cast<std::uint32_t>(distance), keptRatio(ratio)};
     xcb_connection_t *x = XConnection::get();
     xcb_change_property(x, XCB_PROP_MODE_REPLACE, XConnection::screen()->root,
-                        XConnection::atom(ProductTexts::itemPlaceProperty), XCB_ATOM_CARDINAL, 32, 1, &value);
+                        XConnection::atom(ProductTexts::itemPlaceProperty), XCB_ATOM_CARDINAL, 32, numbers.size(),
+                        numbers.data());
     xcb_flush(x);
 }
 
@@ -57,8 +55,8 @@ QRect presentPlace()
     if (screen.mainScreen.isEmpty()) {
         return {};
     }
-    return stripPlace(workArea(screen), static_cast<int>(std::lround(sideInPoints * screen.ratio)),
-                      rememberedDistance().value_or(usualStripDistance(screen.ratio)));
+    return stripPlace(workArea(screen), itemSide(screen.ratio),
+                      rememberedDistance(screen.ratio).value_or(usualStripDistance(screen.ratio)));
 }
 
 } // namespace
@@ -91,25 +89,13 @@ Strip::Strip(std::unique_ptr<TrayIconWindow> window)
 {
     QCoreApplication::instance()->installNativeEventFilter(this);
     RootProperties::hear(this);
-    connect(qGuiApp, &QGuiApplication::screenAdded, this, &Strip::watchScreen);
-    connect(qGuiApp, &QGuiApplication::primaryScreenChanged, this, &Strip::follow);
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    for (QScreen *screen : screens) {
-        watchScreen(screen);
-    }
+    connect(&m_screens, &ScreenChanges::changed, this, &Strip::follow);
     stayAboveWhatNobodyManages();
 }
 
 Strip::~Strip()
 {
     StandingItem::set({});
-}
-
-void Strip::watchScreen(QScreen *screen)
-{
-    connect(screen, &QScreen::geometryChanged, this, &Strip::follow);
-    // With these Qt may take over another scale without a word of the size.
-    connect(screen, &QScreen::logicalDotsPerInchChanged, this, &Strip::follow);
 }
 
 void Strip::follow()
@@ -201,7 +187,7 @@ void Strip::handleMotion(const xcb_motion_notify_event_t &motion)
 {
     const QPoint moved(motion.root_x - m_press->root_x, motion.root_y - m_press->root_y);
     if (!m_isDragged) {
-        const double pixelsPerPoint = m_place.width() / sideInPoints;
+        const double pixelsPerPoint = m_place.width() / itemSideInPoints;
         switch (stripPress(moved, qRound(QApplication::startDragDistance() * pixelsPerPoint))) {
         case StripPress::Undecided:
             return;
@@ -232,6 +218,6 @@ void Strip::handleRelease(const xcb_button_release_event_t &release)
     const int distance = m_area.x() + m_area.width() - m_place.x() - m_place.width();
     qCDebug(itemLog, "the user has put the item %d pixels from the right", distance);
     m_settled = m_place;
-    rememberDistance(distance);
+    rememberDistance(distance, screenCoordinates().ratio);
     QMetaObject::invokeMethod(this, &Strip::moved, Qt::QueuedConnection);
 }

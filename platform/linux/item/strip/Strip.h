@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/item/TrayIconWindow.h"
+#include "platform/linux/screen/ScreenChanges.h"
 #include "platform/linux/screen/SelectionWatch.h"
 #include "platform/linux/screen/windows/WindowsOfOthers.h"
 
@@ -10,13 +11,11 @@
 #include <memory>
 #include <optional>
 
-class QScreen;
-
 /// A status item that stands by itself, at the top edge of the main screen's work area, which it follows when it
 /// changes. The user can drag it along that edge; where it was put last, counted from the area's right edge, it stands
 /// again the next time, in this session of the X server, and after a restart of this program too: the root window keeps
-/// it as the property _KIVMENUA_ITEM. While no window manager runs it stays above the windows of others. Needs X; main
-/// thread only.
+/// it as the property _KIVMENUA_ITEM, in device pixels, with the pixels of a point at that time. While no
+/// window manager runs it stays above the windows of others. Needs X; main thread only.
 class Strip final : public QObject, private QAbstractNativeEventFilter
 {
     Q_OBJECT
@@ -36,7 +35,6 @@ private:
     explicit Strip(std::unique_ptr<TrayIconWindow> window);
 
     bool nativeEventFilter(const QByteArray &eventType, void *message, qintptr *result) override;
-    void watchScreen(QScreen *screen);
     void follow();
     void stayAboveWhatNobodyManages();
     void handlePress(const xcb_button_press_event_t &press);
@@ -45,6 +43,7 @@ private:
     void stand(const QRect &place);
 
     std::unique_ptr<TrayIconWindow> m_window;
+    ScreenChanges m_screens;
     SelectionWatch m_manager;
     std::unique_ptr<WindowsOfOthers> m_others;       ///< While no window manager runs.
     QRect m_place;                                   ///< Where it is, be it under the mouse.

@@ -7,11 +7,29 @@
 namespace
 {
 constexpr double roomForButtons = 160; ///< In points.
-}
+constexpr double binaryPlaces = 65'536;
+} // namespace
 
 int usualStripDistance(double ratio)
 {
     return static_cast<int>(std::lround(roomForButtons * ratio));
+}
+
+std::optional<int> keptStripDistance(std::uint32_t distance, std::uint32_t keptRatio, double ratio)
+{
+    constexpr std::uint32_t widestScreen = 65'535;
+    const double ratioThen = keptRatio / binaryPlaces;
+    constexpr double smallestRatio = 0.1;
+    constexpr double largestRatio = 100;
+    if (distance > widestScreen || ratioThen < smallestRatio || ratioThen > largestRatio) {
+        return std::nullopt;
+    }
+    return static_cast<int>(std::lround(distance * ratio / ratioThen));
+}
+
+std::uint32_t keptRatio(double ratio)
+{
+    return static_cast<std::uint32_t>(std::lround(ratio * binaryPlaces));
 }
 
 QRect stripPlace(const QRect &area, int side, int distance)

@@ -30,6 +30,27 @@ TEST(StripPlace, LeavesRoomForTheButtonsOfAMaximisedWindow)
     EXPECT_EQ(usualStripDistance(2), 320);
 }
 
+TEST(StripPlace, IsKeptInPointsWhenTheScaleChanges)
+{
+    EXPECT_EQ(keptStripDistance(100, keptRatio(1), 1), 100);
+    EXPECT_EQ(keptStripDistance(100, keptRatio(1), 2), 200);
+    EXPECT_EQ(keptStripDistance(250, keptRatio(1.25), 1), 200);
+    EXPECT_EQ(keptStripDistance(0, keptRatio(2), 1), 0);
+    for (const double ratio : {1.0, 1.25, 1.5, 4.0 / 3, 2.0}) {
+        EXPECT_EQ(keptStripDistance(3839, keptRatio(ratio), ratio), 3839) << ratio;
+    }
+}
+
+TEST(StripPlace, IsNotKeptFromAScreenThatNobodyHas)
+{
+    EXPECT_EQ(keptRatio(1.5), 0x18000U) << "the copy after an upgrade reads it, too";
+    EXPECT_EQ(keptStripDistance(65'536, keptRatio(1), 1), std::nullopt);
+    EXPECT_EQ(keptStripDistance(0xffffffff, keptRatio(1), 1), std::nullopt);
+    EXPECT_EQ(keptStripDistance(50, 0, 1), std::nullopt);
+    EXPECT_EQ(keptStripDistance(50, 60, 1), std::nullopt);
+    EXPECT_EQ(keptStripDistance(50, keptRatio(101), 1), std::nullopt);
+}
+
 struct StripPressRow {
     QPoint moved;
     StripPress press;

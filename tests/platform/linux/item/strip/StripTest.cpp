@@ -304,14 +304,17 @@ TEST_F(StripTest, StaysWhereItLiesWhileAWindowManagerRuns)
 
 TEST_F(StripTest, TakesNoDistanceThatNoScreenHas)
 {
-    setOnRoot("_KIVMENUA_ITEM", {0xffffffff});
+    const std::vector<std::uint32_t> nonsense[] = {{50}, {0xffffffff, 0x10000}, {50, 60}, {50, 0x10000, 1}};
+    for (const std::vector<std::uint32_t> &numbers : nonsense) {
+        setOnRoot("_KIVMENUA_ITEM", numbers);
+        item.reset();
+        make();
+        EXPECT_TRUE(standsAt(usualX, 0)) << testing::PrintToString(numbers);
+    }
+    setOnRoot("_KIVMENUA_ITEM", {100, 0x20000});
     item.reset();
     make();
-    EXPECT_TRUE(standsAt(usualX, 0));
-    setOnRoot("_KIVMENUA_ITEM", {50, 60});
-    item.reset();
-    make();
-    EXPECT_TRUE(standsAt(usualX, 0));
+    EXPECT_TRUE(standsAt(1280 - 50 - 22, 0)) << "it was put there when a point was two pixels";
 }
 
 } // namespace

@@ -20,6 +20,7 @@ DESKTOPS = {
         title="Plasma's proxy for windows",
         programs=PROGRAMS | {"xembedsniproxy": ["xembedsniproxy"]}, panel=("plasmashell", "xembedsniproxy"),
         has_own_bus=True,
+        cannot={"keyboard": "until it is pressed, the proxy keeps the item's window in the screen's upper left corner"},
         remarks="The agent is on a bus of its own, as one that is started over ssh or by another user's hand, and finds "
                 "the panel's host for items on none. So its item comes into the tray, which Plasma's proxy owns and shows "
                 "the panel a picture of. An agent on the desktop's bus never goes that way.", **COMMON),

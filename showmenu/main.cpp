@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 
 #include <cstdio>
@@ -14,10 +15,23 @@
 namespace
 {
 
-int fail(const char *why)
+int fail(const QByteArray &why)
 {
-    std::fprintf(stderr, "kivshowmenu: %s\n", why);
+    std::fprintf(stderr, "kivshowmenu: %s\n", why.constData());
     return EXIT_FAILURE;
+}
+
+QString whyRefused(const QDBusError &error)
+{
+    if (error.type() == QDBusError::Failed) {
+        return QStringLiteral("the agent says: ") + error.message();
+    }
+    // Of a call that must not start anything, the bus says it by the second name.
+    if (error.type() == QDBusError::ServiceUnknown ||
+        error.name() == QLatin1String("org.freedesktop.DBus.Error.NameHasNoOwner")) {
+        return QStringLiteral("the agent of this display is not on this session bus");
+    }
+    return QStringLiteral("the agent gives no answer: ") + error.message();
 }
 
 } // namespace
@@ -46,11 +60,9 @@ int main(int argc, char **argv)
                                        isForMessage ? QStringLiteral("ShowMessage") : QStringLiteral("ShowMenu"));
     call.setAutoStartService(false);
     constexpr int timeout = 5000; // milliseconds
-    if (bus.call(call, QDBus::Block, timeout).type() != QDBusMessage::ReplyMessage) {
-        return fail(
-            isForMessage
-                ? "there is no message to answer, or a panel of the agent has to be answered first"
-                : "the agent does not show its menu: it is busy, or the service has taken the status item away");
+    const QDBusMessage answer = bus.call(call, QDBus::Block, timeout);
+    if (answer.type() != QDBusMessage::ReplyMessage) {
+        return fail(whyRefused(QDBusError(answer)).toLocal8Bit());
     }
     return EXIT_SUCCESS;
 }

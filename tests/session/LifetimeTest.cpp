@@ -166,6 +166,20 @@ TEST_F(Lifetime, KeepsAllItsThreadsOnOneHeap)
     EXPECT_EQ(ProcessMemory::heapsOfThreads(agent->pid()), 0);
 }
 
+TEST_F(Lifetime, SaysNothingWhenAHostDrawsTheItem)
+{
+    desktop.stopPanel();
+    ChildProcess watcher;
+    watcher.environment = desktop.environment();
+    ASSERT_TRUE(watcher.start(QStringLiteral(KIV_NOTIFIER_WATCHER), {}));
+    ASSERT_TRUE(agent->start());
+    ASSERT_TRUE(waitUntil([&] { return watcher.output().contains("item"); })) << "the host has no item";
+    ASSERT_TRUE(waitUntil([&] { return agent->isLinked(); }));
+    agent->process().terminate();
+    ASSERT_TRUE(waitUntil([&] { return !agent->process().isRunning(); }));
+    EXPECT_EQ(agent->standardError(), QByteArray());
+}
+
 TEST_F(Lifetime, SaysNothingWhenAllIsWell)
 {
     ASSERT_TRUE(agent->startAndDock());

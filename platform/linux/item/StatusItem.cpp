@@ -25,6 +25,7 @@ class StatusItem::Private final : public QObject
 {
 public:
     explicit Private(StatusItem *owner);
+    ~Private() override { m_requests->setMenuQuestion(nullptr); }
 
     bool eventFilter(QObject *watched, QEvent *event) override
     {
@@ -74,6 +75,7 @@ StatusItem::Private::Private(StatusItem *owner)
     m_settling.setInterval(1s);
     connect(&m_settling, &QTimer::timeout, this, [this] { update(Settling::Over); });
     connect(m_requests.get(), &MenuRequests::requested, this, &Private::handleKey);
+    m_requests->setMenuQuestion([this] { return look.enabled; });
     connect(&m_trays, &TrayHostWatch::changed, this, [this] { update(Settling::Underway); });
     connect(&m_notifiers, &NotifierHostWatch::changed, this,
             [this] { update(std::exchange(m_isNew, false) ? Settling::Over : Settling::Underway); });

@@ -46,6 +46,26 @@ bool MenuRequests::hasMenu() const
     return isSignalConnected(QMetaMethod::fromSignal(&MenuRequests::requested));
 }
 
+/// Empty when it can be opened; so with the next one.
+QString MenuRequests::whyNoMenu() const
+{
+    if (!hasMenu()) {
+        return QStringLiteral("There is no status item");
+    }
+    return m_isMenuReady && !m_isMenuReady() ? QStringLiteral("A panel has to be answered first") : QString();
+}
+
+QString MenuRequests::whyNoMessage() const
+{
+    return m_isMessageThere && m_isMessageThere() ? QString()
+                                                  : QStringLiteral("There is no message that could be answered");
+}
+
+void MenuRequests::setMenuQuestion(std::function<bool()> isMenuReady)
+{
+    m_isMenuReady = std::move(isMenuReady);
+}
+
 void MenuRequests::setMessageQuestion(std::function<bool()> isMessageThere)
 {
     m_isMessageThere = std::move(isMessageThere);
@@ -62,10 +82,8 @@ WorkInTurns::Work MenuRequests::workFor(const QDBusMessage &call, const QDBusCon
             refuse(call, connection, QDBusError::InvalidArgs, call.member() + QStringLiteral(" has no arguments"));
             return;
         }
-        if (isForMenu ? !hasMenu() : !m_isMessageThere || !m_isMessageThere()) {
-            refuse(call, connection, QDBusError::Failed,
-                   isForMenu ? QStringLiteral("There is no status item")
-                             : QStringLiteral("There is no message that could be answered"));
+        if (const QString obstacle = isForMenu ? whyNoMenu() : whyNoMessage(); !obstacle.isEmpty()) {
+            refuse(call, connection, QDBusError::Failed, obstacle);
             return;
         }
         if (call.isReplyRequired()) {

@@ -24,6 +24,9 @@ public:
     /// As a call of ShowMenu.
     void showMenu();
 
+    /// Tells whether a press of the item opens the menu at present: ShowMenu is refused when it does not.
+    void setMenuQuestion(std::function<bool()> isMenuReady);
+
     /// Tells whether there is a message that could get the keyboard: ShowMessage is refused when there is none, and
     /// while there is no question to ask, as at first.
     void setMessageQuestion(std::function<bool()> isMessageThere);
@@ -39,10 +42,13 @@ private:
     [[nodiscard]] WorkInTurns::Work workFor(const QDBusMessage &call, const QDBusConnection &connection) override;
     void serve();
     [[nodiscard]] bool hasMenu() const;
+    [[nodiscard]] QString whyNoMenu() const;
+    [[nodiscard]] QString whyNoMessage() const;
     void showMessage();
     void whenKeyboardCanBeHad(const std::function<void()> &proceed);
 
     SessionBus &m_bus;
+    std::function<bool()> m_isMenuReady;
     std::function<bool()> m_isMessageThere;
     bool m_isPending = false; ///< Between a request and the moment at which the keyboard is free.
 };

@@ -31,7 +31,7 @@ LINUX = {
     'platform/linux/workarounds': ['platform/linux/include'],
     'platform/linux/bus': ['platform/linux/include', 'platform/linux/workarounds'],
     'platform/linux/corefoundation': ['platform/linux/include'],
-    'platform/linux/screen': ['platform/linux/include'],
+    'platform/linux/screen': ['platform/linux/include', 'platform/files'],
     'platform/linux/processes': ['platform/linux/include'],
     'platform/linux/events': ['platform/linux/include', 'platform/linux/processes', 'platform/linux/bus'],
     'platform/linux/item': ['platform/linux/include', 'platform/linux/screen', 'platform/linux/bus',

@@ -24,7 +24,7 @@ public:
         sockaddr_un address = {};
         address.sun_family = AF_UNIX;
         std::ranges::copy(m_path, address.sun_path);
-        ::bind(m_listener.number(), reinterpret_cast<const sockaddr *>(&address), sizeof address);
+        m_isBound = ::bind(m_listener.number(), reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0;
         ::listen(m_listener.number(), 1);
         m_thread = std::thread([this, answer] {
             const FileDescriptor client(::accept(m_listener.number(), nullptr, nullptr));
@@ -69,6 +69,7 @@ private:
     QTemporaryDir m_folder;
     QByteArray m_path;
     FileDescriptor m_listener;
+    bool m_isBound = false; ///< Else nobody can connect, and the test says so.
     std::array<char, 14> m_question = {};
     std::thread m_thread;
 };

@@ -22,7 +22,7 @@ DESKTOPS = {
         packages=("gnome-shell", "mutter", "gnome-shell-extension-appindicator"),
         panel=("gnome-shell",),
         remarks="The extension takes icons of the X tray as well as StatusNotifierItems, and ours goes into the tray on "
-                "purpose. Both look the same, pixel by pixel, at a scale of 1 and of 2. But our menu is there as soon as the "
+                "purpose. Both look the same at a scale of 1 and of 2. But our menu is there as soon as the "
                 "item is clicked, and kivshowmenu knows from the start where the item is; before the menu of a "
                 "StatusNotifierItem the extension waits whether there will be a second click, 0.6 s in all. With its setting "
                 "`legacy-tray-enabled` off the item is a StatusNotifierItem, and the menu is the shell's own.",

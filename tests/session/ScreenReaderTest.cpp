@@ -6,10 +6,17 @@
 #include "tests/support/WaitUntil.h"
 
 #include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <X11/keysym.h>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace
 {
@@ -249,6 +256,116 @@ TEST_F(ScreenReaderWithMessage, PressesTheButtonOfAPopUp)
     ASSERT_TRUE(button);
     EXPECT_TRUE(reader->perform(press, *button));
     EXPECT_TRUE(session.agent->waitUntilClosed());
+}
+
+/// The library that screen readers are written with, in a program of its own: reader_client.py says what it answers.
+class ReaderClient final
+{
+public:
+    using Lines = std::vector<std::string>;
+
+    ReaderClient(const Desktop &desktop, qint64 pid)
+    {
+        m_client.environment = desktop.environment();
+        // Debian's Python, which has the library; another that comes first in PATH does not.
+        EXPECT_TRUE(m_client.start(QStringLiteral("/usr/bin/python3"),
+                                   {QStringLiteral("-B"), QStringLiteral(KIV_READER_CLIENT), QString::number(pid)}));
+        EXPECT_TRUE(waitUntil([this] { return !said().isEmpty() || !m_client.isRunning(); }));
+    }
+
+    [[nodiscard]] bool isMissing() const { return m_client.exitCode() == 77; }
+
+    /// All objects of the program, each in a line: "button, Kivune Menu, Active, enabled, showing".
+    [[nodiscard]] Lines tree() { return linesOf(ask("tree").toArray()); }
+    [[nodiscard]] bool press(const QByteArray &roleAndName) { return ask("press " + roleAndName).toBool(); }
+
+    /// What has been read out so far: "notification, Warning, The server restarts at noon."
+    [[nodiscard]] Lines readOut()
+    {
+        QJsonArray all;
+        for (const QJsonValue &line : said()) {
+            if (line.isObject()) {
+                all.append(line.toObject().value(QLatin1String("shown")));
+            }
+        }
+        return linesOf(all);
+    }
+
+private:
+    static Lines linesOf(const QJsonArray &objects)
+    {
+        Lines lines;
+        for (const auto &object : objects) {
+            QStringList words;
+            const QJsonArray parts = object.toArray();
+            for (const auto &part : parts) {
+                words += part.isArray() ? QVariant(part.toArray().toVariantList()).toStringList()
+                                        : QStringList(part.toString());
+            }
+            lines.push_back(words.join(QStringLiteral(", ")).toStdString());
+        }
+        return lines;
+    }
+    [[nodiscard]] QList<QJsonValue> said()
+    {
+        QList<QJsonValue> values;
+        QByteArrayList lines = m_client.output().split('\n');
+        lines.removeLast(); // What is not complete yet.
+        for (const QByteArray &line : std::as_const(lines)) {
+            values.append(QJsonDocument::fromJson('[' + line + ']').array().at(0));
+        }
+        return values;
+    }
+    [[nodiscard]] QJsonValue ask(const QByteArray &request)
+    {
+        const auto answers = [this] {
+            QList<QJsonValue> all = said();
+            all.removeIf([](const QJsonValue &line) { return line.isObject(); });
+            return all;
+        };
+        const qsizetype before = answers().size();
+        m_client.write(request + '\n');
+        EXPECT_TRUE(waitUntil([&] { return answers().size() > before; })) << request.constData();
+        return answers().value(before);
+    }
+
+    ChildProcess m_client;
+};
+
+TEST_F(ScreenReaderTest, FindsAllByTheLibraryThatScreenReadersAreWrittenWith)
+{
+    ASSERT_TRUE(start());
+    ASSERT_TRUE(item());
+    session.service->send("actions 32791 32793");
+    ASSERT_TRUE(session.settle());
+    ReaderClient client(session.desktop, session.agent->pid());
+    if (client.isMissing()) {
+        GTEST_SKIP() << "python3-pyatspi is not installed";
+    }
+    EXPECT_THAT(client.tree(), testing::Contains("button, Kivune Menu, Active, enabled, showing"));
+
+    ASSERT_TRUE(client.press("button Kivune Menu"));
+    ASSERT_TRUE(session.topWindow(1));
+    const ReaderClient::Lines menu = client.tree();
+    EXPECT_THAT(menu, testing::Contains(testing::StartsWith("menu, ")));
+    EXPECT_THAT(menu, testing::Contains("entry, About Kivune Server, , enabled, showing"));
+    EXPECT_THAT(menu, testing::Contains("entry, Disconnect the Session, , showing"));
+
+    ASSERT_TRUE(client.press("entry About Kivune Server"));
+    ASSERT_TRUE(session.panel());
+    EXPECT_TRUE(waitUntil([&] { return client.readOut().size() == 1; }));
+    EXPECT_THAT(client.readOut(), testing::Contains(testing::StartsWith("alert, ")));
+    ASSERT_TRUE(client.press("button Close"));
+    EXPECT_TRUE(session.agent->waitUntilClosed());
+
+    session.service->send("hint Read https://www.example.com/news and more.");
+    EXPECT_TRUE(waitUntil([&] { return client.readOut().size() == 2; }));
+    EXPECT_THAT(client.readOut().back(), testing::EndsWith("Read https://www.example.com/news and more."));
+    const ReaderClient::Lines popUp = client.tree();
+    EXPECT_THAT(popUp, testing::Contains(testing::StartsWith("notification, ")));
+    EXPECT_THAT(popUp, testing::Contains(testing::StartsWith("link, https://www.example.com/news")));
+    ASSERT_TRUE(session.settle());
+    EXPECT_EQ(client.readOut().size(), 2) << "it is announced again";
 }
 
 TEST_F(ScreenReaderTest, MayComeAfterTheAgentAndGoAndComeAgain)

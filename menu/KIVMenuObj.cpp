@@ -79,6 +79,7 @@ KIVMenuObj::KIVMenuObj(const Bundle &bundle, const MenuSurroundings &surrounding
 KIVMenuObj::~KIVMenuObj()
 {
     m_tray.reset();
+    m_menu->close(); // With what it hangs on: a menu that ends while it is open does not say that it closes.
     m_menu.reset();
 }
 

@@ -16,6 +16,9 @@
 #include "shell/link/EventCodes.h"
 #include "shell/link/EventHandler.h"
 
+#include <QCoreApplication>
+#include <QEvent>
+
 #include <cstdlib>
 
 namespace
@@ -45,6 +48,8 @@ void tearDown()
     manager.setKivMenu(nullptr);
     KivNotificationReceiver::sharedInstance().stop();
     __menu.reset();
+    // A menu that was open has closed what it hung on, which deletes itself later: by now there is no loop to come.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 } // namespace
 

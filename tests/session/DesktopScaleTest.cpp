@@ -172,12 +172,13 @@ TEST_F(ScaleOfTheDesktop, IsThatOfTheRoomThatTheItemAsksItsPanelFor)
     settings.setNumber(windowScale, 2);
     EXPECT_TRUE(asksFor(44));
     ASSERT_TRUE(desktop.showOn({{0, 0, 1280, 800}}, 0)) << "the main screen goes";
-    ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }));
+    // The panel starts anew with the screen, and waits ten seconds or so for a window manager then.
+    ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }, std::chrono::seconds(30)));
     settings.setNumber(windowScale, 1);
     EXPECT_TRUE(asksFor(22));
     ASSERT_TRUE(desktop.showOn({{0, 0, 1280, 800}, {1280, 0, 1024, 768}}, 1)) << "another comes";
     ASSERT_TRUE(desktop.showOn({{0, 0, 1024, 768}}, 0));
-    ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }));
+    ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }, std::chrono::seconds(30)));
     settings.setNumber(windowScale, 2);
     EXPECT_TRUE(asksFor(44));
 }

@@ -690,6 +690,18 @@ TEST_F(KIVMenuObjTest, AttachesOneInvisibleAnchorWindowWhileTheMenuIsOpen)
     EXPECT_TRUE(waitUntil([] { return anchorWindows().empty(); }));
 }
 
+TEST_F(KIVMenuObjTest, LeavesNoAnchorBehindWhenItEndsWithItsMenuOpen)
+{
+    auto ending = std::make_unique<KIVMenuObj>(bundle);
+    QTimer::singleShot(0, [] { QCoreApplication::exit(); }); // As a session ends; no loop comes after it.
+    ending->menuTrayPressed();
+    ASSERT_TRUE(ending->menu()->isVisible());
+    ASSERT_EQ(anchorWindows().size(), 1U);
+    ending.reset();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(anchorWindows().empty());
+}
+
 TEST_F(KIVMenuObjTest, OpensTheMenuAtTheAnchorsBottomLeftCorner)
 {
     menu.setFlags(2);

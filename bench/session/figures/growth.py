@@ -1,6 +1,9 @@
 """What use goes on adding to memory."""
 
+import concurrent.futures
 import contextlib
+import operator
+import statistics
 import time
 
 from bench.session import cost, programs, use
@@ -9,26 +12,30 @@ from bench.session.figure import Figure
 from bench.session.figures.memory import SETTLE
 from bench.session.use import Hints, Questions
 
+COPIES = 3
 FEW = 5
 
 
 def _growth(place, program, make_act, times):
-    """In kB: what the third of three copies has more after so many times than after the fifth, which all three have
-    seen: the others keep what can be shared shared."""
+    """In kB: what a copy has more after so many times than after the fifth; of three copies, the middle one."""
     with contextlib.ExitStack() as stack:
-        for _ in range(3):
-            desktop = stack.enter_context(Desktop(place))
-            running = programs.start(desktop, program)
-            time.sleep(1)
-            act = make_act(desktop, running)
-            for _ in range(FEW):
-                act()
-        time.sleep(SETTLE)
-        before = cost.private_memory(desktop.processes_of(running.process))
-        for _ in range(times - FEW):
-            act()
-        time.sleep(SETTLE)
-        return cost.private_memory(desktop.processes_of(running.process)) - before
+        desktops = [stack.enter_context(Desktop(place)) for _ in range(COPIES)]
+        running = [programs.start(desktop, program) for desktop in desktops]
+        time.sleep(1)
+        acts = [make_act(desktop, one) for desktop, one in zip(desktops, running)]
+        threads = stack.enter_context(concurrent.futures.ThreadPoolExecutor(COPIES))
+
+        def memory_after(count):
+            def repeat(act):
+                for _ in range(count):
+                    act()
+            list(threads.map(repeat, acts))
+            time.sleep(SETTLE)
+            return [cost.private_memory(desktop.processes_of(one.process)) for desktop, one in zip(desktops, running)]
+
+        before = memory_after(FEW)
+        after = memory_after(times - FEW)
+        return statistics.median(map(operator.sub, after, before))
 
 
 def _menu(desktop, _running):
@@ -55,7 +62,7 @@ def measure(place):
     # The limits are such that what once grew for each of them, 88 bytes for a menu and 240 for a question, would show.
     def growth(what, make_act, times, limit):
         return Figure(f"Memory added from the {FEW}th to the {times:,}th {what}", "kB",
-                      "Private memory, clean and dirty, of the third of three, as above.",
+                      f"Private memory, clean and dirty; the middle one of {COPIES} copies.",
                       {programs.OURS: _growth(place, ours, make_act, times)}).require(f"{limit} kB", limit)
 
     return [growth("pop-up", _pop_up(place), 500, 80), growth("menu", _menu, 2000, 100),

@@ -52,6 +52,7 @@ def main():
     asked = parser.parse_args()
     place = Place(asked.source, asked.build)
 
+    facts = machine.facts()  # Of the tree as it is now: to write the page changes it.
     failed = []
     sections = list(measure(place, asked.figure or everything, failed))
     with open(place.build("figures.json"), "w", encoding="utf-8") as file:
@@ -64,7 +65,7 @@ def main():
             notes = file.read()
         with open(asked.page, "w", encoding="utf-8") as file:
             gaps = [f"This run could not measure: {', '.join(failed)}."] if failed else []
-            file.write(page.page(machine.facts() + gaps, sections, notes))
+            file.write(page.page(facts + gaps, sections, notes))
     missed = [figure.title for _, figures in sections for figure in figures if not figure.met]
     if missed:
         print("Not met: " + "; ".join(missed), file=sys.stderr)

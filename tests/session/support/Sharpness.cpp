@@ -1,6 +1,7 @@
 #include "tests/session/support/Sharpness.h"
 
 #include <QList>
+#include <QPainter>
 
 #include <algorithm>
 #include <cstdlib>
@@ -74,4 +75,18 @@ bool Sharpness::isDrawnInPixels(const QImage &picture, const QImage &usual, doub
     constexpr double mostOfIt = 0.77;
     constexpr double nextToNothing = 1;
     return steepness(picture) > mostOfIt * steepness(usual) && lossInPoints(picture, scale) > nextToNothing;
+}
+
+double Sharpness::differenceTo(const QImage &drawing, const QImage &picture)
+{
+    QImage opaque(drawing.size(), QImage::Format_RGB32);
+    opaque.fill(picture.pixel(0, 0));
+    QPainter(&opaque).drawImage(0, 0, drawing);
+    double least = 255;
+    for (int top = 0; top <= picture.height() - opaque.height(); ++top) {
+        for (int left = 0; left <= picture.width() - opaque.width(); ++left) {
+            least = std::min(least, averageDifference(opaque, picture.copy(QRect(QPoint(left, top), opaque.size()))));
+        }
+    }
+    return least;
 }

@@ -18,4 +18,7 @@ namespace Sharpness
 /// True when it has the edges of `usual`, the same in a scale of 1, and more than that can show.
 [[nodiscard]] bool isDrawnInPixels(const QImage &picture, const QImage &usual, double scale);
 
+/// By how many grey values an average pixel of that drawing is off where it lies best in the picture, over one colour.
+[[nodiscard]] double differenceTo(const QImage &drawing, const QImage &picture);
+
 } // namespace Sharpness

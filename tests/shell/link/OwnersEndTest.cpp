@@ -81,6 +81,15 @@ TEST_F(OwnersEnd, VacatesItsPlaceWhenAnotherSpeaksInItsName)
     EXPECT_FALSE(isOwnedAfterAHintOf(deadProcess(), ::getpid()));
 }
 
+TEST_F(OwnersEnd, VacatesItsPlaceAlsoWhereProcessesCannotBeWatched)
+{
+    EXPECT_EQ(send(kMenuEvtSetOwner, deadProcess()), noErr);
+    // What watches says that it lives.
+    FakeAppleEventManager::sender = ::getpid();
+    EXPECT_EQ(send(kMenuEvtDoHint, static_cast<pid_t>(__owpsn.lowLongOfPSN)), noErr);
+    EXPECT_EQ(__owpsn.lowLongOfPSN, 0U);
+}
+
 TEST_F(OwnersEnd, VacatesItsPlaceWhenAnotherHasItsNumberByNow)
 {
     EXPECT_FALSE(isOwnedAfterAHintOf(::getpid(), ::getpid()));

@@ -53,8 +53,7 @@ private:
     const int m_descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 };
 
-/// Answers the first who connects with these words, a thousand bytes of them without an end when there are none, and
-/// hangs up.
+/// Answers the first who connects with these words, or without an end when there are none, and hangs up.
 class TerseBus final
 {
 public:
@@ -68,7 +67,7 @@ public:
             if (words) {
                 EXPECT_TRUE(say(client, *words));
             } else {
-                while (say(client, QByteArray(1000, 'x'))) {
+                while (say(client, QByteArray(100'000, 'x'))) {
                 }
             }
             ::close(client);

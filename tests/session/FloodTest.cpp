@@ -294,7 +294,7 @@ TEST(Flood, OfConnectionsThatComeAndGoLeavesTheMenuToTheUser)
     ASSERT_TRUE(startWithPopUpsThatStay(session));
     Agent &agent = *session.agent;
     qint64 longest = 0;
-    const int connections = floodEvents() / 20;
+    constexpr int connections = 3000;
     const FloodOfConnections flood(session.desktop.bus(), intrusion(agent.pid(), QCoreApplication::applicationPid()),
                                    connections);
     do {

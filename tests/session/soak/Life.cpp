@@ -126,6 +126,9 @@ bool Life::start()
                           }})) {
         return false;
     }
+    if (!asksTheFeedAtItsStart()) {
+        return false;
+    }
     m_on = m_session.agent->itemPicture();
     m_secondCopy.emplace(m_session.desktop);
     // It says each time that the bus has gone.
@@ -280,9 +283,9 @@ void Life::letTimePass()
         if (const auto leap = std::min(due - m_lived, maxLeap); leap > 0s) {
             letPass(leap);
         }
-        // The feed is asked at the start and then every day.
-        const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - 10min).count();
-        EXPECT_TRUE(waitUntil([&] { return m_feed.requests().size() > days; })) << "the feed is not asked";
+        const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - m_livedBefore - 10min).count();
+        EXPECT_TRUE(waitUntil([&] { return requestsSinceTheStart() > days; }))
+            << "the feed is not asked every day: " << requestsSinceTheStart() << " requests in " << days << " days";
     } while (m_lived < due && !testing::Test::HasFailure());
     EXPECT_TRUE(waitUntil([this] { return windows(isPopUp).size() <= 1; })) << "there are two pop-ups";
 }

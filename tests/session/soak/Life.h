@@ -144,7 +144,10 @@ private:
     bool settleOnTheScreen();
     bool logOut();
     bool hasEnded();
+    /// Returns once the feed has been asked, too.
     bool logIn();
+    bool asksTheFeedAtItsStart();
+    [[nodiscard]] qsizetype requestsSinceTheStart() { return m_feed.requests().size() - m_requestsBefore; }
     [[nodiscard]] MessageCache messages() const
     {
         return MessageCache(m_session.desktop.environment().value(QStringLiteral("HOME")));
@@ -174,6 +177,8 @@ private:
     QSize m_screen{1280, 800};
     QElapsedTimer m_time;
     std::chrono::seconds m_lived{0};
+    std::chrono::seconds m_livedBefore{0}; ///< Before the agent's last start, as the next.
+    qsizetype m_requestsBefore = 0;        ///< Of the feed.
     std::map<std::string, int> m_counts;
     std::deque<std::string> m_last; ///< The last operations, this one included.
 };

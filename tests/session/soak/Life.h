@@ -25,9 +25,11 @@ public:
     Life(unsigned seed, double days, std::chrono::duration<double> length);
 
     bool start();
+    /// Whether an operation may end the agent.
+    enum class Agents { ComeAndGo, LiveOn };
     /// Carries one operation out, and perhaps another on the pop-up that is shown then. False, with a test failure,
     /// when one does not lead to what it must.
-    bool carryOutOne();
+    bool carryOutOne(Agents agents);
     /// Lets the agent's clock catch up with its pace.
     void letTimePass();
 
@@ -46,6 +48,7 @@ private:
         const char *name;
         int weight;
         Carry carryOut;
+        bool endsTheAgent = false;
     };
     static const Operation operations[];
     static const Operation operationsOnAPopUp[];
@@ -98,7 +101,7 @@ private:
     bool attachTheService();
     /// Starts the bus anew, and waits for the agent there.
     bool comeBackToTheBus();
-    const Operation &draw(std::span<const Operation> from);
+    const Operation &draw(std::span<const Operation> from, Agents agents);
     void carryOut(const Operation &operation);
     int random(int below) { return std::uniform_int_distribution(0, below - 1)(m_random); }
     template <typename Container>

@@ -25,9 +25,11 @@ public:
     Life(unsigned seed, double days, std::chrono::duration<double> length);
 
     bool start();
+    /// Whether an operation may end the agent.
+    enum class Agents { ComeAndGo, LiveOn };
     /// Carries one operation out, and perhaps another on the pop-up that is shown then. False, with a test failure,
     /// when one does not lead to what it must.
-    bool carryOutOne();
+    bool carryOutOne(Agents agents);
     /// Lets the agent's clock catch up with its pace.
     void letTimePass();
 
@@ -46,6 +48,7 @@ private:
         const char *name;
         int weight;
         Carry carryOut;
+        bool endsTheAgent = false;
     };
     static const Operation operations[];
     static const Operation operationsOnAPopUp[];
@@ -98,7 +101,7 @@ private:
     bool attachTheService();
     /// Starts the bus anew, and waits for the agent there.
     bool comeBackToTheBus();
-    const Operation &draw(std::span<const Operation> from);
+    const Operation &draw(std::span<const Operation> from, Agents agents);
     void carryOut(const Operation &operation);
     int random(int below) { return std::uniform_int_distribution(0, below - 1)(m_random); }
     template <typename Container>
@@ -144,7 +147,10 @@ private:
     bool settleOnTheScreen();
     bool logOut();
     bool hasEnded();
+    /// Returns once the feed has been asked, too.
     bool logIn();
+    bool asksTheFeedAtItsStart();
+    [[nodiscard]] qsizetype requestsSinceTheStart() { return m_feed.requests().size() - m_requestsBefore; }
     [[nodiscard]] MessageCache messages() const
     {
         return MessageCache(m_session.desktop.environment().value(QStringLiteral("HOME")));
@@ -174,6 +180,8 @@ private:
     QSize m_screen{1280, 800};
     QElapsedTimer m_time;
     std::chrono::seconds m_lived{0};
+    std::chrono::seconds m_livedBefore{0}; ///< Before the agent's last start, as the next.
+    qsizetype m_requestsBefore = 0;        ///< Of the feed.
     std::map<std::string, int> m_counts;
     std::deque<std::string> m_last; ///< The last operations, this one included.
 };

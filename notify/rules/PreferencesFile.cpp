@@ -1,6 +1,7 @@
 #include "notify/rules/PreferencesFile.h"
 
 #include "notify/ProductTexts.h"
+#include "notify/record/MessageId.h"
 #include "notify/rules/SettingTable.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/StringValues.h"
@@ -58,7 +59,7 @@ std::optional<PreferencesFile::Contents> PreferencesFile::read() const
         return std::nullopt;
     }
     return Contents{NotificationSettings::fromDictionary(*preferences),
-                    StringValues::stringValue(preferences->value(lastMessageIdKey))};
+                    keptId(StringValues::stringValue(preferences->value(lastMessageIdKey)))};
 }
 
 QString PreferencesFile::change(const SettingEntry &setting, std::int32_t value) const

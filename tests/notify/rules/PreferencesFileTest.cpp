@@ -66,6 +66,22 @@ TEST_F(PreferencesFileTest, IsReadAsTheAgentReadsIt)
     EXPECT_EQ(contents->lastMessageId, QStringLiteral("17"));
 }
 
+TEST_F(PreferencesFileTest, HoldsTheBeginningOfAnIdThatIsTooLong)
+{
+    put(QVariantMap{{lastId, QString(300'000, u'7')}});
+    const auto contents = file.read();
+    ASSERT_TRUE(contents);
+    EXPECT_EQ(contents->lastMessageId, QString(256, u'7'));
+}
+
+TEST_F(PreferencesFileTest, HoldsNilForAnIdThatIsMissing)
+{
+    put(QVariantMap{{show, QStringLiteral("4")}});
+    const auto contents = file.read();
+    ASSERT_TRUE(contents);
+    EXPECT_TRUE(contents->lastMessageId.isNull());
+}
+
 TEST_F(PreferencesFileTest, IsMadeWithEverySettingAndTheIdThatHoldsWithoutIt)
 {
     EXPECT_TRUE(file.change(settingAt("KivNotificationShowTimeout"), 5).isNull());

@@ -63,8 +63,7 @@ TEST(Soak, OfDaysInASessionLeavesTheAgentAsItWas)
     const auto elapsed = [&] { return std::chrono::steady_clock::now() - start; };
     // On a machine at work days may take longer.
     const auto isOver = [&] {
-        return elapsed() >= length &&
-               static_cast<double>(life.lived().count()) >= std::floor(daysOfTheRun()) * 86400;
+        return elapsed() >= length && static_cast<double>(life.lived().count()) >= std::floor(daysOfTheRun()) * 86400;
     };
     // In the middle one agent lives as long as all others, and what grows in it does not begin anew with the next.
     const auto isMiddle = [&] { return elapsed() >= length / 4 && elapsed() < length * 3 / 4; };
@@ -89,19 +88,24 @@ TEST(Soak, OfDaysInASessionLeavesTheAgentAsItWas)
     for (const auto &[name, count] : life.counts()) {
         std::printf("%6d  %s\n", count, name.c_str());
         operations += count;
-        // The shorter ones do not come to everything.
-        EXPECT_TRUE(count > 0 || length < 5min || HasFailure()) << name;
+    }
+    // The shorter ones do not come to everything, and in the midst of their one life the feed's flood may come.
+    constexpr int manyOperations = 1500;
+    const bool isLong = operations >= manyOperations;
+    for (const auto &[name, count] : life.counts()) {
+        EXPECT_TRUE(count > 0 || !isLong || HasFailure()) << name;
     }
     std::printf("%d operations in %.1f simulated days, %d failures\n"
                 "private memory %lld kB at the start, early in the one life of %zu operations %lld kB and late in it "
-                "%lld kB, %lld kB at the end\n",
+                "%lld kB, %lld kB at the end\n%s",
                 operations, static_cast<double>(life.lived().count()) / 86400, HasFailure() ? 1 : 0,
                 static_cast<long long>(atStart), memory.size(), static_cast<long long>(early),
-                static_cast<long long>(late), static_cast<long long>(life.memory()));
+                static_cast<long long>(late), static_cast<long long>(life.memory()),
+                isLong ? "" : "too few operations to ask for each of them and for a limit of growth\n");
     EXPECT_STREQ(Life::unexpected(life.agent().systemLog()).join('\n').constData(), "");
     EXPECT_STREQ(Life::unexpected(life.agent().standardError().split('\n')).join('\n').constData(), "");
 #ifndef __SANITIZE_ADDRESS__ // It keeps what is freed for a while.
     constexpr qint64 maxGrowth = 2048;
-    EXPECT_LT(late - early, maxGrowth) << "kB from the first quarter of the one life to the last";
+    EXPECT_TRUE(!isLong || late - early < maxGrowth) << "it grows from the first quarter of the one life to the last";
 #endif
 }

@@ -14,6 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <functional>
+#include <optional>
+#include <utility>
 
 namespace
 {
@@ -79,6 +82,26 @@ TEST_F(Lifetime, LeavesTheDisplayToTheFirstAgentThoughItsLockWasTakenAwayAndGive
     ASSERT_TRUE(second.start());
     ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); })) << "there are two copies";
     EXPECT_EQ(second.process().exitCode(), 0);
+}
+
+TEST_F(Lifetime, LeavesTheDisplayToTheFirstAgentHoweverWhoTookItsLockLosesIt)
+{
+    const QByteArray lock = "_KIVMENUA_S0";
+    ASSERT_TRUE(agent->startAndDock());
+    std::optional<HostileClient> thief(desktop.server());
+    const std::pair<const char *, std::function<void()>> losses[] = {
+        {"its window is destroyed", [&] { thief->destroyItsWindow(); }}, {"it ends", [&] { thief.reset(); }}};
+    for (const auto &[loss, lose] : losses) {
+        thief.emplace(desktop.server());
+        thief->takeSelection(lock);
+        ASSERT_NE(desktop.view().selectionOwnerPid(lock), agent->pid()) << loss;
+        lose();
+        ASSERT_TRUE(waitUntil([&] { return desktop.view().selectionOwnerPid(lock) == agent->pid(); })) << loss;
+        Agent second(desktop);
+        ASSERT_TRUE(second.start());
+        ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); })) << "there are two copies: " << loss;
+        EXPECT_EQ(second.process().exitCode(), 0) << loss;
+    }
 }
 
 TEST_F(Lifetime, TakesTheDisplayOnceTheAgentBeforeItHasCrashed)

@@ -4,6 +4,7 @@
 #include "notify/feed/FeedDate.h"
 #include "notify/feed/FeedDocument.h"
 #include "notify/feed/LongStretches.h"
+#include "notify/feed/LowerCase.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
@@ -11,6 +12,7 @@
 #include "platform/LogCategories.h"
 #include "platform/data/CrowdedTag.h"
 #include "platform/data/StringValues.h"
+#include "platform/data/TextBeginning.h"
 
 #include <QXmlStreamReader>
 
@@ -24,8 +26,10 @@ namespace
 
 constexpr int maxLevels = 100;
 constexpr int maxMessages = 1000;
-/// Of a content: in base64, broken into lines, more than is kept of the longest text.
+/// Of an element's text: of a content in base64, broken into lines, more than is kept of the longest.
 constexpr qsizetype maxStretch = 2 * maxHtmlBytes;
+/// Of a field that is no text to be shown: so little that no message alone fills the file of those that wait.
+constexpr qsizetype maxField = maxTextBytes;
 
 /// A word of the feed, and the code that a record keeps for it.
 struct CodeWord {
@@ -180,7 +184,7 @@ void FeedParser::didStartElement(QStringView name)
 void FeedParser::foundCharacters(QStringView characters)
 {
     if (m_readingChars) {
-        m_currentChars += characters;
+        m_currentChars += beginningOf(characters, maxStretch - m_currentChars.size());
     }
 }
 
@@ -202,7 +206,7 @@ void FeedParser::setField(QStringView element)
     // Everything but the content is lowercased, ids and plain texts included: the feed's authors write words, versions
     // and ids in either case.
     if (element != kContentDataKey) {
-        m_currentChars = m_currentChars.toLower();
+        m_currentChars = lowerCase(beginningOf(m_currentChars, element == kMessageTextKey ? maxStretch : maxField));
     }
     const QString &text = m_currentChars;
     KivNotification &record = *m_notification;

@@ -16,8 +16,8 @@ class KivNotification;
 ///
 /// Documents are UTF-8, UTF-16, UTF-32 or ISO 8859-1. Refused as malformed are, besides what XML forbids: a document
 /// type (so that no entity is ever expanded), another declared encoding, more than 64 attributes in a tag, 100 levels
-/// of elements. What comes after a thousand messages is not read: the feed is asked for five. Nor is what a content has
-/// beyond twice the longest text that a message keeps.
+/// of elements. What comes after a thousand messages is not read: the feed is asked for five. Nor is what a content or
+/// a text has beyond twice the longest that a message keeps, or another field beyond 64 kilobytes of UTF-16 units.
 ///
 /// What a malformed document leaves open stays open when the next one is begun. Main thread only.
 class FeedParser final

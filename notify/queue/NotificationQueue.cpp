@@ -47,17 +47,33 @@ void NotificationQueue::add(std::shared_ptr<KivNotification> record)
 
 void NotificationQueue::dropBeyond(const Load &limit)
 {
-    const auto isMessage = [this](const auto &queued) { return !m_entries.at(queued.get()).isHint; };
+    // However urgent: all others would have to go before it, and then it would go as well.
+    const auto hasNoRoomAlone = [this, &limit](const auto &queued) {
+        const Entry &entry = m_entries.at(queued.get());
+        return !entry.isHint && entry.bytes > limit.bytes;
+    };
     while (m_messages.records > limit.records || m_messages.bytes > limit.bytes) {
-        const auto last = std::find_if(m_records.rbegin(), m_records.rend(), isMessage);
-        const auto isLeastUrgent = [&isMessage, lowest = (*last)->messagePriority()](const auto &queued) {
-            return queued->messagePriority() == lowest && isMessage(queued);
-        };
-        const auto oldest = std::ranges::find_if(m_records, isLeastUrgent);
-        qCDebug(queueLog) << "message" << (*oldest)->messageId() << "is dropped: the queue is full";
-        forget(**oldest);
-        m_records.erase(oldest);
+        auto dropped = m_records.end();
+        if (m_messages.bytes > limit.bytes) {
+            dropped = std::ranges::find_if(m_records, hasNoRoomAlone);
+        }
+        if (dropped == m_records.end()) {
+            dropped = oldestOfTheLeastUrgent();
+        }
+        qCDebug(queueLog) << "message" << (*dropped)->messageId() << "is dropped: the queue is full";
+        forget(**dropped);
+        m_records.erase(dropped);
     }
+}
+
+NotificationQueue::Place NotificationQueue::oldestOfTheLeastUrgent()
+{
+    const auto isMessage = [this](const auto &queued) { return !m_entries.at(queued.get()).isHint; };
+    const auto last = std::find_if(m_records.rbegin(), m_records.rend(), isMessage);
+    const auto isLeastUrgent = [&isMessage, lowest = (*last)->messagePriority()](const auto &queued) {
+        return queued->messagePriority() == lowest && isMessage(queued);
+    };
+    return std::ranges::find_if(m_records, isLeastUrgent);
 }
 
 void NotificationQueue::forget(const KivNotification &record)

@@ -29,8 +29,9 @@ public:
     /// Removes whatever equals `record`.
     void remove(const KivNotification &record);
 
-    /// Drops the oldest of the least urgent messages, one after the other, until they are within `limit`. Hints neither
-    /// count nor are dropped: what is for the moment takes no room from what is to be kept.
+    /// Drops the messages that alone are beyond `limit`, and then the oldest of the least urgent, one after the other,
+    /// until they are within it. Hints neither count nor are dropped: what is for the moment takes no room from what is
+    /// to be kept.
     void dropBeyond(const Load &limit);
 
     enum class Hints { Include, LeaveOut };
@@ -53,6 +54,10 @@ private:
 
     [[nodiscard]] Load &loadOf(const Entry &entry) noexcept { return entry.isHint ? m_hints : m_messages; }
 
+    using Place = std::vector<std::shared_ptr<KivNotification>>::iterator;
+
+    /// There must be a message that is no hint.
+    [[nodiscard]] Place oldestOfTheLeastUrgent();
     void forget(const KivNotification &record);
 
     std::vector<std::shared_ptr<KivNotification>> m_records;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "notify/record/MessageCodes.h"
+#include "notify/record/MessageId.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -71,7 +72,8 @@ public:
     [[nodiscard]] float getTextHeight(const QString &text) const;
 
     [[nodiscard]] const QString &messageId() const noexcept { return m_messageId; }
-    void setMessageId(const QString &messageId) { m_messageId = messageId; }
+    /// Keeps what is kept of an id (notify/record/MessageId.h).
+    void setMessageId(const QString &messageId) { m_messageId = keptId(messageId); }
 
     /// A MessageType.
     [[nodiscard]] std::int32_t messageType() const noexcept { return m_messageType; }

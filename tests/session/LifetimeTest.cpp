@@ -1,9 +1,11 @@
 #include "tests/session/support/DesktopWithAgent.h"
 #include "tests/session/support/HostileClient.h"
+#include "tests/session/support/SessionManager.h"
 #include "tests/support/FakePortal.h"
 #include "tests/support/ProcessMemory.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/StallingBus.h"
+#include "tests/support/VanishingXServer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>
@@ -213,6 +215,34 @@ TEST_F(Lifetime, SaysNothingWhenAllIsWell)
     EXPECT_TRUE(agent->systemLog().isEmpty());
 }
 
+/// Ends as it waits for one to start.
+TEST(LifetimeWithoutAPanel, EndsWithStatusZeroOnEachSignalThatAsksItTo)
+{
+    Desktop desktop;
+    ASSERT_TRUE(desktop.start());
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        Agent agent(desktop);
+        ASSERT_TRUE(agent.start());
+        ASSERT_TRUE(waitUntil([&] { return desktop.view().selectionOwnerPid("_KIVMENUA_S0") == agent.pid(); }));
+        ASSERT_EQ(::kill(static_cast<pid_t>(agent.pid()), signal), 0);
+        ASSERT_TRUE(waitUntil([&] { return !agent.process().isRunning(); }));
+        EXPECT_EQ(agent.process().exitCode(), 0) << "signal " << signal;
+    }
+}
+
+TEST(LifetimeWithoutAPanel, EndsWithStatusZeroAtTheWordOfTheSessionManager)
+{
+    Desktop desktop;
+    ASSERT_TRUE(desktop.start());
+    SessionManager manager;
+    Agent agent(desktop);
+    manager.addTo(agent.environment);
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(manager.logOut());
+    ASSERT_TRUE(waitUntil([&] { return !agent.process().isRunning(); }));
+    EXPECT_EQ(agent.process().exitCode(), 0);
+}
+
 TEST(LifetimeWithoutXFixes, EndsWithOneLine)
 {
     Desktop desktop;
@@ -223,6 +253,20 @@ TEST(LifetimeWithoutXFixes, EndsWithOneLine)
     EXPECT_EQ(agent.process().exitCode(), EXIT_FAILURE);
     EXPECT_EQ(agent.standardError().count('\n'), 1) << agent.standardError().constData();
     EXPECT_TRUE(agent.standardError().contains("XFIXES")) << agent.standardError().constData();
+}
+
+TEST(LifetimeWithAServerThatVanishes, EndsWithOneLine)
+{
+    Desktop desktop;
+    ASSERT_TRUE(desktop.start());
+    const VanishingXServer vanishing;
+    Agent agent(desktop);
+    agent.environment.insert(QStringLiteral("DISPLAY"), vanishing.display());
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(waitUntil([&] { return !agent.process().isRunning(); }));
+    EXPECT_EQ(agent.process().exitCode(), EXIT_FAILURE);
+    EXPECT_EQ(agent.standardError().count('\n'), 1) << agent.standardError().constData();
+    EXPECT_TRUE(agent.standardError().contains("does not answer")) << agent.standardError().constData();
 }
 
 } // namespace

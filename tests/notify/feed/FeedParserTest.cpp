@@ -458,6 +458,40 @@ TEST(FeedParser, KeepsOfAnEndlessContentWhatIsKeptOfALongOneAndReadsWhatComesBeh
     EXPECT_EQ(feed.records[2]->messageId(), QStringLiteral("17"));
 }
 
+TEST(FeedParser, KeepsOfEachFieldNoMoreThanMakesSense)
+{
+    constexpr qsizetype limit = qsizetype{64} * 1024;
+    const QByteArray endless(10 * limit, '7');
+    for (const char *name : {"minVersion", "maxVersion", "systemCode", "minSysVer", "maxSysVer", "contentEncoding",
+                             "contentType", "buildDate"}) {
+        const QByteArray element(name);
+        const KivNotification record =
+            recordOf('<' + element + '>' + endless + "</" + element + "><messageRepeat>3</messageRepeat>");
+        const QString kept = record.exportToDictionary().value(QString::fromLatin1(name)).toString();
+        EXPECT_EQ(kept, QString(limit, u'7')) << name;
+        EXPECT_EQ(record.messageRepeat(), 3U) << "what comes behind it counts";
+    }
+    EXPECT_EQ(recordOf("<messageId>" + endless + "</messageId>").messageId(), QString(256, u'7'));
+    // The parts of one text count together.
+    EXPECT_EQ(recordOf("<contentType>" + endless + "<!-- -->" + endless + "<![CDATA[" + endless + "]]></contentType>")
+                  .contentType()
+                  .size(),
+              limit);
+}
+
+TEST(FeedParser, KeepsOfATextWhatTheRecordKeepsOfALongOne)
+{
+    const QByteArray line = "<![CDATA[<p>One line of a text.</p>]]>\n";
+    const KivNotification record = recordOf("<contentHeight>7</contentHeight><messageText>" + line.repeated(20'000) +
+                                            "</messageText><messageRepeat>3</messageRepeat>");
+    KivNotification other;
+    other.setContentHeight(7);
+    other.setMessageText(QStringLiteral("<p>one line of a text.</p>\n").repeated(20'000));
+    EXPECT_GT(record.messageText().size(), 200'000);
+    EXPECT_EQ(record.messageText(), other.messageText());
+    EXPECT_EQ(record.messageRepeat(), 3U);
+}
+
 TEST(FeedParser, ReadsBitByBitWhatItReadsAtOnce)
 {
     const QByteArray document = documentOf(message("<messageId>1</messageId>") + message("<messageId>2</messageId>"));

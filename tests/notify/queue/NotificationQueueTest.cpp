@@ -1,5 +1,6 @@
 #include "notify/queue/NotificationQueue.h"
 
+#include "notify/queue/QueueLimits.h"
 #include "notify/record/KivNotification.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/ProcessorTime.h"
@@ -188,16 +189,42 @@ TEST(NotificationQueue, DropsRecordsUntilTheOthersHaveRoomInAFile)
     large->setContentHeight(1);                   // Not to be measured.
     large->setMessageText(QString(10'000, u'&')); // Five bytes each in XML.
     NotificationQueue queue = queueWith({record("a", 0), record("b", 0), large});
-    queue.dropBeyond({.records = 10, .bytes = 100'000});
+    const qsizetype bytes = queue.bytes(NotificationQueue::Hints::LeaveOut);
+    queue.dropBeyond({.records = 10, .bytes = bytes});
     EXPECT_EQ(queue.records().size(), 3U);
-    queue.dropBeyond({.records = 10, .bytes = 50'000});
-    EXPECT_EQ(idsOf(queue), Ids{}) << "the large one comes last";
+    queue.dropBeyond({.records = 10, .bytes = bytes - 1});
+    EXPECT_EQ(idsOf(queue), (Ids{"large", "b"}));
+    queue.remove(*record("b", 0));
 
     queue.add(large);
     queue.remove(*large);
     queue.add(record("c", 0));
     queue.dropBeyond({.records = 10, .bytes = 50'000});
     EXPECT_EQ(idsOf(queue), Ids{"c"}) << "what has been removed counts no more";
+}
+
+TEST(NotificationQueue, DropsNothingForAMessageThatHasNoRoomAlone)
+{
+    const auto waiting = [] {
+        NotificationQueue queue;
+        for (int id = 1; id <= 20; ++id) {
+            queue.add(record(std::to_string(id).c_str(), id % 3));
+        }
+        return queue;
+    };
+    const auto large = [](const char *id, std::int32_t priority) {
+        const Record one = record(id, priority);
+        one->setContentType(QString(QueueLimits::maxBytes + 1, u'.'));
+        return one;
+    };
+    constexpr NotificationQueue::Load limit{.records = QueueLimits::maxRecords, .bytes = QueueLimits::maxBytes};
+    for (const std::int32_t priority : {0, 1, 2}) {
+        NotificationQueue queue = waiting();
+        queue.add(large("first", priority));
+        queue.add(large("second", 2));
+        queue.dropBeyond(limit);
+        EXPECT_EQ(idsOf(queue), idsOf(waiting())) << priority;
+    }
 }
 
 TEST(NotificationQueue, FindsAMessageAmongAThousandAsFastAsAmongTen)

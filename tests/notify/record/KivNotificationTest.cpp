@@ -123,6 +123,15 @@ TEST(KivNotification, StartsWithItsDefaults)
     EXPECT_FALSE(record.wasDisplayed());
 }
 
+TEST(KivNotification, KeepsTheBeginningOfAnIdThatIsTooLong)
+{
+    const QString longest(256, u'7');
+    EXPECT_EQ(withId(longest).messageId(), longest);
+    EXPECT_EQ(withId(longest + QStringLiteral("89")).messageId(), longest);
+    EXPECT_EQ(imported(QStringLiteral("messageId"), QString(300'000, u'7')).messageId(), longest);
+    EXPECT_TRUE(withId(nil).messageId().isNull());
+}
+
 TEST(KivNotification, TakesItsTitleFromItsType)
 {
     KivNotification record;

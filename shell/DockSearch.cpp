@@ -1,6 +1,7 @@
 #include "shell/DockSearch.h"
 
 #include "platform/FourCharCode.h"
+#include "platform/GraphicalSession.h"
 #include "platform/LogCategories.h"
 
 #include <Carbon/Carbon.h>
@@ -52,6 +53,10 @@ void __wait_dock(SleepFunction sleep)
         }
         qCDebug(itemLog, "attempt %d of %d: no panel runs", attempt, maxAttempts);
         sleep(pauseAfterAttempt);
+        if (GraphicalSession::isEnding()) {
+            qCDebug(itemLog, "the session ends before a panel runs");
+            return;
+        }
     }
     qCDebug(itemLog, "goes on without a panel");
 }

@@ -63,6 +63,7 @@ int main(int, char **argv)
     int argumentCount = 1; // The program's name: arguments are ignored, Qt's own too.
     Application application(argumentCount, argv);
     Application::setQuitOnLastWindowClosed(false);
+    const TerminationSignals signalsEndTheLoop; // Also one that comes while the start waits for a panel.
 
     SessionLock lock;
     if (!lock.tryAcquire()) {
@@ -73,7 +74,6 @@ int main(int, char **argv)
     DesktopLook::follow(DesktopLook::Part::ColoursAndFonts);
     startUp();
     const PopUpRequests popUpRequests;
-    const TerminationSignals signalsEndTheLoop;
     qCDebug(agentLog, "has started");
     GraphicalSession::run();
     qCDebug(agentLog, "ends");

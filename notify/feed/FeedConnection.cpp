@@ -19,12 +19,17 @@ bool wasAskedToEnd(int signal)
 
 } // namespace
 
-FeedConnection::FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeout, QObject *parent)
+FeedConnection::FeedConnection(QString program, QUrl address, Limits limits, QObject *parent)
     : QObject(parent)
     , m_program(std::move(program))
     , m_address(std::move(address))
-    , m_timeout(timeout)
+    , m_limits(limits)
 {
+    m_end.setSingleShot(true);
+    m_end.callOnTimeout(this, [this] {
+        qCDebug(feedLog, "kivfetch does not end by itself: it is killed");
+        fail();
+    });
     m_process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
     connect(m_process.get(), &QProcess::readyReadStandardOutput, this, &FeedConnection::read);
     connect(m_process.get(), &QProcess::finished, this, [this](int exitCode, QProcess::ExitStatus status) {
@@ -54,16 +59,18 @@ FeedConnection::~FeedConnection()
 
 void FeedConnection::start()
 {
-    QStringList arguments{QString::fromLatin1(m_address.toEncoded()), QString::number(m_timeout.count())};
+    QStringList arguments{QString::fromLatin1(m_address.toEncoded()), QString::number(m_limits.silence.count())};
     if (feedLog().isDebugEnabled()) {
         arguments.prepend(QStringLiteral("-v"));
     }
+    m_end.start(m_limits.whole);
     m_process->start(m_program, arguments);
 }
 
 void FeedConnection::cancel()
 {
     m_isFinished = true;
+    m_end.stop();
     m_process->disconnect(this);
     m_process->kill();
 }
@@ -85,15 +92,21 @@ void FeedConnection::readResponse()
     const qsizetype blank = line.indexOf(' ');
     if (blank < 0) {
         qCDebug(feedLog, "what was run is not kivfetch: its first line has no status");
-        cancel();
-        finish(End::Failed); // Whatever that is, it is not kivfetch.
+        fail(); // Whatever that is, it is not kivfetch.
         return;
     }
     Q_EMIT receivedResponse(line.first(blank).toInt(), line.mid(blank + 1));
 }
 
+void FeedConnection::fail()
+{
+    cancel();
+    finish(End::Failed);
+}
+
 void FeedConnection::finish(End end)
 {
     m_isFinished = true;
+    m_end.stop();
     Q_EMIT ended(end);
 }

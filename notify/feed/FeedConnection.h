@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QProcess>
+#include <QTimer>
 #include <QUrl>
 
 #include <chrono>
@@ -19,8 +20,14 @@ public:
         Failed,   ///< It was not, for whatever reason.
     };
 
+    struct Limits {
+        std::chrono::milliseconds silence; ///< Without progress. kivfetch sees to it.
+        /// However much progress there is. Longer than kivfetch's own: then it cannot end itself, and is killed.
+        std::chrono::milliseconds whole;
+    };
+
     /// Sends nothing yet. `program` is the path of kivfetch; null, or another wrong one, is a request that fails.
-    FeedConnection(QString program, QUrl address, std::chrono::milliseconds timeout, QObject *parent);
+    FeedConnection(QString program, QUrl address, Limits limits, QObject *parent);
 
     /// Cancels it if it is in flight. Waits for the end of its process, a second at most.
     ~FeedConnection() override;
@@ -43,11 +50,13 @@ Q_SIGNALS:
 private:
     void read();
     void readResponse();
+    void fail();
     void finish(End end);
 
     QString m_program;
     QUrl m_address;
-    std::chrono::milliseconds m_timeout;
+    Limits m_limits;
+    QTimer m_end{this}; ///< Runs only while the request is under way.
     bool m_hasResponse = false;
     bool m_isFinished = false;
     std::unique_ptr<QProcess> m_process = std::make_unique<QProcess>();

@@ -78,8 +78,9 @@ void KivNotificationReceiver::receiveNextNotification()
     }
     qCDebug(feedLog) << "fetches" << address.toString(QUrl::RemoveUserInfo);
     letGoOfCancelled();
-    auto *const connection = new FeedConnection(m_bundle.pathForAuxiliaryExecutable(QStringLiteral("kivfetch")),
-                                                address, m_timing.timeout, this);
+    auto *const connection =
+        new FeedConnection(m_bundle.pathForAuxiliaryExecutable(QStringLiteral("kivfetch")), address,
+                           {.silence = m_timing.timeout, .whole = m_timing.maxDuration}, this);
     connect(connection, &FeedConnection::receivedResponse, this,
             [this, connection](int status, const QByteArray &contentType) {
                 connectionDidReceiveResponse(connection, status, contentType);

@@ -24,6 +24,8 @@ struct FeedTiming final {
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::duration<double>(requestTimeInterval));
     /// How long a request may go without progress before it fails.
     std::chrono::milliseconds timeout = std::chrono::seconds(60);
+    /// How long it may take in all. kivfetch gives up a minute before (FetchOptions), unless somebody has stopped it.
+    std::chrono::milliseconds maxDuration = std::chrono::minutes(11);
 };
 
 /// Fetches the feed of support messages over HTTP, once at start and then daily, and hands its records to the sink.

@@ -248,6 +248,7 @@ void KivNotificationManager::saveUnsavedRecords()
         writeFile(Hints::LeaveOut);
         m_writer.wait();
     }
+    m_lastMesID.finish();
 }
 
 void KivNotificationManager::writeFile(Hints hints)

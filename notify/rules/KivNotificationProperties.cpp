@@ -77,7 +77,7 @@ bool KivNotificationProperties::loadPrefList()
         qCDebug(queueLog) << "no settings in" << m_preferencesFile.path();
         return false;
     }
-    const std::optional<PreferencesFile::Contents> contents = m_preferencesFile.read();
+    const std::optional<PreferencesFile::Contents> contents = m_preferencesFile.read(std::chrono::milliseconds(0));
     m_lastMesID = contents ? contents->lastMessageId : QString();
     m_settings = contents ? contents->settings : NotificationSettings::fromDictionary({});
     qCDebug(queueLog) << "settings read from" << m_preferencesFile.path() << "- last message received:" << m_lastMesID;
@@ -89,12 +89,20 @@ void KivNotificationProperties::loadDefaultProperties()
     m_settings = {};
 }
 
-void KivNotificationProperties::saveLastMessID(const QString &messageId)
+PreferencesFile::Storing KivNotificationProperties::saveLastMessID(const QString &messageId,
+                                                                   PreferencesFile::Manners manners)
 {
+    using enum PreferencesFile::Storing;
     m_lastMesID = messageId;
-    if (m_preferencesFile.exists() && !m_preferencesFile.setLastMessageId(messageId)) {
+    const PreferencesFile::Storing storing =
+        m_preferencesFile.exists() ? m_preferencesFile.setLastMessageId(messageId, manners) : Done;
+    if (storing == Failed && !m_hasFailed) {
         syslog(LOG_ERR, ProductTexts::preferencesNotWritten, QFile::encodeName(m_preferencesFile.path()).constData());
     }
+    if (storing != Busy) {
+        m_hasFailed = storing == Failed;
+    }
+    return storing;
 }
 
 bool KivNotificationProperties::notificationIsRelevant(const KivNotification &record) const

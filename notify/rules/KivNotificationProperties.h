@@ -34,7 +34,8 @@ public:
     [[nodiscard]] bool isCurrentUserIsAdminLevelUser() const;
 
     /// Reads the settings and the last message id; false, with nothing changed, when there is no preferences file.
-    /// One that is there but cannot be read counts as one without keys: all off, all 0, no last message id.
+    /// One that is there but cannot be read counts as one without keys: all off, all 0, no last message id. Nobody who
+    /// has it locked is waited for.
     bool loadPrefList();
 
     /// The settings of a user who has never chosen any; the last message id stays.
@@ -43,9 +44,10 @@ public:
     /// Remembers the id; without saveLastMessID, only until the settings are loaded again.
     void setLastMesID(const QString &lastMesID) { m_lastMesID = lastMesID; }
 
-    /// Remembers the id, and stores it when there is a preferences file. A file that cannot be read or written is
-    /// reported to the system log.
-    void saveLastMessID(const QString &messageId);
+    /// Remembers the id, and stores it when there is a preferences file; without one there is nothing to do. A file
+    /// that cannot be read or written is reported to the system log, once until it can be again.
+    PreferencesFile::Storing saveLastMessID(const QString &messageId,
+                                            PreferencesFile::Manners manners = PreferencesFile::Manners::Insist);
 
     /// Whether the message concerns this installation and user, today. Throws as the rule in Relevance.h does.
     [[nodiscard]] bool notificationIsRelevant(const KivNotification &record) const;
@@ -82,6 +84,7 @@ private:
 
     PreferencesFile m_preferencesFile;
     bool m_hasPreferencesFile = false;
+    bool m_hasFailed = false; ///< To store the id, the last time.
     UserDatabase m_users;
     std::function<QDateTime()> m_clock;
     Installation m_installation;

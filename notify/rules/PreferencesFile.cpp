@@ -49,12 +49,17 @@ bool PreferencesFile::exists() const
     return QFileInfo::exists(m_path);
 }
 
-std::optional<PreferencesFile::Contents> PreferencesFile::read() const
+std::optional<PreferencesFile::Contents> PreferencesFile::read(std::chrono::milliseconds patience) const
 {
-    // Written in place, it may be half there for a moment.
-    const FileLock lock(m_path, FileLock::For::Reading);
-    const std::optional<QVariantMap> preferences =
-        exists() ? readDictionary(m_path, RegularFile::Links::Follow) : defaults();
+    const auto present = [this](std::chrono::milliseconds wait) {
+        // Written in place, it may be half there for a moment.
+        const FileLock lock(m_path, FileLock::For::Reading, wait);
+        return std::pair(exists() ? readDictionary(m_path, RegularFile::Links::Follow) : defaults(), lock.isBusy());
+    };
+    auto [preferences, isBusy] = present(patience);
+    if (!preferences && isBusy) {
+        preferences = present(std::chrono::milliseconds(20)).first;
+    }
     if (!preferences) {
         return std::nullopt;
     }
@@ -70,7 +75,7 @@ QString PreferencesFile::change(const SettingEntry &setting, std::int32_t value)
         return notWritten(nearest.obstacle());
     }
     QDir().mkpath(file.path());
-    const FileLock lock(m_path, FileLock::For::Writing);
+    const FileLock lock(m_path, FileLock::For::Writing, usualPatience);
     // What cannot be read is somebody's all the same, and what a symbolic link leads to belongs elsewhere. An empty
     // file is what a full disk once left.
     const bool holdsSomething = file.isSymLink() || (file.exists() && !(file.isFile() && file.size() == 0));
@@ -95,13 +100,18 @@ QString PreferencesFile::notWritten(const QString &why) const
     return QStringLiteral("%1 cannot be written: %2").arg(m_path, why);
 }
 
-bool PreferencesFile::setLastMessageId(const QString &id) const
+PreferencesFile::Storing PreferencesFile::setLastMessageId(const QString &id, Manners manners) const
 {
-    const FileLock lock(m_path, FileLock::For::Writing);
+    const std::chrono::milliseconds patience(manners == Manners::Insist ? 20 : 0);
+    const FileLock lock(m_path, FileLock::For::Writing, patience);
+    if (lock.isBusy() && manners == Manners::Yield) {
+        return Storing::Busy;
+    }
     std::optional<QVariantMap> preferences = readDictionary(m_path, RegularFile::Links::Refuse);
     if (!preferences || !OwnFolder::below(m_home, QFileInfo(m_path).path()).isOurs()) {
-        return false;
+        return Storing::Failed;
     }
     preferences->insert(lastMessageIdKey, id);
-    return PropertyList::writeFile(m_path, *preferences, PropertyList::Writing::InPlace);
+    return PropertyList::writeFile(m_path, *preferences, PropertyList::Writing::InPlace) ? Storing::Done
+                                                                                         : Storing::Failed;
 }

@@ -5,6 +5,7 @@
 #include <QLatin1String>
 #include <QString>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -24,6 +25,21 @@ public:
     /// The id of who has not received any message.
     static constexpr QLatin1String noMessageYet{"0"};
 
+    /// How long who has a user before it can wait for another program of ours that is at the file.
+    static constexpr std::chrono::milliseconds usualPatience{500};
+
+    /// What to do when another program of ours is at the file, or somebody else keeps it locked.
+    enum class Manners {
+        Yield, ///< Nothing, and not to wait either.
+        Insist ///< To wait for no more than 20 ms, and then to write: it may be one that is stopped.
+    };
+
+    enum class Storing {
+        Done,
+        Busy, ///< Nothing has been done, out of manners.
+        Failed
+    };
+
     struct Contents {
         NotificationSettings settings;
         QString lastMessageId; ///< noMessageYet when none has been received; nil when the file does not say.
@@ -33,7 +49,9 @@ public:
     [[nodiscard]] bool exists() const;
 
     /// Without a file, what holds then. Nothing when it is there but cannot be read or holds anything but a dictionary.
-    [[nodiscard]] std::optional<Contents> read() const;
+    /// Waits that long, and 20 ms more when nothing can be read, for who is writing it; then it is read all the same:
+    /// who changes a setting puts another file in its place.
+    [[nodiscard]] std::optional<Contents> read(std::chrono::milliseconds patience = usualPatience) const;
 
     /// Sets one setting. The others stay as they are, and so does every key that is none of ours; a file that is
     /// missing or empty is made, with its folder, in a home of this process's user. Returns why that could not be done,
@@ -41,9 +59,9 @@ public:
     [[nodiscard]] QString change(const SettingEntry &setting, std::int32_t value) const;
 
     /// Stores the id in the file, which has to be there; all else stays. It is written in place, so that it keeps its
-    /// owner and its other names. False, with the file as it was, when it cannot be read, is a symbolic link, or lies
-    /// in a folder of somebody else; false also when it cannot be written.
-    [[nodiscard]] bool setLastMessageId(const QString &id) const;
+    /// owner and its other names. Failed, with the file as it was, when it cannot be read, is a symbolic link, or lies
+    /// in a folder of somebody else; failed also when it cannot be written.
+    [[nodiscard]] Storing setLastMessageId(const QString &id, Manners manners) const;
 
     [[nodiscard]] const QString &path() const noexcept { return m_path; }
 

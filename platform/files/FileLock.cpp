@@ -32,6 +32,16 @@ bool isStillAt(const QByteArray &path, int file)
            open.st_ino == there.st_ino;
 }
 
+/// For a moment; false when the time is over.
+bool hasWaited(const QDeadlineTimer &deadline)
+{
+    if (deadline.hasExpired()) {
+        return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    return true;
+}
+
 } // namespace
 
 FileLock::FileLock(const QString &path, For purpose, std::chrono::milliseconds patience)
@@ -43,14 +53,11 @@ FileLock::FileLock(const QString &path, For purpose, std::chrono::milliseconds p
     do {
         FileDescriptor file(::open(name.constData(), access | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
         const Lock lock = file ? tryToLock(file.number(), purpose) : Lock::Impossible;
-        if (lock == Lock::Impossible) {
-            return;
-        }
+        m_isBusy = lock != Lock::Impossible;
         if (lock == Lock::Held && isStillAt(name, file.number())) {
             m_file = std::move(file);
             m_isHeld = true;
-            return;
+            m_isBusy = false;
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-    } while (!deadline.hasExpired());
+    } while (m_isBusy && hasWaited(deadline));
 }

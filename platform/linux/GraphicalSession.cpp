@@ -73,9 +73,9 @@ QString GraphicalSession::prepare()
     }
     int screen = 0;
     xcb_connection_t *connection = xcb_connect(nullptr, &screen);
-    const bool answers = xcb_connection_has_error(connection) == 0;
     // Without it Qt gives up in the middle of its start, and trays cannot be watched.
-    const bool hasXFixes = answers && xcb_get_extension_data(connection, &xcb_xfixes_id)->present;
+    const bool hasXFixes = XConnection::extension(connection, xcb_xfixes_id) != nullptr;
+    const bool answers = xcb_connection_has_error(connection) == 0; // It may have gone as it was asked.
     if (hasXFixes) {
         StartScale::announce(connection, screen);
     }
@@ -126,5 +126,8 @@ void GraphicalSession::end()
 void GraphicalSession::run()
 {
     const SuddenExit whenTheServerDies;
-    SuddenExit::afterLoop(QApplication::exec());
+    // A loop does not learn of an end that was asked for before it.
+    if (!isEndRequested) {
+        SuddenExit::afterLoop(QApplication::exec());
+    }
 }

@@ -42,7 +42,8 @@ void setOwner(const AppleEvent *event, const ProcessSerialNumber &sender)
 
 bool ownerHasEnded()
 {
-    return claim && kivmAESameProcess(&claim->owner, &__owpsn) && claim->hasEnded();
+    // A system that does not let processes be watched still tells which there are.
+    return claim && kivmAESameProcess(&claim->owner, &__owpsn) && (claim->hasEnded() || !processId(__owpsn));
 }
 
 /// Whether somebody else speaks in the owner's name now that the owner has ended. Its own last words are handled after

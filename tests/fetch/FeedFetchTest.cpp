@@ -131,6 +131,43 @@ TEST_F(FeedFetch, GivesUpWhereNothingButInterimAnswersComes)
     EXPECT_EQ(fetch.exitCode(), 1);
 }
 
+TEST_F(FeedFetch, TakesHeadsOf256KibibytesAndNoMore)
+{
+    constexpr qsizetype maxHeadBytes = qsizetype{256} * 1024;
+    constexpr qsizetype moreThanTheHeadOfTheAnswerProper = 200;
+    const QByteArray start = "HTTP/1.1 103 Early Hints\r\nLink: ";
+    const QByteArray end = "\r\n\r\n";
+    for (const bool isTooMuch : {false, true}) {
+        QByteArray interim;
+        qsizetype left = isTooMuch ? maxHeadBytes : maxHeadBytes - moreThanTheHeadOfTheAnswerProper;
+        for (int heads = 32; heads > 0; --heads) {
+            const qsizetype size = left / heads;
+            interim += start + QByteArray(size - start.size() - end.size(), 'x') + end;
+            left -= size;
+        }
+        FeedServer talkative;
+        ASSERT_TRUE(talkative.start({{.body = "<a/>", .interim = interim}}));
+        ask(talkative.address(QStringLiteral("/feed")));
+        waitForItsEnd();
+        EXPECT_EQ(fetch.output(), isTooMuch ? "" : "200 text/xml\n<a/>") << interim.size();
+        EXPECT_EQ(fetch.exitCode(), isTooMuch ? 1 : 0) << interim.size();
+    }
+}
+
+TEST_F(FeedFetch, TakesARedirectWithoutAPlaceForTheAnswerWhateverAnInterimAnswerNames)
+{
+    const QByteArray hints = "HTTP/1.1 103 Early Hints\r\nLocation: /style.css\r\n\r\n";
+    for (const QByteArray &interim : {QByteArray(), hints}) {
+        FeedServer vague;
+        ASSERT_TRUE(vague.start({{.status = 302, .body = "somewhere", .interim = interim}}));
+        ask(vague.address(QStringLiteral("/feed")));
+        waitForItsEnd();
+        EXPECT_EQ(fetch.output(), "302 text/xml\nsomewhere") << interim.constData();
+        EXPECT_EQ(fetch.exitCode(), 0) << interim.constData();
+        EXPECT_EQ(vague.requests().size(), 1) << interim.constData();
+    }
+}
+
 TEST_F(FeedFetch, TellsAnAnswerThatIsCutFromOneThatIsWhole)
 {
     ASSERT_TRUE(server.start({{.body = "<a>lost</a>", .cutAfter = 3}}));

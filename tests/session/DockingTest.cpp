@@ -1,3 +1,4 @@
+#include "tests/session/support/AgentClock.h"
 #include "tests/session/support/DesktopWithAgent.h"
 #include "tests/session/support/HostileClient.h"
 #include "tests/session/support/Service.h"
@@ -11,6 +12,8 @@
 
 namespace
 {
+
+using namespace std::chrono_literals;
 
 /// What the item shows, whatever the panel has painted around it: the picture of an active service is blue, the other
 /// grey.
@@ -33,6 +36,10 @@ Shown shownIn(const QImage &picture)
     }
     return shown;
 }
+
+class DockingByTheClock : public DesktopWithAgent
+{
+};
 
 class Docking : public DesktopWithAgent
 {
@@ -80,8 +87,7 @@ TEST_F(Docking, StandsAloneForAPanelThatTakesNothingIn)
     HostileClient panel(desktop.server());
     desktop.stopPanel();
     panel.takeSelection("_NET_SYSTEM_TRAY_S0");
-    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }, std::chrono::seconds(20)))
-        << "there is no item";
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; }, 20s)) << "there is no item";
     desktop.input().click(agent->freeWindows().first().geometry.center());
     ASSERT_TRUE(waitUntil([&] {
         const QList<XWindow> windows = agent->freeWindows();
@@ -94,6 +100,23 @@ TEST_F(Docking, StandsAloneForAPanelThatTakesNothingIn)
     ASSERT_TRUE(desktop.startPanel());
     ASSERT_TRUE(waitUntil([&] { return agent->isDocked(); }));
     EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().isEmpty(); })) << "the item shows twice";
+}
+
+TEST_F(DockingByTheClock, StandsAloneFromTheFifthSecondOnForAPanelThatTakesNothingIn)
+{
+    AgentClock clock;
+    clock.addTo(agent->environment);
+    ASSERT_TRUE(agent->startAndDock());
+    desktop.stopPanel();
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; })) << "it does not even stand alone";
+    HostileClient panel(desktop.server());
+    clock.stop();
+    panel.takeSelection("_NET_SYSTEM_TRAY_S0");
+    ASSERT_TRUE(waitUntil([&] { return agent->freeWindows().isEmpty(); })) << "it does not ask the panel";
+    clock.advance(4s);
+    EXPECT_FALSE(waitUntil([&] { return !agent->freeWindows().isEmpty(); }, 500ms)) << "it does not wait";
+    clock.advance(2s);
+    EXPECT_TRUE(waitUntil([&] { return agent->freeWindows().size() == 1; })) << "there is no item";
 }
 
 TEST_F(Docking, IsNotHurtByTheLossOfWindowsThatNobodySees)
@@ -182,8 +205,7 @@ QImage itemAlone(Desktop::Server server)
     panel.takeSelection("_NET_SYSTEM_TRAY_S0");
     Agent agent(desktop);
     EXPECT_TRUE(agent.start());
-    EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().size() == 1; }, std::chrono::seconds(60)))
-        << agent.standardError().constData();
+    EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().size() == 1; }, 60s)) << agent.standardError().constData();
     const QRect place = agent.freeWindows().isEmpty() ? QRect() : agent.freeWindows().first().geometry;
     QImage picture;
     const auto isDrawn = [&] {

@@ -1,10 +1,19 @@
+#include "platform/files/FileDescriptor.h"
 #include "tests/session/support/AgentClock.h"
 #include "tests/session/support/DesktopWithAgent.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FeedServer.h"
 #include "tests/support/WaitUntil.h"
 
+#include <QFile>
+#include <QTemporaryDir>
+
 #include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace
 {
@@ -29,6 +38,47 @@ TEST(FetchDuration, IsTenMinutesAtTheMostHoweverThePatienceWithSilence)
     clock.advance(15s);
     EXPECT_TRUE(waitUntil([&] { return !fetch.isRunning(); })) << "it goes on for more than ten minutes";
     EXPECT_EQ(fetch.exitCode(), 1);
+}
+
+TEST(FetchSilence, IsThatOfTheServerAndNotOfTheReader)
+{
+    FeedServer server;
+    const QByteArray body(qsizetype{300} * 1024, ' ');
+    ASSERT_TRUE(server.start({{.body = body}}));
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("output"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    const FileDescriptor reader(::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
+    AgentClock clock;
+    ChildProcess fetch;
+    clock.addTo(fetch.environment);
+    fetch.environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+    fetch.process().setStandardOutputFile(path);
+    ASSERT_TRUE(
+        fetch.start(QStringLiteral(KIV_FETCH), {server.address(QStringLiteral("/feed")), QStringLiteral("60000")}));
+    const auto isFull = [&] {
+        pollfd output{reader.number(), POLLOUT, 0};
+        return ::poll(&output, 1, 0) == 0;
+    };
+    ASSERT_TRUE(waitUntil(isFull));
+    clock.advance(61s);
+    EXPECT_FALSE(waitUntil([&] { return !fetch.isRunning(); }, 500ms))
+        << "it takes its reader's silence for the server's";
+
+    QByteArray received;
+    const auto readOn = [&] {
+        QByteArray some(qsizetype{64} * 1024, '\0');
+        for (ssize_t count = 0; (count = ::read(reader.number(), some.data(), some.size())) > 0;) {
+            received += some.first(count);
+        }
+    };
+    EXPECT_TRUE(waitUntil([&] {
+        readOn();
+        return !fetch.isRunning();
+    }));
+    readOn();
+    EXPECT_EQ(fetch.exitCode(), 0);
+    EXPECT_TRUE(received == "200 text/xml\n" + body) << received.size() << " bytes have come";
 }
 
 class Fetch : public DesktopWithAgent

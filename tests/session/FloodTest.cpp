@@ -51,6 +51,12 @@ QDBusMessage intrusion(qint64 agentPid, qint64 claimedSender)
     return event(agentPid, {command("meso"), sender(claimedSender), flags(0)});
 }
 
+QDBusMessage pingOfTheBus()
+{
+    return QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
+                                          QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
+}
+
 /// Sends as fast as the bus takes it, from a thread of its own. To every thousandth call, and to the last, it wants an
 /// answer.
 class Flood final
@@ -86,9 +92,6 @@ private:
     {
         constexpr int atOnce = 1000;
         constexpr int anHour = 3'600'000;
-        const QDBusMessage ping =
-            QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/"),
-                                           QStringLiteral("org.freedesktop.DBus.Peer"), QStringLiteral("Ping"));
         QList<QDBusPendingCall> answers;
         for (int i = 1; i <= events; ++i) {
             const QDBusMessage &event = kinds.at(i % kinds.size());
@@ -99,7 +102,7 @@ private:
                 m_peer.connection().send(event);
             }
             if (isMilestone) {
-                m_peer.connection().call(ping); // Qt would keep what the bus has not taken yet.
+                m_peer.connection().call(pingOfTheBus()); // Qt would keep what the bus has not taken yet.
             }
         }
         for (QDBusPendingCall &answer : answers) {
@@ -123,6 +126,55 @@ private:
     Fates m_fates; ///< The thread's while it runs.
     std::thread m_thread;
 };
+
+/// One connection after the other, each of which goes behind a few events, from a thread of its own.
+class FloodOfConnections final
+{
+public:
+    FloodOfConnections(const PrivateBus &bus, const QDBusMessage &event, int connections)
+        : m_thread([this, &bus, event, connections] {
+            constexpr int eventsOfEach = 20;
+            for (int i = 0; i < connections; ++i) {
+                const BusPeer peer(bus);
+                for (int k = 0; k < eventsOfEach; ++k) {
+                    peer.connection().send(event);
+                }
+                peer.connection().call(pingOfTheBus());
+            }
+            m_isOver = true;
+        })
+    {
+    }
+    ~FloodOfConnections() { m_thread.join(); }
+    FloodOfConnections(const FloodOfConnections &) = delete;
+    FloodOfConnections &operator=(const FloodOfConnections &) = delete;
+
+    [[nodiscard]] bool isOver() const { return m_isOver; }
+
+private:
+    std::atomic<bool> m_isOver = false;
+    std::thread m_thread;
+};
+
+/// Milliseconds from a click on the item to its menu, the only window then. Closes it.
+qint64 answerOfTheMenu(Session &session, Agent &agent)
+{
+    XInput &input = session.desktop.input();
+    QElapsedTimer clicked;
+    clicked.start();
+    input.click(agent.dockedItem()->geometry.center());
+    const bool isOpen = waitUntil(
+        [&] {
+            const QList<XWindow> windows = agent.freeWindows();
+            return windows.size() == 1 && agent.isDrawn(windows.last());
+        },
+        60s);
+    const qint64 took = clicked.elapsed();
+    EXPECT_TRUE(isOpen) << "the menu does not open";
+    input.key(XK_Escape);
+    EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().isEmpty(); }, 60s)) << "the menu does not close";
+    return took;
+}
 
 } // namespace
 
@@ -220,24 +272,6 @@ TEST(Flood, OfWhatIsNoEventLeavesTheMenuToTheUser)
     Session session;
     ASSERT_TRUE(startWithPopUpsThatStay(session));
     Agent &agent = *session.agent;
-    XInput &input = session.desktop.input();
-    const QPoint item = agent.dockedItem()->geometry.center();
-    const auto answerOfTheMenu = [&] {
-        QElapsedTimer clicked;
-        clicked.start();
-        input.click(item);
-        const bool isOpen = waitUntil(
-            [&] {
-                const QList<XWindow> windows = agent.freeWindows();
-                return windows.size() == 1 && agent.isDrawn(windows.last());
-            },
-            60s);
-        const qint64 took = clicked.elapsed();
-        EXPECT_TRUE(isOpen) << "the menu does not open";
-        input.key(XK_Escape);
-        EXPECT_TRUE(waitUntil([&] { return agent.freeWindows().isEmpty(); }, 60s)) << "the menu does not close";
-        return took;
-    };
     for (const QDBusMessage &kind : {RawCommand::settingsAnnounced(), RawCommand::questionForTheContract(agent.pid()),
                                      RawCommand::questionForTheMenusContract(agent.pid()),
                                      RawCommand::newsOfAScreenReader(), RawCommand::newsOfTheColours()}) {
@@ -246,12 +280,31 @@ TEST(Flood, OfWhatIsNoEventLeavesTheMenuToTheUser)
         Flood flood(session.desktop.bus(), {kind}, floodEvents());
         do {
             ++rounds;
-            longest = std::max(longest, answerOfTheMenu());
+            longest = std::max(longest, answerOfTheMenu(session, agent));
         } while (!flood.isOver() && !testing::Test::HasFailure());
         EXPECT_LT(longest, 2000) << "milliseconds from the click to the menu; " << kind.member().toStdString();
         std::printf("%d of %s: the menu answered after %lld ms at most, in %d rounds\n", floodEvents(),
                     qPrintable(kind.member()), static_cast<long long>(longest), rounds);
     }
+}
+
+TEST(Flood, OfConnectionsThatComeAndGoLeavesTheMenuToTheUser)
+{
+    Session session;
+    ASSERT_TRUE(startWithPopUpsThatStay(session));
+    Agent &agent = *session.agent;
+    qint64 longest = 0;
+    constexpr int connections = 3000;
+    const FloodOfConnections flood(session.desktop.bus(), intrusion(agent.pid(), QCoreApplication::applicationPid()),
+                                   connections);
+    do {
+        longest = std::max(longest, answerOfTheMenu(session, agent));
+    } while (!flood.isOver() && !testing::Test::HasFailure());
+    EXPECT_LT(longest, 2000) << "milliseconds from the click to the menu";
+    agent.process().terminate();
+    EXPECT_TRUE(waitUntil([&] { return !agent.process().isRunning(); })) << "it answers them all before it ends";
+    std::printf("%d connections: the menu answered after %lld ms at most\n", connections,
+                static_cast<long long>(longest));
 }
 
 TEST(Flood, OfEventsOfAMegabyteTakesTheMemoryOfAFewOfThem)

@@ -1,9 +1,11 @@
 #include "tests/session/support/DesktopWithAgent.h"
 #include "tests/session/support/HostileClient.h"
+#include "tests/session/support/SessionManager.h"
 #include "tests/support/FakePortal.h"
 #include "tests/support/ProcessMemory.h"
 #include "tests/support/SilentSocket.h"
 #include "tests/support/StallingBus.h"
+#include "tests/support/VanishingXServer.h"
 #include "tests/support/WaitUntil.h"
 
 #include <QFile>
@@ -12,6 +14,9 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <functional>
+#include <optional>
+#include <utility>
 
 namespace
 {
@@ -77,6 +82,26 @@ TEST_F(Lifetime, LeavesTheDisplayToTheFirstAgentThoughItsLockWasTakenAwayAndGive
     ASSERT_TRUE(second.start());
     ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); })) << "there are two copies";
     EXPECT_EQ(second.process().exitCode(), 0);
+}
+
+TEST_F(Lifetime, LeavesTheDisplayToTheFirstAgentHoweverWhoTookItsLockLosesIt)
+{
+    const QByteArray lock = "_KIVMENUA_S0";
+    ASSERT_TRUE(agent->startAndDock());
+    std::optional<HostileClient> thief(desktop.server());
+    const std::pair<const char *, std::function<void()>> losses[] = {
+        {"its window is destroyed", [&] { thief->destroyItsWindow(); }}, {"it ends", [&] { thief.reset(); }}};
+    for (const auto &[loss, lose] : losses) {
+        thief.emplace(desktop.server());
+        thief->takeSelection(lock);
+        ASSERT_NE(desktop.view().selectionOwnerPid(lock), agent->pid()) << loss;
+        lose();
+        ASSERT_TRUE(waitUntil([&] { return desktop.view().selectionOwnerPid(lock) == agent->pid(); })) << loss;
+        Agent second(desktop);
+        ASSERT_TRUE(second.start());
+        ASSERT_TRUE(waitUntil([&] { return !second.process().isRunning(); })) << "there are two copies: " << loss;
+        EXPECT_EQ(second.process().exitCode(), 0) << loss;
+    }
 }
 
 TEST_F(Lifetime, TakesTheDisplayOnceTheAgentBeforeItHasCrashed)
@@ -190,6 +215,34 @@ TEST_F(Lifetime, SaysNothingWhenAllIsWell)
     EXPECT_TRUE(agent->systemLog().isEmpty());
 }
 
+/// Ends as it waits for one to start.
+TEST(LifetimeWithoutAPanel, EndsWithStatusZeroOnEachSignalThatAsksItTo)
+{
+    Desktop desktop;
+    ASSERT_TRUE(desktop.start());
+    for (const int signal : {SIGTERM, SIGHUP}) {
+        Agent agent(desktop);
+        ASSERT_TRUE(agent.start());
+        ASSERT_TRUE(waitUntil([&] { return desktop.view().selectionOwnerPid("_KIVMENUA_S0") == agent.pid(); }));
+        ASSERT_EQ(::kill(static_cast<pid_t>(agent.pid()), signal), 0);
+        ASSERT_TRUE(waitUntil([&] { return !agent.process().isRunning(); }));
+        EXPECT_EQ(agent.process().exitCode(), 0) << "signal " << signal;
+    }
+}
+
+TEST(LifetimeWithoutAPanel, EndsWithStatusZeroAtTheWordOfTheSessionManager)
+{
+    Desktop desktop;
+    ASSERT_TRUE(desktop.start());
+    SessionManager manager;
+    Agent agent(desktop);
+    manager.addTo(agent.environment);
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(manager.logOut());
+    ASSERT_TRUE(waitUntil([&] { return !agent.process().isRunning(); }));
+    EXPECT_EQ(agent.process().exitCode(), 0);
+}
+
 TEST(LifetimeWithoutXFixes, EndsWithOneLine)
 {
     Desktop desktop;
@@ -200,6 +253,20 @@ TEST(LifetimeWithoutXFixes, EndsWithOneLine)
     EXPECT_EQ(agent.process().exitCode(), EXIT_FAILURE);
     EXPECT_EQ(agent.standardError().count('\n'), 1) << agent.standardError().constData();
     EXPECT_TRUE(agent.standardError().contains("XFIXES")) << agent.standardError().constData();
+}
+
+TEST(LifetimeWithAServerThatVanishes, EndsWithOneLine)
+{
+    Desktop desktop;
+    ASSERT_TRUE(desktop.start());
+    const VanishingXServer vanishing;
+    Agent agent(desktop);
+    agent.environment.insert(QStringLiteral("DISPLAY"), vanishing.display());
+    ASSERT_TRUE(agent.start());
+    ASSERT_TRUE(waitUntil([&] { return !agent.process().isRunning(); }));
+    EXPECT_EQ(agent.process().exitCode(), EXIT_FAILURE);
+    EXPECT_EQ(agent.standardError().count('\n'), 1) << agent.standardError().constData();
+    EXPECT_TRUE(agent.standardError().contains("does not answer")) << agent.standardError().constData();
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "tests/session/support/AgentClock.h"
 #include "tests/session/support/HungTool.h"
 #include "tests/session/support/MenuPicture.h"
 #include "tests/session/support/ScriptFile.h"
@@ -16,6 +17,8 @@
 
 namespace
 {
+
+using namespace std::chrono_literals;
 
 class Resolution : public testing::Test
 {
@@ -87,6 +90,7 @@ protected:
         setting.program = Agent::Program::WithToolOfTheTest;
         setting.agentsEnvironment.insert(QStringLiteral("KIV_TEST_SERVICE_TOOL"), tool());
         manager.addTo(setting.agentsEnvironment);
+        clock.addTo(setting.agentsEnvironment);
         ASSERT_TRUE(session.start(setting));
     }
 
@@ -116,6 +120,7 @@ protected:
 
     QTemporaryDir folder;
     SessionManager manager;
+    AgentClock clock;
 
 private:
     std::optional<HungTool> m_hung;
@@ -230,6 +235,21 @@ TEST_F(ResolutionWithToolOfTheTest, IsJudgedByTheDisplayAndNotByTheTool)
     EXPECT_EQ(recordedCalls(), call + call + call) << "a tool was started for nothing";
     EXPECT_EQ(checkedPlaces(), QList<int>{placeOf(narrow)});
     EXPECT_TRUE(session.agent->freeWindows().isEmpty()) << "a success is taken for a failure";
+}
+
+TEST_F(ResolutionWithToolOfTheTest, IsSaidToBeWaitedForFromTheThirtiethSecondOn)
+{
+    const HungTool tool(this->tool());
+    const std::optional<XWindow> submenu = openSizes();
+    ASSERT_TRUE(submenu);
+    clock.stop();
+    session.desktop.input().click(session.entriesOf(*submenu, sizes().size()).at(placeOf(narrow)).center());
+    ASSERT_TRUE(waitUntil([&] { return tool.hasStarted(); }));
+    const auto isSaid = [&] { return session.agent->standardError().contains("still waiting for "); };
+    clock.advance(29s);
+    EXPECT_FALSE(waitUntil(isSaid, 500ms)) << session.agent->standardError().constData();
+    clock.advance(2s);
+    EXPECT_TRUE(waitUntil(isSaid)) << session.agent->standardError().constData();
 }
 
 TEST_F(ResolutionWithToolOfTheTest, IsWaitedForUntilTheSessionEndsBySignal)

@@ -1,5 +1,6 @@
 #include "shell/DockSearch.h"
 
+#include "platform/GraphicalSession.h"
 #include "tests/shell/FakeProcessManager.h"
 #include "tests/support/LogLines.h"
 
@@ -41,6 +42,8 @@ protected:
         sleeps.clear();
     }
 };
+
+using DockSearchDeathTest = DockSearch;
 
 } // namespace
 
@@ -117,6 +120,19 @@ TEST_F(DockSearch, SaysWhetherAPanelRunsAtEachAttempt)
     fakeProcesses = {realDock};
     __wait_dock(recordSleep);
     EXPECT_EQ(log.take(), std::vector<std::string>{"kiv.item: attempt 1: the item has a place"});
+}
+
+// A process of its own, since an end cannot be taken back.
+TEST_F(DockSearchDeathTest, EndsTheWaitWithTheSession)
+{
+    const auto sleepsWhileTheSessionEnds = [] {
+        __wait_dock([](useconds_t microseconds) {
+            GraphicalSession::requestEnd();
+            return recordSleep(microseconds);
+        });
+        return static_cast<int>(sleeps.size());
+    };
+    EXPECT_EXIT(std::_Exit(sleepsWhileTheSessionEnds()), testing::ExitedWithCode(1), "");
 }
 
 TEST_F(DockSearch, EndsTheWaitAsSoonAsTheDockAppears)

@@ -95,12 +95,14 @@ QList<int> FeedServer::closedByClient()
     return found;
 }
 
-QList<QJsonObject> FeedServer::reports()
+const QList<QJsonObject> &FeedServer::reports()
 {
-    QList<QJsonObject> found;
-    const QList<QByteArray> lines = m_server.output().split('\n');
-    for (qsizetype i = 1; i + 1 < lines.size(); ++i) { // The first is the port; the last is not complete yet.
-        found.append(QJsonDocument::fromJson(lines.at(i)).object());
+    const QByteArray output = m_server.output();
+    for (qsizetype end = output.indexOf('\n', m_read); end >= 0; end = output.indexOf('\n', m_read)) {
+        if (m_read > 0) { // The first line is the port.
+            m_reports.append(QJsonDocument::fromJson(output.mid(m_read, end - m_read)).object());
+        }
+        m_read = end + 1;
     }
-    return found;
+    return m_reports;
 }

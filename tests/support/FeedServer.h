@@ -46,9 +46,11 @@ public:
     [[nodiscard]] QList<int> closedByClient();
 
 private:
-    [[nodiscard]] QList<QJsonObject> reports();
+    [[nodiscard]] const QList<QJsonObject> &reports();
 
     QTemporaryDir m_directory;
     ChildProcess m_server;
+    QList<QJsonObject> m_reports;
+    qsizetype m_read = 0; ///< So much of what the server has said is among the reports.
     QString m_origin;
 };

@@ -182,8 +182,11 @@ WorkInTurns::Work AppleEventTransport::workFor(const QDBusMessage &call, const Q
     if (call.member() != QLatin1String("Send")) {
         return {};
     }
-    // The sender's process is asked for now, while it is likely to be there still.
-    return [this, call, connection, sender = m_peers.processOf(call.service())] { receive(call, connection, sender); };
+    // A sender that is known now may have gone when its turn comes. Of another the bus is asked in that turn: who comes
+    // by one connection after the other would have all others wait for the answers.
+    return [this, call, connection, known = m_peers.knownProcessOf(call.service())] {
+        receive(call, connection, known ? known : m_peers.processOf(call.service()));
+    };
 }
 
 void AppleEventTransport::receive(const QDBusMessage &message, const QDBusConnection &connection,

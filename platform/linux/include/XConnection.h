@@ -30,6 +30,9 @@ namespace XConnection
 /// "_NET_SYSTEM_TRAY_S" and the screen's number: the selection whose owner is the tray.
 [[nodiscard]] QByteArray traySelection();
 
+/// What the server says of an extension. Null when it lacks that, or when the connection has ended.
+[[nodiscard]] const xcb_query_extension_reply_t *extension(xcb_connection_t *connection, xcb_extension_t &id);
+
 /// Has the server tell this program of these events of the root window (XCB_EVENT_MASK_...), or no longer. Of the
 /// others it tells as before: they are what Qt and the rest of this program have asked for. Whether that is a change.
 bool hearOfRoot(std::uint32_t events, bool heard);

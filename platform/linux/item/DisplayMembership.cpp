@@ -24,8 +24,7 @@ QByteArray withoutScreen(const QByteArray &display)
 bool isClientOfTheXServer(pid_t pid)
 {
     xcb_connection_t *x = XConnection::get();
-    const xcb_query_extension_reply_t *extension = xcb_get_extension_data(x, &xcb_res_id);
-    if (!extension || !extension->present) {
+    if (!XConnection::extension(x, xcb_res_id)) {
         return false;
     }
     const xcb_res_client_id_spec_t everyClient{XCB_NONE, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};

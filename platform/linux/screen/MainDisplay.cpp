@@ -46,7 +46,7 @@ std::optional<MainDisplay> mainDisplay()
 
 std::optional<MainDisplay> mainDisplay(xcb_connection_t *x, xcb_window_t root)
 {
-    if (!xcb_get_extension_data(x, &xcb_randr_id)->present) {
+    if (!XConnection::extension(x, xcb_randr_id)) {
         return std::nullopt;
     }
     const auto resourcesCookie = xcb_randr_get_screen_resources_current(x, root);

@@ -13,8 +13,8 @@ SelectionWatch::SelectionWatch(QByteArray selection, std::function<void(xcb_wind
     , m_changed(std::move(changed))
 {
     xcb_connection_t *x = XConnection::get();
-    const xcb_query_extension_reply_t *xfixes = x ? xcb_get_extension_data(x, &xcb_xfixes_id) : nullptr;
-    if (!xfixes || !xfixes->present) {
+    const xcb_query_extension_reply_t *xfixes = x ? XConnection::extension(x, xcb_xfixes_id) : nullptr;
+    if (!xfixes) {
         return;
     }
     const auto versionCookie = xcb_xfixes_query_version(x, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION);

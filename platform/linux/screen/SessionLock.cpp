@@ -68,8 +68,9 @@ void SessionLock::Private::watchSelection()
             static_cast<void>(take());
         });
         // Qt uses the extension too, and has told the server so.
-        m_selectionNotify =
-            xcb_get_extension_data(connection, &xcb_xfixes_id)->first_event + XCB_XFIXES_SELECTION_NOTIFY;
+        if (const auto *xfixes = XConnection::extension(connection, xcb_xfixes_id)) {
+            m_selectionNotify = xfixes->first_event + XCB_XFIXES_SELECTION_NOTIFY;
+        }
         QCoreApplication::instance()->installNativeEventFilter(this);
     }
     xcb_xfixes_select_selection_input(connection, m_owner->id(), XConnection::atom(lockName()),

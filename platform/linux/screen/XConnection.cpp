@@ -115,6 +115,12 @@ xcb_window_t selectionOwner(const QByteArray &selection)
     return reply ? reply->owner : XCB_NONE;
 }
 
+const xcb_query_extension_reply_t *extension(xcb_connection_t *connection, xcb_extension_t &id)
+{
+    const xcb_query_extension_reply_t *found = xcb_get_extension_data(connection, &id);
+    return found && found->present ? found : nullptr;
+}
+
 QByteArray traySelection()
 {
     return "_NET_SYSTEM_TRAY_S" + QByteArray::number(screenNumber());

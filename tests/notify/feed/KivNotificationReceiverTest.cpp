@@ -25,6 +25,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <functional>
 #include <vector>
 
@@ -453,6 +454,42 @@ TEST_F(KivNotificationReceiverTest, GivesUpAnAnswerThatTricklesInForEver)
     EXPECT_EQ(sink.ids, Ids());
 }
 
+TEST_F(KivNotificationReceiverTest, KillsAProgramThatWasStoppedAndCannotGiveUp)
+{
+    serve({answerWith(feedWith("1"))}, {.maxDuration = 2s});
+    const QString process = directory.filePath(QStringLiteral("process"));
+    const QString end = directory.filePath(QStringLiteral("end"));
+    putInPlaceOfFetch("echo $$ > '" + process.toLocal8Bit() + "'; kill -STOP $$; : > '" + end.toLocal8Bit() + '\'');
+    LogLines log;
+    receive();
+    EXPECT_THAT(log.take(), testing::IsSupersetOf({"kiv.feed: kivfetch does not end by itself: it is killed",
+                                                   "kiv.feed: the request has failed"}));
+    EXPECT_EQ(receiver->connection(), nullptr);
+    QFile number(process);
+    ASSERT_TRUE(number.open(QIODevice::ReadOnly)) << "it was not even started";
+    const pid_t pid = number.readAll().trimmed().toInt();
+    ASSERT_GT(pid, 0);
+    EXPECT_TRUE(waitUntil([&] { return ::kill(pid, 0) != 0; })) << "it is still there";
+    EXPECT_FALSE(QFile::exists(end)) << "it was not stopped";
+    EXPECT_EQ(sink.ids, Ids());
+}
+
+TEST_F(KivNotificationReceiverTest, HasNoTimerWaitWhileNoRequestIsUnderWay)
+{
+    serve({{.status = 404, .gated = true}});
+    receiver->receiveNextNotification();
+    const QPointer<const FeedConnection> connection = receiver->connection();
+    const auto timers = [&] {
+        const QList<QTimer *> all = connection->findChildren<QTimer *>();
+        return std::ranges::count_if(all, &QTimer::isActive);
+    };
+    EXPECT_EQ(timers(), 1) << "it may take for ever";
+    server.open(0);
+    ASSERT_TRUE(waitUntil([this] { return wasCancelled(); }));
+    ASSERT_TRUE(connection) << "it is held until the next request";
+    EXPECT_EQ(timers(), 0);
+}
+
 TEST_F(KivNotificationReceiverTest, FailsQuietlyWhereNobodyListens)
 {
     receiveFrom(QStringLiteral("http://127.0.0.1:1/feed"));
@@ -697,6 +734,7 @@ TEST_F(KivNotificationReceiverTest, FetchesDailyUnlessToldOtherwise)
     EXPECT_EQ(requestTimeInterval, 86400.0);
     EXPECT_EQ(FeedTiming().interval, 24h);
     EXPECT_EQ(FeedTiming().timeout, 60s);
+    EXPECT_EQ(FeedTiming().maxDuration, 11min);
 }
 
 TEST_F(KivNotificationReceiverTest, SendsNoCookiesBack)

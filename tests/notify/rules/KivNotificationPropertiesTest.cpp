@@ -4,10 +4,12 @@
 #include "platform/Bundle.h"
 #include "platform/data/PropertyList.h"
 #include "platform/data/UtcTime.h"
+#include "platform/files/FileLock.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/SystemLog.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -411,6 +413,42 @@ TEST_F(KivNotificationPropertiesTest, LogsAFileThatItCannotWrite)
     EXPECT_EQ(p.lastMesID(), QStringLiteral("42"));
     EXPECT_EQ(readFile(preferences), everyKey);
     EXPECT_EQ(SystemLog::take(), writeFailure());
+}
+
+TEST_F(KivNotificationPropertiesTest, SaysOnceThatItCannotWriteUntilItCan)
+{
+    const QString target = directory.filePath(QStringLiteral("target.plist"));
+    writeFile(target, everyKey);
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(preferences).path()));
+    ASSERT_TRUE(QFile::link(target, preferences));
+    KivNotificationProperties p = properties();
+    for (const int id : {42, 43, 44}) {
+        p.saveLastMessID(QString::number(id));
+    }
+    EXPECT_EQ(SystemLog::take(), writeFailure());
+    ASSERT_TRUE(QFile::remove(preferences) && QFile::copy(target, preferences));
+    p.saveLastMessID(QStringLiteral("45"));
+    EXPECT_TRUE(SystemLog::take().empty());
+    ASSERT_TRUE(QFile::remove(preferences) && QFile::link(target, preferences));
+    p.saveLastMessID(QStringLiteral("46"));
+    EXPECT_EQ(SystemLog::take(), writeFailure()) << "it is a new one";
+}
+
+TEST_F(KivNotificationPropertiesTest, WaitsForNobodyWhoHasItsFileLocked)
+{
+    writePreferences(everyKey);
+    const FileLock other(preferences, FileLock::For::Writing);
+    QElapsedTimer time;
+    time.start();
+    KivNotificationProperties p = properties();
+    for (int announcement = 0; announcement < 10; ++announcement) {
+        EXPECT_TRUE(p.loadPrefList());
+        EXPECT_EQ(p.saveLastMessID(QStringLiteral("42"), PreferencesFile::Manners::Yield),
+                  PreferencesFile::Storing::Busy);
+    }
+    EXPECT_LT(time.elapsed(), 1000) << "half a second each would be ten";
+    EXPECT_EQ(p.settings(), everyKeysSettings);
+    EXPECT_TRUE(SystemLog::take().empty());
 }
 
 TEST_F(KivNotificationPropertiesTest, LogsAFileThatItCannotReadAndLeavesItAlone)

@@ -2,6 +2,7 @@
 
 #include "notify/rules/SettingTable.h"
 #include "platform/data/PropertyList.h"
+#include "platform/files/FileLock.h"
 #include "tests/support/FullDisk.h"
 
 #include <QDir>
@@ -11,11 +12,17 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <optional>
 #include <thread>
 #include <unistd.h>
 
 namespace
 {
+
+using namespace std::chrono_literals;
+using Manners = PreferencesFile::Manners;
+using Storing = PreferencesFile::Storing;
 
 class PreferencesFileTest : public testing::Test
 {
@@ -150,7 +157,7 @@ TEST_F(PreferencesFileTest, IsLeftAsItIsWhenASymbolicLinkLeadsToIt)
 TEST_F(PreferencesFileTest, TakesAnIdAndKeepsAllElse)
 {
     put(QVariantMap{{show, 3}, {QStringLiteral("SomebodyElse"), QByteArray("\x01")}});
-    EXPECT_TRUE(file.setLastMessageId(QStringLiteral("12")));
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("12"), Manners::Yield), Storing::Done);
     EXPECT_EQ(
         values(),
         (QVariantMap{{show, 3}, {QStringLiteral("SomebodyElse"), QByteArray("\x01")}, {lastId, QStringLiteral("12")}}));
@@ -162,12 +169,12 @@ TEST_F(PreferencesFileTest, IsAsItWasWhenTheDiskHasNoRoomForALongerId)
     const QByteArray before = bytes();
     {
         const FullDisk full(static_cast<rlim_t>(before.size()) + 10);
-        EXPECT_FALSE(file.setLastMessageId(QString(100, u'7')));
+        EXPECT_EQ(file.setLastMessageId(QString(100, u'7'), Manners::Yield), Storing::Failed);
     }
     EXPECT_EQ(bytes(), before);
-    EXPECT_TRUE(file.setLastMessageId(QStringLiteral("2")));
-    EXPECT_TRUE(file.setLastMessageId(QString(100, u'7')));
-    EXPECT_TRUE(file.setLastMessageId(QStringLiteral("3"))) << "shorter again";
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("2"), Manners::Yield), Storing::Done);
+    EXPECT_EQ(file.setLastMessageId(QString(100, u'7'), Manners::Yield), Storing::Done);
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("3"), Manners::Yield), Storing::Done) << "shorter again";
     EXPECT_EQ(values(), (QVariantMap{{show, 3}, {lastId, QStringLiteral("3")}}));
 }
 
@@ -194,7 +201,7 @@ TEST_F(PreferencesFileTest, IsWrittenWhereALinkOfTheUserLeadsAndNotWhereThatOfSo
     const QString link = home.filePath(QStringLiteral("Library/Preferences"));
     ASSERT_TRUE(QFile::link(elsewhere.path(), link));
     EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 0).isNull());
-    EXPECT_TRUE(file.setLastMessageId(QStringLiteral("12")));
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("12"), Manners::Yield), Storing::Done);
     EXPECT_EQ(QDir(elsewhere.path()).entryList(QDir::Files).size(), 1);
     const QByteArray before = bytes();
 
@@ -202,15 +209,36 @@ TEST_F(PreferencesFileTest, IsWrittenWhereALinkOfTheUserLeadsAndNotWhereThatOfSo
         GTEST_SKIP() << "only root can give a link away";
     }
     EXPECT_TRUE(file.change(settingAt("KivNotificationShowNews"), 1).contains(QStringLiteral("somebody else")));
-    EXPECT_FALSE(file.setLastMessageId(QStringLiteral("13")));
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("13"), Manners::Yield), Storing::Failed);
     EXPECT_EQ(bytes(), before);
     EXPECT_EQ(QDir(elsewhere.path()).entryList(QDir::Files).size(), 1);
 }
 
 TEST_F(PreferencesFileTest, TakesNoIdWhileItIsMissing)
 {
-    EXPECT_FALSE(file.setLastMessageId(QStringLiteral("12")));
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("12"), Manners::Yield), Storing::Failed);
     EXPECT_FALSE(file.exists());
+}
+
+TEST_F(PreferencesFileTest, IsLeftAloneByWhoIsPoliteWhileAnotherIsAtIt)
+{
+    put(QVariantMap{{lastId, QStringLiteral("1")}});
+    std::optional<FileLock> other(std::in_place, path, FileLock::For::Reading);
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("2"), Manners::Yield), Storing::Busy);
+    EXPECT_EQ(values().value(lastId), QStringLiteral("1"));
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("3"), Manners::Insist), Storing::Done);
+    EXPECT_EQ(values().value(lastId), QStringLiteral("3")) << "the other may be stopped";
+    other.reset();
+    EXPECT_EQ(file.setLastMessageId(QStringLiteral("4"), Manners::Yield), Storing::Done);
+}
+
+TEST_F(PreferencesFileTest, IsReadAllTheSameWhileAnotherIsAtIt)
+{
+    put(QVariantMap{{lastId, QStringLiteral("1")}});
+    const FileLock other(path, FileLock::For::Writing);
+    const auto contents = file.read(0ms);
+    ASSERT_TRUE(contents);
+    EXPECT_EQ(contents->lastMessageId, QStringLiteral("1"));
 }
 
 TEST_F(PreferencesFileTest, LosesNothingWhenTheAgentAndTheSettingsProgramWriteAtTheSameTime)
@@ -219,8 +247,10 @@ TEST_F(PreferencesFileTest, LosesNothingWhenTheAgentAndTheSettingsProgramWriteAt
     constexpr int rounds = 300;
     std::thread agent([this] {
         for (int id = 1; id <= rounds; ++id) {
-            EXPECT_TRUE(file.setLastMessageId(QString::number(id)));
-            const auto contents = file.read();
+            while (file.setLastMessageId(QString::number(id), Manners::Yield) == Storing::Busy) {
+                std::this_thread::yield(); // It has an event loop to go back to instead.
+            }
+            const auto contents = file.read(0ms);
             ASSERT_TRUE(contents) << "only half of it was there";
             ASSERT_EQ(contents->lastMessageId, QString::number(id));
         }

@@ -7,7 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <fcntl.h>
+#include <future>
 #include <optional>
+#include <sys/stat.h>
 #include <thread>
 
 namespace
@@ -34,6 +37,32 @@ TEST_F(FileLockTest, KeepsOthersOutForAsLongAsTheyAreWillingToWait)
     waited.start();
     EXPECT_FALSE(FileLock(path, FileLock::For::Writing, 20ms).isHeld());
     EXPECT_GE(waited.elapsed(), 20);
+}
+
+TEST_F(FileLockTest, GivesUpSoonWhenNothingIsSaid)
+{
+    std::optional<FileLock> first(std::in_place, path, FileLock::For::Writing);
+    const auto second =
+        std::async(std::launch::async, [this] { return FileLock(path, FileLock::For::Writing).isHeld(); });
+    EXPECT_EQ(second.wait_for(20s), std::future_status::ready) << "one that is stopped must not stop us";
+    first.reset();
+}
+
+TEST_F(FileLockTest, TellsWhoIsInTheWayFromAFileThatCannotBeLocked)
+{
+    const FileLock first(path, FileLock::For::Writing);
+    EXPECT_FALSE(first.isBusy());
+    EXPECT_TRUE(FileLock(path, FileLock::For::Writing, 0ms).isBusy());
+    EXPECT_FALSE(FileLock(folder.filePath(QStringLiteral("none")), FileLock::For::Writing, 0ms).isBusy());
+}
+
+TEST_F(FileLockTest, DoesNotWaitForAPipeThatNobodyWritesTo)
+{
+    const QString pipe = folder.filePath(QStringLiteral("pipe"));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    const auto lock = std::async(std::launch::async, [&] { return FileLock(pipe, FileLock::For::Reading).isHeld(); });
+    EXPECT_EQ(lock.wait_for(20s), std::future_status::ready);
+    const FileDescriptor writer(::open(QFile::encodeName(pipe).constData(), O_WRONLY | O_NONBLOCK | O_CLOEXEC));
 }
 
 TEST_F(FileLockTest, LetsReadersInTogetherButNoWriter)

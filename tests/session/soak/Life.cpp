@@ -18,6 +18,7 @@ namespace
 constexpr int messagesOfAFlood = 1100;
 constexpr std::array messageTypes{"update", "news", "notice", "warning"};
 constexpr std::array messagePriorities{"low", "medium", "high"};
+constexpr bool endsTheAgent = true;
 } // namespace
 
 using namespace std::chrono_literals;
@@ -35,28 +36,32 @@ const Life::Operation Life::operations[] = {
     {"window manager ended and started", 2, &Life::killTheWindowManager},
     {"bus killed and started", 2, &Life::killTheBus},
     {"second copy started", 1, &Life::startASecondCopy},
-    {"logged out and in", 2, &Life::logOutAndIn},
-    {"upgraded to another version", 1, &Life::upgrade},
+    {"logged out and in", 2, &Life::logOutAndIn, endsTheAgent},
+    {"upgraded to another version", 1, &Life::upgrade, endsTheAgent},
     {"service killed and started", 1, &Life::killTheService},
     {"item's window destroyed", 1, &Life::destroyTheItem},
     {"flood from a stranger", 1, &Life::flood},
-    {"hints without bound", 1, &Life::sendHintsWithoutBound},
-    {"link in place of the messages", 1, &Life::putALinkInPlaceOfTheMessages},
+    {"hints without bound", 1, &Life::sendHintsWithoutBound, endsTheAgent},
+    {"link in place of the messages", 1, &Life::putALinkInPlaceOfTheMessages, endsTheAgent},
     {"question's window destroyed", 1, &Life::destroyTheQuestion},
     {"hidden windows destroyed", 1, &Life::destroyWhatNobodySees},
     {"spoken in the dead service's name", 1, &Life::speakInTheNameOfTheDeadService},
     {"events that are too much", 1, &Life::sendEventsThatAreTooMuch},
-    {"logged out by the session manager", 1, &Life::logOutByTheSessionManager},
-    {"something else in place of the messages", 1, &Life::putSomethingElseInPlaceOfTheMessages},
+    {"logged out by the session manager", 1, &Life::logOutByTheSessionManager, endsTheAgent},
+    {"logged out by the session manager with a pop-up", 2, &Life::logOutByTheSessionManagerWithAPopUp, endsTheAgent},
+    {"logged out by the session manager while the tool hung", 1, &Life::logOutByTheSessionManagerWhileTheToolHangs,
+     endsTheAgent},
+    {"something else in place of the messages", 1, &Life::putSomethingElseInPlaceOfTheMessages, endsTheAgent},
+    {"something else in place of the settings", 1, &Life::putSomethingElseInPlaceOfTheSettings},
     {"name taken by another program", 1, &Life::takeItsName},
-    {"lock taken and given back", 1, &Life::takeItsLockAwayAndGiveItBack},
+    {"lock taken and let go", 1, &Life::takeItsLockAwayAndLetItGo},
     {"bus stalled", 1, &Life::stallTheBus},
     {"panel that takes nothing in", 1, &Life::killThePanelForOneThatTakesNothingIn},
     {"bus without room", 1, &Life::fillTheBus},
-    {"logged out while the tool hung", 1, &Life::logOutWhileTheToolHangs},
-    {"disk full", 1, &Life::fillTheDisk},
-    {"folder given to somebody else", 1, &Life::giveItsFolderToSomebodyElse},
-    {"standard error lost", 1, &Life::loseTheStandardError},
+    {"logged out while the tool hung", 1, &Life::logOutWhileTheToolHangs, endsTheAgent},
+    {"disk full", 1, &Life::fillTheDisk, endsTheAgent},
+    {"folder given to somebody else", 1, &Life::giveItsFolderToSomebodyElse, endsTheAgent},
+    {"standard error lost", 1, &Life::loseTheStandardError, endsTheAgent},
 };
 
 const Life::Operation Life::operationsOnAPopUp[] = {
@@ -67,7 +72,7 @@ const Life::Operation Life::operationsOnAPopUp[] = {
 
 Life::Life(unsigned seed, double days, std::chrono::duration<double> length)
     : m_pace(days * 86400 / length.count())
-    , m_lastMessageId(messagesOfAFlood + 150 + static_cast<int>(days) * 10)
+    , m_lastMessageId(messagesOfAFlood + 150 + static_cast<int>(days * 10 + length.count()))
     , m_seed(seed)
     , m_random(seed)
 {
@@ -82,9 +87,9 @@ bool Life::start()
     }
     QList<ScriptedAnswer> answers;
     for (int id = 0; id < m_lastMessageId;) {
-        // Once there is more than the agent keeps, which is also asked for at each log-in. A life of seconds ends
-        // before: in its middle there is not the time to see whether the memory is given back.
-        const bool isFlood = answers.size() == 20;
+        // Once there is more than the agent keeps: well before the middle of a run of minutes, for the feed is also
+        // asked at each log-in.
+        const bool isFlood = answers.size() == 6;
         QList<FeedMessage> messages;
         for (int left = isFlood ? messagesOfAFlood : random(12); left > 0 && id < m_lastMessageId; --left) {
             messages.append({.id = QByteArray::number(++id),
@@ -100,8 +105,15 @@ bool Life::start()
             answers.last().pieces = 100;
             answers.last().pause = 1;
         }
-        if (!isFlood && random(12) == 0) {
+        const int kind = isFlood ? 0 : random(12);
+        if (kind == 1) {
             answers.last().mutedFrom = 10;
+        } else if (kind == 2) {
+            answers.last().pieces = 1;
+            answers.last().pause = 300;
+        }
+        if (kind == 1 || kind == 2) {
+            m_unending.insert(static_cast<int>(answers.size()) - 1);
         }
     }
     answers.append({.body = feedDocument({})});
@@ -124,6 +136,9 @@ bool Life::start()
                               SettingsProgram::write(m_session.desktop, 1, 1, 0);
                               return true;
                           }})) {
+        return false;
+    }
+    if (!asksTheFeedAtItsStart()) {
         return false;
     }
     m_on = m_session.agent->itemPicture();
@@ -169,7 +184,8 @@ QByteArrayList Life::unexpected(QByteArrayList said)
     said.removeIf([](const QByteArray &line) {
         return line.isEmpty() || line.contains("another program has the name") ||
                line.contains("cannot be read and is kept as") || line.contains("what is there cannot be kept aside") ||
-               line.contains("the folder belongs to somebody else");
+               line.contains("the folder belongs to somebody else") ||
+               (line.contains("Could not write file") && line.endsWith("com.tamborel.kivmenua.plist"));
     });
     return said;
 }
@@ -229,16 +245,20 @@ bool Life::attachTheService()
     return tellTheAgent("actions 32792");
 }
 
-const Life::Operation &Life::draw(std::span<const Operation> from)
+const Life::Operation &Life::draw(std::span<const Operation> from, Agents agents)
 {
     const int sum = std::accumulate(from.begin(), from.end(), 0,
                                     [](int before, const Operation &operation) { return before + operation.weight; });
-    int lot = random(sum);
-    auto operation = from.begin();
-    for (; lot >= operation->weight; ++operation) {
-        lot -= operation->weight;
+    while (true) {
+        int lot = random(sum);
+        auto operation = from.begin();
+        for (; lot >= operation->weight; ++operation) {
+            lot -= operation->weight;
+        }
+        if (agents == Agents::ComeAndGo || !operation->endsTheAgent) {
+            return *operation;
+        }
     }
-    return *operation;
 }
 
 void Life::carryOut(const Operation &operation)
@@ -257,13 +277,13 @@ void Life::carryOut(const Operation &operation)
     EXPECT_TRUE(m_session.agent->process().isRunning()) << "the agent has died";
 }
 
-bool Life::carryOutOne()
+bool Life::carryOutOne(Agents agents)
 {
     // With lots of its own, so that what happens by the way does not change what is drawn after it.
     m_random.seed(m_seed + ++m_number);
     const bool turnsToThePopUp = random(2) == 0;
-    const Operation &onThePopUp = draw(operationsOnAPopUp);
-    carryOut(draw(operations));
+    const Operation &onThePopUp = draw(operationsOnAPopUp, agents);
+    carryOut(draw(operations, agents));
     // The next time it may have gone: half a minute of the agent's passes in a moment.
     if (!testing::Test::HasFailure() && turnsToThePopUp && popUp()) {
         carryOut(onThePopUp);
@@ -273,16 +293,33 @@ bool Life::carryOutOne()
 
 void Life::letTimePass()
 {
-    // After an operation that took long, days may be due, and a timer fires once for a leap, however long that is.
-    constexpr std::chrono::seconds maxLeap = 12h;
-    const auto due = std::chrono::seconds(static_cast<qint64>(static_cast<double>(m_time.elapsed()) * m_pace / 1000));
+    // After an operation that took long, days may be due.
+    std::chrono::seconds due(static_cast<qint64>(static_cast<double>(m_time.restart()) * m_pace / 1000));
     do {
-        if (const auto leap = std::min(due - m_lived, maxLeap); leap > 0s) {
-            letPass(leap);
-        }
-        // The feed is asked at the start and then every day.
-        const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - 10min).count();
-        EXPECT_TRUE(waitUntil([&] { return m_feed.requests().size() > days; })) << "the feed is not asked";
-    } while (m_lived < due && !testing::Test::HasFailure());
+        const std::chrono::seconds time = std::min<std::chrono::seconds>(due, 12h);
+        leap(time);
+        due -= time;
+    } while (due > 0s && !testing::Test::HasFailure());
     EXPECT_TRUE(waitUntil([this] { return windows(isPopUp).size() <= 1; })) << "there are two pop-ups";
+}
+
+void Life::leap(std::chrono::seconds time)
+{
+    letPass(time);
+    const auto days = std::chrono::duration_cast<std::chrono::days>(m_lived - m_livedBefore - 10min).count();
+    EXPECT_TRUE(waitUntil([&] { return requestsSinceTheStart() > days; }))
+        << "the feed is not asked every day: " << requestsSinceTheStart() << " requests in " << days << " days";
+    EXPECT_TRUE(waitUntil([this] { return hasGivenUpWhatDoesNotEnd(); })) << "a request outlives the next";
+}
+
+bool Life::hasGivenUpWhatDoesNotEnd()
+{
+    std::set<int> asked;
+    for (const QJsonObject &request : m_feed.requests()) {
+        asked.insert(request.value(QLatin1String("request")).toInt());
+    }
+    asked.erase(std::prev(asked.end()));
+    const QList<int> givenUp = m_feed.closedByClient();
+    return std::ranges::none_of(
+        asked, [&](int request) { return m_unending.contains(request) && !givenUp.contains(request); });
 }

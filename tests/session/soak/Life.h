@@ -11,23 +11,29 @@
 
 #include <chrono>
 #include <deque>
+#include <functional>
 #include <map>
 #include <random>
+#include <set>
 #include <span>
 #include <string>
+
+class HungTool;
 
 /// A session that lives through days, in which whatever happens is drawn by lot. Each operation waits for what it must
 /// lead to.
 class Life final
 {
 public:
-    /// Lives that many days in that time.
+    /// Lives that many days in that time, and those that operations take.
     Life(unsigned seed, double days, std::chrono::duration<double> length);
 
     bool start();
+    /// Whether an operation may end the agent.
+    enum class Agents { ComeAndGo, LiveOn };
     /// Carries one operation out, and perhaps another on the pop-up that is shown then. False, with a test failure,
     /// when one does not lead to what it must.
-    bool carryOutOne();
+    bool carryOutOne(Agents agents);
     /// Lets the agent's clock catch up with its pace.
     void letTimePass();
 
@@ -46,6 +52,7 @@ private:
         const char *name;
         int weight;
         Carry carryOut;
+        bool endsTheAgent = false;
     };
     static const Operation operations[];
     static const Operation operationsOnAPopUp[];
@@ -84,9 +91,12 @@ private:
 
     // What seldom happens, but does.
     bool logOutByTheSessionManager();
+    bool logOutByTheSessionManagerWithAPopUp();
+    bool logOutByTheSessionManagerWhileTheToolHangs();
     bool putSomethingElseInPlaceOfTheMessages();
+    bool putSomethingElseInPlaceOfTheSettings();
     bool takeItsName();
-    bool takeItsLockAwayAndGiveItBack();
+    bool takeItsLockAwayAndLetItGo();
     bool stallTheBus();
     bool killThePanelForOneThatTakesNothingIn();
     bool fillTheBus();
@@ -98,7 +108,7 @@ private:
     bool attachTheService();
     /// Starts the bus anew, and waits for the agent there.
     bool comeBackToTheBus();
-    const Operation &draw(std::span<const Operation> from);
+    const Operation &draw(std::span<const Operation> from, Agents agents);
     void carryOut(const Operation &operation);
     int random(int below) { return std::uniform_int_distribution(0, below - 1)(m_random); }
     template <typename Container>
@@ -134,6 +144,8 @@ private:
     bool openMenu();
     /// Of the submenu of sizes. False when there is none to choose from now.
     bool chooseFromTheMenu(QSize size);
+    /// Chooses a size, and returns once the tool has started.
+    void chooseWhileTheToolHangs(const HungTool &tool);
     void setUsualTool();
     [[nodiscard]] bool menuIsOpen() const;
     bool isBack();
@@ -143,13 +155,22 @@ private:
     std::optional<XWindow> askForADisconnect();
     bool settleOnTheScreen();
     bool logOut();
+    /// With a session manager, once that has happened.
+    bool logOutByTheSessionManagerAfter(const std::function<void()> &whatHappens);
     bool hasEnded();
+    /// Returns once the feed has been asked, too.
     bool logIn();
+    bool asksTheFeedAtItsStart();
+    /// Always before the next request.
+    bool hasGivenUpWhatDoesNotEnd();
+    [[nodiscard]] qsizetype requestsSinceTheStart() { return m_feed.requests().size() - m_requestsBefore; }
     [[nodiscard]] MessageCache messages() const
     {
         return MessageCache(m_session.desktop.environment().value(QStringLiteral("HOME")));
     }
     void letPass(std::chrono::seconds time);
+    /// No more than its timers can do with: one fires once in a leap. Returns once it has done what was due.
+    void leap(std::chrono::seconds time);
     bool closeMenu();
     bool tellTheAgent(const QByteArray &line);
 
@@ -165,6 +186,7 @@ private:
     unsigned m_number = 0; ///< Of the operation.
     std::mt19937 m_random;
     FeedServer m_feed;
+    std::set<int> m_unending; ///< The requests whose answers do not end.
     AgentClock m_clock;
     QTemporaryDir m_folder;
     const QString m_tool = m_folder.filePath(QStringLiteral("tool")); ///< That switches the resolution.
@@ -172,8 +194,10 @@ private:
     std::optional<Agent> m_secondCopy;
     QImage m_on; ///< The item while the service has switched the agent on.
     QSize m_screen{1280, 800};
-    QElapsedTimer m_time;
+    QElapsedTimer m_time; ///< Since it last caught up.
     std::chrono::seconds m_lived{0};
+    std::chrono::seconds m_livedBefore{0}; ///< Before the agent's last start, as the next.
+    qsizetype m_requestsBefore = 0;        ///< Of the feed.
     std::map<std::string, int> m_counts;
     std::deque<std::string> m_last; ///< The last operations, this one included.
 };

@@ -2,6 +2,7 @@
 #include "tests/session/support/HostileClient.h"
 #include "tests/session/support/HungTool.h"
 #include "tests/session/support/SessionManager.h"
+#include "tests/session/support/SettingsProgram.h"
 #include "tests/support/BusForOne.h"
 #include "tests/support/BusPeer.h"
 #include "tests/support/WaitUntil.h"
@@ -34,9 +35,23 @@ qsizetype othersInLine(const BusPeer &owner, const QString &name)
     return line.size();
 }
 
+void makePipe(const QString &path)
+{
+    EXPECT_EQ(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+}
+
+void makeGiant(const QString &path)
+{
+    QFile giant(path);
+    constexpr qint64 gigabyte = 1 << 30;
+    EXPECT_TRUE(giant.open(QIODevice::WriteOnly) && giant.resize(gigabyte));
+}
+
+constexpr QSize sizeForTheTool{1024, 768};
+
 } // namespace
 
-bool Life::logOutByTheSessionManager()
+bool Life::logOutByTheSessionManagerAfter(const std::function<void()> &whatHappens)
 {
     Agent &agent = *m_session.agent;
     if (!logOut()) {
@@ -46,12 +61,45 @@ bool Life::logOutByTheSessionManager()
     const QProcessEnvironment withoutIt = agent.environment;
     manager.addTo(agent.environment);
     if (logIn()) {
+        whatHappens();
         EXPECT_TRUE(manager.logOut());
         EXPECT_TRUE(hasEnded());
     }
     agent.environment = withoutIt;
-    logIn();
-    return true;
+    return logIn();
+}
+
+bool Life::logOutByTheSessionManager()
+{
+    return logOutByTheSessionManagerAfter([] {});
+}
+
+bool Life::logOutByTheSessionManagerWithAPopUp()
+{
+    return logOutByTheSessionManagerAfter([this] {
+        m_session.service->send("hint Good evening");
+        std::optional<XWindow> window;
+        const auto isThere = [&] {
+            window = popUp();
+            return window.has_value();
+        };
+        // It waits for a message that is on the screen.
+        while (waitUntil(isThere) && !isHint(*window) && !testing::Test::HasFailure()) {
+            closeThePopUp();
+        }
+        EXPECT_TRUE(window && waitUntil([&] { return m_session.agent->isDrawn(*window); })) << "the hint is not shown";
+    });
+}
+
+bool Life::logOutByTheSessionManagerWhileTheToolHangs()
+{
+    if (m_screen == sizeForTheTool) {
+        return false; // No tool is started for the size that there is.
+    }
+    const HungTool tool(m_tool);
+    const bool isIn = logOutByTheSessionManagerAfter([&] { chooseWhileTheToolHangs(tool); });
+    setUsualTool();
+    return isIn;
 }
 
 /// Neither can be read: one is too large, and from the other nothing ever comes.
@@ -64,17 +112,47 @@ bool Life::putSomethingElseInPlaceOfTheMessages()
     EXPECT_TRUE(QDir().mkpath(cache.folder()));
     QFile::remove(cache.path());
     if (random(2) == 0) {
-        EXPECT_EQ(::mkfifo(QFile::encodeName(cache.path()).constData(), 0600), 0);
+        makePipe(cache.path());
     } else {
-        QFile giant(cache.path());
-        constexpr qint64 gigabyte = 1 << 30;
-        EXPECT_TRUE(giant.open(QIODevice::WriteOnly) && giant.resize(gigabyte));
+        makeGiant(cache.path());
     }
     logIn();
     // A large file is kept aside; what is no file stays as it is until somebody takes it away.
     if (!QFileInfo(cache.path()).isFile()) {
         QFile::remove(cache.path());
     }
+    return true;
+}
+
+/// For a day: nothing waits for it, and nothing is written to what a link leads to. Then the user's own are back.
+bool Life::putSomethingElseInPlaceOfTheSettings()
+{
+    const QString path = SettingsProgram::file(m_session.desktop);
+    const QString aside = path + QLatin1String(".aside");
+    QFile decoy(path + QLatin1String(".decoy"));
+    QFile::remove(decoy.fileName());
+    EXPECT_TRUE(QFile::rename(path, aside) && QFile::copy(aside, decoy.fileName()));
+    EXPECT_TRUE(decoy.open(QIODevice::ReadOnly));
+    const QByteArray before = decoy.readAll();
+    switch (random(3)) {
+    case 0:
+        EXPECT_TRUE(decoy.link(path));
+        break;
+    case 1:
+        makePipe(path);
+        break;
+    default:
+        makeGiant(path);
+    }
+    SettingsProgram::announce(m_session.desktop, *m_session.agent);
+    for (int half = 0; half < 2; ++half) {
+        leap(12h);
+        openAndCloseTheMenu();
+    }
+    EXPECT_TRUE(decoy.seek(0));
+    EXPECT_EQ(decoy.readAll(), before) << "written through a link";
+    EXPECT_TRUE(QFile::remove(path) && QFile::rename(aside, path));
+    SettingsProgram::announce(m_session.desktop, *m_session.agent);
     return true;
 }
 
@@ -98,12 +176,17 @@ bool Life::takeItsName()
     return true;
 }
 
-bool Life::takeItsLockAwayAndGiveItBack()
+/// It gives the lock back, or dies.
+bool Life::takeItsLockAwayAndLetItGo()
 {
     const QByteArray lock = "_KIVMENUA_S0";
-    HostileClient thief(m_session.desktop.server());
-    thief.takeSelection(lock);
-    thief.giveUpSelection(lock);
+    {
+        HostileClient thief(m_session.desktop.server());
+        thief.takeSelection(lock);
+        if (random(2) == 0) {
+            thief.giveUpSelection(lock);
+        }
+    }
     EXPECT_TRUE(waitUntil([&] { return view().selectionOwnerPid(lock) == m_session.agent->pid(); }))
         << "the display is anybody's";
     return startASecondCopy();
@@ -134,16 +217,20 @@ bool Life::fillTheBus()
     return comeBackToTheBus() && isFull;
 }
 
+void Life::chooseWhileTheToolHangs(const HungTool &tool)
+{
+    if (chooseFromTheMenu(sizeForTheTool)) {
+        EXPECT_TRUE(waitUntil([&] { return tool.hasStarted(); })) << "the tool does not start";
+    }
+}
+
 bool Life::logOutWhileTheToolHangs()
 {
-    const QSize size(1024, 768);
-    if (m_screen == size) {
+    if (m_screen == sizeForTheTool) {
         return false; // No tool is started for the size that there is.
     }
     const HungTool tool(m_tool);
-    if (chooseFromTheMenu(size)) {
-        EXPECT_TRUE(waitUntil([&] { return tool.hasStarted(); })) << "the tool does not start";
-    }
+    chooseWhileTheToolHangs(tool);
     const bool hasEnded = logOut();
     setUsualTool();
     return !hasEnded || logIn();

@@ -233,7 +233,17 @@ bool Life::hasEnded()
 
 bool Life::logIn()
 {
-    return m_session.agent->startAndDock() && attachTheService();
+    m_livedBefore = m_lived;
+    m_requestsBefore = m_feed.requests().size();
+    return m_session.agent->startAndDock() && asksTheFeedAtItsStart() && attachTheService();
+}
+
+/// Its days begin there.
+bool Life::asksTheFeedAtItsStart()
+{
+    const bool asks = waitUntil([this] { return requestsSinceTheStart() > 0; });
+    EXPECT_TRUE(asks) << "the feed is not asked at the start";
+    return asks;
 }
 
 bool Life::upgrade()

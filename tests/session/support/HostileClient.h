@@ -16,6 +16,8 @@ public:
     /// Becomes the owner of a selection, and does nothing with it.
     void takeSelection(const QByteArray &selection);
     void giveUpSelection(const QByteArray &selection);
+    /// Of the selections that it has taken, which nobody has any more.
+    void destroyItsWindow() { destroy(m_window); }
 
 private:
     void setOwner(const QByteArray &selection, xcb_window_t owner);

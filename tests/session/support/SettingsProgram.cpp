@@ -16,16 +16,16 @@ QString folderOf(const Desktop &desktop)
 {
     return desktop.environment().value(QStringLiteral("HOME")) + QStringLiteral("/Library/Preferences");
 }
+} // namespace
 
-QString fileOf(const Desktop &desktop)
+QString SettingsProgram::file(const Desktop &desktop)
 {
     return folderOf(desktop) + QStringLiteral("/com.tamborel.kivmenua.plist");
 }
-} // namespace
 
 QString SettingsProgram::lastMessageId(const Desktop &desktop)
 {
-    return PropertyList::readFile(fileOf(desktop)).toMap().value(lastIdKey, QStringLiteral("0")).toString();
+    return PropertyList::readFile(file(desktop)).toMap().value(lastIdKey, QStringLiteral("0")).toString();
 }
 
 void SettingsProgram::write(const Desktop &desktop, int show, int close, int repeat)
@@ -41,7 +41,7 @@ void SettingsProgram::write(const Desktop &desktop, int show, int close, int rep
     ASSERT_TRUE(desktop.environment().contains(QStringLiteral("HOME")));
     preferences.insert(lastIdKey, lastMessageId(desktop));
     EXPECT_TRUE(QDir().mkpath(folderOf(desktop)));
-    EXPECT_TRUE(PropertyList::writeFile(fileOf(desktop), preferences, PropertyList::Writing::InPlace));
+    EXPECT_TRUE(PropertyList::writeFile(file(desktop), preferences, PropertyList::Writing::InPlace));
 }
 
 void SettingsProgram::announce(Desktop &desktop, const Agent &agent)

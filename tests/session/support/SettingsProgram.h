@@ -7,6 +7,8 @@
 namespace SettingsProgram
 {
 
+/// The path of the file of the user's settings.
+[[nodiscard]] QString file(const Desktop &desktop);
 /// Writes the user's settings, by their codes, with every kind of message to be shown.
 void write(const Desktop &desktop, int show, int close, int repeat);
 /// The id that the agent has put among the settings; "0" when it has put none.

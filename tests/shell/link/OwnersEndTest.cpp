@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -79,6 +80,21 @@ TEST_F(OwnersEnd, LeavesItsOwnLastWordsToBeHeard)
 TEST_F(OwnersEnd, VacatesItsPlaceWhenAnotherSpeaksInItsName)
 {
     EXPECT_FALSE(isOwnedAfterAHintOf(deadProcess(), ::getpid()));
+}
+
+TEST_F(OwnersEnd, VacatesItsPlaceAlsoWhereProcessesCannotBeWatched)
+{
+    const pid_t owner = ::fork();
+    if (owner == 0) {
+        ::pause();
+    }
+    EXPECT_EQ(send(kMenuEvtSetOwner, owner), noErr);
+    ::kill(owner, SIGKILL);
+    ::waitpid(owner, nullptr, 0);
+    ownerHasEnded = false; // It is what watches that does not know.
+    FakeAppleEventManager::sender = ::getpid();
+    EXPECT_EQ(send(kMenuEvtDoHint, owner), noErr);
+    EXPECT_EQ(__owpsn.lowLongOfPSN, 0U);
 }
 
 TEST_F(OwnersEnd, VacatesItsPlaceWhenAnotherHasItsNumberByNow)

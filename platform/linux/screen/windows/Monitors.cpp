@@ -8,8 +8,7 @@
 MonitorsQuestion::MonitorsQuestion()
 {
     xcb_connection_t *x = XConnection::get();
-    const xcb_query_extension_reply_t *randr = xcb_get_extension_data(x, &xcb_randr_id);
-    if (randr && randr->present) {
+    if (XConnection::extension(x, xcb_randr_id)) {
         m_question = xcb_randr_get_monitors(x, XConnection::screen()->root, true);
     }
 }

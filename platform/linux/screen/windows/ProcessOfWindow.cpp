@@ -7,8 +7,7 @@
 pid_t processOfWindow(xcb_window_t window)
 {
     xcb_connection_t *connection = XConnection::get();
-    const xcb_query_extension_reply_t *extension = xcb_get_extension_data(connection, &xcb_res_id);
-    if (!extension || !extension->present) {
+    if (!XConnection::extension(connection, xcb_res_id)) {
         return 0;
     }
     const xcb_res_client_id_spec_t wanted{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};

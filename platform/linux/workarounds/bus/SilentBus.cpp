@@ -111,6 +111,9 @@ public:
     /// Waits for more of the answer. False when the bus has gone, or says nothing more in time.
     [[nodiscard]] bool hearMore()
     {
+        if (m_deadline.hasExpired()) { // Also of one that says more and more.
+            return false;
+        }
         pollfd wanted{m_descriptor, POLLIN, 0};
         int ready = 0;
         do {

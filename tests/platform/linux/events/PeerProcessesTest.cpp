@@ -46,6 +46,34 @@ TEST_F(PeerProcessesTest, DoesNotRememberWhoHasGone)
     EXPECT_EQ(peers.count(), 0);
 }
 
+TEST_F(PeerProcessesTest, AsksTheBusOnceAboutWhoHasGone)
+{
+    BusPeer peer(daemon);
+    const QString known = peer.name();
+    const QString unknown = QStringLiteral(":1.4711");
+    EXPECT_EQ(peers.knownProcessOf(known), std::nullopt);
+    EXPECT_EQ(peers.processOf(known), QCoreApplication::applicationPid());
+    EXPECT_EQ(peers.knownProcessOf(known), QCoreApplication::applicationPid());
+    EXPECT_EQ(peers.processOf(unknown), 0);
+    peer.leave();
+    ASSERT_TRUE(waitUntil([&] { return peers.count() == 0; }));
+
+    daemon.stop(); // Nobody is left to ask, which nobody has been told yet.
+    EXPECT_EQ(peers.processOf(known), 0);
+    EXPECT_EQ(peers.processOf(unknown), 0);
+    EXPECT_EQ(peers.processOf(QStringLiteral(":1.4712")), std::nullopt);
+    EXPECT_TRUE(waitUntil([&] { return !peers.knownProcessOf(unknown); })) << "another bus counts from the start";
+}
+
+TEST_F(PeerProcessesTest, RemembersTheLatestOfThoseWhoHaveGone)
+{
+    for (int number = 0; number <= 1000; ++number) {
+        EXPECT_EQ(peers.processOf(QStringLiteral(":9.%1").arg(number)), 0);
+    }
+    EXPECT_EQ(peers.knownProcessOf(QStringLiteral(":9.0")), std::nullopt);
+    EXPECT_EQ(peers.knownProcessOf(QStringLiteral(":9.1000")), 0);
+}
+
 TEST_F(PeerProcessesTest, StartsAnewWithTheBus)
 {
     const BusPeer peer(daemon);

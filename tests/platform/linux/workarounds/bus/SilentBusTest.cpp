@@ -53,20 +53,23 @@ private:
     const int m_descriptor = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
 };
 
-/// Answers the first who connects with these words, and hangs up.
+/// Answers the first who connects with these words, or without an end when there are none, and hangs up.
 class TerseBus final
 {
 public:
-    explicit TerseBus(QByteArray words)
-        : m_words(std::move(words))
+    explicit TerseBus(std::optional<QByteArray> words)
     {
         EXPECT_TRUE(m_socket.bindTo(path().toLocal8Bit()));
-        m_thread = std::thread([this] {
+        m_thread = std::thread([this, words] {
             const int client = ::accept4(m_socket.descriptor(), nullptr, nullptr, SOCK_CLOEXEC);
             char question[64];
             EXPECT_GT(::recv(client, question, sizeof question, 0), 0);
-            EXPECT_EQ(::send(client, m_words.constData(), static_cast<std::size_t>(m_words.size()), MSG_NOSIGNAL),
-                      m_words.size());
+            if (words) {
+                EXPECT_TRUE(say(client, *words));
+            } else {
+                while (say(client, QByteArray(100'000, 'x'))) {
+                }
+            }
             ::close(client);
         });
     }
@@ -78,8 +81,11 @@ public:
 
 private:
     [[nodiscard]] QString path() const { return m_folder.filePath(QStringLiteral("bus")); }
+    static bool say(int client, const QByteArray &words)
+    {
+        return ::send(client, words.constData(), static_cast<std::size_t>(words.size()), MSG_NOSIGNAL) == words.size();
+    }
 
-    const QByteArray m_words;
     const QTemporaryDir m_folder;
     const UnixSocket m_socket;
     std::thread m_thread;
@@ -111,6 +117,12 @@ TEST(SilentBus, IsNoneThatWantsToKnowMoreOfWhoComes)
 {
     const TerseBus bus("REJECTED DBUS_COOKIE_SHA1\r\n");
     EXPECT_EQ(probeBus(bus.address()).state, BusState::Answers);
+}
+
+TEST(SilentBus, IsUnusableWhenItNeverComesToAnEnd)
+{
+    const TerseBus bus(std::nullopt);
+    EXPECT_EQ(probeBus(bus.address(), 50ms).state, BusState::Unusable);
 }
 
 TEST(SilentBus, IsNoneThatIsElsewhere)

@@ -10,6 +10,7 @@
 #include "tests/support/ProcessorTime.h"
 
 #include <QApplication>
+#include <QByteArrayList>
 #include <QFile>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -20,8 +21,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <future>
+#include <iterator>
 #include <optional>
 #include <thread>
+#include <utility>
 
 namespace
 {
@@ -76,13 +79,44 @@ QByteArray feedOfOneLongMessage()
            message(cached + sent + 2, text()) + "</supportMessages>";
 }
 
+/// One part of a message, of which there is as much as an answer may have.
+struct LongPart {
+    const char *begin;
+    const char *piece;
+    const char *end;
+};
+constexpr LongPart longParts[] = {{"<messageId>", ".", "</messageId>"},
+                                  {"<contentType>", "\xC4\xB0", "</contentType>"},
+                                  {"<contentData>", "&#46;", "</contentData>"},
+                                  {"<messageText>&lt;", "&amp;", "</messageText>"},
+                                  {"<!-- ", ".", " -->"}};
+
+constexpr int idBehind(std::size_t part)
+{
+    return cached + sent + 3 + static_cast<int>(part);
+}
+
+/// A message with such a part, and one behind it.
+QByteArray feedOfALongPart(std::size_t part)
+{
+    constexpr qsizetype bytes = 15'700'000;
+    const QByteArray piece(longParts[part].piece);
+    return QByteArray("<supportMessages><supportMessage><maxDate>any</maxDate>") + longParts[part].begin +
+           piece.repeated(bytes / piece.size()) + longParts[part].end + "</supportMessage><supportMessage><messageId>" +
+           QByteArray::number(idBehind(part)) + "</messageId></supportMessage></supportMessages>";
+}
+
 /// Answers a request for each of the feeds, in a thread of its own; what the port is comes first.
 void serve(std::promise<quint16> port)
 {
     QTcpServer server;
     server.listen(QHostAddress::LocalHost);
     port.set_value(server.serverPort());
-    for (const QByteArray &body : {feed(), feedOfOneLongMessage()}) {
+    QByteArrayList bodies{feed(), feedOfOneLongMessage()};
+    for (std::size_t part = 0; part < std::size(longParts); ++part) {
+        bodies += feedOfALongPart(part);
+    }
+    for (const QByteArray &body : std::as_const(bodies)) {
         server.waitForNewConnection(-1);
         QTcpSocket *const client = server.nextPendingConnection();
         QByteArray request;
@@ -166,9 +200,18 @@ int main(int argc, char **argv)
     const auto hasComeIn = [&] { return properties.lastMesID() == QString::number(cached + taken); };
     const auto askTheFeedAgain = [&] { receiver->receiveNextNotification(); };
     const auto hasCome = [&] { return properties.lastMesID() == QString::number(cached + sent + 2); };
-    const bool isMeasured = print("cache", longestTurn(readTheCache, isRead)) &&
-                            print("feed", longestTurn(askTheFeed, hasComeIn)) &&
-                            print("message", longestTurn(askTheFeedAgain, hasCome));
+    const auto longestTurnOfALongPart = [&] {
+        std::optional<std::chrono::nanoseconds> longest = 0ns;
+        for (std::size_t part = 0; part < std::size(longParts) && longest; ++part) {
+            const auto isBehind = [&] { return properties.lastMesID() == QString::number(idBehind(part)); };
+            const auto time = longestTurn(askTheFeedAgain, isBehind);
+            longest = time ? std::optional(std::max(*longest, *time)) : std::nullopt;
+        }
+        return longest;
+    };
+    const bool isMeasured =
+        print("cache", longestTurn(readTheCache, isRead)) && print("feed", longestTurn(askTheFeed, hasComeIn)) &&
+        print("message", longestTurn(askTheFeedAgain, hasCome)) && print("part", longestTurnOfALongPart());
     manager->saveUnsavedRecords();
     std::fflush(stdout);
     if (!isMeasured) {

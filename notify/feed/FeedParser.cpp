@@ -2,19 +2,15 @@
 
 #include "notify/feed/ContentData.h"
 #include "notify/feed/FeedDate.h"
-#include "notify/feed/FeedDocument.h"
-#include "notify/feed/LongStretches.h"
+#include "notify/feed/FeedTokens.h"
 #include "notify/feed/LowerCase.h"
 #include "notify/record/DistantFuture.h"
 #include "notify/record/FeedVocabulary.h"
 #include "notify/record/KivNotification.h"
 #include "notify/record/MessageText.h"
 #include "platform/LogCategories.h"
-#include "platform/data/CrowdedTag.h"
 #include "platform/data/StringValues.h"
 #include "platform/data/TextBeginning.h"
-
-#include <QXmlStreamReader>
 
 #include <algorithm>
 #include <array>
@@ -24,10 +20,6 @@
 namespace
 {
 
-constexpr int maxLevels = 100;
-constexpr int maxMessages = 1000;
-/// Of an element's text: of a content in base64, broken into lines, more than is kept of the longest.
-constexpr qsizetype maxStretch = 2 * maxHtmlBytes;
 /// Of a field that is no text to be shown: so little that no message alone fills the file of those that wait.
 constexpr qsizetype maxField = maxTextBytes;
 
@@ -67,13 +59,9 @@ constexpr std::array codeFields{
 
 } // namespace
 
-/// How far a document has been read.
 struct FeedParser::Reading {
-    QXmlStreamReader reader;
-    bool isWhole = false;
-    bool hasRoot = false;
-    int levels = 0;
-    int messages = 0;
+    FeedTokens document;
+    std::size_t next = 0; ///< Of its tokens.
 };
 
 FeedParser::FeedParser(Handover handover)
@@ -91,13 +79,7 @@ FeedParser::Outcome FeedParser::parse(const QByteArray &document)
 
 std::shared_ptr<FeedParser::Reading> FeedParser::open(const QByteArray &document)
 {
-    FeedDocument decoded = feedDocument(document, maxXmlAttributes);
-    shortenLongStretches(decoded.text, maxStretch);
-    auto reading = std::make_shared<Reading>();
-    reading->isWhole = decoded.isWhole;
-    reading->reader.setNamespaceProcessing(false);
-    reading->reader.addData(decoded.text);
-    return reading;
+    return std::make_shared<Reading>(Reading{.document = feedTokens(document)});
 }
 
 void FeedParser::begin(const QByteArray &document)
@@ -126,46 +108,23 @@ std::optional<FeedParser::Outcome> FeedParser::read(const QDeadlineTimer &share)
 
 std::optional<FeedParser::Outcome> FeedParser::readNext(Reading &reading)
 {
-    QXmlStreamReader &reader = reading.reader;
-    switch (reader.readNext()) {
-    case QXmlStreamReader::StartElement:
-        reading.hasRoot = true;
-        reading.messages += reader.qualifiedName() == kSupportMessageKey ? 1 : 0;
-        if (reading.messages > maxMessages) {
-            qCDebug(feedLog, "the document has more than %d messages: the others are left out", maxMessages);
-            return Outcome::EndOfDocument;
+    FeedTokens &document = reading.document;
+    if (reading.next == document.tokens.size()) {
+        if (!document.remark.isNull()) {
+            qCDebug(feedLog).noquote() << document.remark;
         }
-        if (++reading.levels > maxLevels) {
-            qCDebug(feedLog, "the document is refused: too many levels of elements");
-            return Outcome::Malformed;
-        }
-        didStartElement(reader.qualifiedName());
+        return document.isMalformed ? Outcome::Malformed : Outcome::EndOfDocument;
+    }
+    const FeedToken token = std::move(document.tokens[reading.next++]); // Not all to be freed in one turn.
+    switch (token.kind) {
+    case FeedToken::Kind::StartElement:
+        didStartElement(token.text);
         break;
-    case QXmlStreamReader::Characters:
-        foundCharacters(reader.text());
+    case FeedToken::Kind::Characters:
+        foundCharacters(token.text);
         break;
-    case QXmlStreamReader::EndElement:
-        --reading.levels;
-        didEndElement(reader.qualifiedName());
-        break;
-    case QXmlStreamReader::EndDocument:
-        if (!reading.isWhole) {
-            qCDebug(feedLog, "the document is malformed: it cannot be decoded to its end");
-            return Outcome::Malformed;
-        }
-        return Outcome::EndOfDocument;
-    case QXmlStreamReader::DTD:
-        if (reading.hasRoot) { // Qt takes one behind it, too.
-            qCDebug(feedLog, "the document is malformed: its type stands behind its beginning");
-            return Outcome::Malformed;
-        }
-        break;
-    case QXmlStreamReader::EntityReference:
-    case QXmlStreamReader::Invalid:
-        qCDebug(feedLog) << "the document is malformed: line" << reader.lineNumber() << "column"
-                         << reader.columnNumber() << reader.errorString();
-        return Outcome::Malformed;
-    default:
+    case FeedToken::Kind::EndElement:
+        didEndElement(token.text);
         break;
     }
     return std::nullopt;
@@ -184,7 +143,7 @@ void FeedParser::didStartElement(QStringView name)
 void FeedParser::foundCharacters(QStringView characters)
 {
     if (m_readingChars) {
-        m_currentChars += beginningOf(characters, maxStretch - m_currentChars.size());
+        m_currentChars += characters;
     }
 }
 
@@ -206,7 +165,8 @@ void FeedParser::setField(QStringView element)
     // Everything but the content is lowercased, ids and plain texts included: the feed's authors write words, versions
     // and ids in either case.
     if (element != kContentDataKey) {
-        m_currentChars = lowerCase(beginningOf(m_currentChars, element == kMessageTextKey ? maxStretch : maxField));
+        const bool isToBeShown = element == kMessageTextKey;
+        m_currentChars = lowerCase(isToBeShown ? m_currentChars : beginningOf(m_currentChars, maxField));
     }
     const QString &text = m_currentChars;
     KivNotification &record = *m_notification;

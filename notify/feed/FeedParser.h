@@ -14,10 +14,8 @@ class KivNotification;
 /// name. All text but "contentData" is lowercased first; white space counts. Attributes, and the names and text of the
 /// elements around a message, mean nothing.
 ///
-/// Documents are UTF-8, UTF-16, UTF-32 or ISO 8859-1. Refused as malformed are, besides what XML forbids: a document
-/// type (so that no entity is ever expanded), another declared encoding, more than 64 attributes in a tag, 100 levels
-/// of elements. What comes after a thousand messages is not read: the feed is asked for five. Nor is what a content or
-/// a text has beyond twice the longest that a message keeps, or another field beyond 64 kilobytes of UTF-16 units.
+/// notify/feed/FeedTokens.h says which documents are read, and how much of them. Of a field that is no text to be shown
+/// counts what it has in 64 Ki UTF-16 units.
 ///
 /// What a malformed document leaves open stays open when the next one is begun. Main thread only.
 class FeedParser final
@@ -41,7 +39,7 @@ public:
     /// The same, for who has other things to do meanwhile: begin, and then read until there is an outcome, or an
     /// exception. Nothing when the time is up before that.
     void begin(const QByteArray &document);
-    /// A document, decoded and ready to be read: for a long one, in another thread, where all this may be done.
+    /// A document, taken apart and ready to be read: for a long one, in another thread, where all this may be done.
     struct Reading;
     [[nodiscard]] static std::shared_ptr<Reading> open(const QByteArray &document);
     void begin(std::shared_ptr<Reading> reading);

@@ -458,6 +458,16 @@ TEST(FeedParser, KeepsOfAnEndlessContentWhatIsKeptOfALongOneAndReadsWhatComesBeh
     EXPECT_EQ(feed.records[2]->messageId(), QStringLiteral("17"));
 }
 
+TEST(FeedParser, ReadsOfAContentNoMoreThanTwiceTheLongestText)
+{
+    const auto contentBehind = [](qsizetype dots) {
+        return recordOf("<contentData>" + QByteArray(dots, '.') + "QUJD</contentData>").messageText();
+    };
+    constexpr qsizetype limit = qsizetype{512} * 1024;
+    EXPECT_EQ(contentBehind(limit - 4), QStringLiteral("ABC"));
+    EXPECT_EQ(contentBehind(limit), QString());
+}
+
 TEST(FeedParser, KeepsOfEachFieldNoMoreThanMakesSense)
 {
     constexpr qsizetype limit = qsizetype{64} * 1024;

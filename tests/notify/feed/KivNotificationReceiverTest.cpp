@@ -690,6 +690,11 @@ TEST_F(KivNotificationReceiverTest, LeavesTheDecodingOfALongDocumentToAnotherThr
     EXPECT_LT(longestTurn - KivNotificationReceiver::maxShareOfATurn, opening);
 }
 
+TEST_F(KivNotificationReceiverTest, TakesNoMoreThanAFifthOfWhatAMenuMayWait)
+{
+    EXPECT_LE(5 * KivNotificationReceiver::maxShareOfATurn, 50ms) << "a long message comes on top";
+}
+
 TEST_F(KivNotificationReceiverTest, WaitsAtItsEndForTheThreadThatDecodes)
 {
     serve({answerWith("<supportMessages><supportMessage><messageId>1</messageId></supportMessage>" +

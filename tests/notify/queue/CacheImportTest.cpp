@@ -136,6 +136,11 @@ TEST_F(CacheImportTest, LeavesTheEventLoopATurnBetweenRecords)
     EXPECT_EQ(std::ranges::adjacent_find(turnsBefore), turnsBefore.end()) << "two in one turn";
 }
 
+TEST_F(CacheImportTest, TakesNoMoreThanAFifthOfWhatAMenuMayWait)
+{
+    EXPECT_LE(5 * CacheImport::maxShareOfATurn, 50ms) << "a long record, and what else the turn is for, come on top";
+}
+
 TEST_F(CacheImportTest, HandsOverTheRestWhenSomebodyCannotWait)
 {
     putLongFile();

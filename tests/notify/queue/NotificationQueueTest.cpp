@@ -1,6 +1,5 @@
 #include "notify/queue/NotificationQueue.h"
 
-#include "notify/queue/QueueLimits.h"
 #include "notify/record/KivNotification.h"
 #include "tests/support/LogLines.h"
 #include "tests/support/ProcessorTime.h"
@@ -212,12 +211,12 @@ TEST(NotificationQueue, DropsNothingForAMessageThatHasNoRoomAlone)
         }
         return queue;
     };
+    constexpr NotificationQueue::Load limit{.records = 1000, .bytes = 1'000'000};
     const auto large = [](const char *id, std::int32_t priority) {
         const Record one = record(id, priority);
-        one->setContentType(QString(QueueLimits::maxBytes + 1, u'.'));
+        one->setContentType(QString(limit.bytes, u'.'));
         return one;
     };
-    constexpr NotificationQueue::Load limit{.records = QueueLimits::maxRecords, .bytes = QueueLimits::maxBytes};
     for (const std::int32_t priority : {0, 1, 2}) {
         NotificationQueue queue = waiting();
         queue.add(large("first", priority));

@@ -22,6 +22,14 @@ bool agentTakesALine()
            ((output.revents & POLLNVAL) != 0 && ::fcntl(STDERR_FILENO, F_GETFD) >= 0);
 }
 
+/// Of a terminal that takes a byte, a line may take for ever. An opening of its own need not wait, and leaves that of
+/// the user's shell as it is. -1 for anything else, and on macOS.
+int openedTerminal()
+{
+    constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    return ::isatty(STDERR_FILENO) == 1 ? ::open("/proc/self/fd/2", flags) : -1;
+}
+
 } // namespace
 
 void writeToStandardOutput(std::string_view bytes) noexcept
@@ -39,7 +47,12 @@ void writeToStandardOutput(std::string_view bytes) noexcept
 void sayOnStandardError(std::string_view text)
 {
     const std::string line = ("kivfetch: " + std::string(text)).substr(0, PIPE_BUF - 1) + '\n';
-    if (agentTakesALine()) {
-        [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, line.data(), line.size());
+    const int terminal = openedTerminal();
+    if (terminal >= 0 || agentTakesALine()) {
+        [[maybe_unused]] const ssize_t written =
+            ::write(terminal >= 0 ? terminal : STDERR_FILENO, line.data(), line.size());
+    }
+    if (terminal >= 0) {
+        ::close(terminal);
     }
 }

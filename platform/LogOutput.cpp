@@ -32,12 +32,24 @@ bool takesALine()
            ((output.revents & POLLNVAL) != 0 && ::fcntl(STDERR_FILENO, F_GETFD) >= 0);
 }
 
+/// Of a terminal that takes a byte, a line may take for ever. An opening of its own need not wait, and leaves that of
+/// the user's shell as it is. -1 for anything else, and on macOS.
+int openedTerminal()
+{
+    constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    return ::isatty(STDERR_FILENO) == 1 ? ::open("/proc/self/fd/2", flags) : -1;
+}
+
 void writeLine(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     const QByteArray line = qFormatLogMessage(type, context, message).toLocal8Bit().left(PIPE_BUF - 1) + '\n';
-    if (takesALine()) {
+    const int terminal = openedTerminal();
+    if (terminal >= 0 || takesALine()) {
         [[maybe_unused]] const ssize_t written =
-            ::write(STDERR_FILENO, line.constData(), static_cast<std::size_t>(line.size()));
+            ::write(terminal >= 0 ? terminal : STDERR_FILENO, line.constData(), static_cast<std::size_t>(line.size()));
+    }
+    if (terminal >= 0) {
+        ::close(terminal);
     }
 }
 

@@ -38,7 +38,7 @@ bool CacheWriter::hasWritten(const QVariantList &list) noexcept
 {
     try {
         return m_cache.write(list);
-    } catch (const std::exception &) { // There was no memory for it.
+    } catch (const std::exception &) { // Not even memory for a warning.
         return false;
     }
 }

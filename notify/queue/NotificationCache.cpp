@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <new>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -95,8 +96,13 @@ QVariantList NotificationCache::read()
 
 bool NotificationCache::write(const QVariantList &list)
 {
-    const QByteArray content = PropertyList::toXml(list);
-    const QString obstacle = content.isEmpty() ? QStringLiteral("the list is too large") : obstacleToWriting(content);
+    QString obstacle;
+    try {
+        const QByteArray content = PropertyList::toXml(list);
+        obstacle = content.isEmpty() ? QStringLiteral("the list is too large") : obstacleToWriting(content);
+    } catch (const std::bad_alloc &) {
+        obstacle = QStringLiteral("there is no memory for them");
+    }
     if (!obstacle.isNull() && obstacle != m_obstacle) {
         qCWarning(queueLog, "cannot save the messages in %s: %s", qPrintable(m_path), qPrintable(obstacle));
     }

@@ -1,6 +1,7 @@
 #include "platform/LogOutput.h"
 
 #include "platform/LogCategories.h"
+#include "tests/support/UnreadTerminal.h"
 
 #include <QScopeGuard>
 
@@ -107,6 +108,20 @@ TEST_F(LogOutputTest, DoesNotWaitForAReaderWhoHasStopped)
     EXPECT_FALSE(written().contains("lost"));
     qCWarning(linkLog, "read again");
     EXPECT_EQ(written(), "kiv.link: read again\n");
+}
+
+TEST(LogOutputToATerminal, DoesNotWaitForOneThatNobodyReads)
+{
+    UnreadTerminal terminal;
+    LogOutput::useStandardError();
+    const auto before = qScopeGuard([] { qInstallMessageHandler(nullptr); });
+    EXPECT_TRUE(terminal.letsGo([] {
+        for (int line = 0; line < 1000; ++line) {
+            qCWarning(linkLog) << QString(100, u'x');
+        }
+    }));
+    EXPECT_EQ(terminal.firstBytes().substr(0, 13), "kiv.link: \"xx");
+    EXPECT_TRUE(terminal.isStillOneThatWaits()) << "the shell has it, too";
 }
 
 TEST_F(LogOutputTest, CutsWhatAPipeDoesNotTakeInOnePiece)

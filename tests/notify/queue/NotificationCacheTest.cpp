@@ -346,6 +346,26 @@ TEST_F(NotificationCacheTest, KeepsAsideWhatThereWasNoMemoryToRead)
     EXPECT_EQ(PropertyList::readFile(cache.pathOfUnreadable()), QVariant(theirs));
 }
 
+TEST_F(NotificationCacheTest, SaysThatThereIsNoMemoryToWriteAList)
+{
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer takes more memory than can be left";
+#endif
+    const QVariantList list{QVariantMap{{QStringLiteral("text"), QString(qsizetype{14} * 1024 * 1024, u'x')}}};
+    ASSERT_TRUE(cache.write(listWith("1")));
+    const Warnings warnings;
+    {
+        const MemoryLimit limit(qint64{8} * 1024 * 1024);
+        if (!limit.isSet()) {
+            GTEST_SKIP() << "the system does not say how much a process has";
+        }
+        EXPECT_FALSE(cache.write(list));
+    }
+    ASSERT_EQ(Warnings::heard().size(), 1);
+    EXPECT_TRUE(Warnings::heard().first().contains(QStringLiteral("no memory")));
+    EXPECT_EQ(cache.read(), listWith("1"));
+}
+
 TEST_F(NotificationCacheTest, ClearsAwayWhatAKilledAgentLeftHalfWritten)
 {
     put("list");

@@ -155,7 +155,7 @@ class Workflow(unittest.TestCase):
     def test_waits_for_what_the_agent_says_once_signals_end_it_in_order(self):
         self.assertIn("'kiv.agent: has started'", SCRIPTS[self.START])
         self.assertRegex((SOURCE / "shell/main.cpp").read_text(encoding="utf-8"),
-                         r"const TerminationSignals \w+;\n +qCDebug\(agentLog, \"has started\"\);")
+                         r"(?s)\n    const TerminationSignals \w+;.*\n    qCDebug\(agentLog, \"has started\"\);")
 
 
 if __name__ == "__main__":

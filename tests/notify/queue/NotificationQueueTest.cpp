@@ -139,7 +139,7 @@ TEST(NotificationQueue, NeitherCountsNorDropsHints)
     EXPECT_EQ(idsOf(queue), (Ids{"", "", "a", "b"}));
     queue.dropBeyond({.records = 1, .bytes = 10'000});
     EXPECT_EQ(idsOf(queue), (Ids{"", "", "b"}));
-    queue.dropBeyond({.records = 0, .bytes = 10'000});
+    queue.dropBeyond({.records = 1, .bytes = 10});
     EXPECT_EQ(idsOf(queue), (Ids{"", ""}));
     EXPECT_EQ(queue.bytes(NotificationQueue::Hints::LeaveOut), 0);
     EXPECT_GT(queue.bytes(NotificationQueue::Hints::Include), 50'000) << "five bytes each in XML";

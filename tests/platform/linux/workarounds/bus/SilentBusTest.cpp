@@ -57,7 +57,7 @@ private:
 class TerseBus final
 {
 public:
-    explicit TerseBus(std::optional<QByteArray> words)
+    explicit TerseBus(const std::optional<QByteArray> &words)
     {
         EXPECT_TRUE(m_socket.bindTo(path().toLocal8Bit()));
         m_thread = std::thread([this, words] {

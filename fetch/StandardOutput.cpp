@@ -1,5 +1,6 @@
 #include "fetch/StandardOutput.h"
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -23,11 +24,12 @@ bool agentTakesALine()
 }
 
 /// Of a terminal that takes a byte, a line may take for ever. An opening of its own need not wait, and leaves that of
-/// the user's shell as it is. -1 for anything else, and on macOS.
+/// the user's shell as it is. -1 for anything else.
 int openedTerminal()
 {
+    std::array<char, PATH_MAX> name{};
     constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    return ::isatty(STDERR_FILENO) == 1 ? ::open("/proc/self/fd/2", flags) : -1;
+    return ::ttyname_r(STDERR_FILENO, name.data(), name.size()) == 0 ? ::open(name.data(), flags) : -1;
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <array>
 #include <climits>
 #include <fcntl.h>
 #include <poll.h>
@@ -33,11 +34,12 @@ bool takesALine()
 }
 
 /// Of a terminal that takes a byte, a line may take for ever. An opening of its own need not wait, and leaves that of
-/// the user's shell as it is. -1 for anything else, and on macOS.
+/// the user's shell as it is. -1 for anything else.
 int openedTerminal()
 {
+    std::array<char, PATH_MAX> name{};
     constexpr int flags = O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    return ::isatty(STDERR_FILENO) == 1 ? ::open("/proc/self/fd/2", flags) : -1;
+    return ::ttyname_r(STDERR_FILENO, name.data(), name.size()) == 0 ? ::open(name.data(), flags) : -1;
 }
 
 void writeLine(QtMsgType type, const QMessageLogContext &context, const QString &message)
